@@ -1,0 +1,149 @@
+#pragma once
+
+// The one central state object of the application: all screens observe it, and it alone starts scans and
+// holds the tree. It lives on the main thread; long work runs in tasks of the thread pool that take and
+// return values and are awaited, and after every wait a task compares its token, so that an old scan ends
+// silently.
+
+#include "Core/Pane.h"
+#include "Core/ScanProgress.h"
+#include "Platform/AppServices.h"
+#include "Scan/FastScanner.h"
+#include "Scan/FileTree.h"
+
+#include <QCoroTask>
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Quillbrook {
+
+/// Where the model stands. `message` is set only for `failed`.
+struct Phase
+{
+    enum class Kind { idle, scanning, ready, failed };
+
+    Kind kind = Kind::idle;
+    QString message{};
+
+    bool operator==(const Phase &) const = default;
+};
+
+/// Which folders a scan opens: `quiet` only what raises no consent dialog, `complete` the whole home folder.
+enum class Scope { quiet, complete };
+
+class AppModel : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct ScanRequest
+    {
+        /// Absent: the present scope stays.
+        std::optional<Scope> scope{};
+        /// Automatic starts happen once per run of the application.
+        bool automatic = false;
+    };
+
+    explicit AppModel(const AppServices &services, QObject *parent = nullptr);
+    ~AppModel() override;
+
+    // Scan driver. A request while scanning is dropped.
+    void scan(const ScanRequest &request);
+    void cancelScan();
+
+    // Navigation.
+    /// Goes into a folder, or selects a file.
+    void drillInto(qint32 node);
+    /// Back to a position of `breadcrumb`; beyond its end nothing happens, a negative one ends the process.
+    void popTo(qsizetype position);
+    void setSelection(const std::optional<NodeSnapshot> &selection);
+    void setSearchText(const QString &text);
+    void setRequestedPane(std::optional<Pane> pane);
+    void setScanRoot(const QString &path);
+
+    // Queries over the whole tree, whatever the focus is, largest first.
+    [[nodiscard]] QList<NodeSnapshot> largestFiles(qsizetype limit) const;
+    /// The first `limit` names met that hold `query` in any letter case; fewer than 2 characters find
+    /// nothing.
+    [[nodiscard]] QList<NodeSnapshot> search(const QString &query, qsizetype limit) const;
+    /// The raw path of what a snapshot names, for system calls. From the tree as long as it still holds that
+    /// node at that path, else the path's text encoded.
+    [[nodiscard]] std::string rawPath(const NodeSnapshot &snapshot) const;
+
+    // The volume.
+    void refreshVolume();
+    void refreshMenuBarTitle();
+    /// Starts the clock that refreshes the volume's figures every 60 seconds; starting again replaces it.
+    void startRuleClock();
+    [[nodiscard]] qint64 volumeFree() const;
+    [[nodiscard]] qint64 volumeTotal() const;
+
+    [[nodiscard]] const Phase &phase() const { return m_phase; }
+    [[nodiscard]] const std::shared_ptr<const FileTree> &tree() const { return m_tree; }
+    [[nodiscard]] qint32 rootNode() const { return m_rootNode; }
+    [[nodiscard]] qint32 focus() const { return m_focus; }
+    [[nodiscard]] const QList<qint32> &breadcrumb() const { return m_breadcrumb; }
+    [[nodiscard]] const QStringList &breadcrumbNames() const { return m_breadcrumbNames; }
+    [[nodiscard]] const std::optional<NodeSnapshot> &selection() const { return m_selection; }
+    [[nodiscard]] const QString &scanRoot() const { return m_scanRoot; }
+    [[nodiscard]] const QString &searchText() const { return m_searchText; }
+    [[nodiscard]] Scope scope() const { return m_scope; }
+    [[nodiscard]] std::optional<Pane> requestedPane() const { return m_requestedPane; }
+    /// Seconds of the last tree scan; 0 before one.
+    [[nodiscard]] double lastScanDuration() const { return m_lastScanDuration; }
+    [[nodiscard]] quint64 treeGeneration() const { return m_treeGeneration; }
+    [[nodiscard]] qsizetype scannedFileCount() const { return m_scannedFileCount; }
+    [[nodiscard]] qint64 liveFree() const { return m_liveFree; }
+    [[nodiscard]] qint64 liveOptimistic() const { return m_liveOptimistic; }
+    [[nodiscard]] qint64 liveTotal() const { return m_liveTotal; }
+    [[nodiscard]] const QString &menuBarTitle() const { return m_menuBarTitle; }
+    [[nodiscard]] ScanProgress &scanProgress() { return m_scanProgress; }
+    [[nodiscard]] const AppServices &services() const { return m_services; }
+
+Q_SIGNALS:
+    void phaseChanged();
+    void treeChanged();
+    void focusChanged();
+    void breadcrumbChanged();
+    void selectionChanged();
+    void scanRootChanged();
+    void searchTextChanged();
+    void scopeChanged();
+    void requestedPaneChanged();
+    void lastScanDurationChanged();
+    void treeGenerationChanged();
+    void scannedFileCountChanged();
+    void volumeChanged();
+    void menuBarTitleChanged();
+
+private:
+    AppServices m_services;
+    Phase m_phase;
+    std::shared_ptr<const FileTree> m_tree;
+    qint32 m_rootNode = FileTree::noNode;
+    qint32 m_focus = FileTree::noNode;
+    QList<qint32> m_breadcrumb;
+    QStringList m_breadcrumbNames;
+    std::optional<NodeSnapshot> m_selection;
+    QString m_scanRoot;
+    QString m_searchText;
+    Scope m_scope = Scope::quiet;
+    std::optional<Pane> m_requestedPane;
+    double m_lastScanDuration = 0;
+    quint64 m_treeGeneration = 0;
+    qsizetype m_scannedFileCount = 0;
+    qint64 m_liveFree = 0;
+    qint64 m_liveOptimistic = 0;
+    qint64 m_liveTotal = 0;
+    QString m_menuBarTitle = QStringLiteral("—");
+    ScanProgress m_scanProgress;
+};
+
+} // namespace Quillbrook

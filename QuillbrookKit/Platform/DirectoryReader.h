@@ -1,0 +1,69 @@
+#pragma once
+
+// Reading one folder's entries with what a scan needs of them: one call a folder, never one virtual call a
+// file. A scan asks the factory for one session; each worker asks the session for a reader of its own, which
+// owns its scratch and is used by that worker alone.
+
+#include "Scan/FileTree.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quillbrook {
+
+/// One directory entry. `device` is what a scan compares to stay on one device (0: not told), `fileId` names
+/// the file for hard-link counting together with `fileDevice` (fileId 0: not told), `allocatedSize` is bytes
+/// on disk. `name` points into the reader's scratch and is valid until the next call on the same reader.
+struct DirectoryRecord
+{
+    enum class Type : std::uint8_t { other, directory, symlink };
+
+    std::string_view name{};
+    std::uint64_t device = 0;
+    std::uint64_t fileDevice = 0;
+    std::uint64_t fileId = 0;
+    std::int64_t allocatedSize = 0;
+    std::uint32_t linkCount = 1;
+    Type type = Type::other;
+    bool isMountPoint = false;
+};
+
+/// Reads folders for one worker. Not thread-safe; never shared.
+class DirectoryReader
+{
+public:
+    virtual ~DirectoryReader() = default;
+
+    /// Opens `path` (absolute, raw bytes, of any length); false when it can't be opened as a folder, for
+    /// whatever reason. The root of a scan may be a link and is followed; any other folder is not.
+    [[nodiscard]] virtual bool open(const std::string &path, bool isRoot) = 0;
+    /// The next batch of records of the open folder, without "." and ".."; empty at the end. An error in the
+    /// middle ends the folder, keeping what was read.
+    [[nodiscard]] virtual std::span<const DirectoryRecord> next() = 0;
+    virtual void close() = 0;
+};
+
+/// What is known once for a whole scan. Thread-safe after construction.
+class DirectorySession
+{
+public:
+    virtual ~DirectorySession() = default;
+    /// The device of the scan's root, comparable with `DirectoryRecord::device`; absent when it can't be
+    /// told.
+    [[nodiscard]] virtual std::optional<std::uint64_t> rootDevice() const = 0;
+    [[nodiscard]] virtual std::unique_ptr<DirectoryReader> makeReader() = 0;
+};
+
+/// The platform's way to read folders. Thread-safe; lives as long as the process.
+class DirectoryReading
+{
+public:
+    virtual ~DirectoryReading() = default;
+    [[nodiscard]] virtual std::unique_ptr<DirectorySession> session(const std::string &rootPath) = 0;
+};
+
+} // namespace Quillbrook

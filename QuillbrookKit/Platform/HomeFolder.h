@@ -1,0 +1,20 @@
+#pragma once
+
+// Where the user's files are. The two differ exactly when the program runs in a sandbox.
+
+#include <QString>
+
+namespace Quillbrook {
+
+class HomeFolder
+{
+public:
+    virtual ~HomeFolder() = default;
+    /// The home this process is given: the sandbox's own inside a sandbox, else the same as
+    /// `realHomeDirectory`.
+    [[nodiscard]] virtual QString homeDirectory() const = 0;
+    /// The user's home by the account database, normalised (absolute, no trailing slash).
+    [[nodiscard]] virtual QString realHomeDirectory() const = 0;
+};
+
+} // namespace Quillbrook

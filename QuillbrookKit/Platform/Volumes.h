@@ -1,0 +1,31 @@
+#pragma once
+
+// Capacity of the volume that holds a path.
+
+#include <QString>
+
+#include <optional>
+
+namespace Quillbrook {
+
+/// Bytes. `available` is what an ordinary user can still write; `availableForImportantUsage` also counts what
+/// the system would purge (equal to `available` where nothing is purgeable). A figure the system does not
+/// tell is absent.
+struct VolumeCapacity
+{
+    std::optional<qint64> available{};
+    std::optional<qint64> availableForImportantUsage{};
+    std::optional<qint64> total{};
+
+    bool operator==(const VolumeCapacity &) const = default;
+};
+
+class Volumes
+{
+public:
+    virtual ~Volumes() = default;
+    /// Absent when the volume can't be asked. Callable from any thread.
+    [[nodiscard]] virtual std::optional<VolumeCapacity> capacity(const QString &path) const = 0;
+};
+
+} // namespace Quillbrook

@@ -1,0 +1,82 @@
+#pragma once
+
+// Measures a folder tree and hands back a finished `FileTree`. It lists folders only: no file is ever opened.
+// Sizes are allocated sizes. One scanner serves one scan at a time; `progress` and `cancel` may be called
+// from any thread while `scan` runs on another.
+
+#include "Scan/FileTree.h"
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+
+namespace Quillbrook {
+
+class DirectoryReading;
+class Processors;
+
+class FastScanner
+{
+public:
+    /// Absolute parent path to the names of the child folders that may be entered there.
+    using Allowlist = QHash<QString, QSet<QString>>;
+
+    struct Request
+    {
+        /// Absolute; standardised ("~", ".", "..", doubled and trailing slashes) unless it is "/".
+        QString rootPath{};
+        /// Worker threads, clamped to 1 to 32.
+        int threads = 1;
+        /// Absolute folder paths that are listed but never entered; not applied to the root.
+        QSet<QString> exclusions{};
+        /// Empty: no restriction. A parent that is not a key is unrestricted.
+        Allowlist allowlist{};
+        bool crossDevices = false;
+    };
+
+    struct Progress
+    {
+        qsizetype filesSeen = 0;
+        qint64 bytesSeen = 0;
+        qsizetype directoriesQueued = 0;
+
+        bool operator==(const Progress &) const = default;
+    };
+
+    struct Result
+    {
+        std::shared_ptr<const FileTree> tree{};
+        qint32 root = FileTree::noNode;
+        /// Seconds.
+        double duration = 0;
+        qsizetype unreadableDirectories = 0;
+    };
+
+    explicit FastScanner(DirectoryReading &directories);
+    ~FastScanner();
+    FastScanner(const FastScanner &) = delete;
+    FastScanner &operator=(const FastScanner &) = delete;
+
+    /// Runs a whole scan and returns when it has ended or was cancelled; a cancelled scan returns its partial
+    /// tree, rolled up and sorted. Never fails: what can't be read is marked in the tree and counted.
+    [[nodiscard]] Result scan(const Request &request);
+    [[nodiscard]] Progress progress() const;
+    void cancel();
+
+    /// Volumes of the system and pseudo file systems that no scan enters.
+    [[nodiscard]] static QSet<QString> defaultExclusions();
+    /// Which folders below the home folder a quiet scan may enter.
+    [[nodiscard]] static Allowlist quietAllowlist(const QString &home);
+    /// Folders whose opening makes a privacy layer ask the user; a quiet scan stays out of them.
+    [[nodiscard]] static QSet<QString> tccProtectedPaths(const QString &home);
+    /// Performance cores, else half of all processors, at least 1.
+    [[nodiscard]] static int defaultThreadCount(const Processors &processors);
+
+private:
+    struct Shared;
+    std::unique_ptr<Shared> m_shared;
+};
+
+} // namespace Quillbrook

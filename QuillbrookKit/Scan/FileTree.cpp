@@ -1,0 +1,244 @@
+#include "Scan/FileTree.h"
+
+#include "Fatal.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Quillbrook {
+
+namespace {
+
+constexpr size_t maximumIndex = std::numeric_limits<qint32>::max();
+constexpr qsizetype nameBytesPerExpectedNode = 16;
+
+constexpr size_t at(qint32 node)
+{
+    return static_cast<size_t>(node);
+}
+
+bool isAscii(std::string_view bytes)
+{
+    return std::ranges::none_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+}
+
+QString canonical(const QString &text)
+{
+    return text.normalized(QString::NormalizationForm_C);
+}
+
+// One piece of a wanted path, prepared so that the common all-ASCII comparison allocates nothing.
+struct Piece
+{
+    explicit Piece(QStringView text)
+        : utf8(text.toUtf8().toStdString())
+        , composed(canonical(text.toString()))
+        , ascii(isAscii(utf8))
+    {
+    }
+
+    [[nodiscard]] bool equals(std::string_view name) const
+    {
+        // Canonical equivalents of an ASCII text may hold other characters (U+212A for K), so only a name
+        // that is ASCII too is settled by its bytes.
+        if (name == utf8)
+            return true;
+        if (isAscii(name))
+            return ascii ? false : composed == QLatin1StringView(name.data(), qsizetype(name.size()));
+        return canonical(QString::fromUtf8(name.data(), qsizetype(name.size()))) == composed;
+    }
+
+    std::string utf8;
+    QString composed;
+    bool ascii;
+};
+
+} // namespace
+
+size_t qHash(const NodeSnapshot &snapshot, size_t seed) noexcept
+{
+    return qHashMulti(seed, snapshot.id, snapshot.name, snapshot.path, snapshot.bytes, snapshot.isDirectory);
+}
+
+FileTree::FileTree(qsizetype expectedNodes)
+{
+    reserve(expectedNodes);
+    m_nameArena.reserve(static_cast<size_t>(expectedNodes * nameBytesPerExpectedNode));
+}
+
+void FileTree::reserve(qsizetype expectedNodes)
+{
+    const auto count = static_cast<size_t>(expectedNodes);
+    m_parent.reserve(count);
+    m_firstChild.reserve(count);
+    m_nextSibling.reserve(count);
+    m_ownSize.reserve(count);
+    m_totalSize.reserve(count);
+    m_nameOffset.reserve(count);
+    m_nameLength.reserve(count);
+    m_flags.reserve(count);
+}
+
+qint32 FileTree::addNode(qint32 parentIndex, std::string_view name, qint64 size, Flags flags)
+{
+    if (m_parent.size() > maximumIndex || m_nameArena.size() > maximumIndex)
+        fatal("a file tree grew past 2^31 nodes or name bytes");
+    const auto node = static_cast<qint32>(m_parent.size());
+    const auto offset = static_cast<qint32>(m_nameArena.size());
+    const bool hasParent = parentIndex != noNode;
+    m_nameArena.insert(m_nameArena.end(), name.begin(), name.end());
+    m_parent.push_back(parentIndex);
+    m_firstChild.push_back(noNode);
+    m_nextSibling.push_back(hasParent ? m_firstChild[at(parentIndex)] : noNode);
+    m_ownSize.push_back(size);
+    m_totalSize.push_back(size);
+    m_nameOffset.push_back(offset);
+    m_nameLength.push_back(
+        static_cast<quint16>(std::min<size_t>(name.size(), std::numeric_limits<quint16>::max())));
+    m_flags.push_back(flags);
+    if (hasParent)
+        m_firstChild[at(parentIndex)] = node;
+    ++(contains(flags, Flags::directory) ? m_dirCount : m_fileCount);
+    return node;
+}
+
+void FileTree::rollUp()
+{
+    for (auto node = static_cast<qint32>(nodeCount()) - 1; node >= 1; --node) {
+        const auto parent = m_parent[at(node)];
+        if (parent == noNode)
+            continue;
+        auto &sum = m_totalSize[at(parent)];
+        if (__builtin_add_overflow(sum, m_totalSize[at(node)], &sum))
+            fatal("the sizes of a file tree add up to more than 2^63 bytes");
+    }
+}
+
+void FileTree::sortChildrenBySize()
+{
+    std::vector<qint32> siblings;
+    siblings.reserve(256);
+    for (qint32 &first : m_firstChild) {
+        if (first == noNode || m_nextSibling[at(first)] == noNode)
+            continue;
+        siblings.clear();
+        for (auto child = first; child != noNode; child = m_nextSibling[at(child)])
+            siblings.push_back(child);
+        std::ranges::stable_sort(
+            siblings, [this](qint32 a, qint32 b) { return m_totalSize[at(a)] > m_totalSize[at(b)]; });
+        first = siblings.front();
+        for (size_t i = 1; i < siblings.size(); ++i)
+            m_nextSibling[at(siblings[i - 1])] = siblings[i];
+        m_nextSibling[at(siblings.back())] = noNode;
+    }
+}
+
+void FileTree::setUnreadable(qint32 node)
+{
+    if (!isValid(node))
+        fatal("a node that does not exist was marked unreadable");
+    m_flags[at(node)] |= Flags::unreadable;
+}
+
+QString FileTree::name(qint32 node) const
+{
+    const auto raw = rawName(node);
+    return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
+}
+
+std::string_view FileTree::rawName(qint32 node) const
+{
+    if (!isValid(node))
+        return {};
+    return { m_nameArena.data() + m_nameOffset[at(node)], m_nameLength[at(node)] };
+}
+
+qint64 FileTree::size(qint32 node) const
+{
+    return isValid(node) ? m_totalSize[at(node)] : 0;
+}
+
+FileTree::Flags FileTree::nodeFlags(qint32 node) const
+{
+    return isValid(node) ? m_flags[at(node)] : Flags::none;
+}
+
+bool FileTree::isDirectory(qint32 node) const
+{
+    return contains(nodeFlags(node), Flags::directory);
+}
+
+QList<qint32> FileTree::children(qint32 node) const
+{
+    QList<qint32> result;
+    if (!isValid(node))
+        return result;
+    for (auto child = m_firstChild[at(node)]; child != noNode; child = m_nextSibling[at(child)])
+        result.append(child);
+    return result;
+}
+
+std::vector<qint32> FileTree::lineage(qint32 node) const
+{
+    std::vector<qint32> nodes;
+    for (; isValid(node); node = m_parent[at(node)])
+        nodes.push_back(node);
+    std::ranges::reverse(nodes);
+    return nodes;
+}
+
+QString FileTree::path(qint32 node) const
+{
+    const auto raw = rawPath(node);
+    return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
+}
+
+std::string FileTree::rawPath(qint32 node) const
+{
+    const auto nodes = lineage(node);
+    if (nodes.empty())
+        return {};
+    std::string path{ rawName(nodes.front()) };
+    if (path == "/" && nodes.size() > 1)
+        path.clear();
+    for (const auto component : std::span(nodes).subspan(1)) {
+        path += '/';
+        path += rawName(component);
+    }
+    return path;
+}
+
+qint32 FileTree::find(const QString &path, qint32 from) const
+{
+    const auto base = canonical(this->path(from));
+    const auto wanted = canonical(path);
+    if (wanted == base)
+        return from;
+    const auto prefix = base == u"/" ? base : base + u'/';
+    if (!wanted.startsWith(prefix))
+        return noNode;
+    auto current = from;
+    for (const auto text : QStringView(wanted).sliced(prefix.size()).tokenize(u'/', Qt::SkipEmptyParts)) {
+        const Piece piece(text);
+        auto child = isValid(current) ? m_firstChild[at(current)] : noNode;
+        while (child != noNode && !piece.equals(rawName(child)))
+            child = m_nextSibling[at(child)];
+        if (child == noNode)
+            return noNode;
+        current = child;
+    }
+    return current;
+}
+
+std::optional<NodeSnapshot> FileTree::snapshot(qint32 node) const
+{
+    if (!isValid(node))
+        return std::nullopt;
+    return NodeSnapshot{ .id = node,
+        .name = name(node),
+        .path = path(node),
+        .bytes = size(node),
+        .isDirectory = isDirectory(node) };
+}
+
+} // namespace Quillbrook

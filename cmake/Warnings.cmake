@@ -1,0 +1,8 @@
+# Warnings of our own targets; what Qt generates into them is not ours to warn about.
+function(quillbrook_warnings target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Werror)
+    # GCC 12 warns falsely about coroutine frames and inlined std::string copies at -O2.
+    target_compile_options(${target} PRIVATE -Wno-restrict)
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
+        PROPERTIES COMPILE_OPTIONS -Wno-error)
+endfunction()
