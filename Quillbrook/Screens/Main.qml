@@ -1,7 +1,16 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
+import Quillbrook
 
 Window {
-    width: 1260
-    height: 820
+    id: root
+
+    color: Theme.page
+    height: Metrics.windowHeight
+    minimumHeight: Metrics.windowMinimumHeight
+    minimumWidth: Metrics.windowMinimumWidth
+    title: "Quillbrook"
     visible: true
+    width: Metrics.windowWidth
 }

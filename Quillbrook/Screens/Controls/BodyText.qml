@@ -1,0 +1,18 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quillbrook
+
+// Running text. Wraps where a width is given and `wrapMode` asks for it; otherwise a long text is elided.
+Text {
+    id: root
+
+    property bool semibold: false
+
+    color: Theme.body
+    elide: Text.ElideRight
+    font.pointSize: Metrics.bodyFont
+    font.weight: semibold ? Font.DemiBold : Font.Normal
+    renderType: Text.NativeRendering
+    textFormat: Text.PlainText
+}

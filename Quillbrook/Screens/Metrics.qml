@@ -1,0 +1,84 @@
+pragma Singleton
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quillbrook
+
+// Sizes, radii, type and motion of every screen. Lengths are in pixels at scale 1; font sizes are in points,
+// because only those may be fractions of a pixel.
+QtObject {
+    id: root
+
+    // Window.
+    readonly property int windowWidth: 1260
+    readonly property int windowHeight: 820
+    readonly property int windowMinimumWidth: 1040
+    readonly property int windowMinimumHeight: 680
+    readonly property int sidebarWidth: 235
+    readonly property int sidebarRowHeight: 32
+    readonly property int topBarHeight: 51
+    readonly property int askBarHeight: 42
+    readonly property int columnWidth: 620
+    readonly property int scanningTop: 88
+    readonly property int noticeWidth: 440
+
+    // The 4-point grid.
+    readonly property int space4: 4
+    readonly property int space8: 8
+    readonly property int space12: 12
+    readonly property int space16: 16
+    readonly property int space20: 20
+    readonly property int space24: 24
+    readonly property int paneInset: 20
+
+    // Shapes.
+    readonly property int hairlineWidth: 1
+    readonly property int cardRadius: 10
+    readonly property int controlRadius: 7
+    readonly property int tickRadius: 4
+    readonly property int focusRingWidth: 2
+    readonly property int focusRingGap: 2
+    readonly property int controlHeight: 28
+    readonly property int prominentHeight: 32
+    readonly property int fieldHeight: 30
+    readonly property int rowHeight: 39
+    readonly property int gaugeBarHeight: 6
+    readonly property int progressBarHeight: 8
+    readonly property int tickSize: 16
+    readonly property int switchWidth: 34
+    readonly property int switchHeight: 20
+    readonly property int scrollBarWidth: 6
+    readonly property int sheetWidth: 560
+    readonly property int dialogWidth: 420
+    readonly property int dotSize: 8
+    readonly property int sizeColumnWidth: 86
+
+    // Symbols.
+    readonly property int symbolSmall: 11
+    readonly property int symbolSize: 16
+    readonly property int symbolLarge: 20
+
+    // Type, in points that come out as the pixels named.
+    readonly property real sectionFont: 10.5 * Theme.pointsPerPixel
+    readonly property real tinyFont: 11 * Theme.pointsPerPixel
+    readonly property real captionFont: 11.5 * Theme.pointsPerPixel
+    readonly property real smallFont: 12.5 * Theme.pointsPerPixel
+    readonly property real bodyFont: 13 * Theme.pointsPerPixel
+    readonly property real messageFont: 13.5 * Theme.pointsPerPixel
+    readonly property real headingFont: 15 * Theme.pointsPerPixel
+    readonly property real figureFont: 25 * Theme.pointsPerPixel
+    readonly property real sectionTracking: 0.84
+
+    // States of a control are told by opacity alone.
+    readonly property real hoverOpacity: 0.06
+    readonly property real pressedOpacity: 0.12
+    readonly property real disabledOpacity: 0.45
+    readonly property real faintOpacity: 0.6
+    readonly property real tintOpacity: 0.07
+    readonly property real scrimOpacity: 0.25
+
+    // Motion, in milliseconds; none where the desktop asks for none, which the window tells.
+    property bool reducedMotion: false
+    readonly property int quickMotion: reducedMotion ? 0 : 120
+    readonly property int sheetMotion: reducedMotion ? 0 : 180
+}
