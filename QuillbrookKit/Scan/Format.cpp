@@ -1,0 +1,83 @@
+#include "Scan/Format.h"
+
+#include <QLocale>
+
+#include <array>
+
+namespace Quillbrook::Format {
+
+namespace {
+
+constexpr qint64 bytesPerUnit = 1024;
+constexpr double reciprocalOfUnit = 0.0009765625;
+constexpr std::array units{ "KB", "MB", "GB", "TB" };
+
+constexpr qint64 daysPerMonth = 30;
+constexpr qint64 daysPerYear = 365;
+
+// Complete days of the local calendar; `QDateTime::daysTo` alone counts the midnights between.
+qint64 wholeDays(const QDateTime &date, const QDateTime &now)
+{
+    const auto from = date.toLocalTime();
+    const auto to = now.toLocalTime();
+    const auto midnights = from.daysTo(to);
+    return from.addDays(midnights) > to ? midnights - 1 : midnights;
+}
+
+// How much of `path` spells `home`, when that is all of it or a "/" follows. Texts that differ only in how
+// their characters are composed spell the same folder.
+std::optional<qsizetype> homeLength(const QString &path, const QString &home)
+{
+    const auto endsComponent = [&](qsizetype end) { return end == path.size() || path[end] == u'/'; };
+    if (path.startsWith(home))
+        return endsComponent(home.size()) ? std::optional(home.size()) : std::nullopt;
+    const auto composed = home.normalized(QString::NormalizationForm_C);
+    for (qsizetype end = 1; end <= path.size(); ++end) {
+        if (endsComponent(end) && path.first(end).normalized(QString::NormalizationForm_C) == composed)
+            return end;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+QString bytes(qint64 count)
+{
+    if (count < bytesPerUnit)
+        return QString::number(count) + QStringLiteral(" B");
+    auto value = static_cast<double>(count) * reciprocalOfUnit;
+    size_t unit = 0;
+    for (; value >= bytesPerUnit && unit + 1 < units.size(); ++unit)
+        value *= reciprocalOfUnit;
+    return QString::asprintf(value >= 100 ? "%.0f %s" : "%.1f %s", value, units[unit]);
+}
+
+QString count(qint64 value)
+{
+    return QLocale(QLocale::English, QLocale::UnitedStates).toString(value);
+}
+
+QString age(const std::optional<QDateTime> &date, const QDateTime &now)
+{
+    if (!date)
+        return QStringLiteral("unknown");
+    const auto days = wholeDays(*date, now);
+    if (days < 1)
+        return QStringLiteral("today");
+    if (days == 1)
+        return QStringLiteral("yesterday");
+    if (days < daysPerMonth)
+        return QStringLiteral("%1 days ago").arg(days);
+    if (days < daysPerYear)
+        return QStringLiteral("%1 months ago").arg(days / daysPerMonth);
+    return QStringLiteral("over a year ago");
+}
+
+QString friendlyPath(const QString &path, const QString &home)
+{
+    if (const auto length = homeLength(path, home))
+        return u'~' + path.sliced(*length);
+    return path;
+}
+
+} // namespace Quillbrook::Format
