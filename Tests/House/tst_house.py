@@ -1,0 +1,207 @@
+"""What holds for the house as a whole: which folder may include what, that documents name what exists, that the
+packages list knows every QML module, and that scripts, code and desktop entry keep their form.
+
+Takes nothing but the source tree. Run with --list to see the checks."""
+
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+CODE = {".h", ".cpp"}
+
+# What each Kit folder may include of the Kit besides itself; the arrows never form a ring. The root's own headers
+# (Fatal.h) are for everyone.
+KIT_DIRECTIONS = {
+    "Platform": {"Scan", "Removal"},
+    "Scan": {"Platform"},
+    "Catalogue": {"Platform", "Scan"},
+    "Removal": {"Platform", "Scan", "Catalogue"},
+    "Uninstaller": {"Platform", "Scan", "Removal"},
+    "Offload": {"Platform", "Scan", "Removal"},
+    "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
+}
+
+# Headers that only a Platform/Linux folder may include.
+PLATFORM_HEADERS = re.compile(
+    r"<(linux/|sys/|mntent\.h|fcntl\.h|unistd\.h|dirent\.h|pwd\.h|sched\.h|signal\.h|poll\.h|dlfcn\.h|"
+    r"QDBus|QtDBus)")
+PLATFORM_PATHS = re.compile(r"[\"']/(proc|sys)(/|[\"'])")
+
+
+def tracked(*suffixes):
+    """Files of the tree that belong to it; outside a git checkout everything but build folders."""
+    listing = subprocess.run(
+        ["git", "-c", "safe.directory=*", "-C", str(ROOT), "ls-files", "--cached", "--others", "--exclude-standard"],
+        capture_output=True, text=True, timeout=30)
+    if listing.returncode == 0:
+        names = [ROOT / name for name in listing.stdout.splitlines()]
+    else:
+        names = [path for path in ROOT.rglob("*") if not path.relative_to(ROOT).parts[0].startswith(("build", ".git"))]
+    return sorted(path for path in names if path.is_file() and (not suffixes or path.suffix in suffixes))
+
+
+def relative(path):
+    return path.relative_to(ROOT).as_posix()
+
+
+def includes(path):
+    """(line number, what stands between the quotes or brackets, with them) of every include."""
+    for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+        found = re.match(r'\s*#\s*include\s*(["<][^">]+[">])', line)
+        if found:
+            yield number, found.group(1)
+
+
+def in_platform(path):
+    return "Platform/Linux/" in relative(path)
+
+
+class Directions(unittest.TestCase):
+    def sources(self, folder):
+        found = [path for path in tracked(*CODE) if relative(path).startswith(folder + "/")]
+        self.assertTrue(found, f"no sources under {folder}")
+        return found
+
+    def testTheKitIncludesNothingOfTheApplication(self):
+        application = {path.relative_to(ROOT / "Quillbrook").as_posix() for path in self.sources("Quillbrook")}
+        kit = {path.relative_to(ROOT / "QuillbrookKit").as_posix() for path in self.sources("QuillbrookKit")}
+        for path in self.sources("QuillbrookKit"):
+            for number, name in includes(path):
+                bare = name.strip('"<>')
+                with self.subTest(f"{relative(path)}:{number}"):
+                    self.assertFalse(bare in application - kit, f"includes {bare} of the application")
+                    self.assertNotRegex(bare, r"^(QtGui|QtQuick|QtQml|QtWidgets|QGuiApp|QApplication|QQuick|QQml|QWidget)")
+
+    def testFoldersOfTheKitIncludeOnlyWhatTheyBuildOn(self):
+        for path in self.sources("QuillbrookKit"):
+            own = path.relative_to(ROOT / "QuillbrookKit").parts[0]
+            if own not in KIT_DIRECTIONS:
+                continue
+            for number, name in includes(path):
+                other = name.strip('"').split("/")[0]
+                with self.subTest(f"{relative(path)}:{number}"):
+                    if name.startswith('"') and other in KIT_DIRECTIONS and other != own:
+                        self.assertIn(other, KIT_DIRECTIONS[own], f"{own} does not build on {other}")
+
+    def testOnlyPlatformFoldersIncludeSystemHeaders(self):
+        for path in self.sources("QuillbrookKit") + self.sources("Quillbrook"):
+            if in_platform(path):
+                continue
+            for number, name in includes(path):
+                with self.subTest(f"{relative(path)}:{number}"):
+                    self.assertNotRegex(name, PLATFORM_HEADERS)
+
+    def testOnlyPlatformFoldersReadTheKernelsFiles(self):
+        for path in self.sources("QuillbrookKit") + self.sources("Quillbrook"):
+            if in_platform(path):
+                continue
+            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+                with self.subTest(f"{relative(path)}:{number}"):
+                    self.assertNotRegex(line.split("//")[0], PLATFORM_PATHS)
+
+    def testEverySourceFileIsBuilt(self):
+        lists = "\n".join(path.read_text(encoding="utf-8") for path in tracked() if path.name == "CMakeLists.txt")
+        for path in tracked(".cpp", ".qml"):
+            with self.subTest(relative(path)):
+                self.assertRegex(lists, r"(^|[\s/(])" + re.escape(path.name) + r"\b")
+
+
+class Documents(unittest.TestCase):
+    def testEveryPathADocumentNamesExists(self):
+        documents = [path for path in tracked(".md")]
+        self.assertIn(ROOT / "README.md", documents)
+        tops = {path.name for path in ROOT.iterdir()}
+        named = 0
+        for document in documents:
+            text = document.read_text(encoding="utf-8")
+            text = re.sub(r"^```.*?^```$", "", text, flags=re.S | re.M)
+            for name in re.findall(r"`([^`\s]+)`", text) + re.findall(r"\]\(([^)\s]+)\)", text):
+                name = name.split("#")[0].removeprefix("./")
+                if not name or re.match(r"https?:|mailto:|[~/$<]", name) or re.search(r"[*{}<>]", name):
+                    continue
+                linked = (document.parent / name).exists()
+                if name.split("/")[0] not in tops and not linked:
+                    # A word in code type, not a path; unless it has the form of one.
+                    if not re.search(r"/.+\.(h|cpp|qml|md|py|png|svg|txt)$", name):
+                        continue
+                if name.split("/")[0] == "build":
+                    continue
+                named += 1
+                with self.subTest(f"{relative(document)}: {name}"):
+                    self.assertTrue(linked or (ROOT / name).exists())
+        self.assertGreater(named, 10, "the documents name no paths any more")
+
+
+class Packages(unittest.TestCase):
+    def lines(self):
+        section = None
+        for line in (ROOT / "Packaging/packages.txt").read_text(encoding="utf-8").splitlines():
+            if line.startswith("["):
+                section = line.strip("[]")
+            elif line.strip() and not line.startswith("#"):
+                yield section, line
+
+    def testEveryPackageHasItsReason(self):
+        for section, line in self.lines():
+            with self.subTest(line):
+                self.assertIsNotNone(section)
+                self.assertRegex(line, r"^[a-z0-9][a-z0-9.+-]+ +# .+$")
+
+    def testEveryImportedQmlModuleIsListed(self):
+        listed = {line.split()[0] for _, line in self.lines()}
+        imported = {}
+        for path in tracked(".qml"):
+            for module in re.findall(r"^\s*import\s+([A-Z][\w.]*)", path.read_text(encoding="utf-8"), flags=re.M):
+                imported.setdefault(module, path)
+        imported.pop("Quillbrook", None)
+        self.assertIn("QtQuick", imported)
+        for module, path in imported.items():
+            # A style is part of the controls' package.
+            package = re.sub(r"^(QtQuick\.Controls)\..*", r"\1", module)
+            package = "qml6-module-" + package.lower().replace(".", "-")
+            with self.subTest(f"{module}, as in {relative(path)}"):
+                self.assertIn(package, listed)
+
+
+class Form(unittest.TestCase):
+    def tool(self, name):
+        found = shutil.which(name)
+        self.assertIsNotNone(found, f"{name} is missing; it stands in Packaging/packages.txt")
+        return found
+
+    def check(self, command):
+        result = subprocess.run(command, capture_output=True, text=True, cwd=ROOT, timeout=120)
+        self.assertEqual(result.returncode, 0, (result.stdout + result.stderr)[:8000])
+
+    def testCodeIsFormatted(self):
+        files = [str(path) for path in tracked(*CODE)]
+        self.check([self.tool("clang-format"), "--dry-run", "-Werror", *files])
+
+    def testScriptsPassShellcheck(self):
+        scripts = [path for path in tracked()
+                   if path.suffix == ".sh" or path.suffix == "" and path.read_bytes().startswith(b"#!/usr/bin/env bash")]
+        self.assertIn(ROOT / "run", scripts)
+        self.check([self.tool("shellcheck"), "-x", *map(str, scripts)])
+
+    def testTheDesktopEntryIsValid(self):
+        entry = ROOT / "Packaging/com.tarnwick.Quillbrook.desktop"
+        self.check([self.tool("desktop-file-validate"), "--warn-kde", str(entry)])
+
+    def testFilesEndWithOneLineFeedAndHoldNoTrailingBlanks(self):
+        for path in tracked(".h", ".cpp", ".qml", ".md", ".py", ".sh", ".txt", ".cmake", ".svg"):
+            with self.subTest(relative(path)):
+                text = path.read_text(encoding="utf-8")
+                self.assertTrue(text.endswith("\n") and not text.endswith("\n\n"))
+                self.assertNotRegex(text, r"[ \t]+\n")
+
+
+if __name__ == "__main__":
+    if "--list" in sys.argv:
+        for suite in (Directions, Documents, Packages, Form):
+            print(*unittest.defaultTestLoader.getTestCaseNames(suite), sep="\n")
+    else:
+        unittest.main()
