@@ -10,11 +10,36 @@ namespace Quillbrook {
 namespace {
 
 constexpr size_t maximumIndex = std::numeric_limits<qint32>::max();
-constexpr qsizetype nameBytesPerExpectedNode = 16;
+constexpr qsizetype longestNameLength = std::numeric_limits<quint16>::max();
+constexpr size_t nameBytesPerExpectedNode = 16;
+// Below this length moving elements along one by one beats any cleverer stable sort.
+constexpr size_t insertionSortLimit = 40;
 
 constexpr size_t at(qint32 node)
 {
     return static_cast<size_t>(node);
+}
+
+// A node beside its size, so that sorting touches one small array instead of the whole tree.
+struct SizedNode
+{
+    qint64 size;
+    qint32 node;
+};
+
+void sortFromLargest(std::span<SizedNode> siblings)
+{
+    if (siblings.size() > insertionSortLimit) {
+        std::ranges::stable_sort(siblings, std::ranges::greater{}, &SizedNode::size);
+        return;
+    }
+    for (size_t i = 1; i < siblings.size(); ++i) {
+        const auto moving = siblings[i];
+        auto place = i;
+        for (; place > 0 && siblings[place - 1].size < moving.size; --place)
+            siblings[place] = siblings[place - 1];
+        siblings[place] = moving;
+    }
 }
 
 bool isAscii(std::string_view bytes)
@@ -62,13 +87,13 @@ size_t qHash(const NodeSnapshot &snapshot, size_t seed) noexcept
 
 FileTree::FileTree(qsizetype expectedNodes)
 {
-    reserve(expectedNodes);
-    m_nameArena.reserve(static_cast<size_t>(expectedNodes * nameBytesPerExpectedNode));
+    const auto count = static_cast<size_t>(std::max<qsizetype>(expectedNodes, 0));
+    reserve(count);
+    m_nameArena.reserve(count * nameBytesPerExpectedNode);
 }
 
-void FileTree::reserve(qsizetype expectedNodes)
+void FileTree::reserve(size_t count)
 {
-    const auto count = static_cast<size_t>(expectedNodes);
     m_parent.reserve(count);
     m_firstChild.reserve(count);
     m_nextSibling.reserve(count);
@@ -81,25 +106,59 @@ void FileTree::reserve(qsizetype expectedNodes)
 
 qint32 FileTree::addNode(qint32 parentIndex, std::string_view name, qint64 size, Flags flags)
 {
-    if (m_parent.size() > maximumIndex || m_nameArena.size() > maximumIndex)
-        fatal("a file tree grew past 2^31 nodes or name bytes");
+    const Entry entry{ .nameLength = static_cast<qsizetype>(name.size()), .size = size, .flags = flags };
+    return addNodes(parentIndex, std::span(&entry, 1), name);
+}
+
+qint32 FileTree::addNodes(qint32 parentIndex, std::span<const Entry> entries, std::string_view names)
+{
+    const auto count = entries.size();
     const auto node = static_cast<qint32>(m_parent.size());
-    const auto offset = static_cast<qint32>(m_nameArena.size());
-    const bool hasParent = parentIndex != noNode;
-    m_nameArena.insert(m_nameArena.end(), name.begin(), name.end());
-    m_parent.push_back(parentIndex);
-    m_firstChild.push_back(noNode);
-    m_nextSibling.push_back(hasParent ? m_firstChild[at(parentIndex)] : noNode);
-    m_ownSize.push_back(size);
-    m_totalSize.push_back(size);
-    m_nameOffset.push_back(offset);
-    m_nameLength.push_back(
-        static_cast<quint16>(std::min<size_t>(name.size(), std::numeric_limits<quint16>::max())));
-    m_flags.push_back(flags);
-    if (hasParent)
-        m_firstChild[at(parentIndex)] = node;
-    ++(contains(flags, Flags::directory) ? m_dirCount : m_fileCount);
+    if (count == 0)
+        return node;
+    const auto arenaStart = m_nameArena.size();
+    if (m_parent.size() + count - 1 > maximumIndex
+        || arenaStart + static_cast<size_t>(entries.back().nameStart) > maximumIndex)
+        fatal("a file tree grew past 2^31 nodes or name bytes");
+    if (parentIndex != noNode && !isValid(parentIndex))
+        fatal("a node was added below a node that does not exist");
+    std::ranges::copy(names, m_nameArena.extend(names.size()));
+    std::fill_n(m_parent.extend(count), count, parentIndex);
+    std::fill_n(m_firstChild.extend(count), count, noNode);
+    linkAtHead(parentIndex, node, count);
+    auto *ownSize = m_ownSize.extend(count);
+    auto *totalSize = m_totalSize.extend(count);
+    auto *nameOffset = m_nameOffset.extend(count);
+    auto *nameLength = m_nameLength.extend(count);
+    auto *flags = m_flags.extend(count);
+    qsizetype directories = 0;
+    for (size_t i = 0; i < count; ++i) {
+        const auto &entry = entries[i];
+        ownSize[i] = entry.size;
+        totalSize[i] = entry.size;
+        nameOffset[i] = static_cast<qint32>(arenaStart + static_cast<size_t>(entry.nameStart));
+        nameLength[i] = static_cast<quint16>(std::min(entry.nameLength, longestNameLength));
+        flags[i] = entry.flags;
+        directories += contains(entry.flags, Flags::directory) ? 1 : 0;
+    }
+    m_dirCount += directories;
+    m_fileCount += static_cast<qsizetype>(count) - directories;
     return node;
+}
+
+void FileTree::linkAtHead(qint32 parentIndex, qint32 node, size_t count)
+{
+    auto *nextSibling = m_nextSibling.extend(count);
+    if (parentIndex == noNode) {
+        std::fill_n(nextSibling, count, noNode);
+        return;
+    }
+    auto newest = m_firstChild[at(parentIndex)];
+    for (size_t i = 0; i < count; ++i) {
+        nextSibling[i] = newest;
+        newest = node + static_cast<qint32>(i);
+    }
+    m_firstChild[at(parentIndex)] = newest;
 }
 
 void FileTree::rollUp()
@@ -116,20 +175,26 @@ void FileTree::rollUp()
 
 void FileTree::sortChildrenBySize()
 {
-    std::vector<qint32> siblings;
+    std::vector<SizedNode> siblings;
     siblings.reserve(256);
-    for (qint32 &first : m_firstChild) {
+    for (size_t node = 0; node < m_firstChild.size(); ++node) {
+        auto &first = m_firstChild[node];
         if (first == noNode || m_nextSibling[at(first)] == noNode)
             continue;
         siblings.clear();
-        for (auto child = first; child != noNode; child = m_nextSibling[at(child)])
-            siblings.push_back(child);
-        std::ranges::stable_sort(
-            siblings, [this](qint32 a, qint32 b) { return m_totalSize[at(a)] > m_totalSize[at(b)]; });
-        first = siblings.front();
+        bool inOrder = true;
+        for (auto child = first; child != noNode; child = m_nextSibling[at(child)]) {
+            const auto size = m_totalSize[at(child)];
+            inOrder = inOrder && (siblings.empty() || siblings.back().size >= size);
+            siblings.push_back({ size, child });
+        }
+        if (inOrder)
+            continue;
+        sortFromLargest(siblings);
+        first = siblings.front().node;
         for (size_t i = 1; i < siblings.size(); ++i)
-            m_nextSibling[at(siblings[i - 1])] = siblings[i];
-        m_nextSibling[at(siblings.back())] = noNode;
+            m_nextSibling[at(siblings[i - 1].node)] = siblings[i].node;
+        m_nextSibling[at(siblings.back().node)] = noNode;
     }
 }
 

@@ -9,13 +9,14 @@
 //
 // Invariants:
 //  1. A node's index is its place in the arrays; nodes are never removed, reordered or reused.
-//  2. parent[i] < i for every node with a parent, because a folder is added before what is in it, whatever
-//  the
-//     order in which workers deliver folders. `rollUp` depends on it.
+//  2. parent[i] < i for every node with a parent, because a folder is added before what is in it, in whatever
+//     order workers deliver folders. `rollUp` depends on it.
 //  3. The root has parent -1 and index 0, and its name is the whole absolute path of the scanned folder.
 //     `path` depends on it.
 //  4. Every other node's name is a single path component.
 //  5. -1 means "no such node", in every link and as a result of `find`.
+
+#include "Scan/GrowingArray.h"
 
 #include <QByteArrayView>
 #include <QHashFunctions>
@@ -70,6 +71,19 @@ public:
     /// root. `name` is raw bytes as the file system gave them; the stored length is clipped at 65535, the
     /// bytes are not (kept on purpose). Growing past 2^31 nodes or name bytes ends the process.
     qint32 addNode(qint32 parentIndex, std::string_view name, qint64 size, Flags flags);
+
+    /// One node of a folder's worth of nodes; its name is a piece of the bytes given along.
+    struct Entry
+    {
+        qsizetype nameStart = 0;
+        qsizetype nameLength = 0;
+        qint64 size = 0;
+        Flags flags{};
+    };
+
+    /// The same as `addNode` for each entry in turn, at a fraction of the cost: the arrays grow once and are
+    /// filled one after the other. Returns the first new node's index; the others follow it in order.
+    qint32 addNodes(qint32 parentIndex, std::span<const Entry> entries, std::string_view names);
 
     /// Adds every node's size to its parent's, once, when all nodes are there. Overflow ends the process.
     void rollUp();
@@ -127,18 +141,19 @@ public:
     [[nodiscard]] std::optional<NodeSnapshot> snapshot(qint32 node) const;
 
 private:
-    void reserve(qsizetype expectedNodes);
+    void reserve(size_t count);
+    void linkAtHead(qint32 parentIndex, qint32 node, size_t count);
     std::vector<qint32> lineage(qint32 node) const;
 
-    std::vector<qint32> m_parent;
-    std::vector<qint32> m_firstChild;
-    std::vector<qint32> m_nextSibling;
-    std::vector<qint64> m_ownSize;
-    std::vector<qint64> m_totalSize;
-    std::vector<qint32> m_nameOffset;
-    std::vector<quint16> m_nameLength;
-    std::vector<Flags> m_flags;
-    std::vector<char> m_nameArena;
+    GrowingArray<qint32> m_parent;
+    GrowingArray<qint32> m_firstChild;
+    GrowingArray<qint32> m_nextSibling;
+    GrowingArray<qint64> m_ownSize;
+    GrowingArray<qint64> m_totalSize;
+    GrowingArray<qint32> m_nameOffset;
+    GrowingArray<quint16> m_nameLength;
+    GrowingArray<Flags> m_flags;
+    GrowingArray<char> m_nameArena;
     qsizetype m_fileCount = 0;
     qsizetype m_dirCount = 0;
 };
