@@ -4,10 +4,9 @@
 // file. A scan asks the factory for one session; each worker asks the session for a reader of its own, which
 // owns its scratch and is used by that worker alone.
 
-#include "Scan/FileTree.h"
-
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +16,9 @@ namespace Quillbrook {
 
 /// One directory entry. `device` is what a scan compares to stay on one device (0: not told), `fileId` names
 /// the file for hard-link counting together with `fileDevice` (fileId 0: not told), `allocatedSize` is bytes
-/// on disk. `name` points into the reader's scratch and is valid until the next call on the same reader.
+/// on disk. `isMountPoint` is told of folders only. `name` points into the reader's scratch and is valid
+/// until the next call on the same reader. Folders need tell no more than their name, type, device and mount
+/// state.
 struct DirectoryRecord
 {
     enum class Type : std::uint8_t { other, directory, symlink };
@@ -39,11 +40,13 @@ public:
     virtual ~DirectoryReader() = default;
 
     /// Opens `path` (absolute, raw bytes, of any length); false when it can't be opened as a folder, for
-    /// whatever reason. The root of a scan may be a link and is followed; any other folder is not.
+    /// whatever reason. The root of a scan may be a link and is followed; any other folder is not. Every
+    /// other folder is one that this session's records named, below the root.
     [[nodiscard]] virtual bool open(const std::string &path, bool isRoot) = 0;
     /// The next batch of records of the open folder, without "." and ".."; empty at the end. An error in the
     /// middle ends the folder, keeping what was read.
     [[nodiscard]] virtual std::span<const DirectoryRecord> next() = 0;
+    /// Ends the open folder; called once after each successful `open`.
     virtual void close() = 0;
 };
 

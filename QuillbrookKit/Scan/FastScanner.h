@@ -16,6 +16,7 @@ namespace Quillbrook {
 
 class DirectoryReading;
 class Processors;
+struct ScanState;
 
 class FastScanner
 {
@@ -34,6 +35,8 @@ public:
         /// Empty: no restriction. A parent that is not a key is unrestricted.
         Allowlist allowlist{};
         bool crossDevices = false;
+        /// What a leading "~" of `rootPath` stands for.
+        QString home{};
     };
 
     struct Progress
@@ -62,7 +65,10 @@ public:
     /// Runs a whole scan and returns when it has ended or was cancelled; a cancelled scan returns its partial
     /// tree, rolled up and sorted. Never fails: what can't be read is marked in the tree and counted.
     [[nodiscard]] Result scan(const Request &request);
+    /// May be read at any time; between scans it tells of the last one.
     [[nodiscard]] Progress progress() const;
+    /// Asks the running scan to stop; folders being read are still finished. Without one it does nothing that
+    /// lasts: the next scan starts uncancelled.
     void cancel();
 
     /// Volumes of the system and pseudo file systems that no scan enters.
@@ -75,8 +81,8 @@ public:
     [[nodiscard]] static int defaultThreadCount(const Processors &processors);
 
 private:
-    struct Shared;
-    std::unique_ptr<Shared> m_shared;
+    DirectoryReading &m_directories;
+    std::unique_ptr<ScanState> m_state;
 };
 
 } // namespace Quillbrook

@@ -1,0 +1,99 @@
+#include "Scan/FastScanner.h"
+
+#include "Platform/DirectoryReader.h"
+#include "Platform/Processors.h"
+#include "Scan/ScanWorker.h"
+#include "StandardisedPath.h"
+
+#include <QThread>
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+namespace Quillbrook {
+
+namespace {
+
+constexpr qsizetype expectedNodes = 1048576;
+constexpr int mostThreads = 32;
+constexpr uint workerStackBytes = 1048576;
+
+std::string rootPathOf(const FastScanner::Request &request)
+{
+    if (request.rootPath == u"/")
+        return "/";
+    return standardisedPath(request.rootPath, request.home).toStdString();
+}
+
+void runWorkers(ScanState &state, DirectorySession &session, int count)
+{
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (int i = 0; i < count; ++i) {
+        threads.emplace_back(
+            QThread::create([&state, &session] { ScanWorker(state, session.makeReader()).run(); }));
+        threads.back()->setStackSize(workerStackBytes);
+        threads.back()->start();
+    }
+    for (const auto &thread : threads)
+        thread->wait();
+}
+
+} // namespace
+
+FastScanner::FastScanner(DirectoryReading &directories)
+    : m_directories(directories)
+    , m_state(std::make_unique<ScanState>())
+{
+}
+
+FastScanner::~FastScanner() = default;
+
+FastScanner::Result FastScanner::scan(const Request &request)
+{
+    const auto start = std::chrono::steady_clock::now();
+    auto &state = *m_state;
+    const auto rootPath = rootPathOf(request);
+    const auto session = m_directories.session(rootPath);
+    state.admission = FolderAdmission(request.exclusions, request.allowlist);
+    state.staysOnOneDevice = !request.crossDevices;
+    state.tree = std::make_shared<FileTree>(expectedNodes);
+    state.countedFiles.clear();
+    state.filesSeen = 0;
+    state.bytesSeen = 0;
+    state.unreadable = 0;
+    state.cancelled = false;
+    state.rootDevice = session->rootDevice().value_or(state.rootDevice);
+    const auto root = state.tree->addNode(FileTree::noNode, rootPath, 0, FileTree::Flags::directory);
+    state.queue.restart({ rootPath, root });
+    runWorkers(state, *session, std::clamp(request.threads, 1, mostThreads));
+    state.tree->rollUp();
+    state.tree->sortChildrenBySize();
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    return { .tree = std::exchange(state.tree, nullptr),
+        .root = root,
+        .duration = elapsed.count(),
+        .unreadableDirectories = state.unreadable };
+}
+
+FastScanner::Progress FastScanner::progress() const
+{
+    return { .filesSeen = m_state->filesSeen,
+        .bytesSeen = m_state->bytesSeen,
+        .directoriesQueued = m_state->queue.size() };
+}
+
+void FastScanner::cancel()
+{
+    m_state->cancelled = true;
+    m_state->queue.finish();
+}
+
+int FastScanner::defaultThreadCount(const Processors &processors)
+{
+    if (const auto cores = processors.performanceCores(); cores && *cores >= 1)
+        return *cores;
+    return std::max(processors.activeProcessors() / 2, 1);
+}
+
+} // namespace Quillbrook
