@@ -5,4 +5,7 @@ function(quillbrook_warnings target)
     target_compile_options(${target} PRIVATE -Wno-restrict)
     set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
         PROPERTIES COMPILE_OPTIONS -Wno-error)
+    get_target_property(compiled_qml ${target} SOURCES)
+    list(FILTER compiled_qml INCLUDE REGEX "/qmlcache/.*_qml\\.cpp$")
+    set_source_files_properties(${compiled_qml} PROPERTIES COMPILE_OPTIONS "-Wno-error;-Wno-conversion")
 endfunction()

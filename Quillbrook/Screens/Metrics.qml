@@ -30,6 +30,7 @@ QtObject {
     readonly property int space20: 20
     readonly property int space24: 24
     readonly property int paneInset: 20
+    readonly property int sidebarInset: 10
 
     // Shapes.
     readonly property int hairlineWidth: 1

@@ -1,0 +1,71 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// A card that tells one thing: symbol, title, text, and after them what can be done about it. With `tinted`
+// the card takes `tone` for its border and a breath of it for its ground.
+Card {
+    id: root
+
+    required property string symbol
+    required property string text
+    required property string title
+    property bool tinted: false
+    property color tone: Theme.accent
+    default property alias actions: actionRow.data
+
+    Accessible.description: text
+    Accessible.name: title
+    Accessible.role: Accessible.Grouping
+
+    border.color: tinted ? tone : Theme.hairline
+    color: tinted ? Qt.tint(Theme.surface, Theme.faded(tone, Metrics.tintOpacity)) : Theme.surface
+    implicitHeight: row.implicitHeight + 2 * Metrics.space12
+    implicitWidth: Metrics.columnWidth
+
+    RowLayout {
+        id: row
+
+        anchors.left: parent.left
+        anchors.margins: Metrics.space16
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: Metrics.space12
+
+        Symbol {
+            Layout.alignment: Qt.AlignTop
+            Layout.preferredHeight: Metrics.symbolLarge
+            Layout.preferredWidth: Metrics.symbolLarge
+            color: root.tone
+            name: root.symbol
+        }
+
+        ColumnLayout {
+            spacing: Metrics.space4 / 2
+
+            BodyText {
+                Layout.fillWidth: true
+                color: Theme.strong
+                semibold: true
+                text: root.title
+                wrapMode: Text.Wrap
+            }
+
+            CaptionText {
+                Layout.fillWidth: true
+                text: root.text
+                wrapMode: Text.Wrap
+            }
+        }
+
+        Row {
+            id: actionRow
+
+            Layout.leftMargin: Metrics.space4
+            spacing: Metrics.space8
+            visible: children.length > 0
+        }
+    }
+}

@@ -1,0 +1,83 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// Asks before something is done: title, message, and a row of buttons that ends the question. The buttons for
+// what may be done are handed in, weightiest first, and each closes the dialog itself; the one that lets it be
+// is always there, and it is the one that has the keyboard, so that no careless Return does harm.
+Sheet {
+    id: root
+
+    required property string message
+    property string cancelText: "Cancel"
+    default property alias actions: actionRow.data
+
+    signal cancelled
+
+    function cancel() {
+        close();
+        cancelled();
+    }
+
+    implicitHeight: column.implicitHeight
+    width: Metrics.dialogWidth
+
+    onOpened: cancelButton.forceActiveFocus()
+
+    ColumnLayout {
+        id: column
+
+        anchors.fill: parent
+        spacing: 0
+
+        HeadingText {
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.space20
+            Layout.rightMargin: Metrics.space20
+            Layout.topMargin: Metrics.space20
+            text: root.title
+            wrapMode: Text.Wrap
+        }
+
+        BodyText {
+            Layout.bottomMargin: Metrics.space20
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.space20
+            Layout.rightMargin: Metrics.space20
+            Layout.topMargin: Metrics.space8
+            text: root.message
+            wrapMode: Text.Wrap
+        }
+
+        Hairline {
+            Layout.fillWidth: true
+        }
+
+        RowLayout {
+            Layout.margins: Metrics.space12
+            spacing: Metrics.space8
+
+            Item {
+                Layout.fillWidth: true
+            }
+
+            PushButton {
+                id: cancelButton
+
+                focus: true
+                objectName: "cancelButton"
+                text: root.cancelText
+                onClicked: root.cancel()
+            }
+
+            Row {
+                id: actionRow
+
+                layoutDirection: Qt.RightToLeft
+                spacing: Metrics.space8
+            }
+        }
+    }
+}

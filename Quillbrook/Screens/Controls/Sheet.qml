@@ -1,0 +1,48 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Quillbrook
+
+// A panel over the dimmed window, until it is answered. Escape always closes it, and nothing behind it can be
+// reached meanwhile. `title` is what it is called.
+T.Popup {
+    id: root
+
+    required property string title
+
+    anchors.centerIn: T.Overlay.overlay
+    closePolicy: T.Popup.CloseOnEscape
+    focus: true
+    height: Math.min(implicitHeight, T.Overlay.overlay ? T.Overlay.overlay.height - 2 * Metrics.space24 : implicitHeight)
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    modal: true
+    padding: 0
+    width: Metrics.sheetWidth
+
+    background: Card {
+        Accessible.name: root.title
+        Accessible.role: Accessible.Dialog
+    }
+    enter: Transition {
+        NumberAnimation {
+            duration: Metrics.sheetMotion
+            easing.type: Easing.OutQuad
+            from: 0
+            property: "opacity"
+            to: 1
+        }
+    }
+    exit: Transition {
+        NumberAnimation {
+            duration: Metrics.sheetMotion
+            easing.type: Easing.OutQuad
+            from: 1
+            property: "opacity"
+            to: 0
+        }
+    }
+    T.Overlay.modal: Rectangle {
+        color: Theme.faded(Theme.strong, Metrics.scrimOpacity)
+    }
+}
