@@ -1,0 +1,93 @@
+"""What every end-to-end suite builds on: a desktop for the run, and for each test a made-up home with the real
+program on it."""
+
+import os
+import pathlib
+import shutil
+import tempfile
+import unittest
+
+import desktop
+import homes
+import processes
+import program
+import screenshot
+
+
+class Run:
+    """What belongs to the whole run."""
+
+    program = None
+    helpers = None
+    folder = None
+    desktop = None
+
+
+def run(arguments):
+    processes.adopt_orphans()
+    Run.program, Run.helpers = arguments.program.resolve(), arguments.helpers.resolve()
+    Run.folder = pathlib.Path(tempfile.mkdtemp(prefix="run-"))
+    Run.desktop = desktop.Desktop(str(Run.folder / "desktop"))
+    try:
+        Run.desktop.start()
+        suite = unittest.main(module=arguments.suite, argv=[arguments.suite, "-v", *arguments.rest], exit=False)
+        return 0 if suite.result.wasSuccessful() and suite.result.testsRun > 0 else 1
+    finally:
+        Run.desktop.stop()
+        processes.end_all()
+        make_removable(Run.folder)
+        shutil.rmtree(Run.folder, ignore_errors=True)
+
+
+def make_removable(folder):
+    """Gives back the permissions that tests took."""
+    for path, folders, _ in os.walk(folder):
+        for name in folders:
+            below = os.path.join(path, name)
+            if not os.path.islink(below):
+                os.chmod(below, 0o700)
+
+
+class Case(unittest.TestCase):
+    """A test makes its home with `self.home`, then starts the program with `self.start()`."""
+
+    def setUp(self):
+        name = self.id().rpartition(".")[2]
+        self.folder = Run.folder / name
+        self.folder.mkdir()
+        self.home = homes.Home(self.folder)
+        self._programs = []
+
+    def start(self, preload=(), **environment):
+        """Starts the program on the made-up home; a second start gets the same home."""
+        started = program.Program(Run.program, self.home.environment(preload) | environment,
+                                  self.folder / f"program-{len(self._programs)}.log")
+        self._programs.append(started)
+        self.addCleanup(self._end, started)
+        return started
+
+    def helper(self, name):
+        """A program or library built for these tests."""
+        return Run.helpers / name
+
+    def _end(self, started):
+        if self._failed():
+            self._explain(started)
+        if started.running:
+            self.assertTrue(started.quit(), "did not end within 10 s of being asked")
+        self.assertFalse(started.crashed(), f"crashed with {started.process.returncode}: {started.output()}")
+
+    def _failed(self):
+        outcome = self._outcome.result
+        return any(test is self for test, _ in outcome.failures + outcome.errors)
+
+    def _explain(self, started):
+        """For a failed test: what the window said, and its picture."""
+        try:
+            print(f"--- output of the program\n{started.output()}")
+            if started.running:
+                name = f"{self.id().rpartition('.')[2]}.png"
+                screenshot.write_png(Run.desktop.picture(), os.path.join(os.environ.get("TMPDIR", "/tmp"), name))
+                print(f"--- picture in {name}\n--- the window\n{started.window(5).outline()}")
+        except Exception as error:  # Whatever goes wrong here must not hide why the test failed.
+            print(f"--- no more to tell: {error}")

@@ -1,0 +1,151 @@
+"""A desktop of its own in memory: a display, a session bus on which nothing starts by itself, the accessibility bus
+and a window manager. Everything it starts ends with it."""
+
+import os
+import select
+import shutil
+import subprocess
+
+import processes
+import screenshot
+import waiting
+
+_BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path={folder}/bus</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+
+class Desktop:
+    """Made once a process: after `start`, this process's environment names it, for the program as for D-Bus."""
+
+    def __init__(self, folder, size=(1280, 900), window_manager=True):
+        self.folder = folder
+        self.size = size
+        self._window_manager = window_manager
+        self._parts = []
+
+    def start(self):
+        runtime = self._made("runtime")
+        os.chmod(runtime, 0o700)
+        # Nothing of the desktop this may run on leaks in.
+        for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "SESSION_MANAGER",
+                     "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE",
+                     "QT_SCALE_FACTOR", "GTK_MODULES"):
+            os.environ.pop(name, None)
+        os.environ["XDG_RUNTIME_DIR"] = runtime
+        self._start_display()
+        self._start_bus()
+        self._part("accessibility", ["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
+        if self._window_manager:
+            self._start_window_manager()
+        return self
+
+    def stop(self):
+        for part in reversed(self._parts):
+            processes.end(part, 5)
+        self._parts.clear()
+
+    def picture(self):
+        return screenshot.read_screen(os.path.join(self.folder, "screen", "Xvfb_screen0"))
+
+    def _made(self, name):
+        path = os.path.join(self.folder, name)
+        os.makedirs(path, exist_ok=True)
+        return path
+
+    def _part(self, name, command, **options):
+        log = open(os.path.join(self._made("logs"), name + ".log"), "wb")
+        with log:
+            part = processes.start(command, stdout=options.pop("stdout", log), stderr=log, **options)
+        self._parts.append(part)
+        return part
+
+    def _start_display(self):
+        # The server itself looks for a free number, and writes it once it takes connections.
+        reading, writing = os.pipe()
+        width, height = self.size
+        server = self._part(
+            "display",
+            ["Xvfb", "-displayfd", writing, "-screen", "0", f"{width}x{height}x24", "-fbdir", self._made("screen"),
+             "-nolisten", "tcp", "-noreset"],
+            pass_fds=(writing,))
+        os.close(writing)
+        with os.fdopen(reading, "rb") as answer:
+            ready, _, _ = select.select([answer], [], [], 30)
+            number = answer.readline().strip().decode() if ready else ""
+        if not number:
+            raise waiting.Late(f"no display within 30 s (it ended with {server.poll()}); see {self.folder}/logs")
+        os.environ["DISPLAY"] = ":" + number
+
+    def _start_bus(self):
+        configuration = os.path.join(self.folder, "bus.conf")
+        with open(configuration, "w", encoding="utf-8") as file:
+            file.write(_BUS_CONFIGURATION.format(folder=self.folder))
+        self._part("bus", ["dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}"])
+        socket = os.path.join(self.folder, "bus")
+        waiting.until("session bus", lambda: os.path.exists(socket), 10)
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={socket}"
+
+    def _start_window_manager(self):
+        # A window that asks to be shown while it starts stays hidden; this file tells that it has.
+        ready = os.path.join(self.folder, "window-manager-ready")
+        self._part("openbox", ["openbox", "--sm-disable", "--startup", f"touch {ready}"])
+        waiting.until("window manager", lambda: os.path.exists(ready), 20)
+
+
+def keys(*combination):
+    """Presses keys on the display, as "ctrl+2" or "Return"."""
+    _xdotool("key", "--clearmodifiers", "--delay", "30", *combination)
+
+
+def type_text(text):
+    _xdotool("type", "--clearmodifiers", "--delay", "30", "--", text)
+
+
+def click(x, y, times=1):
+    _xdotool("mousemove", "--sync", str(x), str(y))
+    _xdotool("click", "--repeat", str(times), "--delay", "60", "1")
+
+
+def point(x, y):
+    _xdotool("mousemove", str(x), str(y))
+
+
+def windows_of(pid):
+    """Ids of the visible windows of that process."""
+    answer = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid), "--name", "."],
+                            capture_output=True, text=True, timeout=20, check=False)
+    return answer.stdout.split()
+
+
+def window_geometry(window):
+    """(x, y, width, height) on the display."""
+    answer = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window],
+                            capture_output=True, text=True, timeout=20, check=True)
+    values = dict(line.split("=", 1) for line in answer.stdout.splitlines())
+    return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+
+
+def activate(window):
+    _xdotool("windowactivate", "--sync", window)
+
+
+def close(window):
+    """As the cross in the title bar does."""
+    _xdotool("windowclose", window)
+
+
+def _xdotool(*arguments):
+    if shutil.which("xdotool") is None:
+        raise RuntimeError("xdotool is missing; it stands in Packaging/packages.txt")
+    subprocess.run(["xdotool", *arguments], check=True, timeout=30)

@@ -1,0 +1,93 @@
+"""The running program, as a person meets it: its window, its words, its keys."""
+
+import os
+import re
+import signal
+
+import accessibility
+import desktop
+import processes
+import screenshot
+import waiting
+
+SCANNED = re.compile(r"^scanned ([\d,]+) files in ([\d.]+)s$")
+
+
+class Program:
+    """`environment` is the whole environment it gets; its output goes to `log`."""
+
+    def __init__(self, path, environment, log):
+        self.log = log
+        with open(log, "ab") as output:
+            self.process = processes.start([path], env=environment, stdout=output, stderr=output)
+        self.pid = self.process.pid
+        self._bus = accessibility.Bus()
+
+    def application(self):
+        return self._bus.application(self.pid)
+
+    @property
+    def running(self):
+        return self.process.poll() is None
+
+    def window(self, seconds=30.0):
+        """The window in the accessibility tree, once it is there."""
+        def look():
+            if not self.running:
+                raise AssertionError(f"the program ended with {self.process.returncode}: {self.output()}")
+            application = self.application()
+            try:
+                return application and next(iter(application.children), None)
+            except accessibility.Gone:
+                return None
+        return waiting.until("window of the program", look, seconds)
+
+    def window_id(self, seconds=20.0):
+        return waiting.until("window on the display", lambda: next(iter(desktop.windows_of(self.pid)), None), seconds)
+
+    def activate(self):
+        """Gives the window the keyboard."""
+        desktop.activate(self.window_id())
+
+    def words(self):
+        """Everything the window says, in reading order."""
+        return self.window().names()
+
+    def says(self, words, seconds=20.0):
+        """Waits until these words stand in the window; `words` is the whole text, or a pattern that matches it."""
+        matches = words.search if hasattr(words, "search") else (lambda text: text == words)
+        return waiting.until(f"the window says {words!r}",
+                             lambda: next((text for text in self.words() if matches(text)), None), seconds)
+
+    def scanned(self, seconds=60.0, unlike=None):
+        """(files, seconds) of the top bar, once a scan has ended and its button says so; with `unlike`, once the
+        text differs from that."""
+        def look():
+            texts = self.words()
+            text = next((text for text in texts if SCANNED.match(text)), None)
+            return text if text and text != unlike and "Rescan" in texts else None
+        text = waiting.until("the end of the scan", look, seconds)
+        found = SCANNED.match(text)
+        return int(found.group(1).replace(",", "")), float(found.group(2))
+
+    def press(self, name, role="push button", seconds=20.0):
+        self.window().one(role, name, seconds).act("Press")
+
+    def picture(self, desk):
+        return screenshot.crop(desk.picture(), *desktop.window_geometry(self.window_id()))
+
+    def output(self):
+        with open(self.log, encoding="utf-8", errors="replace") as log:
+            return log.read()[-4000:]
+
+    def quit(self, seconds=10):
+        """Ends it as a session does when the user logs out. Answers whether it ended when asked."""
+        return processes.end(self.process, seconds)
+
+    def crashed(self):
+        code = self.process.poll()
+        return code is not None and code in {-signal.SIGSEGV, -signal.SIGABRT, -signal.SIGBUS, -signal.SIGFPE,
+                                             -signal.SIGILL}
+
+    def descriptor_count(self):
+        return len(os.listdir(f"/proc/{self.pid}/fd"))
