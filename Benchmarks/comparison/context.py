@@ -1,0 +1,54 @@
+"""What every measure needs to know: where the programs and trees are, and how thorough to be."""
+
+import contextlib
+import os
+from dataclasses import dataclass
+from pathlib import Path
+
+from comparison.programs import run
+
+
+@dataclass(frozen=True)
+class Context:
+    # The folder with the built benchmark programs.
+    programs: Path
+    # Where trees are made; None for TreeMaker's usual folder.
+    directory: Path | None
+    rounds: int
+    # Smaller trees and fewer rounds, for trying the runner out.
+    quick: bool
+
+    def program(self, name):
+        return str(self.programs / name)
+
+    def tree(self, kind, files):
+        """The path of a made tree; making a large one takes minutes, once."""
+        files = files // 20 if self.quick else files
+        command = [self.program("TreeMaker"), "--kind", kind, "--files", str(files)]
+        if self.directory:
+            command += ["--directory", str(self.directory)]
+        return run(command, timeout=1800, parse=False).text.rstrip("\n")
+
+    def home_tree(self):
+        return self.tree("home", 1_000_000)
+
+    def scan_once(self, *arguments):
+        return lambda: run([self.program("ScanOnce"), *arguments])
+
+    def bare_walk(self, tree, threads):
+        return lambda: run([self.program("BareWalk"), tree, str(threads)])
+
+    def default_threads(self):
+        """As many as the program itself would take."""
+        return int(run([self.program("ScanOnce"), "--made-up", "1"]).output["threads"])
+
+
+@contextlib.contextmanager
+def two_cores():
+    """Keeps this process, and so all that it starts meanwhile, to two processors."""
+    before = os.sched_getaffinity(0)
+    os.sched_setaffinity(0, sorted(before)[:2])
+    try:
+        yield min(2, len(before))
+    finally:
+        os.sched_setaffinity(0, before)
