@@ -2,7 +2,7 @@
 
 // What happens to a path that a person picked. So far: how many things it holds.
 
-#include <QtTypes>
+#include <QtGlobal>
 
 #include <string>
 
