@@ -3,12 +3,12 @@
 #include "Platform/DirectoryReader.h"
 #include "Platform/Processors.h"
 #include "Scan/ScanWorker.h"
+#include "Scan/WorkerThread.h"
 #include "StandardisedPath.h"
-
-#include <QThread>
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 #include <vector>
 
 namespace Quillbrook {
@@ -17,7 +17,6 @@ namespace {
 
 constexpr qsizetype expectedNodes = 1048576;
 constexpr int mostThreads = 32;
-constexpr uint workerStackBytes = 1048576;
 
 std::string rootPathOf(const FastScanner::Request &request)
 {
@@ -28,15 +27,12 @@ std::string rootPathOf(const FastScanner::Request &request)
 
 void runWorkers(ScanState &state, DirectorySession &session, int count)
 {
-    std::vector<std::unique_ptr<QThread>> threads;
-    for (int i = 0; i < count; ++i) {
-        threads.emplace_back(
-            QThread::create([&state, &session] { ScanWorker(state, session.makeReader()).run(); }));
-        threads.back()->setStackSize(workerStackBytes);
-        threads.back()->start();
-    }
-    for (const auto &thread : threads)
-        thread->wait();
+    const auto work = [&state, &session] { ScanWorker(state, session.makeReader()).run(); };
+    std::vector<std::unique_ptr<WorkerThread>> threads;
+    for (int i = 0; i < count; ++i)
+        threads.push_back(std::make_unique<WorkerThread>(work));
+    if (!threads.front()->hasStarted())
+        work();
 }
 
 } // namespace

@@ -82,10 +82,14 @@ void TempTree::folder(const std::string &name) const
 
 void TempTree::file(const std::string &name, qint64 bytes) const
 {
+    fileWith(name, std::string(static_cast<size_t>(bytes), 'q'));
+}
+
+void TempTree::fileWith(const std::string &name, const std::string &content) const
+{
     makeParents(path(name));
     const auto file = ::open(path(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     require(file >= 0, "open");
-    const std::string content(static_cast<size_t>(bytes), 'q');
     require(::write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size()), "write");
     ::close(file);
 }

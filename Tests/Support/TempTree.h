@@ -27,6 +27,7 @@ public:
     void folder(const std::string &name) const;
     /// A file of `bytes` written bytes.
     void file(const std::string &name, qint64 bytes = 0) const;
+    void fileWith(const std::string &name, const std::string &content) const;
     void link(const std::string &name, const std::string &target) const;
     void hardLink(const std::string &name, const std::string &existing) const;
     void pipe(const std::string &name) const;
