@@ -1,0 +1,51 @@
+#pragma once
+
+// The home folder by the account database. Inside a Flatpak that may not see the home folder, and inside a
+// strictly confined Snap, the process has a home of its own.
+
+#include "Platform/HomeFolder.h"
+
+#include <QByteArrayView>
+#include <QProcessEnvironment>
+
+#include <optional>
+
+namespace Quillbrook {
+
+class LinuxHomeFolder final : public HomeFolder
+{
+public:
+    /// What tells of a sandbox and of the account.
+    struct Surroundings
+    {
+        /// Content of /.flatpak-info; absent outside a Flatpak.
+        std::optional<QByteArray> flatpakInfo{};
+        QProcessEnvironment environment{};
+        /// The home of the account database; absent when it has none.
+        std::optional<QString> accountHome{};
+    };
+
+    /// Those of this process.
+    LinuxHomeFolder();
+    explicit LinuxHomeFolder(const Surroundings &surroundings);
+
+    [[nodiscard]] QString homeDirectory() const override { return m_home; }
+    [[nodiscard]] QString realHomeDirectory() const override { return m_realHome; }
+
+private:
+    QString m_realHome;
+    QString m_home;
+};
+
+/// What a Flatpak's description of itself tells: its application id, and whether it sees the home folder.
+struct FlatpakInfo
+{
+    QString application{};
+    bool seesHome = false;
+
+    bool operator==(const FlatpakInfo &) const = default;
+};
+
+[[nodiscard]] FlatpakInfo parseFlatpakInfo(QByteArrayView text);
+
+} // namespace Quillbrook

@@ -1,0 +1,37 @@
+#pragma once
+
+// The user defaults in the settings file of the program, ~/.config/Quillbrook/Quillbrook.conf. Main thread
+// only.
+
+#include "Platform/UserDefaults.h"
+
+#include <QSettings>
+
+namespace Quillbrook {
+
+class SettingsUserDefaults final : public UserDefaults
+{
+public:
+    SettingsUserDefaults();
+    /// Keeps them in the file at `path` instead.
+    explicit SettingsUserDefaults(const QString &path);
+
+    [[nodiscard]] std::optional<qint64> integer(const QString &key) const override;
+    [[nodiscard]] std::optional<bool> boolean(const QString &key) const override;
+    [[nodiscard]] std::optional<double> real(const QString &key) const override;
+    [[nodiscard]] std::optional<QStringList> texts(const QString &key) const override;
+    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
+    void setInteger(const QString &key, qint64 value) override;
+    void setBoolean(const QString &key, bool value) override;
+    void setReal(const QString &key, double value) override;
+    void setTexts(const QString &key, const QStringList &value) override;
+    void setData(const QString &key, const QByteArray &value) override;
+    void remove(const QString &key) override;
+
+private:
+    [[nodiscard]] std::optional<QString> text(const QString &key) const;
+
+    QSettings m_settings;
+};
+
+} // namespace Quillbrook

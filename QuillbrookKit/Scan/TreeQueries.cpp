@@ -1,0 +1,96 @@
+#include "Scan/TreeQueries.h"
+
+#include "Fatal.h"
+#include "Scan/NameQuery.h"
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+
+namespace Quillbrook::TreeQueries {
+
+namespace {
+
+constexpr qsizetype shortestQuery = 2;
+
+struct Candidate
+{
+    qint32 node;
+    qint64 size;
+};
+
+void sortLargestFirst(std::vector<Candidate> &candidates)
+{
+    std::ranges::stable_sort(candidates, std::ranges::greater(), &Candidate::size);
+}
+
+QList<NodeSnapshot> snapshots(const FileTree &tree, const std::vector<Candidate> &candidates)
+{
+    QList<NodeSnapshot> result;
+    result.reserve(static_cast<qsizetype>(candidates.size()));
+    for (const auto &candidate : candidates)
+        result.append(*tree.snapshot(candidate.node));
+    return result;
+}
+
+// User-perceived characters, at most `enough` of them counted.
+qsizetype characterCount(const QString &text, qsizetype enough)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype count = 0;
+    while (count < enough && finder.toNextBoundary() != -1)
+        ++count;
+    return count;
+}
+
+} // namespace
+
+QList<NodeSnapshot> largestFiles(const FileTree &tree, qint32 root, qsizetype limit)
+{
+    qsizetype doubleLimit = 0;
+    if (__builtin_mul_overflow(limit, 2, &doubleLimit))
+        fatal("more files were asked for than can be counted");
+    if (limit <= 0)
+        return {};
+
+    const auto flags = tree.flags();
+    const auto sizes = tree.totalSize();
+    std::vector<Candidate> candidates;
+    qint64 threshold = 0;
+    const auto keepLargest = [&] {
+        sortLargestFirst(candidates);
+        if (candidates.size() > static_cast<size_t>(limit))
+            candidates.resize(static_cast<size_t>(limit));
+    };
+    tree.walk(root, [&](qint32 node, qint32) {
+        const auto index = static_cast<size_t>(node);
+        if (sizes[index] > threshold && !contains(flags[index], FileTree::Flags::directory)) {
+            candidates.push_back({ node, sizes[index] });
+            if (candidates.size() > static_cast<size_t>(doubleLimit)) {
+                keepLargest();
+                threshold = candidates.back().size;
+            }
+        }
+        return true;
+    });
+    keepLargest();
+    return snapshots(tree, candidates);
+}
+
+QList<NodeSnapshot> search(const FileTree &tree, qint32 root, const QString &query, qsizetype limit)
+{
+    if (characterCount(query, shortestQuery) < shortestQuery)
+        return {};
+    const NameQuery wanted(query);
+    std::vector<Candidate> found;
+    const auto hasRoom = [&] { return static_cast<qsizetype>(found.size()) < limit; };
+    tree.walk(root, [&](qint32 node, qint32) {
+        if (hasRoom() && wanted.isHeldBy(tree.rawName(node)))
+            found.push_back({ node, tree.size(node) });
+        return hasRoom();
+    });
+    sortLargestFirst(found);
+    return snapshots(tree, found);
+}
+
+} // namespace Quillbrook::TreeQueries
