@@ -12,9 +12,11 @@
 #include "Scan/FileTree.h"
 
 #include <QCoroTask>
-#include <QDateTime>
+#include <QElapsedTimer>
+#include <QFuture>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 
@@ -23,6 +25,8 @@
 #include <string>
 
 namespace Quillbrook {
+
+class ScanInHand;
 
 /// Where the model stands. `message` is set only for `failed`.
 struct Phase
@@ -59,7 +63,7 @@ public:
     void cancelScan();
 
     // Navigation.
-    /// Goes into a folder, or selects a file.
+    /// Goes into a folder, or selects a file. Without a tree nothing happens.
     void drillInto(qint32 node);
     /// Back to a position of `breadcrumb`; beyond its end nothing happens, a negative one ends the process.
     void popTo(qsizetype position);
@@ -124,26 +128,55 @@ Q_SIGNALS:
     void menuBarTitleChanged();
 
 private:
+    /// What one scan was started with. Its task carries it from stage to stage, so that nothing that changes
+    /// in the model meanwhile reaches a scan in hand.
+    struct ScanJob
+    {
+        quint64 token = 0;
+        std::shared_ptr<ScanInHand> scanner{};
+        FastScanner::Request request{};
+    };
+
+    static QCoro::Task<> runScan(QPointer<AppModel> model, QCoro::Task<> previous, ScanJob job);
+    [[nodiscard]] static bool isCurrent(const QPointer<AppModel> &model, const ScanJob &job);
+    [[nodiscard]] ScanJob newJob() const;
+    void endQuickStage();
+    void finishScan(const FastScanner::Result &result);
+    void endOfScanCalls();
+    void tick();
+    void clearFocus();
+
     AppServices m_services;
     Phase m_phase;
     std::shared_ptr<const FileTree> m_tree;
     qint32 m_rootNode = FileTree::noNode;
     qint32 m_focus = FileTree::noNode;
     QList<qint32> m_breadcrumb;
-    QStringList m_breadcrumbNames;
     std::optional<NodeSnapshot> m_selection;
     QString m_scanRoot;
+    double m_lastScanDuration = 0;
     QString m_searchText;
     Scope m_scope = Scope::quiet;
     std::optional<Pane> m_requestedPane;
-    double m_lastScanDuration = 0;
+    std::shared_ptr<ScanInHand> m_scanner;
+    bool m_hasScanned = false;
+    quint64 m_scanToken = 0;
     quint64 m_treeGeneration = 0;
     qsizetype m_scannedFileCount = 0;
+    QStringList m_breadcrumbNames;
+    ScanProgress m_scanProgress;
+    /// The bar's value, 0 to 1, master copy.
+    double m_progress = 0;
+    QElapsedTimer m_sinceScanStart;
+    QTimer m_ticker;
+    QCoro::Task<> m_scanTask;
+    /// The walk that runs on the pool, if any.
+    QFuture<void> m_walk;
     qint64 m_liveFree = 0;
     qint64 m_liveOptimistic = 0;
     qint64 m_liveTotal = 0;
     QString m_menuBarTitle = QStringLiteral("—");
-    ScanProgress m_scanProgress;
+    QTimer m_volumeClock;
 };
 
 } // namespace Quillbrook

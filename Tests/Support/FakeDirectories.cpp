@@ -67,6 +67,8 @@ private:
 
 std::unique_ptr<DirectorySession> FakeDirectories::session(const std::string &)
 {
+    const std::scoped_lock lock(m_lock);
+    ++m_madeSessions;
     return std::make_unique<Session>(*this);
 }
 
@@ -91,10 +93,22 @@ std::vector<std::string> FakeDirectories::opened() const
     return m_opened;
 }
 
+int FakeDirectories::sessionsMade() const
+{
+    const std::scoped_lock lock(m_lock);
+    return m_madeSessions;
+}
+
 int FakeDirectories::readersMade() const
 {
     const std::scoped_lock lock(m_lock);
     return m_madeReaders;
+}
+
+int FakeDirectories::readersEnded() const
+{
+    const std::scoped_lock lock(m_lock);
+    return m_endedReaders;
 }
 
 bool FakeDirectories::waitForReaders(int made) const

@@ -31,7 +31,9 @@ public:
 
     /// The folders that readers tried to open, in order.
     [[nodiscard]] std::vector<std::string> opened() const;
+    [[nodiscard]] int sessionsMade() const;
     [[nodiscard]] int readersMade() const;
+    [[nodiscard]] int readersEnded() const;
     /// Waits until so many readers are at work or have ended; false when that takes too long.
     [[nodiscard]] bool waitForReaders(int made) const;
     [[nodiscard]] bool waitForEndedReaders(int ended) const;
@@ -54,6 +56,7 @@ private:
     mutable std::mutex m_lock;
     mutable std::condition_variable m_changed;
     std::vector<std::string> m_opened;
+    int m_madeSessions = 0;
     int m_madeReaders = 0;
     int m_endedReaders = 0;
 };
