@@ -25,11 +25,18 @@ def beside_bare_walk(context):
     yield ratio_row("scan_to_bare_walk", "whole scan ÷ bare walk", rounds, SCAN, BARE, bar=AtMost(1.10),
                     note=f"{threads} threads")
     yield _memory(rounds.runs("scan"))
-    layouts = [statistics.median(run.output["layout_seconds"]) * 1000 for run in rounds.runs("scan")]
-    firsts = [run.output["layout_seconds"][0] * 1000 for run in rounds.runs("scan")]
-    yield Row("treemap_layout_ms", "`Treemap::layout` of its root at 1000 × 600", statistics.median(layouts),
-              milliseconds, AtMost(8), f"the first in a process: {milliseconds(statistics.median(firsts))}",
-              {"layouts_ms": layouts, "first_ms": firsts})
+    yield _layout(rounds.runs("scan"), "treemap_layout_ms", "`Treemap::layout` of its root at 1000 × 600")
+    # Every folder of a made-up tree is like every other, which gives the most tiles there can be.
+    made_up = context.scan_once("--made-up", "1000000", "--layouts", "9")()
+    yield _layout([made_up], "made_up_treemap_layout_ms", "the same for an even, made-up tree")
+
+
+def _layout(runs, name, measure):
+    medians = [statistics.median(run.output["layout"]["seconds"]) * 1000 for run in runs]
+    firsts = [run.output["layout"]["seconds"][0] * 1000 for run in runs]
+    return Row(name, measure, statistics.median(medians), milliseconds, AtMost(8),
+               f"{runs[0].output['layout']['tiles']:,} tiles; the first in a process "
+               f"{milliseconds(statistics.median(firsts))}", {"medians_ms": medians, "firsts_ms": firsts})
 
 
 def _memory(runs):

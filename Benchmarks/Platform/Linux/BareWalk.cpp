@@ -96,8 +96,12 @@ public:
         if (m_jobs.empty())
             return false;
         ++m_working;
-        jobs.push_back(std::move(m_jobs.back()));
-        m_jobs.pop_back();
+        // Its share, so that it comes back only after a good deal of work.
+        const auto sharers = static_cast<std::size_t>(m_waiting.load(std::memory_order_relaxed)) + 1;
+        const auto share
+            = m_jobs.end() - static_cast<std::ptrdiff_t>((m_jobs.size() + sharers - 1) / sharers);
+        std::move(share, m_jobs.end(), std::back_inserter(jobs));
+        m_jobs.erase(share, m_jobs.end());
         return true;
     }
 
