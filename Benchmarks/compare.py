@@ -12,7 +12,7 @@ import os
 import sys
 from pathlib import Path
 
-from comparison import machine, peers, scanning
+from comparison import application, machine, peers, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -24,6 +24,7 @@ MEASURES = {
     "scan": scanning.beside_bare_walk,
     "peers": peers.beside_peers,
     "sizes": peers.sizes,
+    "model": application.model,
     "growth": scanning.growth,
     "cold": scanning.cold,
     "shapes": scanning.odd_shapes,

@@ -1,0 +1,112 @@
+#pragma once
+
+// Services for a measured application model that leave no trace: a home folder of our choosing, settings in
+// memory, and a file manager that is never asked. Folders and processors are the machine's own.
+
+#include "Platform/AppServices.h"
+#include "Platform/FileRevealer.h"
+#include "Platform/HomeFolder.h"
+#include "Platform/Linux/LinuxDirectoryReading.h"
+#include "Platform/Linux/LinuxProcessors.h"
+#include "Platform/UserDefaults.h"
+#include "Platform/Volumes.h"
+
+#include <QHash>
+#include <QVariant>
+
+#include <optional>
+
+namespace Quillbrook::Benchmarks {
+
+class ChosenHome : public HomeFolder
+{
+public:
+    explicit ChosenHome(QString path)
+        : m_path(std::move(path))
+    {
+    }
+    [[nodiscard]] QString homeDirectory() const override { return m_path; }
+    [[nodiscard]] QString realHomeDirectory() const override { return m_path; }
+
+private:
+    QString m_path;
+};
+
+class DefaultsInMemory : public UserDefaults
+{
+public:
+    [[nodiscard]] std::optional<qint64> integer(const QString &key) const override
+    {
+        return value<qint64>(key);
+    }
+    [[nodiscard]] std::optional<bool> boolean(const QString &key) const override { return value<bool>(key); }
+    [[nodiscard]] std::optional<double> real(const QString &key) const override { return value<double>(key); }
+    [[nodiscard]] std::optional<QStringList> texts(const QString &key) const override
+    {
+        return value<QStringList>(key);
+    }
+    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override
+    {
+        return value<QByteArray>(key);
+    }
+    void setInteger(const QString &key, qint64 value) override { m_values[key] = value; }
+    void setBoolean(const QString &key, bool value) override { m_values[key] = value; }
+    void setReal(const QString &key, double value) override { m_values[key] = value; }
+    void setTexts(const QString &key, const QStringList &value) override { m_values[key] = value; }
+    void setData(const QString &key, const QByteArray &value) override { m_values[key] = value; }
+    void remove(const QString &key) override { m_values.remove(key); }
+
+private:
+    template <typename T>
+    std::optional<T> value(const QString &key) const
+    {
+        const auto found = m_values.find(key);
+        return found == m_values.end() ? std::nullopt : std::optional(found->value<T>());
+    }
+
+    QHash<QString, QVariant> m_values;
+};
+
+class UnknownVolumes : public Volumes
+{
+public:
+    [[nodiscard]] std::optional<VolumeCapacity> capacity(const QString & /*path*/) const override
+    {
+        return std::nullopt;
+    }
+};
+
+class NoRevealer : public FileRevealer
+{
+public:
+    void reveal(const std::string & /*path*/) override { }
+};
+
+class OfflineServices
+{
+public:
+    explicit OfflineServices(const QString &home)
+        : m_home(home)
+    {
+    }
+
+    [[nodiscard]] AppServices services()
+    {
+        return { .kit = { .directories = m_directories,
+                     .processors = m_processors,
+                     .volumes = m_volumes,
+                     .defaults = m_defaults,
+                     .home = m_home },
+            .revealer = m_revealer };
+    }
+
+private:
+    LinuxDirectoryReading m_directories;
+    LinuxProcessors m_processors;
+    UnknownVolumes m_volumes;
+    DefaultsInMemory m_defaults;
+    ChosenHome m_home;
+    NoRevealer m_revealer;
+};
+
+} // namespace Quillbrook::Benchmarks
