@@ -5,8 +5,10 @@
 #include "Platform/Linux/LinuxProcessors.h"
 #include "Platform/Linux/LinuxVolumes.h"
 #include "Platform/SettingsUserDefaults.h"
+#include "Screens/MainWindowState.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QtQml/QQmlExtensionPlugin>
@@ -18,6 +20,11 @@ using namespace Quillbrook;
 int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbrook"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.tarnwick.Quillbrook"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.tarnwick.Quillbrook-256.png")));
+    // As long as nothing but the window leads back into the program, closing it ends the program.
+    QGuiApplication::setQuitOnLastWindowClosed(true);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     LinuxDirectoryReading directories;
@@ -35,8 +42,11 @@ int main(int argc, char **argv)
         .revealer = revealer,
     });
 
+    MainWindowState screens(model);
+
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
     return engine.rootObjects().isEmpty() ? 1 : QApplication::exec();
 }

@@ -3,8 +3,11 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quillbrook
 
+// The main window.
 Window {
     id: root
+
+    required property MainWindowState screens
 
     color: Theme.page
     height: Metrics.windowHeight
@@ -13,4 +16,9 @@ Window {
     title: "Quillbrook"
     visible: true
     width: Metrics.windowWidth
+
+    ContentView {
+        anchors.fill: parent
+        screens: root.screens
+    }
 }

@@ -75,7 +75,7 @@ QtObject {
     readonly property real pressedOpacity: 0.12
     readonly property real disabledOpacity: 0.45
     readonly property real faintOpacity: 0.6
-    readonly property real tintOpacity: 0.07
+    readonly property real tintOpacity: 0.05
     readonly property real scrimOpacity: 0.25
 
     // Motion, in milliseconds; none where the desktop asks for none, which the window tells.

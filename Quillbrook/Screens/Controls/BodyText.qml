@@ -15,4 +15,5 @@ Text {
     font.weight: semibold ? Font.DemiBold : Font.Normal
     renderType: Text.NativeRendering
     textFormat: Text.PlainText
+    verticalAlignment: Text.AlignVCenter
 }

@@ -30,7 +30,7 @@ T.CheckBox {
     font.pointSize: Metrics.bodyFont
     hoverEnabled: true
     implicitHeight: Math.max(indicator.height, implicitContentHeight)
-    implicitWidth: text === "" ? indicator.width : indicator.width + spacing + implicitContentWidth
+    implicitWidth: text === "" ? indicator.width : implicitContentWidth
     opacity: enabled ? 1 : Metrics.disabledOpacity
     padding: 0
     spacing: Metrics.space8

@@ -1,0 +1,82 @@
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// What fills the window: the sidebar, and to its right the top bar, the chosen pane and the question field.
+// Not `ComponentBehavior: Bound`, unlike the other files: a Loader of Qt 6.4 can't create bound components.
+RowLayout {
+    id: root
+
+    required property MainWindowState screens
+
+    spacing: 0
+
+    Component.onCompleted: screens.content.appear()
+
+    Sidebar {
+        Layout.fillHeight: true
+        Layout.preferredWidth: Metrics.sidebarWidth
+        gauge: root.screens.volumeGauge
+        rows: root.screens.sidebar
+    }
+
+    Hairline {
+        Layout.fillHeight: true
+    }
+
+    ColumnLayout {
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+        spacing: 0
+
+        TopBar {
+            Layout.fillWidth: true
+            bar: root.screens.topBar
+        }
+
+        Hairline {
+            Layout.fillWidth: true
+        }
+
+        Loader {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            sourceComponent: {
+                switch (root.screens.content.view) {
+                case ContentState.Scanning:
+                    return scanning;
+                default:
+                    return notice;
+                }
+            }
+        }
+
+        AskBar {
+            Layout.bottomMargin: Metrics.space16
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.paneInset
+            Layout.rightMargin: Metrics.paneInset
+            ask: root.screens.askBar
+            visible: root.screens.content.asksBelow
+        }
+    }
+
+    // qmllint disable unqualified
+    Component {
+        id: scanning
+
+        ScanningView {
+            scan: root.screens.scanning
+        }
+    }
+
+    Component {
+        id: notice
+
+        CentredNotice {
+            message: root.screens.content.noticeMessage
+            title: root.screens.content.noticeTitle
+        }
+    }
+    // qmllint enable unqualified
+}

@@ -1,0 +1,67 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// One pane in the sidebar: symbol, title, and the keys that choose it.
+ListRow {
+    id: root
+
+    required property string hint
+    required property int index
+    required property bool isSelected
+    required property string shortcut
+    required property string symbol
+    required property string title
+
+    focusPolicy: Qt.NoFocus
+    horizontalPadding: Metrics.sidebarInset
+    implicitHeight: Metrics.sidebarRowHeight
+    radius: Metrics.controlRadius
+    selected: isSelected
+    text: title
+    verticalPadding: 0
+
+    background: Rectangle {
+        border.color: Theme.hairline
+        border.width: root.isSelected ? Metrics.hairlineWidth : 0
+        color: root.isSelected ? Theme.surface : "transparent"
+        radius: root.radius
+
+        StateTint {
+            hovered: root.hovered && !root.isSelected
+            pressed: root.down
+            radius: parent.radius
+        }
+
+        FocusRing {
+            gap: -border.width
+            innerRadius: root.radius
+            shown: root.activeFocus
+        }
+    }
+    contentItem: RowLayout {
+        spacing: Metrics.sidebarInset
+
+        Symbol {
+            Layout.preferredHeight: Metrics.symbolSize
+            Layout.preferredWidth: Metrics.symbolSize
+            color: root.isSelected ? Theme.accent : Theme.label
+            name: root.symbol
+        }
+
+        BodyText {
+            Layout.fillWidth: true
+            color: root.isSelected ? Theme.accent : Theme.body
+            semibold: root.isSelected
+            text: root.title
+        }
+
+        CaptionText {
+            Accessible.ignored: true
+            color: Theme.faded(Theme.label, Metrics.faintOpacity)
+            text: root.hint
+        }
+    }
+}

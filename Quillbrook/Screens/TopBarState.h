@@ -1,0 +1,46 @@
+#pragma once
+
+// What the bar above the panes tells of the last scan, and what its one button does. Main thread only; the
+// model outlives it.
+
+#include <QObject>
+#include <QString>
+#include <QtQmlIntegration>
+
+namespace Quillbrook {
+
+class AppModel;
+
+class TopBarState : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window is handed its state")
+
+    /// How much the last scan saw in which time; empty before one.
+    Q_PROPERTY(QString summary READ summary NOTIFY summaryChanged FINAL)
+    /// What the button is called now.
+    Q_PROPERTY(QString actionText READ actionText NOTIFY actionTextChanged FINAL)
+
+public:
+    explicit TopBarState(AppModel &model, QObject *parent = nullptr);
+
+    /// The words for a scan that saw `fileCount` files in `seconds`; empty where no time has been taken.
+    [[nodiscard]] static QString summaryOf(qsizetype fileCount, double seconds);
+    /// Stops the scan in hand, else starts one in the present scope.
+    Q_INVOKABLE void act();
+
+    [[nodiscard]] QString summary() const;
+    [[nodiscard]] QString actionText() const;
+
+Q_SIGNALS:
+    void summaryChanged();
+    void actionTextChanged();
+
+private:
+    [[nodiscard]] bool isScanning() const;
+
+    AppModel &m_model;
+};
+
+} // namespace Quillbrook

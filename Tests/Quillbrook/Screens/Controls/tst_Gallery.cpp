@@ -1,0 +1,255 @@
+// What is promised of all shared controls alike, tried on the gallery, which holds each in every state.
+
+#include <QAccessible>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QSignalSpy>
+#include <QTest>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
+
+namespace {
+
+QStringList *warnings = nullptr;
+
+void keepWarnings(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtWarningMsg && warnings)
+        warnings->append(message);
+}
+
+QList<QQuickItem *> itemsBelow(QQuickItem *item)
+{
+    QList<QQuickItem *> result;
+    for (auto *child : item->childItems()) {
+        if (!child->isVisible())
+            continue;
+        result.append(child);
+        result.append(itemsBelow(child));
+    }
+    return result;
+}
+
+QAccessible::Role roleOf(QQuickItem *item)
+{
+    auto *face = QAccessible::queryAccessibleInterface(item);
+    return face ? face->role() : QAccessible::NoRole;
+}
+
+QString nameOf(QQuickItem *item)
+{
+    return QAccessible::queryAccessibleInterface(item)->text(QAccessible::Name);
+}
+
+bool isPressable(QQuickItem *item)
+{
+    return QList{ QAccessible::Button, QAccessible::CheckBox, QAccessible::ListItem }.contains(roleOf(item));
+}
+
+} // namespace
+
+class GalleryTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void loadsWithoutAWarning();
+    void everythingThatCanBePressedHasAName();
+    void accessiblePressActs();
+    void accessiblePressOfADisabledControlDoesNothing();
+    void accessibleToggleTicks();
+    void tabReachesEveryEnabledControlInReadingOrder();
+    void keyboardFocusShowsTheRing();
+    void clickLeavesTheRingAway();
+    void keysPress_data();
+    void keysPress();
+    void dialogGivesTheKeyboardToCancelAndEscapeCloses();
+
+private:
+    [[nodiscard]] QList<QQuickItem *> items() const { return itemsBelow(m_view->rootObject()); }
+    [[nodiscard]] QQuickItem *named(const QString &name) const;
+
+    QStringList m_warnings;
+    std::unique_ptr<QQuickView> m_view;
+};
+
+void GalleryTest::init()
+{
+    m_warnings.clear();
+    warnings = &m_warnings;
+    qInstallMessageHandler(keepWarnings);
+    QAccessible::setActive(true);
+    m_view = std::make_unique<QQuickView>();
+    m_view->engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    m_view->setSource(QUrl::fromLocalFile(QStringLiteral(GALLERY_FILE)));
+    m_view->show();
+    m_view->requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+}
+
+void GalleryTest::cleanup()
+{
+    m_view.reset();
+    qInstallMessageHandler(nullptr);
+    warnings = nullptr;
+}
+
+QQuickItem *GalleryTest::named(const QString &name) const
+{
+    for (auto *item : items())
+        if (isPressable(item) && nameOf(item) == name)
+            return item;
+    qFatal("No control is called %s", qPrintable(name));
+}
+
+void GalleryTest::loadsWithoutAWarning()
+{
+    QCOMPARE(m_view->status(), QQuickView::Ready);
+    QTest::qWait(50);
+    QCOMPARE(m_warnings, QStringList());
+}
+
+void GalleryTest::everythingThatCanBePressedHasAName()
+{
+    int count = 0;
+    for (auto *item : items()) {
+        if (!isPressable(item))
+            continue;
+        ++count;
+        QVERIFY2(!nameOf(item).isEmpty(), item->metaObject()->className());
+    }
+    QVERIFY(count > 30);
+}
+
+void GalleryTest::accessiblePressActs()
+{
+    for (const auto &name : { "Plain", "Prominent", "Destructive", "Link", "Close", "A row" }) {
+        auto *item = named(QString::fromLatin1(name));
+        QSignalSpy clicks(item, SIGNAL(clicked()));
+        QAccessible::queryAccessibleInterface(item)->actionInterface()->doAction(
+            QAccessibleActionInterface::pressAction());
+        QCOMPARE(clicks.count(), 1);
+    }
+}
+
+void GalleryTest::accessiblePressOfADisabledControlDoesNothing()
+{
+    auto *item = named(QStringLiteral("Plain disabled"));
+    QSignalSpy clicks(item, SIGNAL(clicked()));
+    QAccessible::queryAccessibleInterface(item)->actionInterface()->doAction(
+        QAccessibleActionInterface::pressAction());
+    QCOMPARE(clicks.count(), 0);
+
+    auto *box = named(QStringLiteral("Off, disabled"));
+    QAccessible::queryAccessibleInterface(box)->actionInterface()->doAction(
+        QAccessibleActionInterface::toggleAction());
+    QVERIFY(!box->property("checked").toBool());
+}
+
+void GalleryTest::accessibleToggleTicks()
+{
+    for (const auto &name : { "Off", "Switch off" }) {
+        auto *item = named(QString::fromLatin1(name));
+        QSignalSpy toggles(item, SIGNAL(toggled()));
+        QAccessible::queryAccessibleInterface(item)->actionInterface()->doAction(
+            QAccessibleActionInterface::toggleAction());
+        QVERIFY(item->property("checked").toBool());
+        QCOMPARE(toggles.count(), 1);
+        QVERIFY(QAccessible::queryAccessibleInterface(item)->state().checked);
+    }
+}
+
+void GalleryTest::tabReachesEveryEnabledControlInReadingOrder()
+{
+    QList<QQuickItem *> expected;
+    for (auto *item : items())
+        if ((isPressable(item) || roleOf(item) == QAccessible::EditableText) && item->isEnabled())
+            expected.append(item);
+
+    QList<QQuickItem *> reached;
+    for (qsizetype i = 0; i < expected.size(); ++i) {
+        QTest::keyClick(m_view.get(), Qt::Key_Tab);
+        reached.append(m_view->activeFocusItem());
+    }
+    QCOMPARE(reached, expected);
+}
+
+void GalleryTest::keyboardFocusShowsTheRing()
+{
+    QSet<QQuickItem *> seen;
+    for (;;) {
+        QTest::keyClick(m_view.get(), Qt::Key_Tab);
+        auto *item = m_view->activeFocusItem();
+        QVERIFY(item);
+        if (seen.contains(item))
+            break;
+        seen.insert(item);
+        int rings = 0;
+        for (auto *part : itemsBelow(item))
+            rings += part->objectName() == QStringLiteral("focusRing") ? 1 : 0;
+        QVERIFY2(rings == 1, qPrintable(nameOf(item)));
+    }
+    QVERIFY(seen.size() > 20);
+}
+
+void GalleryTest::clickLeavesTheRingAway()
+{
+    auto *item = named(QStringLiteral("Plain"));
+    const auto centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+    QSignalSpy clicks(item, SIGNAL(clicked()));
+    QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, centre);
+    QCOMPARE(clicks.count(), 1);
+    for (auto *part : itemsBelow(item))
+        QVERIFY(part->objectName() != QStringLiteral("focusRing"));
+}
+
+void GalleryTest::keysPress_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("space") << int(Qt::Key_Space);
+    QTest::newRow("return") << int(Qt::Key_Return);
+    QTest::newRow("enter") << int(Qt::Key_Enter);
+}
+
+void GalleryTest::keysPress()
+{
+    QFETCH(int, key);
+    for (const auto &name :
+        { "Plain", "Prominent", "Destructive", "Link", "Close", "A row", "Off", "Switch off" }) {
+        auto *item = named(QString::fromLatin1(name));
+        const bool isChoice = roleOf(item) == QAccessible::CheckBox;
+        QSignalSpy acts(item, isChoice ? SIGNAL(toggled()) : SIGNAL(clicked()));
+        item->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(m_view.get(), Qt::Key(key));
+        QVERIFY2(acts.count() == 1, name);
+    }
+}
+
+void GalleryTest::dialogGivesTheKeyboardToCancelAndEscapeCloses()
+{
+    auto *question = m_view->rootObject()->findChild<QObject *>(QStringLiteral("question"));
+    QVERIFY(question);
+    QSignalSpy closed(question, SIGNAL(closed()));
+    QMetaObject::invokeMethod(question, "open");
+    QTRY_VERIFY(question->property("opened").toBool());
+    QTRY_VERIFY(m_view->activeFocusItem());
+    QTRY_COMPARE(m_view->activeFocusItem()->objectName(), QStringLiteral("cancelButton"));
+
+    QTest::keyClick(m_view.get(), Qt::Key_Escape);
+    QTRY_COMPARE(closed.count(), 1);
+
+    QMetaObject::invokeMethod(question, "open");
+    QTRY_COMPARE(m_view->activeFocusItem()->objectName(), QStringLiteral("cancelButton"));
+    QTRY_VERIFY(question->property("opened").toBool());
+    QTest::keyClick(m_view.get(), Qt::Key_Return);
+    QTRY_COMPARE(closed.count(), 2);
+}
+
+QTEST_MAIN(GalleryTest)
+#include "tst_Gallery.moc"

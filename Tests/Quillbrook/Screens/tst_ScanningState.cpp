@@ -1,0 +1,48 @@
+#include "Core/ScanProgress.h"
+#include "Screens/ScanningState.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+class ScanningStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void titleIsTheDetailOrSaysThatMeasuringIsOn();
+    void barAndCountsFollowTheProgress();
+};
+
+void ScanningStateTest::titleIsTheDetailOrSaysThatMeasuringIsOn()
+{
+    ScanProgress progress;
+    const ScanningState scan(progress);
+    QSignalSpy changes(&scan, &ScanningState::titleChanged);
+    QCOMPARE(scan.title(), QStringLiteral("Measuring this Mac"));
+    progress.setDetail(QStringLiteral("Downloaded code packages"));
+    QCOMPARE(scan.title(), QStringLiteral("Downloaded code packages"));
+    progress.reset();
+    QCOMPARE(scan.title(), QStringLiteral("Measuring this Mac"));
+    QCOMPARE(changes.count(), 2);
+}
+
+void ScanningStateTest::barAndCountsFollowTheProgress()
+{
+    ScanProgress progress;
+    const ScanningState scan(progress);
+    QSignalSpy fractions(&scan, &ScanningState::fractionChanged);
+    QSignalSpy counts(&scan, &ScanningState::countsChanged);
+    QCOMPARE(scan.fraction(), 0.0);
+    QCOMPARE(scan.counts(), QString());
+    progress.setFraction(0.4);
+    progress.setCounts(QStringLiteral("12 files"));
+    QCOMPARE(scan.fraction(), 0.4);
+    QCOMPARE(scan.counts(), QStringLiteral("12 files"));
+    QCOMPARE(fractions.count(), 1);
+    QCOMPARE(counts.count(), 1);
+}
+
+QTEST_GUILESS_MAIN(ScanningStateTest)
+#include "tst_ScanningState.moc"
