@@ -34,7 +34,8 @@ MEASURES = {
 def main():
     arguments = parse()
     context = Context(programs=arguments.programs, directory=arguments.directory,
-                      rounds=arguments.rounds or (3 if arguments.quick else 9), quick=arguments.quick)
+                      rounds=arguments.rounds or (3 if arguments.quick else 9),
+                      patience=arguments.patience, quick=arguments.quick)
     if arguments.remove_trees:
         remove_trees(context)
         return 0
@@ -44,9 +45,10 @@ def main():
     for name in arguments.only or MEASURES:
         print(f"Measuring: {name} …", file=sys.stderr, flush=True)
         rows += measured(name, context)
+        # After each measure, so that nothing is lost when a long run is cut short.
+        if arguments.json:
+            write(arguments.json, facts, rows, context)
     show(facts, rows, context)
-    if arguments.json:
-        write(arguments.json, facts, rows, context)
     return 0
 
 
@@ -58,6 +60,8 @@ def parse():
                         help="small trees and few rounds: to try it, not to quote")
     parser.add_argument("--rounds", type=int, metavar="N",
                         help="calm rounds for a figure (9; 3 with --quick)")
+    parser.add_argument("--patience", type=float, metavar="SECONDS", default=60,
+                        help="how long each measure waits, all in all, for a busy machine to calm down (60)")
     parser.add_argument("--only", nargs="+", choices=MEASURES, metavar="NAME",
                         help="only these: " + ", ".join(MEASURES))
     parser.add_argument("--directory", type=Path, metavar="FOLDER", help="where the trees are made")

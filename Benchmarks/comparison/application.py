@@ -3,7 +3,6 @@
 import statistics
 
 from comparison.programs import run
-from comparison.rounds import in_turn
 from comparison.rows import AtMost, Row, milliseconds
 from comparison.ratios import noise
 
@@ -13,7 +12,7 @@ RARE, COMMON = "quokka", "index"
 
 def model(context):
     tree = context.home_tree()
-    rounds = in_turn({"model": lambda: run([context.program("ModelOnce"), tree, RARE, COMMON])}, context.rounds)
+    rounds = context.in_turn({"model": lambda: run([context.program("ModelOnce"), tree, RARE, COMMON])})
     runs = rounds.runs("model")
     for key, name, measure in (("largest", "largest_files_ms", "`largestFiles(200)`"),
                                ("rare", "search_rare_ms", f"`search` for a rare word (“{RARE}”)"),

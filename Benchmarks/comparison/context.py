@@ -6,6 +6,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 from comparison.programs import run
+from comparison.rounds import Patience, in_turn
 
 
 @dataclass(frozen=True)
@@ -15,6 +16,8 @@ class Context:
     # Where trees are made; None for TreeMaker's usual folder.
     directory: Path | None
     rounds: int
+    # Seconds that each measure waits, all in all, for the machine to have nothing else to do.
+    patience: float
     # Smaller trees and fewer rounds, for trying the runner out.
     quick: bool
 
@@ -28,6 +31,9 @@ class Context:
         if self.directory:
             command += ["--directory", str(self.directory)]
         return run(command, timeout=1800, parse=False).text.rstrip("\n")
+
+    def in_turn(self, contestants, rounds=None, **options):
+        return in_turn(contestants, rounds or self.rounds, patience=Patience(self.patience), **options)
 
     def home_tree(self):
         return self.tree("home", 1_000_000)

@@ -3,7 +3,6 @@
 from comparison.context import two_cores
 from comparison.programs import PROCESS, ProgramFailed, run
 from comparison.ratios import ratio_row
-from comparison.rounds import in_turn
 from comparison.rows import AtLeast, Exactly, Missing, Row, whole
 
 # Each as a whole process, as ours is: name, command before the tree, and bar.
@@ -21,8 +20,8 @@ def beside_peers(context):
         measure = f"`{' '.join(command)}` ÷ whole scan, on 2 cores"
         try:
             with two_cores() as threads:
-                rounds = in_turn({name: lambda: run([*command, tree], parse=False),
-                                  "scan": context.scan_once(tree, "--threads", str(threads))}, context.rounds)
+                rounds = context.in_turn({name: lambda: run([*command, tree], parse=False),
+                                          "scan": context.scan_once(tree, "--threads", str(threads))})
         except ProgramFailed as failure:
             yield Missing(f"{name}_to_scan", measure, str(failure))
             continue

@@ -1,6 +1,10 @@
 """Runs contestants in turn, A B A B, so that whatever slows the machine for a while slows them alike."""
 
+import os
 import statistics
+import time
+
+from comparison.programs import busy_seconds
 
 # A round counts as calm when others took at most this share of the machine in each of its runs. Whether a
 # round counts is decided by this alone and never by what came out.
@@ -29,7 +33,24 @@ class Rounds:
         return [runs[contestant] for runs in self._rounds]
 
 
-def in_turn(contestants, wanted, *, warm_up=True, before_each=None):
+class Patience:
+    """How long to wait, all in all, for the machine to have nothing else to do."""
+
+    def __init__(self, seconds):
+        self._left = seconds
+
+    def wait_for_calm(self):
+        """Returns once others leave the machine alone for half a second, or when patience is at its end."""
+        while self._left > 0:
+            start, busy = time.monotonic(), busy_seconds()
+            time.sleep(0.5)
+            passed = time.monotonic() - start
+            if (busy_seconds() - busy) / (passed * os.cpu_count()) <= CALM:
+                return
+            self._left -= passed
+
+
+def in_turn(contestants, wanted, *, warm_up=True, before_each=None, patience=None):
     """Runs `contestants` (name to a function that returns a Run) in turn until `wanted` calm rounds are done.
 
     When the machine does not calm down within three times as many rounds, the calmest count.
@@ -39,6 +60,8 @@ def in_turn(contestants, wanted, *, warm_up=True, before_each=None):
             contest()
     rounds = []
     while len(rounds) < 3 * wanted and sum(noise_of(runs) <= CALM for runs in rounds) < wanted:
+        if patience:
+            patience.wait_for_calm()
         runs = {}
         for name, contest in contestants.items():
             if before_each:

@@ -5,7 +5,6 @@ import statistics
 
 from comparison.programs import PROCESS, ProgramFailed, run
 from comparison.ratios import noise, ratio_row
-from comparison.rounds import in_turn
 from comparison.rows import AtMost, Missing, Row, mebibytes, milliseconds, seconds
 
 DROP_CACHES = "/proc/sys/vm/drop_caches"
@@ -18,9 +17,8 @@ def beside_bare_walk(context):
     """The whole scan beside the bare walk, and its memory and layout on the same tree."""
     tree = context.home_tree()
     threads = context.default_threads()
-    rounds = in_turn({"bare": context.bare_walk(tree, threads),
-                      "scan": context.scan_once(tree, "--threads", str(threads), "--layouts", "9")},
-                     context.rounds)
+    rounds = context.in_turn({"bare": context.bare_walk(tree, threads),
+                              "scan": context.scan_once(tree, "--threads", str(threads), "--layouts", "9")})
     _same_tree(rounds)
     yield ratio_row("scan_to_bare_walk", "whole scan ÷ bare walk", rounds, SCAN, BARE, bar=AtMost(1.10),
                     note=f"{threads} threads")
@@ -57,10 +55,10 @@ def cold(context):
         return
     tree = context.home_tree()
     threads = context.default_threads()
-    rounds = in_turn({"bare": context.bare_walk(tree, threads),
-                      "scan": context.scan_once(tree, "--threads", str(threads)),
-                      "du": lambda: run(["du", "-sx", tree], parse=False)},
-                     3, warm_up=False, before_each=_forget_files)
+    rounds = context.in_turn({"bare": context.bare_walk(tree, threads),
+                              "scan": context.scan_once(tree, "--threads", str(threads)),
+                              "du": lambda: run(["du", "-sx", tree], parse=False)},
+                             3, warm_up=False, before_each=_forget_files)
     _same_tree(rounds)
     yield ratio_row("cold_scan_to_bare_walk", measure, rounds, SCAN, BARE)
     yield ratio_row("cold_du_to_scan", "cold cache: `du -sx` ÷ whole scan", rounds, ("du", PROCESS),
@@ -78,8 +76,8 @@ def odd_shapes(context):
     threads = context.default_threads()
     for kind, files in (("wide", 300_000), ("deep", 20_000)):
         tree = context.tree(kind, files)
-        rounds = in_turn({"bare": context.bare_walk(tree, threads),
-                          "scan": context.scan_once(tree, "--threads", str(threads))}, context.rounds)
+        rounds = context.in_turn({"bare": context.bare_walk(tree, threads),
+                                  "scan": context.scan_once(tree, "--threads", str(threads))})
         _same_tree(rounds)
         output = rounds.runs("scan")[0].output
         what = f"one folder of {output['files']:,} files" if kind == "wide" \
@@ -91,8 +89,8 @@ def growth(context):
     """Made-up trees of 1 to 10 million files in memory: does time or memory for a node grow with the tree?"""
     divisor = 20 if context.quick else 1
     sizes = [millions * 1_000_000 // divisor for millions in (1, 2, 5, 10)]
-    rounds = in_turn({size: context.scan_once("--made-up", str(size)) for size in sizes},
-                     max(3, context.rounds // 2))
+    rounds = context.in_turn({size: context.scan_once("--made-up", str(size)) for size in sizes},
+                             max(3, context.rounds // 2))
     seconds_a_node, bytes_a_node = {}, {}
     for size in sizes:
         nodes = rounds.runs(size)[0].output["nodes"]

@@ -9,7 +9,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Benchmarks
 
 from comparison.programs import PROCESS, ProgramFailed, Run, run  # noqa: E402
 from comparison.ratios import ratio_row  # noqa: E402
-from comparison.rounds import CALM, in_turn  # noqa: E402
+from comparison.rounds import CALM, Patience, in_turn  # noqa: E402
 from comparison.rows import AtLeast, AtMost, Exactly, Missing, Row, table  # noqa: E402
 
 BUSY = CALM * 2
@@ -48,6 +48,20 @@ class InTurn(unittest.TestCase):
         rounds = in_turn({"a": contestant(log, "a", 1, noises)}, 2)
         self.assertEqual(len(log), 1 + 6)
         self.assertEqual(rounds.noise, 0.5)
+
+    def testEveryRoundWaitsForCalmFirst(self):
+        log = []
+
+        class Watched(Patience):
+            def wait_for_calm(self):
+                log.append("-")
+        in_turn({"a": contestant(log, "a", 1)}, 2, patience=Watched(1))
+        self.assertEqual("".join(log), "a-a-a")
+
+    def testPatienceComesToAnEnd(self):
+        start = time.monotonic()
+        Patience(0).wait_for_calm()
+        self.assertLess(time.monotonic() - start, 0.4)
 
     def testThePreparationComesBeforeEveryRun(self):
         log = []
