@@ -1,13 +1,12 @@
 #include "Support/TempTree.h"
 
-#include <QDir>
-
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace Quillbrook {
 
@@ -21,24 +20,43 @@ void require(bool done, const char *what)
     std::abort();
 }
 
-// Goes by open folders, so that the length of a path does not matter.
-void removeContents(int folder)
+std::vector<std::string> namesIn(int folder)
 {
-    ::fchmod(folder, 0700);
-    auto *listing = ::fdopendir(::dup(folder));
+    std::vector<std::string> names;
+    auto *listing = ::fdopendir(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     require(listing != nullptr, "fdopendir");
     while (const auto *entry = ::readdir(listing)) {
         const std::string name = entry->d_name;
-        if (name == "." || name == "..")
-            continue;
-        const auto child = ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        if (child >= 0) {
-            removeContents(child);
-            ::close(child);
-        }
-        ::unlinkat(folder, name.c_str(), child >= 0 ? AT_REMOVEDIR : 0);
+        if (name != "." && name != "..")
+            names.push_back(name);
     }
     ::closedir(listing);
+    return names;
+}
+
+// Folders come up to the top before they are emptied, so that neither the length of a path nor the depth of a
+// tree matters.
+void removeContents(int top)
+{
+    int moved = 0;
+    for (auto names = namesIn(top); !names.empty(); names = namesIn(top)) {
+        for (const auto &name : names) {
+            if (::unlinkat(top, name.c_str(), 0) == 0)
+                continue;
+            ::fchmodat(top, name.c_str(), 0700, 0);
+            const auto folder = ::openat(top, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            require(folder >= 0, "openat");
+            for (const auto &child : namesIn(folder)) {
+                if (::unlinkat(folder, child.c_str(), 0) == 0)
+                    continue;
+                ::fchmodat(folder, child.c_str(), 0700, 0);
+                const auto upper = "\n" + std::to_string(moved++);
+                require(::renameat(folder, child.c_str(), top, upper.c_str()) == 0, "renameat");
+            }
+            ::close(folder);
+            require(::unlinkat(top, name.c_str(), AT_REMOVEDIR) == 0, "rmdir");
+        }
+    }
 }
 
 void makeParents(const std::string &path)
@@ -49,8 +67,8 @@ void makeParents(const std::string &path)
 
 } // namespace
 
-TempTree::TempTree()
-    : m_path((QDir::tempPath() + QStringLiteral("/quillbrook-test-XXXXXX")).toStdString())
+TempTree::TempTree(const QString &place)
+    : m_path((place + QStringLiteral("/quillbrook-test-XXXXXX")).toStdString())
 {
     require(::mkdtemp(m_path.data()) != nullptr, "mkdtemp");
     require(::chmod(m_path.c_str(), 0755) == 0, "chmod");
@@ -58,6 +76,7 @@ TempTree::TempTree()
 
 TempTree::~TempTree()
 {
+    ::chmod(m_path.c_str(), 0700);
     const auto folder = ::open(m_path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) {
         removeContents(folder);

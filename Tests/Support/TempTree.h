@@ -3,7 +3,7 @@
 // A temporary folder to make things in. Names are raw bytes, relative to it; folders on the way are made.
 // Whatever can't be made ends the test at once.
 
-#include <QByteArray>
+#include <QDir>
 #include <QString>
 
 #include <string>
@@ -13,7 +13,7 @@ namespace Quillbrook {
 class TempTree
 {
 public:
-    TempTree();
+    explicit TempTree(const QString &place = QDir::tempPath());
     TempTree(const TempTree &) = delete;
     TempTree &operator=(const TempTree &) = delete;
     /// Removes the folder and all in it, whatever its permissions and however long its paths.
