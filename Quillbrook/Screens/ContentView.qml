@@ -15,7 +15,6 @@ RowLayout {
 
     Sidebar {
         Layout.fillHeight: true
-        Layout.preferredWidth: Metrics.sidebarWidth
         gauge: root.screens.volumeGauge
         rows: root.screens.sidebar
     }

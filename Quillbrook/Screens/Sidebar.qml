@@ -5,12 +5,23 @@ import QtQuick.Layouts
 import Quillbrook
 
 // The list of panes, and below it the figures of the volume. The list is one stop of the Tab key; the arrow
-// keys choose within it.
+// keys choose within it. It grows with fonts whose letters are wide, so that no title is cut.
 FocusScope {
     id: root
 
     required property VolumeGaugeState gauge
     required property SidebarModel rows
+
+    implicitWidth: Math.max(Metrics.sidebarWidth, rowColumn.implicitWidth + 2 * Metrics.space12)
+
+    Connections {
+        function onSelectedRowChanged() {
+            if (root.activeFocus)
+                list.itemAt(root.rows.selectedRow).forceActiveFocus(Qt.TabFocusReason);
+        }
+
+        target: root.rows
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -25,35 +36,36 @@ FocusScope {
             text: "STORAGE"
         }
 
-        ListView {
-            id: list
+        ColumnLayout {
+            id: rowColumn
 
             Accessible.name: "Screens"
             Accessible.role: Accessible.List
             Keys.onDownPressed: root.rows.choose(root.rows.selectedRow + 1)
-            Keys.onUpPressed: root.rows.choose(root.rows.selectedRow - 1)
-            Layout.fillHeight: true
-            Layout.fillWidth: true
-            activeFocusOnTab: true
-            boundsBehavior: Flickable.StopAtBounds
-            currentIndex: root.rows.selectedRow
-            focus: true
-            interactive: contentHeight > height
-            keyNavigationEnabled: false
-            model: root.rows
-            objectName: "sidebarRows"
-
-            delegate: SidebarRow {
-                id: row
-
-                width: ListView.view.width
-                onClicked: root.rows.choose(index)
-
-                Shortcut {
-                    sequence: row.shortcut
-                    onActivated: root.rows.choose(row.index)
+            Keys.onPressed: event => {
+                if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
+                    root.rows.choose(event.key === Qt.Key_Home ? 0 : list.count - 1);
+                    event.accepted = true;
                 }
             }
+            Keys.onUpPressed: root.rows.choose(root.rows.selectedRow - 1)
+            spacing: 0
+
+            Repeater {
+                id: list
+
+                model: root.rows
+
+                SidebarRow {
+                    Layout.fillWidth: true
+                    onClicked: root.rows.choose(index)
+                    onChosenByKey: root.rows.choose(index)
+                }
+            }
+        }
+
+        Item {
+            Layout.fillHeight: true
         }
 
         Hairline {

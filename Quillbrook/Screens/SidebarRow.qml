@@ -15,6 +15,10 @@ ListRow {
     required property string symbol
     required property string title
 
+    /// Its keys were pressed, wherever in the window.
+    signal chosenByKey
+
+    activeFocusOnTab: isSelected || activeFocus
     focusPolicy: Qt.NoFocus
     horizontalPadding: Metrics.sidebarInset
     implicitHeight: Metrics.sidebarRowHeight
@@ -52,7 +56,9 @@ ListRow {
         }
 
         BodyText {
+            Accessible.ignored: true
             Layout.fillWidth: true
+            Layout.preferredWidth: Math.ceil(widestTitle.advanceWidth)
             color: root.isSelected ? Theme.accent : Theme.body
             semibold: root.isSelected
             text: root.title
@@ -63,5 +69,19 @@ ListRow {
             color: Theme.faded(Theme.label, Metrics.faintOpacity)
             text: root.hint
         }
+    }
+
+    Shortcut {
+        sequence: root.shortcut
+        onActivated: root.chosenByKey()
+    }
+
+    // Selected or not, the title has the same room.
+    TextMetrics {
+        id: widestTitle
+
+        font.pointSize: Metrics.bodyFont
+        font.weight: Font.DemiBold
+        text: root.title
     }
 }

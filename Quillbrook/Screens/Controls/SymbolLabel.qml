@@ -32,6 +32,7 @@ Item {
         BodyText {
             id: words
 
+            Accessible.ignored: true
             anchors.verticalCenter: parent.verticalCenter
         }
     }

@@ -36,6 +36,7 @@ T.CheckBox {
     spacing: Metrics.space8
 
     contentItem: BodyText {
+        Accessible.ignored: true
         font: root.font
         leftPadding: root.indicator.width + root.spacing
         text: root.text

@@ -37,6 +37,7 @@ T.Switch {
     spacing: Metrics.space8
 
     contentItem: BodyText {
+        Accessible.ignored: true
         font: root.font
         leftPadding: root.indicator.width + root.spacing
         text: root.text

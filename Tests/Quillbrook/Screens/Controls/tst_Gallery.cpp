@@ -1,5 +1,7 @@
 // What is promised of all shared controls alike, tried on the gallery, which holds each in every state.
 
+#include "Support/QuickItems.h"
+
 #include <QAccessible>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -12,6 +14,8 @@
 
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
+using namespace Quillbrook;
+
 namespace {
 
 QStringList *warnings = nullptr;
@@ -22,32 +26,10 @@ void keepWarnings(QtMsgType type, const QMessageLogContext &, const QString &mes
         warnings->append(message);
 }
 
-QList<QQuickItem *> itemsBelow(QQuickItem *item)
-{
-    QList<QQuickItem *> result;
-    for (auto *child : item->childItems()) {
-        if (!child->isVisible())
-            continue;
-        result.append(child);
-        result.append(itemsBelow(child));
-    }
-    return result;
-}
-
-QAccessible::Role roleOf(QQuickItem *item)
-{
-    auto *face = QAccessible::queryAccessibleInterface(item);
-    return face ? face->role() : QAccessible::NoRole;
-}
-
-QString nameOf(QQuickItem *item)
-{
-    return QAccessible::queryAccessibleInterface(item)->text(QAccessible::Name);
-}
-
 bool isPressable(QQuickItem *item)
 {
-    return QList{ QAccessible::Button, QAccessible::CheckBox, QAccessible::ListItem }.contains(roleOf(item));
+    return QList{ QAccessible::Button, QAccessible::CheckBox, QAccessible::ListItem }.contains(
+        accessibleRole(item));
 }
 
 } // namespace
@@ -72,7 +54,7 @@ private Q_SLOTS:
     void dialogGivesTheKeyboardToCancelAndEscapeCloses();
 
 private:
-    [[nodiscard]] QList<QQuickItem *> items() const { return itemsBelow(m_view->rootObject()); }
+    [[nodiscard]] QList<QQuickItem *> items() const { return visibleItemsBelow(*m_view->rootObject()); }
     [[nodiscard]] QQuickItem *named(const QString &name) const;
 
     QStringList m_warnings;
@@ -103,7 +85,7 @@ void GalleryTest::cleanup()
 QQuickItem *GalleryTest::named(const QString &name) const
 {
     for (auto *item : items())
-        if (isPressable(item) && nameOf(item) == name)
+        if (isPressable(item) && accessibleName(item) == name)
             return item;
     qFatal("No control is called %s", qPrintable(name));
 }
@@ -122,7 +104,7 @@ void GalleryTest::everythingThatCanBePressedHasAName()
         if (!isPressable(item))
             continue;
         ++count;
-        QVERIFY2(!nameOf(item).isEmpty(), item->metaObject()->className());
+        QVERIFY2(!accessibleName(item).isEmpty(), item->metaObject()->className());
     }
     QVERIFY(count > 30);
 }
@@ -132,8 +114,7 @@ void GalleryTest::accessiblePressActs()
     for (const auto &name : { "Plain", "Prominent", "Destructive", "Link", "Close", "A row" }) {
         auto *item = named(QString::fromLatin1(name));
         QSignalSpy clicks(item, SIGNAL(clicked()));
-        QAccessible::queryAccessibleInterface(item)->actionInterface()->doAction(
-            QAccessibleActionInterface::pressAction());
+        pressAccessibly(item);
         QCOMPARE(clicks.count(), 1);
     }
 }
@@ -142,8 +123,7 @@ void GalleryTest::accessiblePressOfADisabledControlDoesNothing()
 {
     auto *item = named(QStringLiteral("Plain disabled"));
     QSignalSpy clicks(item, SIGNAL(clicked()));
-    QAccessible::queryAccessibleInterface(item)->actionInterface()->doAction(
-        QAccessibleActionInterface::pressAction());
+    pressAccessibly(item);
     QCOMPARE(clicks.count(), 0);
 
     auto *box = named(QStringLiteral("Off, disabled"));
@@ -169,7 +149,7 @@ void GalleryTest::tabReachesEveryEnabledControlInReadingOrder()
 {
     QList<QQuickItem *> expected;
     for (auto *item : items())
-        if ((isPressable(item) || roleOf(item) == QAccessible::EditableText) && item->isEnabled())
+        if ((isPressable(item) || accessibleRole(item) == QAccessible::EditableText) && item->isEnabled())
             expected.append(item);
 
     QList<QQuickItem *> reached;
@@ -191,9 +171,9 @@ void GalleryTest::keyboardFocusShowsTheRing()
             break;
         seen.insert(item);
         int rings = 0;
-        for (auto *part : itemsBelow(item))
+        for (auto *part : visibleItemsBelow(*item))
             rings += part->objectName() == QStringLiteral("focusRing") ? 1 : 0;
-        QVERIFY2(rings == 1, qPrintable(nameOf(item)));
+        QVERIFY2(rings == 1, qPrintable(accessibleName(item)));
     }
     QVERIFY(seen.size() > 20);
 }
@@ -201,11 +181,10 @@ void GalleryTest::keyboardFocusShowsTheRing()
 void GalleryTest::clickLeavesTheRingAway()
 {
     auto *item = named(QStringLiteral("Plain"));
-    const auto centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
     QSignalSpy clicks(item, SIGNAL(clicked()));
-    QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, centre);
+    QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, centreOf(*item));
     QCOMPARE(clicks.count(), 1);
-    for (auto *part : itemsBelow(item))
+    for (auto *part : visibleItemsBelow(*item))
         QVERIFY(part->objectName() != QStringLiteral("focusRing"));
 }
 
@@ -223,7 +202,7 @@ void GalleryTest::keysPress()
     for (const auto &name :
         { "Plain", "Prominent", "Destructive", "Link", "Close", "A row", "Off", "Switch off" }) {
         auto *item = named(QString::fromLatin1(name));
-        const bool isChoice = roleOf(item) == QAccessible::CheckBox;
+        const bool isChoice = accessibleRole(item) == QAccessible::CheckBox;
         QSignalSpy acts(item, isChoice ? SIGNAL(toggled()) : SIGNAL(clicked()));
         item->forceActiveFocus(Qt::TabFocusReason);
         QTest::keyClick(m_view.get(), Qt::Key(key));

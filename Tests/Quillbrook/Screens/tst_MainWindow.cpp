@@ -1,0 +1,291 @@
+// The main window as a person meets it, on a made-up machine: what can be read, pressed and reached.
+
+#include "Core/AppModel.h"
+#include "Screens/MainWindowState.h"
+#include "Support/FakeServices.h"
+#include "Support/FolderHold.h"
+#include "Support/QuickItems.h"
+
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QTest>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
+
+using namespace Quillbrook;
+using Role = QAccessible::Role;
+
+namespace {
+
+QStringList *warnings = nullptr;
+
+void keepWarnings(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtWarningMsg && warnings)
+        warnings->append(message);
+}
+
+struct Machine : FakeServices
+{
+    Machine() { directories.folder("/home/someone", { FakeDirectories::aFile("a", 4096) }); }
+
+    FolderHold hold{ directories, "/home/someone" };
+};
+
+} // namespace
+
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void hasItsTitleAndSizes();
+    void scanStartsByItselfAndCanBeStopped();
+    void finishedScanIsToldAndCanBeRepeated();
+    void panesThatAreNotBuiltSaySo();
+    void commandDigitsChooseThePane_data();
+    void commandDigitsChooseThePane();
+    void arrowKeysWalkTheSidebar();
+    void rowsCanBePressedByPointerAndAccessibly();
+    void tabGoesInReadingOrder();
+    void questionOpensTheConversation();
+    void blankQuestionKeepsThePane();
+    void nothingIsCutAtTheMinimumSize();
+    void gaugeNamesTheVolume();
+
+private:
+    [[nodiscard]] QQuickItem *item(Role role, const QString &name) const
+    {
+        return findAccessible(*m_window->contentItem(), role, name);
+    }
+    [[nodiscard]] bool shows(const QString &text) const { return item(Role::StaticText, text) != nullptr; }
+    [[nodiscard]] bool showsTheScan() const
+    {
+        const auto title = m_screens->scanning()->title();
+        return shows(title) && item(Role::ProgressBar, title);
+    }
+    [[nodiscard]] Pane pane() const { return m_screens->content()->pane(); }
+    void finishScan();
+
+    QStringList m_warnings;
+    std::unique_ptr<Machine> m_machine;
+    std::unique_ptr<AppModel> m_model;
+    std::unique_ptr<MainWindowState> m_screens;
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+    QQuickWindow *m_window = nullptr;
+};
+
+void MainWindowTest::init()
+{
+    m_warnings.clear();
+    warnings = &m_warnings;
+    qInstallMessageHandler(keepWarnings);
+    QAccessible::setActive(true);
+
+    m_machine = std::make_unique<Machine>();
+    m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
+    m_model = std::make_unique<AppModel>(m_machine->services);
+    m_screens = std::make_unique<MainWindowState>(*m_model);
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    m_engine->setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(m_screens.get()) } });
+    m_engine->load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
+    m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
+    QVERIFY(m_window);
+    m_window->requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(m_window));
+}
+
+void MainWindowTest::cleanup()
+{
+    m_machine->hold.release();
+    m_engine.reset();
+    m_screens.reset();
+    m_model.reset();
+    m_machine.reset();
+    qInstallMessageHandler(nullptr);
+    warnings = nullptr;
+    QVERIFY2(m_warnings.isEmpty(), qPrintable(m_warnings.join(u'\n')));
+}
+
+void MainWindowTest::finishScan()
+{
+    m_machine->hold.release();
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+}
+
+void MainWindowTest::hasItsTitleAndSizes()
+{
+    QCOMPARE(m_window->title(), QStringLiteral("Quillbrook"));
+    QCOMPARE(m_window->size(), QSize(1260, 820));
+    QCOMPARE(m_window->minimumSize(), QSize(1040, 680));
+}
+
+void MainWindowTest::scanStartsByItselfAndCanBeStopped()
+{
+    QTRY_VERIFY(m_machine->hold.isHolding());
+    QVERIFY(showsTheScan());
+    QVERIFY(!item(Role::Button, QStringLiteral("Rescan")));
+    auto *stop = item(Role::Button, QStringLiteral("Stop"));
+    QVERIFY(stop);
+
+    pressAccessibly(stop);
+    QTRY_VERIFY(shows(QStringLiteral("Nothing scanned yet")));
+    QVERIFY(shows(QStringLiteral("Press Rescan to look at this Mac.")));
+    QVERIFY(item(Role::Button, QStringLiteral("Rescan")));
+}
+
+void MainWindowTest::finishedScanIsToldAndCanBeRepeated()
+{
+    finishScan();
+    QVERIFY(shows(m_screens->topBar()->summary()));
+    QVERIFY(m_screens->topBar()->summary().startsWith(QStringLiteral("scanned 1 files in ")));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, QStringLiteral("Rescan"))));
+    QTRY_COMPARE(m_machine->directories.sessionsMade(), 2);
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+}
+
+void MainWindowTest::panesThatAreNotBuiltSaySo()
+{
+    finishScan();
+    m_screens->content()->setPane(Pane::photos);
+    QTRY_VERIFY(shows(QStringLiteral("Not here yet.")));
+    QVERIFY(shows(QStringLiteral("Photos by date")));
+}
+
+void MainWindowTest::commandDigitsChooseThePane_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("expected");
+    for (const auto pane : allPanes)
+        QTest::newRow(qPrintable(title(pane))) << Qt::Key_0 + shortcutDigit(pane) << int(pane);
+}
+
+void MainWindowTest::commandDigitsChooseThePane()
+{
+    QFETCH(int, key);
+    QFETCH(int, expected);
+    QTRY_VERIFY(m_machine->hold.isHolding());
+    m_screens->content()->setPane(expected == 0 ? Pane::map : Pane::warden);
+
+    QTest::keyClick(m_window, Qt::Key(key), Qt::ControlModifier);
+    QCOMPARE(int(pane()), expected);
+    QVERIFY(showsTheScan());
+    auto *row = item(Role::ListItem, title(Pane(expected)));
+    QVERIFY(row);
+    QVERIFY(QAccessible::queryAccessibleInterface(row)->state().selected);
+}
+
+void MainWindowTest::arrowKeysWalkTheSidebar()
+{
+    QTest::keyClick(m_window, Qt::Key_Tab);
+    QTest::keyClick(m_window, Qt::Key_Down);
+    QCOMPARE(pane(), Pane::map);
+    QCOMPARE(accessibleName(m_window->activeFocusItem()), QStringLiteral("What's using space"));
+    QTest::keyClick(m_window, Qt::Key_Down);
+    QCOMPARE(pane(), Pane::largest);
+    QTest::keyClick(m_window, Qt::Key_Up);
+    QTest::keyClick(m_window, Qt::Key_Up);
+    QTest::keyClick(m_window, Qt::Key_Up);
+    QCOMPARE(pane(), Pane::warden);
+    QTest::keyClick(m_window, Qt::Key_End);
+    QCOMPARE(pane(), Pane::advisor);
+    QTest::keyClick(m_window, Qt::Key_Down);
+    QCOMPARE(pane(), Pane::advisor);
+    QTest::keyClick(m_window, Qt::Key_Home);
+    QCOMPARE(pane(), Pane::warden);
+}
+
+void MainWindowTest::rowsCanBePressedByPointerAndAccessibly()
+{
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::ListItem, QStringLiteral("Apps"))));
+    QCOMPARE(pane(), Pane::apps);
+    pressAccessibly(item(Role::ListItem, QStringLiteral("Find a file")));
+    QCOMPARE(pane(), Pane::search);
+}
+
+void MainWindowTest::tabGoesInReadingOrder()
+{
+    QTRY_VERIFY(m_machine->hold.isHolding());
+    QStringList reached;
+    for (int i = 0; i < 6; ++i) {
+        QTest::keyClick(m_window, Qt::Key_Tab);
+        reached.append(accessibleName(m_window->activeFocusItem()));
+    }
+    QCOMPARE(reached,
+        QStringList({ QStringLiteral("Free up space"), QStringLiteral("Stop"),
+            QStringLiteral("Ask Quillbrook anything about this Mac"), QStringLiteral("History"),
+            QStringLiteral("Ask"), QStringLiteral("Free up space") }));
+}
+
+void MainWindowTest::questionOpensTheConversation()
+{
+    finishScan();
+    auto *field = item(Role::EditableText, QStringLiteral("Ask Quillbrook anything about this Mac"));
+    QVERIFY(field);
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
+    QVERIFY(field->hasActiveFocus());
+    for (const auto key : { Qt::Key_W, Qt::Key_H, Qt::Key_Y })
+        QTest::keyClick(m_window, key);
+    QCOMPARE(m_screens->askBar()->draft(), QStringLiteral("why"));
+
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QCOMPARE(pane(), Pane::advisor);
+    QCOMPARE(field->property("text").toString(), QString());
+    QVERIFY(!field->hasActiveFocus());
+    QTRY_VERIFY(shows(QStringLiteral("Past answers")));
+    QVERIFY(!item(Role::Button, QStringLiteral("Ask")));
+}
+
+void MainWindowTest::blankQuestionKeepsThePane()
+{
+    auto *field = item(Role::EditableText, QStringLiteral("Ask Quillbrook anything about this Mac"));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
+    QTest::keyClick(m_window, Qt::Key_Space);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QCOMPARE(pane(), Pane::warden);
+    QCOMPARE(field->property("text").toString(), QStringLiteral(" "));
+    pressAccessibly(item(Role::Button, QStringLiteral("Ask")));
+    QCOMPARE(pane(), Pane::warden);
+    QVERIFY(field->hasActiveFocus());
+}
+
+void MainWindowTest::nothingIsCutAtTheMinimumSize()
+{
+    finishScan();
+    m_window->resize(m_window->minimumSize());
+    QTRY_COMPARE(m_window->contentItem()->width(), 1040.0);
+    const QRectF whole(0, 0, 1040, 680);
+    for (auto *part : visibleItemsBelow(*m_window->contentItem())) {
+        if (accessibleName(part).isEmpty())
+            continue;
+        const auto place = part->mapRectToScene(part->boundingRect());
+        QVERIFY2(whole.contains(place), qPrintable(accessibleName(part)));
+        QVERIFY2(!part->property("truncated").toBool(), qPrintable(accessibleName(part)));
+    }
+}
+
+void MainWindowTest::gaugeNamesTheVolume()
+{
+    QVERIFY(shows(QStringLiteral("250 B")));
+    QVERIFY(shows(QStringLiteral("75% of 1000 B used")));
+    auto *note = m_window->findChild<QQuickItem *>(QStringLiteral("gapNote"));
+    QVERIFY(note);
+    QVERIFY(!note->isVisible());
+
+    const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+    m_machine->volumes.answer
+        = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
+    m_model->refreshVolume();
+    QVERIFY(note->isVisible());
+    QVERIFY(shows(
+        QStringLiteral("Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use.")));
+}
+
+QTEST_MAIN(MainWindowTest)
+#include "tst_MainWindow.moc"
