@@ -1,15 +1,13 @@
-// Scans a folder twice with the application's model, the second time as a rescan that drops the first tree,
-// watches how long the main thread stands still meanwhile, then times questions about the tree. Prints one
-// JSON object.
+// Scans a folder twice with the application's model and no window, watches the main thread meanwhile, and
+// then times questions about the tree. Prints one JSON object.
 //
 //     ModelOnce FOLDER RARE-WORD COMMON-WORD
 
 #include "Core/AppModel.h"
 #include "OfflineServices.h"
-#include "StallMonitor.h"
+#include "WatchedScans.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,10 +18,7 @@
 namespace {
 
 using namespace Quillbrook;
-using namespace std::chrono_literals;
 
-constexpr auto longestRun = 120s;
-constexpr int scans = 2;
 constexpr int timesAsked = 9;
 
 // As the screens ask.
@@ -42,16 +37,6 @@ QJsonObject timed(auto &&ask)
     return { { "seconds", seconds }, { "found", found } };
 }
 
-void report(const AppModel &model, const Benchmarks::StallMonitor &monitor, const QStringList &arguments)
-{
-    const QJsonObject output{ { "files", model.scannedFileCount() },
-        { "longest_wait", monitor.longestWait() }, { "longest_busy", monitor.longestBusy() },
-        { "beats", monitor.beats() }, { "largest", timed([&] { return model.largestFiles(largestShown); }) },
-        { "rare", timed([&] { return model.search(arguments[2], foundShown); }) },
-        { "common", timed([&] { return model.search(arguments[3], foundShown); }) } };
-    std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
-}
-
 } // namespace
 
 int main(int count, char **texts)
@@ -64,26 +49,15 @@ int main(int count, char **texts)
     }
     Benchmarks::OfflineServices offline(arguments[1]);
     AppModel model(offline.services());
-    Benchmarks::StallMonitor monitor;
-    int ended = 0;
-    QObject::connect(&model, &AppModel::phaseChanged, &model, [&] {
-        if (model.phase().kind != Phase::Kind::ready)
-            return;
-        // From the loop, so that the monitor also sees what the end of a scan sets off.
-        QTimer::singleShot(100ms, &model, [&] {
-            if (++ended < scans)
-                return model.scan({});
-            monitor.stop();
-            QCoreApplication::exit(0);
-        });
-    });
-    QTimer::singleShot(longestRun, &model, [] { QCoreApplication::exit(1); });
-    QTimer::singleShot(0, &model, [&] {
-        monitor.start();
-        model.scan({ .scope = Scope::complete });
-    });
-    const auto code = QCoreApplication::exec();
-    if (code == 0)
-        report(model, monitor, arguments);
-    return code;
+    Benchmarks::WatchedScans scans(model, { Pane::map, Pane::map });
+    const auto code = scans.run();
+    if (code != 0)
+        return code;
+    auto output = scans.figures();
+    output["files"] = model.scannedFileCount();
+    output["largest"] = timed([&] { return model.largestFiles(largestShown); });
+    output["rare"] = timed([&] { return model.search(arguments[2], foundShown); });
+    output["common"] = timed([&] { return model.search(arguments[3], foundShown); });
+    std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
+    return 0;
 }

@@ -24,6 +24,7 @@ MEASURES = {
     "scan": scanning.beside_bare_walk,
     "peers": peers.beside_peers,
     "sizes": peers.sizes,
+    "window": application.window,
     "model": application.model,
     "growth": scanning.growth,
     "cold": scanning.cold,

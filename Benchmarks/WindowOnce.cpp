@@ -1,0 +1,50 @@
+// Scans a folder with the whole main window open, once with each of the panes that show a tree and once again
+// with the first, and watches the main thread meanwhile. Prints one JSON object. On the "offscreen" platform
+// the main thread also paints the window.
+//
+//     WindowOnce FOLDER
+
+#include "Core/AppModel.h"
+#include "OfflineServices.h"
+#include "Screens/MainWindowState.h"
+#include "WatchedScans.h"
+
+#include <QApplication>
+#include <QJsonDocument>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <cstdio>
+
+Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
+
+using namespace Quillbrook;
+
+int main(int count, char **texts)
+{
+    QApplication application(count, texts);
+    const auto arguments = QCoreApplication::arguments();
+    if (arguments.size() != 2) {
+        std::fputs("WindowOnce FOLDER\n", stderr);
+        return 2;
+    }
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    Benchmarks::OfflineServices offline(arguments[1]);
+    AppModel model(offline.services());
+    MainWindowState screens(model);
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+    Benchmarks::WatchedScans scans(model, { Pane::map, Pane::largest, Pane::search, Pane::map });
+    const auto code = scans.run();
+    if (code != 0)
+        return code;
+    auto output = scans.figures();
+    output["files"] = model.scannedFileCount();
+    std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
+    return 0;
+}
