@@ -1,5 +1,7 @@
 #include "Scan/Format.h"
 
+#include "Scan/WholeDays.h"
+
 #include <QLocale>
 
 #include <array>
@@ -14,15 +16,6 @@ constexpr std::array units{ "KB", "MB", "GB", "TB" };
 
 constexpr qint64 daysPerMonth = 30;
 constexpr qint64 daysPerYear = 365;
-
-// Complete days of the local calendar; `QDateTime::daysTo` alone counts the midnights between.
-qint64 wholeDays(const QDateTime &date, const QDateTime &now)
-{
-    const auto from = date.toLocalTime();
-    const auto to = now.toLocalTime();
-    const auto midnights = from.daysTo(to);
-    return from.addDays(midnights) > to ? midnights - 1 : midnights;
-}
 
 // How much of `path` spells `home`, when that is all of it or a "/" follows. Texts that differ only in how
 // their characters are composed spell the same folder.
