@@ -1,0 +1,85 @@
+#pragma once
+
+// What is known, by name, about what may be cleared: a fixed table of rules, the evaluation of a disk against
+// it, and the listing of a finding's members. Nothing here removes anything or reads the content of a file
+// that it measures. Operations are synchronous, may take long, and may be called from any thread.
+//
+// What the host adds is handed in beside the built-in tables; without it they work alone.
+
+#include "Catalogue/CatalogueServices.h"
+#include "Catalogue/HostCatalogue.h"
+#include "Catalogue/ReclaimReport.h"
+#include "Catalogue/StorageItem.h"
+
+#include <QSet>
+
+#include <functional>
+#include <span>
+#include <stop_token>
+
+namespace Quillbrook {
+
+class FileTree;
+
+namespace StorageCatalogue {
+
+/// The thirty built-in rules in the order of evaluation. Built once, never changed afterwards.
+[[nodiscard]] std::span<const ReclaimRule> rules();
+
+/// Where to look.
+struct Places
+{
+    /// Absolute; what a relative location hangs under.
+    QString homeDirectory{};
+    /// Absolute paths; a location that equals one or lies below one, by its text, is passed over.
+    QSet<QString> skipping{};
+    /// Null: the built-in tables alone.
+    const HostCatalogue *host = nullptr;
+};
+
+struct QuickScanRequest
+{
+    Places places{};
+    /// Gets each finding the moment it is made, on the calling thread; must be quick. May be empty.
+    std::function<void(const Finding &)> onFinding{};
+    /// A stop ends the location in hand, which then gives no finding, and all that would follow.
+    std::stop_token stop{};
+};
+
+/// Measures each existing location by a small scan of its own, one after the other. A location that is a
+/// link or holds nothing gives no finding. After a stop, the report holds what was found before.
+[[nodiscard]] ReclaimReport quickScan(const CatalogueServices &services, const QuickScanRequest &request);
+
+/// How many locations `quickScan` would find something at, links and empty ones counted too: an upper
+/// bound on its findings.
+[[nodiscard]] qsizetype quickScanStepCount(const CatalogueServices &services, const Places &places);
+
+struct EvaluateRequest
+{
+    const FileTree &tree;
+    /// The node under which to look.
+    qint32 root = -1;
+    Places places{};
+};
+
+/// Reads the same findings out of a finished tree, which already holds every size. A location that is a
+/// link gives a finding that is marked so.
+[[nodiscard]] ReclaimReport evaluate(const CatalogueServices &services, const EvaluateRequest &request);
+
+/// Rules worth mentioning beside one, in order; empty for an id without any. Not filtered against what
+/// was found.
+[[nodiscard]] QStringList related(const QString &ruleId, const HostCatalogue *host = nullptr);
+
+/// The rules whose findings open into items.
+[[nodiscard]] const QSet<QString> &itemisedRules();
+[[nodiscard]] bool supportsItems(const QString &ruleId);
+
+/// The members of a finding that are larger than one mebibyte, largest first. Empty for a rule that has
+/// none and for a finding that the tree does not hold. Asks a tool which simulators run, and waits for
+/// it.
+[[nodiscard]] QList<StorageItem> items(
+    const CatalogueServices &services, const Finding &finding, const FileTree &tree, qint32 root);
+
+} // namespace StorageCatalogue
+
+} // namespace Quillbrook
