@@ -1,0 +1,54 @@
+#pragma once
+
+// The walk over all tables that quick scan, step count and evaluation share, and the findings made on it.
+// Private to the catalogue.
+
+#include "Catalogue/StorageCatalogue.h"
+
+#include <vector>
+
+namespace Quillbrook {
+
+/// One place to look at.
+struct CatalogueLocation
+{
+    /// Lives as long as the tables.
+    const ReclaimRule *rule = nullptr;
+    /// Absolute.
+    QString path{};
+    /// Only where the host names it.
+    std::optional<QString> label{};
+    bool isHosts = false;
+};
+
+/// Every location of every table, in table order and path order, without those that `places` skips. The
+/// built-in rules come first, each with its own paths and then the host's for it, and the host's rules last.
+[[nodiscard]] std::vector<CatalogueLocation> catalogueLocations(const StorageCatalogue::Places &places);
+
+/// Gathers the findings of one walk. The rule of a lone place shows its bare title as long as only one of its
+/// findings is there, so a label waits for the second.
+class FindingList
+{
+public:
+    FindingList(const FileFacts &files, const Clock &clock);
+
+    /// Makes the finding of a location that holds `bytes`, reads its dates and keeps it.
+    const Finding &add(const CatalogueLocation &location, qint64 bytes, bool isLink);
+    /// All findings, largest first, with the figures of the volume that holds the home folder.
+    [[nodiscard]] ReclaimReport report(const Volumes &volumes, const QString &homeDirectory) &&;
+
+private:
+    struct Entry
+    {
+        Finding finding{};
+        std::optional<QString> label{};
+    };
+
+    void settleLabels();
+
+    const FileFacts &m_files;
+    const Clock &m_clock;
+    std::vector<Entry> m_entries;
+};
+
+} // namespace Quillbrook

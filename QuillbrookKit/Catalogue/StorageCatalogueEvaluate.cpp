@@ -1,0 +1,28 @@
+#include "Catalogue/CatalogueLocations.h"
+#include "Catalogue/TreeLookup.h"
+#include "Platform/FileFacts.h"
+
+namespace Quillbrook::StorageCatalogue {
+
+ReclaimReport evaluate(const CatalogueServices &services, const EvaluateRequest &request)
+{
+    const auto locations = catalogueLocations(request.places);
+    std::vector<QString> paths;
+    paths.reserve(locations.size());
+    for (const auto &location : locations)
+        paths.push_back(location.path);
+    const auto nodes = findAll(request.tree, paths, request.root);
+
+    FindingList findings(services.files, services.clock);
+    for (size_t index = 0; index < locations.size(); ++index) {
+        const auto bytes = request.tree.size(nodes[index]);
+        if (bytes < 1)
+            continue;
+        // Where nothing is there any more, the tree's word stands.
+        const auto kind = services.files.kind(paths[index].toStdString());
+        findings.add(locations[index], bytes, kind == FileKind::symlink);
+    }
+    return std::move(findings).report(services.volumes, request.places.homeDirectory);
+}
+
+} // namespace Quillbrook::StorageCatalogue
