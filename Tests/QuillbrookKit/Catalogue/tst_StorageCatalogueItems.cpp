@@ -1,0 +1,298 @@
+#include "Catalogue/StorageCatalogue.h"
+#include "Platform/Linux/LinuxProcessRunner.h"
+#include "Support/MadeUpHome.h"
+#include "Support/PropertyListBytes.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+using namespace Quillbrook;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 mebibyte = 1'048'576;
+
+// A tree made by hand, so that members have exactly the size that a case wants.
+class SampleTree
+{
+public:
+    explicit SampleTree(const QString &folder)
+        : m_tree(16)
+        , m_root(m_tree.addNode(FileTree::noNode, folder.toStdString(), 0, FileTree::Flags::directory))
+    {
+    }
+    void add(const std::string &name, qint64 bytes)
+    {
+        const auto folder = m_tree.addNode(m_root, name, 0, FileTree::Flags::directory);
+        m_tree.addNode(folder, "content", bytes, FileTree::Flags::none);
+    }
+    [[nodiscard]] const FileTree &finish()
+    {
+        m_tree.rollUp();
+        m_tree.sortChildrenBySize();
+        return m_tree;
+    }
+
+private:
+    FileTree m_tree;
+    qint32 m_root;
+};
+
+Finding findingOf(const QString &ruleId, const QString &path)
+{
+    return { .rule = { .id = ruleId }, .path = path };
+}
+
+// Starts a script of the test's own in the place of the simulator tool, by the real runner.
+auto runInstead(const QString &script, std::chrono::milliseconds timeLimit, qsizetype outputLimit)
+{
+    return [=](ProcessRunner::Command command) {
+        command.program = script;
+        command.timeLimit = timeLimit;
+        command.outputLimit = outputLimit;
+        return LinuxProcessRunner().run(command);
+    };
+}
+
+QString script(const MadeUpHome &home, const QByteArray &body)
+{
+    const auto path = home.path("tool");
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write("#!/bin/sh\n" + body) < 0)
+        qFatal("the tool can't be written");
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return path;
+}
+
+} // namespace
+
+class TestStorageCatalogueItems : public QObject
+{
+    Q_OBJECT
+
+private:
+    static QList<StorageItem> items(MadeUpHome &home, const QString &ruleId, const FileTree &tree)
+    {
+        return StorageCatalogue::items(home.services(), findingOf(ruleId, tree.path(0)), tree, 0);
+    }
+    static StorageItem only(MadeUpHome &home, const QString &ruleId, const std::string &name)
+    {
+        SampleTree tree(home.path("folder"));
+        tree.add(name, 2 * mebibyte);
+        const auto list = items(home, ruleId, tree.finish());
+        return list.size() == 1 ? list.first() : StorageItem{ .name = u"not one item"_s };
+    }
+
+private Q_SLOTS:
+    void fourRulesOpenIntoItems()
+    {
+        QCOMPARE(StorageCatalogue::itemisedRules(),
+            QSet<QString>(
+                { u"android.avd"_s, u"xcode.deriveddata"_s, u"simulator.devices"_s, u"xcode.archives"_s }));
+        QVERIFY(StorageCatalogue::supportsItems(u"android.avd"_s));
+        QVERIFY(!StorageCatalogue::supportsItems(u"trash"_s));
+        QVERIFY(!StorageCatalogue::supportsItems(u"Android.avd"_s));
+    }
+
+    void otherRuleHasNoItemsAndStartsNoProcess()
+    {
+        MadeUpHome home;
+        SampleTree tree(home.path("folder"));
+        tree.add("one", 5 * mebibyte);
+        QVERIFY(items(home, u"trash"_s, tree.finish()).isEmpty());
+        QVERIFY(home.processes.commands.isEmpty());
+    }
+
+    void onlySimulatorsStartAProcess()
+    {
+        MadeUpHome home;
+        for (const auto *rule : { "android.avd", "xcode.deriveddata", "xcode.archives" })
+            QVERIFY(!only(home, QString::fromLatin1(rule), "x").name.isEmpty());
+        QVERIFY(home.processes.commands.isEmpty());
+        QVERIFY(!only(home, u"simulator.devices"_s, "x").name.isEmpty());
+        QCOMPARE(home.processes.commands.size(), 1);
+    }
+
+    void findingThatTheTreeDoesNotHoldHasNoItems()
+    {
+        MadeUpHome home;
+        SampleTree tree(home.path("folder"));
+        tree.add("Pixel.avd", 5 * mebibyte);
+        const auto &finished = tree.finish();
+        QVERIFY(StorageCatalogue::items(
+            home.services(), findingOf(u"android.avd"_s, home.path("other")), finished, 0)
+                    .isEmpty());
+        QVERIFY(StorageCatalogue::items(
+            home.services(), findingOf(u"simulator.devices"_s, home.path("other")), finished, 0)
+                    .isEmpty());
+        QVERIFY(StorageCatalogue::items(
+            home.services(), findingOf(u"android.avd"_s, home.path("folder")), finished, -1)
+                    .isEmpty());
+        QVERIFY(home.processes.commands.isEmpty());
+    }
+
+    void memberOfAMebibyteIsLeftOutAndOneByteMoreIsListed()
+    {
+        MadeUpHome home;
+        SampleTree tree(home.path("folder"));
+        tree.add("exactly.avd", mebibyte);
+        tree.add("more.avd", mebibyte + 1);
+        tree.add("Pixel.ini", 200);
+        const auto list = items(home, u"android.avd"_s, tree.finish());
+        QCOMPARE(list.size(), 1);
+        QCOMPARE(list.first().name, u"more"_s);
+        QCOMPARE(list.first().bytes, mebibyte + 1);
+    }
+
+    void itemTellsItsPlace()
+    {
+        MadeUpHome home;
+        home.tree.folder("avd/Pixel_7.avd");
+        home.touch("avd/Pixel_7.avd", QDateTime(QDate(2024, 6, 1), QTime(8, 30, 15, 900), Qt::UTC));
+        SampleTree tree(home.path("avd"));
+        tree.add("Pixel_7.avd", 3 * mebibyte);
+        tree.add("gone.avd", 2 * mebibyte);
+        const auto list = items(home, u"android.avd"_s, tree.finish());
+        QCOMPARE(list.size(), 2);
+        QCOMPARE(list[0].id, u"android.avd/Pixel_7.avd"_s);
+        QCOMPARE(list[0].path, home.path("avd/Pixel_7.avd"));
+        QCOMPARE(list[0].rawPath, home.tree.path("avd/Pixel_7.avd"));
+        QCOMPARE(list[0].bytes, 3 * mebibyte);
+        QCOMPARE(list[0].lastModified, QDateTime(QDate(2024, 6, 1), QTime(8, 30, 15), Qt::UTC));
+        QCOMPARE(list[0].created, LinuxFileFacts().dates(home.tree.path("avd/Pixel_7.avd"))->created);
+        QVERIFY(list[0].removable && !list[0].blockedReason);
+        QVERIFY(!list[1].lastModified && !list[1].created);
+    }
+
+    void largestComesFirstAndEqualSizesKeepTheTreesOrder()
+    {
+        MadeUpHome home;
+        SampleTree tree(home.path("folder"));
+        for (const auto &[name, size] :
+            { std::pair("a", 2), std::pair("b", 3), std::pair("c", 2), std::pair("d", 9) })
+            tree.add(name, size * mebibyte);
+        const auto &finished = tree.finish();
+        QStringList names;
+        for (const auto &item : items(home, u"xcode.archives"_s, finished))
+            names.append(item.name);
+        QStringList expected;
+        for (const auto child : finished.children(0))
+            expected.append(finished.name(child));
+        QCOMPARE(names, expected);
+        QCOMPARE(names.first(), u"d"_s);
+    }
+
+    void naming_data()
+    {
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<QByteArray>("child");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("detail");
+        const auto avd = u"android.avd"_s;
+        const auto device = u"Android virtual device"_s;
+        QTest::newRow("device") << avd << QByteArray("Pixel_7.avd") << u"Pixel_7"_s << device;
+        QTest::newRow("device without the ending") << avd << QByteArray("Pixel_7") << u"Pixel_7"_s << device;
+        QTest::newRow("device, another letter case")
+            << avd << QByteArray("Pixel.AVD") << u"Pixel.AVD"_s << device;
+        QTest::newRow("device named by the ending alone") << avd << QByteArray(".avd") << u""_s << device;
+        QTest::newRow("device with the ending twice")
+            << avd << QByteArray("a.avd.avd") << u"a.avd"_s << device;
+        QTest::newRow("device, not UTF-8") << avd << QByteArray("a\xff.avd") << u"a\uFFFD"_s << device;
+        const auto derived = u"xcode.deriveddata"_s;
+        const auto build = u"Build intermediates"_s;
+        QTest::newRow("project") << derived << QByteArray("App-abcdef") << u"App"_s << build;
+        QTest::newRow("project with a hyphen")
+            << derived << QByteArray("App-Two-abcdef") << u"App"_s << build;
+        QTest::newRow("project without a hyphen") << derived << QByteArray("App") << u"App"_s << build;
+        QTest::newRow("project that begins with hyphens")
+            << derived << QByteArray("--App-x") << u"App"_s << build;
+        QTest::newRow("project of hyphens") << derived << QByteArray("--") << u"--"_s << build;
+        QTest::newRow("module cache")
+            << derived << QByteArray("ModuleCache.noindex") << u"Shared module cache"_s
+            << u"Shared module cache for every project"_s;
+        QTest::newRow("nearly the module cache")
+            << derived << QByteArray("ModuleCache.noindex2") << u"ModuleCache.noindex2"_s << build;
+        QTest::newRow("archives") << u"xcode.archives"_s << QByteArray("2024-06-01") << u"2024-06-01"_s
+                                  << u"Shipped build archive"_s;
+        QTest::newRow("simulator without a property list")
+            << u"simulator.devices"_s << QByteArray("4B8F-1") << u"4B8F-1"_s << u"iOS simulator"_s;
+    }
+    void naming()
+    {
+        QFETCH(QString, rule);
+        QFETCH(QByteArray, child);
+        MadeUpHome home;
+        const auto item = only(home, rule, child.toStdString());
+        QTEST(item.name, "name");
+        QTEST(item.detail, "detail");
+        QCOMPARE(item.id, rule + u'/' + QString::fromUtf8(child));
+        QVERIFY(item.removable && !item.blockedReason);
+    }
+
+    void simulatorIsNamedByItsPropertyList()
+    {
+        MadeUpHome home;
+        home.tree.folder("folder/4B8F-1");
+        QFile file(home.path("folder/4B8F-1/device.plist"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(PropertyListBytes::xml("<dict><key>name</key><string>iPhone "
+                                          "15</string><key>runtime</key><string>x.iOS-17-2</string></dict>"));
+        file.close();
+        QCOMPARE(only(home, u"simulator.devices"_s, "4B8F-1").name, u"iPhone 15 \u00B7 iOS.17.2"_s);
+    }
+
+    void runningSimulatorIsListedAndNotRemovable()
+    {
+        MadeUpHome home;
+        home.processes.answer = runInstead(script(home,
+                                               "echo \"$1 $2 $3\" > \"$(dirname \"$0\")/asked\"\n"
+                                               "echo '    iPhone 15 (4B8F-1) (Booted) '\n"
+                                               "echo '    iPhone 14 (4B8F-2) (Shutdown) '\n"),
+            std::chrono::seconds(20), 4096);
+        SampleTree tree(home.path("folder"));
+        tree.add("4B8F-1", 3 * mebibyte);
+        tree.add("4B8F-2", 2 * mebibyte);
+        const auto list = items(home, u"simulator.devices"_s, tree.finish());
+        QCOMPARE(list.size(), 2);
+        QVERIFY(!list[0].removable);
+        QCOMPARE(list[0].blockedReason, u"Running right now — shut it down first."_s);
+        QCOMPARE(list[0].bytes, 3 * mebibyte);
+        QVERIFY(list[1].removable && !list[1].blockedReason);
+        QFile asked(home.path("asked"));
+        QVERIFY(asked.open(QIODevice::ReadOnly));
+        QCOMPARE(asked.readAll(), QByteArray("simctl list devices\n"));
+    }
+
+    void withoutTheToolEverySimulatorIsRemovable()
+    {
+        MadeUpHome home;
+        home.processes.answer = runInstead(home.path("no such tool"), std::chrono::seconds(20), 4096);
+        QVERIFY(only(home, u"simulator.devices"_s, "4B8F-1").removable);
+    }
+
+    void toolThatHangsIsStoppedAndWhatItSaidCounts()
+    {
+        MadeUpHome home;
+        home.processes.answer = runInstead(script(home, "echo 'iPhone 15 (4B8F-1) (Booted)'\nsleep 600\n"),
+            std::chrono::milliseconds(500), 4096);
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!only(home, u"simulator.devices"_s, "4B8F-1").removable);
+        QVERIFY(timer.elapsed() < 30'000);
+    }
+
+    void toolThatPrintsWithoutEndIsStopped()
+    {
+        MadeUpHome home;
+        home.processes.answer = runInstead(script(home,
+                                               "echo 'iPhone 15 (4B8F-1) (Booted)'\nwhile :; do echo 'iPhone "
+                                               "14 (4B8F-2) (Shutdown)'; done\n"),
+            std::chrono::seconds(60), 1'000'000);
+        QVERIFY(!only(home, u"simulator.devices"_s, "4B8F-1").removable);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStorageCatalogueItems)
+#include "tst_StorageCatalogueItems.moc"
