@@ -16,7 +16,7 @@ CODE = {".h", ".cpp"}
 # What each Kit folder may include of the Kit besides itself; the arrows never form a ring. The root's own headers
 # (Fatal.h) are for everyone.
 KIT_DIRECTIONS = {
-    "Platform": {"Scan", "Removal"},
+    "Platform": {"Scan", "Catalogue", "Removal"},
     "Scan": {"Platform"},
     "Catalogue": {"Platform", "Scan"},
     "Removal": {"Platform", "Scan", "Catalogue"},
