@@ -2,6 +2,7 @@
 #include "Platform/Linux/LinuxDirectoryReading.h"
 #include "Platform/Linux/LinuxFileRevealer.h"
 #include "Platform/Linux/LinuxHomeFolder.h"
+#include "Platform/Linux/LinuxMotionPreference.h"
 #include "Platform/Linux/LinuxProcessors.h"
 #include "Platform/Linux/LinuxVolumes.h"
 #include "Platform/SettingsUserDefaults.h"
@@ -33,6 +34,7 @@ int main(int argc, char **argv)
     SettingsUserDefaults defaults;
     LinuxHomeFolder home;
     LinuxFileRevealer revealer;
+    LinuxMotionPreference motion;
     AppModel model({
         .kit = { .directories = directories,
             .processors = processors,
@@ -42,7 +44,7 @@ int main(int argc, char **argv)
         .revealer = revealer,
     });
 
-    MainWindowState screens(model);
+    MainWindowState screens(model, motion);
 
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));

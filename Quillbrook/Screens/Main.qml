@@ -17,6 +17,12 @@ Window {
     visible: true
     width: Metrics.windowWidth
 
+    Binding {
+        property: "reducedMotion"
+        target: Metrics
+        value: root.screens.reducedMotion
+    }
+
     ContentView {
         anchors.fill: parent
         screens: root.screens

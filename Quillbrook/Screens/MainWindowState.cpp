@@ -1,11 +1,13 @@
 #include "Screens/MainWindowState.h"
 
 #include "Core/AppModel.h"
+#include "Platform/MotionPreference.h"
 
 namespace Quillbrook {
 
-MainWindowState::MainWindowState(AppModel &model, QObject *parent)
+MainWindowState::MainWindowState(AppModel &model, MotionPreference &motion, QObject *parent)
     : QObject(parent)
+    , m_motion(motion)
     , m_content(model)
     , m_sidebar(m_content)
     , m_topBar(model)
@@ -13,6 +15,12 @@ MainWindowState::MainWindowState(AppModel &model, QObject *parent)
     , m_scanning(model.scanProgress())
     , m_askBar(m_content)
 {
+    connect(&m_motion, &MotionPreference::changed, this, &MainWindowState::reducedMotionChanged);
+}
+
+bool MainWindowState::reducedMotion() const
+{
+    return m_motion.isReduced();
 }
 
 } // namespace Quillbrook

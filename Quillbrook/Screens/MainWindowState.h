@@ -1,7 +1,7 @@
 #pragma once
 
 // Everything the main window observes, made once for it: one state object for each part of it, so that a
-// view gets what it needs and nothing more. Main thread only; the model outlives it.
+// view gets what it needs and nothing more. Main thread only; what it is made from outlives it.
 
 #include "Screens/AskBarState.h"
 #include "Screens/ContentState.h"
@@ -15,6 +15,8 @@
 
 namespace Quillbrook {
 
+class MotionPreference;
+
 class MainWindowState : public QObject
 {
     Q_OBJECT
@@ -27,9 +29,11 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::VolumeGaugeState *volumeGauge READ volumeGauge CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::ScanningState *scanning READ scanning CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
+    /// The person has asked their desktop for less movement.
+    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged FINAL)
 
 public:
-    explicit MainWindowState(AppModel &model, QObject *parent = nullptr);
+    MainWindowState(AppModel &model, MotionPreference &motion, QObject *parent = nullptr);
 
     [[nodiscard]] ContentState *content() { return &m_content; }
     [[nodiscard]] SidebarModel *sidebar() { return &m_sidebar; }
@@ -37,8 +41,13 @@ public:
     [[nodiscard]] VolumeGaugeState *volumeGauge() { return &m_volumeGauge; }
     [[nodiscard]] ScanningState *scanning() { return &m_scanning; }
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
+    [[nodiscard]] bool reducedMotion() const;
+
+Q_SIGNALS:
+    void reducedMotionChanged();
 
 private:
+    MotionPreference &m_motion;
     ContentState m_content;
     SidebarModel m_sidebar;
     TopBarState m_topBar;

@@ -2,11 +2,13 @@
 
 #include "Core/AppModel.h"
 #include "Screens/MainWindowState.h"
+#include "Support/FakeMotionPreference.h"
 #include "Support/FakeServices.h"
 #include "Support/FolderHold.h"
 #include "Support/QuickItems.h"
 
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
 #include <QQuickWindow>
 #include <QTest>
 #include <QtQml/QQmlExtensionPlugin>
@@ -32,6 +34,7 @@ struct Machine : FakeServices
 {
     Machine() { directories.folder("/home/someone", { FakeDirectories::aFile("a", 4096) }); }
 
+    FakeMotionPreference motion;
     FolderHold hold{ directories, "/home/someone" };
 };
 
@@ -57,6 +60,7 @@ private Q_SLOTS:
     void blankQuestionKeepsThePane();
     void nothingIsCutAtTheMinimumSize();
     void gaugeNamesTheVolume();
+    void nothingMovesWhereTheDesktopAsksForThat();
 
 private:
     [[nodiscard]] QQuickItem *item(Role role, const QString &name) const
@@ -90,7 +94,7 @@ void MainWindowTest::init()
     m_machine = std::make_unique<Machine>();
     m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
     m_model = std::make_unique<AppModel>(m_machine->services);
-    m_screens = std::make_unique<MainWindowState>(*m_model);
+    m_screens = std::make_unique<MainWindowState>(*m_model, m_machine->motion);
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
     m_engine->setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(m_screens.get()) } });
@@ -285,6 +289,24 @@ void MainWindowTest::gaugeNamesTheVolume()
     QVERIFY(note->isVisible());
     QVERIFY(shows(
         QStringLiteral("Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use.")));
+}
+
+void MainWindowTest::nothingMovesWhereTheDesktopAsksForThat()
+{
+    QQmlComponent reader(m_engine.get());
+    reader.setData("import QtQml\nimport Quillbrook\nQtObject {\n"
+                   "readonly property int quickMotion: Metrics.quickMotion\n"
+                   "readonly property int sheetMotion: Metrics.sheetMotion\n}",
+        {});
+    const std::unique_ptr<QObject> metrics(reader.create());
+    QVERIFY2(metrics, qPrintable(reader.errorString()));
+    QCOMPARE(metrics->property("quickMotion").toInt(), 120);
+    QCOMPARE(metrics->property("sheetMotion").toInt(), 180);
+    m_machine->motion.setReduced(true);
+    QCOMPARE(metrics->property("quickMotion").toInt(), 0);
+    QCOMPARE(metrics->property("sheetMotion").toInt(), 0);
+    m_machine->motion.setReduced(false);
+    QCOMPARE(metrics->property("quickMotion").toInt(), 120);
 }
 
 QTEST_MAIN(MainWindowTest)
