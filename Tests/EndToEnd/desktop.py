@@ -140,9 +140,10 @@ def activate(window):
     _xdotool("windowactivate", "--sync", window)
 
 
-def close(window):
-    """As the cross in the title bar does."""
-    _xdotool("windowclose", window)
+def close_window(window):
+    """As the cross in the title bar does: the window manager asks the window to close."""
+    activate(window)
+    keys("alt+F4")
 
 
 def _xdotool(*arguments):

@@ -3,6 +3,8 @@
 import os
 import pathlib
 
+import waiting
+
 
 class Home:
     """`path` is the home; what the program itself stores goes beside it, so that the home stays as it was made."""
@@ -63,6 +65,12 @@ class Home:
         path.parent.mkdir(parents=True, exist_ok=True)
         os.link(self.path / old, path)
         return path
+
+    def wait_for_setting(self, key, value):
+        """Waits until the program has stored that."""
+        line = f"{key}={value}"
+        waiting.until(f"{line} in the settings", lambda: self.settings.exists()
+                      and line in self.settings.read_text(encoding="utf-8").splitlines())
 
     def allocated(self, *below):
         """Bytes on disk of all files under these names (all of the home without), each hard-linked file once,

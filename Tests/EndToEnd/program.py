@@ -59,7 +59,7 @@ class Program:
         return waiting.until(f"the window says {words!r}",
                              lambda: next((text for text in self.words() if matches(text)), None), seconds)
 
-    def scanned(self, seconds=60.0, unlike=None):
+    def scanned(self, seconds=30.0, unlike=None):
         """(files, seconds) of the top bar, once a scan has ended and its button says so; with `unlike`, once the
         text differs from that."""
         def look():
@@ -72,6 +72,11 @@ class Program:
 
     def press(self, name, role="push button", seconds=20.0):
         self.window().one(role, name, seconds).act("Press")
+
+    def selected(self, pane, seconds=20.0):
+        """Waits until the sidebar shows that screen as the chosen one."""
+        row = self.window().one("list", "Screens").one("list item", pane)
+        waiting.until(f"{pane} chosen", lambda: row.has(accessibility.SELECTED), seconds)
 
     def picture(self, desk):
         return screenshot.crop(desk.picture(), *desktop.window_geometry(self.window_id()))

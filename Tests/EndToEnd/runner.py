@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Runs one suite of end-to-end tests: runner.py --program PROGRAM [--helpers FOLDER] SUITE [unittest arguments].
+"""Runs one suite of end-to-end tests: runner.py --program PROGRAM --helpers FOLDER SUITE [unittest arguments].
 
-Root passes every permission check, so for root the suite runs as an ordinary user, from copies which that user can
-read. The whole run has a bound, and on every way out what it started ends."""
+The suite runs in a process below this one, which on every way out ends all that was started. Root passes every
+permission check, so for root the suite runs as an ordinary user, from copies which that user can read."""
 
 import argparse
 import faulthandler
@@ -13,38 +13,44 @@ import subprocess
 import sys
 import tempfile
 
+import processes
+
 HERE = pathlib.Path(__file__).resolve().parent
-NOBODY = 65534
+ORDINARY_USER = 65534
 
 
-def as_ordinary_user(arguments):
-    """Copies what the run needs to where another user reaches it, and runs there as that user."""
+def supervise(arguments):
+    processes.adopt_orphans()
     folder = pathlib.Path(tempfile.mkdtemp(prefix="quillbrook-e2e-"))
+    work = folder / "work"
     try:
-        folder.chmod(0o755)
-        shutil.copytree(HERE, folder / "suites", ignore=shutil.ignore_patterns("__pycache__"))
-        shutil.copy2(arguments.program, folder / "quillbrook")
-        shutil.copytree(arguments.helpers, folder / "helpers")
-        work = folder / "work"
         work.mkdir()
-        os.chown(work, NOBODY, NOBODY)
-        command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", "--pdeathsig=KILL", "--",
-                   sys.executable, "-B", str(folder / "suites" / "runner.py"), "--program", str(folder / "quillbrook"),
-                   "--helpers", str(folder / "helpers"), "--seconds", str(arguments.seconds),
-                   "--pictures", str(arguments.pictures.resolve()) if arguments.pictures else "",
-                   arguments.suite, *arguments.rest]
-        return subprocess.run(command, env=os.environ | {"TMPDIR": str(work)}, cwd=work, check=False,
-                              timeout=arguments.seconds + 30).returncode
+        folder.chmod(0o755)
+        suites, helpers, program, before = HERE, arguments.helpers.resolve(), arguments.program.resolve(), []
+        if os.getuid() == 0:
+            suites = shutil.copytree(HERE, folder / "suites", ignore=shutil.ignore_patterns("__pycache__"))
+            helpers = shutil.copytree(helpers, folder / "helpers")
+            program = shutil.copy2(program, folder / "quillbrook")
+            os.chown(work, ORDINARY_USER, ORDINARY_USER)
+            before = ["setpriv", f"--reuid={ORDINARY_USER}", f"--regid={ORDINARY_USER}", "--clear-groups", "--"]
+        command = [*before, sys.executable, "-B", suites / "runner.py", "--below", "--program", program,
+                   "--helpers", helpers, "--seconds", str(arguments.seconds), arguments.suite, *arguments.rest]
+        child = processes.start(command, env=os.environ | {"TMPDIR": str(work)}, cwd=work)
+        return child.wait(arguments.seconds + 30)
+    except subprocess.TimeoutExpired:
+        print("The suite did not end.", file=sys.stderr)
+        return 1
     finally:
-        keep_pictures(folder / "work", arguments.pictures)
+        processes.end_all()
+        keep_pictures(work, arguments.pictures)
         shutil.rmtree(folder, ignore_errors=True)
 
 
 def keep_pictures(work, pictures):
-    """The pictures the run left, for whoever reads why it failed."""
+    """The pictures of failed tests, for whoever reads why."""
     if pictures and work.is_dir():
-        pictures.mkdir(parents=True, exist_ok=True)
         for picture in work.glob("*.png"):
+            pictures.mkdir(parents=True, exist_ok=True)
             shutil.copy(picture, pictures)
 
 
@@ -52,17 +58,17 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--program", required=True, type=pathlib.Path)
     parser.add_argument("--helpers", required=True, type=pathlib.Path)
-    parser.add_argument("--pictures", type=lambda text: pathlib.Path(text) if text else None)
-    parser.add_argument("--seconds", type=float, default=240)
+    parser.add_argument("--pictures", type=pathlib.Path, help="where pictures of failed tests go")
+    parser.add_argument("--seconds", type=float, default=200)
+    parser.add_argument("--below", action="store_true", help=argparse.SUPPRESS)
     parser.add_argument("suite")
     parser.add_argument("rest", nargs=argparse.REMAINDER)
     arguments = parser.parse_args()
-    if os.getuid() == 0:
-        return as_ordinary_user(arguments)
+    if not arguments.below:
+        return supervise(arguments)
 
     # Whatever hangs, ends here with a trace of where.
     faulthandler.dump_traceback_later(arguments.seconds, exit=True)
-    sys.path.insert(0, str(HERE))
     import case
     return case.run(arguments)
 
