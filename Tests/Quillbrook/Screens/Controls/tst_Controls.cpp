@@ -1,0 +1,18 @@
+// Runs the tst_*.qml suites of this folder, one for each control that has habits of its own.
+
+#include <QQmlEngine>
+#include <QtQml/QQmlExtensionPlugin>
+#include <QtQuickTest>
+
+Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
+
+class Setup : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void qmlEngineAvailable(QQmlEngine *engine) { engine->addImportPath(QStringLiteral("qrc:/qt/qml")); }
+};
+
+QUICK_TEST_MAIN_WITH_SETUP(Controls, Setup)
+#include "tst_Controls.moc"

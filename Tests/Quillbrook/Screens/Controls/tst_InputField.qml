@@ -1,0 +1,70 @@
+import QtQuick
+import QtTest
+import Quillbrook
+
+TestCase {
+    id: root
+
+    name: "InputField"
+    visible: true
+    when: windowShown
+    width: 400
+    height: 100
+
+    Component {
+        id: maker
+
+        InputField {
+            placeholderText: "Filter"
+        }
+    }
+
+    function shownTexts(field) {
+        const result = [];
+        for (let i = 0; i < field.children.length; ++i) {
+            const child = field.children[i];
+            if (child instanceof Text && child.visible)
+                result.push(child.text);
+        }
+        return result;
+    }
+
+    function test_placeholderIsItsNameAndGoesAwayWithTheFirstLetter() {
+        const field = createTemporaryObject(maker, root);
+        compare(field.Accessible.name, "Filter");
+        compare(shownTexts(field), ["Filter"]);
+        mouseClick(field);
+        keyClick(Qt.Key_A);
+        compare(field.text, "a");
+        compare(shownTexts(field), []);
+        keyClick(Qt.Key_Backspace);
+        compare(shownTexts(field), ["Filter"]);
+    }
+
+    function test_ringShowsWhileItIsWrittenInto() {
+        const field = createTemporaryObject(maker, root);
+        const ring = findChild(field, "focusRing");
+        verify(!ring.visible);
+        mouseClick(field);
+        verify(ring.visible);
+        field.focus = false;
+        verify(!ring.visible);
+    }
+
+    function test_symbolTakesRoomOfItsOwn() {
+        const without = createTemporaryObject(maker, root);
+        const withSymbol = createTemporaryObject(maker, root, {
+            symbol: "magnifyingglass"
+        });
+        compare(withSymbol.leftPadding - without.leftPadding, Metrics.symbolSize + Metrics.space8);
+    }
+
+    function test_plainFieldHasNoGroundOfItsOwn() {
+        const field = createTemporaryObject(maker, root, {
+            plain: true
+        });
+        compare(field.background.border.width, 0);
+        field.forceActiveFocus();
+        verify(!findChild(field, "focusRing").visible);
+    }
+}

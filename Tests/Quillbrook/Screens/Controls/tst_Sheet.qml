@@ -1,0 +1,116 @@
+import QtQuick
+import QtTest
+import Quillbrook
+
+TestCase {
+    id: root
+
+    name: "Sheet"
+    visible: true
+    when: windowShown
+    width: 800
+    height: 600
+
+    Component {
+        id: behindMaker
+
+        PushButton {
+            text: "Behind"
+        }
+    }
+
+    Component {
+        id: dialogMaker
+
+        ConfirmDialog {
+            id: dialog
+
+            message: "It can be put back."
+            title: "Move it to the Trash?"
+
+            PushButton {
+                kind: PushButton.Destructive
+                objectName: "destructive"
+                text: "Delete permanently"
+                onClicked: dialog.close()
+            }
+        }
+    }
+
+    SignalSpy {
+        id: cancelled
+
+        signalName: "cancelled"
+    }
+
+    SignalSpy {
+        id: clicks
+
+        signalName: "clicked"
+    }
+
+    function opened() {
+        const dialog = createTemporaryObject(dialogMaker, root);
+        cancelled.target = dialog;
+        cancelled.clear();
+        dialog.open();
+        tryCompare(dialog, "opened", true);
+        return dialog;
+    }
+
+    function test_standsInTheMiddleAndFitsItsWords() {
+        const dialog = opened();
+        compare(dialog.width, Metrics.dialogWidth);
+        compare(dialog.x, Math.round((root.Window.width - dialog.width) / 2));
+        verify(dialog.height > 100);
+        verify(dialog.height < 300);
+    }
+
+    function test_isCalledByItsTitle() {
+        const dialog = opened();
+        compare(dialog.background.Accessible.name, "Move it to the Trash?");
+        compare(dialog.background.Accessible.role, Accessible.Dialog);
+    }
+
+    function test_carelessReturnDoesNoHarm() {
+        const dialog = opened();
+        const destructive = findChild(dialog.contentItem, "destructive");
+        verify(destructive);
+        clicks.target = destructive;
+        clicks.clear();
+        verify(findChild(dialog.contentItem, "cancelButton").activeFocus);
+        keyClick(Qt.Key_Return);
+        tryCompare(dialog, "opened", false);
+        compare(clicks.count, 0);
+        compare(cancelled.count, 1);
+    }
+
+    function test_whatIsBehindCanNotBeReached() {
+        const behind = createTemporaryObject(behindMaker, root);
+        const dialog = opened();
+        clicks.target = behind;
+        clicks.clear();
+        mouseClick(behind);
+        compare(clicks.count, 0);
+        for (let i = 0; i < 4; ++i) {
+            keyClick(Qt.Key_Tab);
+            verify(!behind.activeFocus);
+        }
+        keyClick(Qt.Key_Escape);
+        tryCompare(dialog, "opened", false);
+        tryCompare(dialog, "visible", false);
+        mouseClick(behind);
+        compare(clicks.count, 1);
+    }
+
+    function test_escapeAsksForNothing() {
+        const dialog = opened();
+        const destructive = findChild(dialog.contentItem, "destructive");
+        clicks.target = destructive;
+        clicks.clear();
+        destructive.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Escape);
+        tryCompare(dialog, "opened", false);
+        compare(clicks.count, 0);
+    }
+}

@@ -1,0 +1,121 @@
+// The main window over a made-up machine, for looking at screens that a real one shows only now and then:
+//
+//     quillbrook-offline [ready|scanning|idle|full]
+//
+// Nothing of the machine it runs on is read or changed.
+
+#include "Core/AppModel.h"
+#include "Screens/MainWindowState.h"
+#include "Support/FakeMotionPreference.h"
+#include "Support/FakeServices.h"
+#include "Support/FolderHold.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QTimer>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <array>
+#include <optional>
+#include <random>
+
+Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
+
+using namespace Quillbrook;
+
+namespace {
+
+constexpr qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+
+constexpr std::array folderNames{ "Projects", "renderer", "node_modules", "build", "Music", ".cache",
+    "assets", "target", "photos", "notes", "server", "tests" };
+constexpr std::array fileNames{ "scene.glb", "model.bin", "video.mp4", "main.o", "libcore.a", "notes.pdf",
+    "atlas.png", "dump.sql", "index.html", "archive.zip", "README", "song.flac" };
+
+/// The same home folder every time: some folders deep, with sizes as wide apart as real ones.
+class PretendHome
+{
+public:
+    explicit PretendHome(FakeDirectories &directories)
+        : m_directories(directories)
+    {
+        fill("/home/someone", 0);
+    }
+
+private:
+    void fill(const std::string &path, int depth)
+    {
+        std::vector<DirectoryRecord> records;
+        const auto files = depth == 0 ? 2U : 2 + m_random() % 6;
+        for (unsigned i = 0; i < files; ++i)
+            records.push_back(
+                FakeDirectories::aFile(fileNames.at(m_random() % fileNames.size()), someSize()));
+        const auto folders = depth < 5 ? 2 + m_random() % 3 : 0;
+        const auto first = m_random();
+        for (unsigned i = 0; i < folders; ++i) {
+            const auto *name = folderNames.at((first + i) % folderNames.size());
+            records.push_back(FakeDirectories::aFolder(name));
+            fill(path + '/' + name, depth + 1);
+        }
+        m_directories.folder(path, std::move(records));
+    }
+
+    qint64 someSize()
+    {
+        std::lognormal_distribution<double> sizes(18, 2);
+        return static_cast<qint64>(sizes(m_random));
+    }
+
+    FakeDirectories &m_directories;
+    std::minstd_rand m_random{ 7 };
+};
+
+void pretendProgress(ScanProgress &progress)
+{
+    progress.setDetail(QStringLiteral("Downloaded Android libraries"));
+    progress.setCounts(QStringLiteral("412,906 files · 61.3 GB"));
+    progress.setFraction(0.31);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    const auto what = QGuiApplication::arguments().value(1, QStringLiteral("ready"));
+
+    FakeServices machine;
+    const PretendHome home(machine.directories);
+    machine.volumes.answer = VolumeCapacity{
+        .available = 48 * gibi + gibi / 5, .availableForImportantUsage = 48 * gibi, .total = 233 * gibi
+    };
+    if (what == QStringLiteral("full"))
+        machine.volumes.answer = VolumeCapacity{
+            .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
+        };
+    std::optional<FolderHold> hold;
+    if (what == QStringLiteral("scanning") || what == QStringLiteral("idle"))
+        hold.emplace(machine.directories, "/home/someone");
+
+    AppModel model(machine.services);
+    FakeMotionPreference motion;
+    MainWindowState screens(model, motion);
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
+    // Before the window's own, which would stay out of most of what the made-up home holds.
+    model.scan({ .scope = Scope::complete });
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
+    if (what == QStringLiteral("idle"))
+        model.cancelScan();
+    // The model's own clock tells of a scan that is held every second.
+    QTimer pretending;
+    QObject::connect(&pretending, &QTimer::timeout, [&model] { pretendProgress(model.scanProgress()); });
+    if (what == QStringLiteral("scanning"))
+        pretending.start(50);
+
+    const auto result = engine.rootObjects().isEmpty() ? 1 : QGuiApplication::exec();
+    if (hold)
+        hold->release();
+    return result;
+}
