@@ -116,9 +116,6 @@ std::expected<void, std::string> makeTree(const TreePlan &plan, const fs::path &
     if (root < 0)
         return failure("Can't open", tree);
     const auto filled = fill(plan, root, tree);
-    // All blocks and inodes get to the disk now, so that nothing is written behind a measurement.
-    if (filled)
-        ::syncfs(root);
     ::close(root);
     if (!filled)
         return filled;
@@ -130,11 +127,11 @@ std::expected<void, std::string> makeTree(const TreePlan &plan, const fs::path &
 
 } // namespace
 
-std::expected<fs::path, std::string> ensureTree(const TreePlan &plan, const fs::path &directory)
+std::expected<StandingTree, std::string> ensureTree(const TreePlan &plan, const fs::path &directory)
 {
     const auto tree = directory / folderName(plan.request);
     if (fs::is_directory(tree) && contentOf(beside(tree, stampEnding)) == description(plan))
-        return tree;
+        return StandingTree{ .path = tree };
     if (isMark(beside(tree, unfinishedEnding))) {
         if (const auto removed = removeOwn(tree); !removed)
             return std::unexpected(removed.error());
@@ -145,7 +142,18 @@ std::expected<fs::path, std::string> ensureTree(const TreePlan &plan, const fs::
         return std::unexpected(room.error());
     if (const auto made = makeTree(plan, tree); !made)
         return std::unexpected(made.error());
-    return tree;
+    return StandingTree{ .path = tree, .isNew = true };
+}
+
+void settle(const StandingTree &tree)
+{
+    if (!tree.isNew)
+        return;
+    const auto root = ::open(tree.path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (root < 0)
+        return;
+    ::syncfs(root);
+    ::close(root);
 }
 
 std::expected<int, std::string> removeTrees(const fs::path &directory)

@@ -10,12 +10,22 @@
 
 namespace Quillbrook::Benchmarks {
 
-/// Makes sure that the tree stands below `directory` and returns its folder. A tree with the right stamp is
+struct StandingTree
+{
+    std::filesystem::path path{};
+    /// It was made now, so that its blocks may still be on their way to the disk.
+    bool isNew = false;
+};
+
+/// Makes sure that the tree stands below `directory`. A tree with the right stamp is
 /// taken as it is; one that an earlier run left half made is removed first; a folder of that name which no
 /// run of this program marked as its own is never touched and is an error, as are a disk without room and
 /// any failing call. The error is a sentence.
-[[nodiscard]] std::expected<std::filesystem::path, std::string> ensureTree(
+[[nodiscard]] std::expected<StandingTree, std::string> ensureTree(
     const TreePlan &plan, const std::filesystem::path &directory);
+
+/// Waits until all of a new tree is on the disk, so that nothing is written behind a measurement.
+void settle(const StandingTree &tree);
 
 /// Removes every tree below `directory` that this program marked as its own; returns how many.
 [[nodiscard]] std::expected<int, std::string> removeTrees(const std::filesystem::path &directory);

@@ -156,6 +156,7 @@ int main(int count, char **texts)
     const auto tree = ensureTree(makePlan(arguments->request), arguments->directory);
     if (!tree)
         return fail(tree.error());
-    std::cout << tree->string() << '\n';
+    settle(*tree);
+    std::cout << tree->path.string() << '\n';
     return 0;
 }
