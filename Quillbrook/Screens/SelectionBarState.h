@@ -1,0 +1,78 @@
+#pragma once
+
+// What the bar under the map and the lists says of the selected item, and what its buttons do. How many
+// things a folder holds is counted off the main thread and appears when it is known. Main thread only;
+// the model outlives it.
+
+#include "Removal/PathRemoval.h"
+#include "Scan/FileTree.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QtQmlIntegration>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace Quillbrook {
+
+class AppModel;
+
+class SelectionBarState : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window is handed its state")
+
+    /// Whether anything is selected; without it the texts below are empty.
+    Q_PROPERTY(bool present READ present NOTIFY itemChanged FINAL)
+    Q_PROPERTY(QString symbol READ symbol NOTIFY itemChanged FINAL)
+    Q_PROPERTY(QString name READ name NOTIFY itemChanged FINAL)
+    Q_PROPERTY(QString size READ size NOTIFY itemChanged FINAL)
+    /// Shortened for reading.
+    Q_PROPERTY(QString path READ path NOTIFY itemChanged FINAL)
+    Q_PROPERTY(bool canOpen READ canOpen NOTIFY itemChanged FINAL)
+    /// How many things a folder holds; empty until counted, and for fewer than two.
+    Q_PROPERTY(QString items READ items NOTIFY itemsChanged FINAL)
+
+public:
+    /// How far a folder is counted.
+    static constexpr qsizetype itemCap = 5000;
+
+    /// Counts what a folder (raw path) holds, up to a cap; called on a thread of its own.
+    using Counter = std::function<PathRemoval::ItemCount(const std::string &path, qsizetype cap)>;
+
+    explicit SelectionBarState(
+        AppModel &model, Counter counter = PathRemoval::itemCount, QObject *parent = nullptr);
+
+    [[nodiscard]] bool present() const;
+    [[nodiscard]] QString symbol() const;
+    [[nodiscard]] QString name() const;
+    [[nodiscard]] QString size() const;
+    [[nodiscard]] QString path() const;
+    [[nodiscard]] bool canOpen() const;
+    [[nodiscard]] QString items() const;
+
+    /// Goes into the selected folder and shows the map.
+    Q_INVOKABLE void open();
+    /// Shows the selected item in the file manager.
+    Q_INVOKABLE void reveal();
+    /// Clears the selection.
+    Q_INVOKABLE void dismiss();
+
+Q_SIGNALS:
+    void itemChanged();
+    void itemsChanged();
+
+private:
+    void refresh();
+    QCoro::Task<> count(NodeSnapshot item);
+    void setInside(const std::optional<PathRemoval::ItemCount> &inside);
+
+    AppModel &m_model;
+    Counter m_counter;
+    std::optional<PathRemoval::ItemCount> m_inside;
+};
+
+} // namespace Quillbrook
