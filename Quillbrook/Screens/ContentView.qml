@@ -44,6 +44,12 @@ RowLayout {
                 switch (root.screens.content.view) {
                 case ContentState.Scanning:
                     return scanning;
+                case ContentState.Map:
+                    return map;
+                case ContentState.Largest:
+                    return largest;
+                case ContentState.Search:
+                    return search;
                 default:
                     return notice;
                 }
@@ -66,6 +72,34 @@ RowLayout {
 
         ScanningView {
             scan: root.screens.scanning
+        }
+    }
+
+    Component {
+        id: map
+
+        MapPane {
+            crumbs: root.screens.crumbs
+            map: root.screens.map
+            selection: root.screens.selection
+        }
+    }
+
+    Component {
+        id: largest
+
+        LargestPane {
+            largest: root.screens.largest
+            selection: root.screens.selection
+        }
+    }
+
+    Component {
+        id: search
+
+        SearchPane {
+            search: root.screens.search
+            selection: root.screens.selection
         }
     }
 

@@ -12,7 +12,7 @@ constexpr qsizetype rowLimit = 200;
 
 QString LargestState::emptyMessage() const
 {
-    return QStringLiteral("No files found.");
+    return tr("No files found.");
 }
 
 QList<NodeSnapshot> LargestState::fetch() const

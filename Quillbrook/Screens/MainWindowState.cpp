@@ -12,6 +12,11 @@ MainWindowState::MainWindowState(AppModel &model, MotionPreference &motion, QObj
     , m_sidebar(m_content)
     , m_topBar(model)
     , m_volumeGauge(model)
+    , m_crumbs(model)
+    , m_map(model)
+    , m_largest(model)
+    , m_search(model)
+    , m_selection(model)
     , m_scanning(model.scanProgress())
     , m_askBar(m_content)
 {

@@ -4,8 +4,13 @@
 // view gets what it needs and nothing more. Main thread only; what it is made from outlives it.
 
 #include "Screens/AskBarState.h"
+#include "Screens/BreadcrumbModel.h"
 #include "Screens/ContentState.h"
+#include "Screens/LargestState.h"
+#include "Screens/MapState.h"
 #include "Screens/ScanningState.h"
+#include "Screens/SearchState.h"
+#include "Screens/SelectionBarState.h"
 #include "Screens/SidebarModel.h"
 #include "Screens/TopBarState.h"
 #include "Screens/VolumeGaugeState.h"
@@ -27,6 +32,11 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::SidebarModel *sidebar READ sidebar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::TopBarState *topBar READ topBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::VolumeGaugeState *volumeGauge READ volumeGauge CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::BreadcrumbModel *crumbs READ crumbs CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::MapState *map READ map CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::LargestState *largest READ largest CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::SearchState *search READ search CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::SelectionBarState *selection READ selection CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::ScanningState *scanning READ scanning CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
     /// The person has asked their desktop for less movement.
@@ -39,6 +49,11 @@ public:
     [[nodiscard]] SidebarModel *sidebar() { return &m_sidebar; }
     [[nodiscard]] TopBarState *topBar() { return &m_topBar; }
     [[nodiscard]] VolumeGaugeState *volumeGauge() { return &m_volumeGauge; }
+    [[nodiscard]] BreadcrumbModel *crumbs() { return &m_crumbs; }
+    [[nodiscard]] MapState *map() { return &m_map; }
+    [[nodiscard]] LargestState *largest() { return &m_largest; }
+    [[nodiscard]] SearchState *search() { return &m_search; }
+    [[nodiscard]] SelectionBarState *selection() { return &m_selection; }
     [[nodiscard]] ScanningState *scanning() { return &m_scanning; }
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
     [[nodiscard]] bool reducedMotion() const;
@@ -52,6 +67,11 @@ private:
     SidebarModel m_sidebar;
     TopBarState m_topBar;
     VolumeGaugeState m_volumeGauge;
+    BreadcrumbModel m_crumbs;
+    MapState m_map;
+    LargestState m_largest;
+    SearchState m_search;
+    SelectionBarState m_selection;
     ScanningState m_scanning;
     AskBarState m_askBar;
 };

@@ -106,8 +106,8 @@ void MapState::layoutIfNeeded()
 QString MapState::emptyText() const
 {
     if (m_model.phase().kind == Phase::Kind::scanning)
-        return QStringLiteral("Measuring…");
-    return QStringLiteral("Scan this Mac to see what is using it.");
+        return tr("Measuring…");
+    return tr("Scan this Mac to see what is using it.");
 }
 
 qint32 MapState::hitTest(QPointF point)

@@ -53,8 +53,17 @@ QtObject {
     readonly property int dialogWidth: 420
     readonly property int dotSize: 8
     readonly property int sizeColumnWidth: 86
+    readonly property int nodeRowHeight: 48
+    readonly property int breadcrumbHeight: 46
+    readonly property int crumbWidth: 240
+    readonly property int selectionBarHeight: 54
+    readonly property int tooltipWidth: 320
+    readonly property int tooltipPaddingX: 9
+    readonly property int tooltipPaddingY: 6
+    readonly property int shadowRadius: 3
 
     // Symbols.
+    readonly property int symbolTiny: 9
     readonly property int symbolSmall: 11
     readonly property int symbolSize: 16
     readonly property int symbolLarge: 20

@@ -17,7 +17,8 @@ class AppModel;
 class NodeTableState : public QObject
 {
     Q_OBJECT
-    QML_ANONYMOUS
+    QML_ELEMENT
+    QML_UNCREATABLE("The window is handed its state")
 
     /// Whether the list is on the screen. Only then are its rows kept up to date.
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged FINAL)

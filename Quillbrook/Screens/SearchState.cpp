@@ -33,8 +33,7 @@ void SearchState::setText(const QString &text)
 
 QString SearchState::emptyMessage() const
 {
-    return text().size() < shortestQuery ? QStringLiteral("Type at least two characters.")
-                                         : QStringLiteral("No files found.");
+    return text().size() < shortestQuery ? tr("Type at least two characters.") : tr("No files found.");
 }
 
 QList<NodeSnapshot> SearchState::fetch() const

@@ -105,8 +105,7 @@ QString SelectionBarState::items() const
     if (!m_inside || m_inside->count < fewestItemsTold)
         return {};
     const auto count = Format::count(m_inside->count);
-    return m_inside->capped ? QStringLiteral("over %1 items").arg(count)
-                            : QStringLiteral("%1 items").arg(count);
+    return m_inside->capped ? tr("over %1 items").arg(count) : tr("%1 items").arg(count);
 }
 
 void SelectionBarState::open()

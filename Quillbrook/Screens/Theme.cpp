@@ -29,6 +29,7 @@ constexpr std::array<Shade, 8> tiles{ {
     { 0.9490F, 0.8784F, 0.9255F },
 } };
 
+constexpr qreal shadowOpacity = 0.13;
 constexpr qreal pointsPerInch = 72;
 constexpr qreal usualPixelsPerInch = 96;
 
@@ -96,6 +97,11 @@ QColor Theme::careful()
 QColor Theme::danger()
 {
     return Shade{ 0.7020F, 0.1490F, 0.1176F };
+}
+
+QColor Theme::shadow()
+{
+    return faded(QColor(Qt::black), shadowOpacity);
 }
 
 QColor Theme::tileColor(const QString &forExtension, bool isDirectory)

@@ -40,6 +40,8 @@ class Theme : public QObject
     Q_PROPERTY(QColor careful READ careful CONSTANT FINAL)
     /// What can't be undone, and a disk that is nearly full.
     Q_PROPERTY(QColor danger READ danger CONSTANT FINAL)
+    /// Under what floats over a screen, at the edge where it is darkest.
+    Q_PROPERTY(QColor shadow READ shadow CONSTANT FINAL)
     /// Points of font size for one pixel of it. Fonts take fractional sizes in points only.
     Q_PROPERTY(qreal pointsPerPixel READ pointsPerPixel CONSTANT FINAL)
 
@@ -57,6 +59,7 @@ public:
     [[nodiscard]] static QColor safe();
     [[nodiscard]] static QColor careful();
     [[nodiscard]] static QColor danger();
+    [[nodiscard]] static QColor shadow();
 
     /// The ground of a tile: `surface` for a folder; for a file one of eight pale colours that depends on
     /// nothing but its extension in lower case, so that all files of one kind match.

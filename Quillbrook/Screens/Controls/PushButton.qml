@@ -15,7 +15,7 @@ T.Button {
     property string symbol: ""
 
     readonly property bool isLink: kind === PushButton.Link
-    readonly property color inkColor: {
+    property color inkColor: {
         switch (kind) {
         case PushButton.Prominent:
             return Theme.surface;

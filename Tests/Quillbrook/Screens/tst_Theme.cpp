@@ -43,6 +43,7 @@ void ThemeTest::coloursAreTheOnesOfTheTable_data()
     QTest::newRow("safe") << Theme::safe() << "#1e7a4a";
     QTest::newRow("careful") << Theme::careful() << "#8a5a00";
     QTest::newRow("danger") << Theme::danger() << "#b3261e";
+    QTest::newRow("shadow, but for its opacity") << Theme::shadow() << "#000000";
 }
 
 void ThemeTest::coloursAreTheOnesOfTheTable()

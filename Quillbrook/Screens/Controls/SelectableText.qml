@@ -1,0 +1,49 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quillbrook
+
+// One line that can be copied. A text too long for its room is elided in the middle, and shown whole as long
+// as the keyboard is in it.
+TextInput {
+    id: root
+
+    required property string fullText
+    // What the whole text takes up.
+    readonly property real naturalWidth: Math.ceil(whole.advanceWidth) + 1
+
+    Accessible.name: fullText
+    Accessible.readOnly: true
+    Accessible.role: Accessible.StaticText
+
+    activeFocusOnTab: true
+    autoScroll: activeFocus
+    clip: true
+    color: Theme.label
+    font.pointSize: Metrics.captionFont
+    readOnly: true
+    renderType: TextInput.NativeRendering
+    selectByMouse: true
+    selectedTextColor: Theme.surface
+    selectionColor: Theme.accent
+    text: activeFocus ? fullText : elided.elidedText
+    verticalAlignment: TextInput.AlignVCenter
+
+    onActiveFocusChanged: activeFocus ? selectAll() : deselect()
+
+    TextMetrics {
+        id: whole
+
+        font: root.font
+        text: root.fullText
+    }
+
+    TextMetrics {
+        id: elided
+
+        elide: Text.ElideMiddle
+        elideWidth: root.width
+        font: root.font
+        text: root.fullText
+    }
+}

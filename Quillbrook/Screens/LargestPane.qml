@@ -1,0 +1,23 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quillbrook
+
+// Biggest files: the largest of the whole tree, whatever the map shows.
+Item {
+    id: root
+
+    required property LargestState largest
+    required property SelectionBarState selection
+
+    NodeTable {
+        anchors.bottomMargin: Metrics.space12
+        anchors.fill: parent
+        anchors.leftMargin: Metrics.paneInset
+        anchors.rightMargin: Metrics.paneInset
+        anchors.topMargin: Metrics.paneInset
+        name: "Biggest files"
+        selection: root.selection
+        table: root.largest
+    }
+}

@@ -1,0 +1,42 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// Find a file: a search through the names of the whole tree.
+ColumnLayout {
+    id: root
+
+    required property SearchState search
+    required property SelectionBarState selection
+
+    spacing: Metrics.space12
+
+    Component.onCompleted: field.forceActiveFocus()
+
+    InputField {
+        id: field
+
+        Layout.fillWidth: true
+        Layout.leftMargin: Metrics.paneInset
+        Layout.rightMargin: Metrics.paneInset
+        Layout.topMargin: Metrics.paneInset
+        objectName: "searchField"
+        placeholderText: "Search every file name on this Mac"
+        symbol: "magnifyingglass"
+        text: root.search.text
+        onTextEdited: root.search.text = text
+    }
+
+    NodeTable {
+        Layout.bottomMargin: Metrics.space12
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+        Layout.leftMargin: Metrics.paneInset
+        Layout.rightMargin: Metrics.paneInset
+        name: "Found"
+        selection: root.selection
+        table: root.search
+    }
+}
