@@ -82,14 +82,15 @@ void LinuxDirectoryReader::close()
 
 void LinuxDirectoryReader::addRecord(const dirent64 &entry)
 {
-    DirectoryRecord record{ .name = entry.d_name, .type = typeOfKind(entry.d_type) };
-    if (!isMountedOver(record, entry.d_type)) {
-        record.device = m_rootMount;
-        const bool needsNoAsking = entry.d_type == DT_DIR && m_session.knowsMounts();
-        if (!needsNoAsking && !askFile(record, entry.d_name))
-            return;
-    }
-    m_records.push_back(record);
+    auto &record = m_records.emplace_back();
+    record.name = entry.d_name;
+    record.type = typeOfKind(entry.d_type);
+    if (isMountedOver(record, entry.d_type))
+        return;
+    record.device = m_rootMount;
+    const bool needsNoAsking = entry.d_type == DT_DIR && m_session.knowsMounts();
+    if (!needsNoAsking && !askFile(record, entry.d_name))
+        m_records.pop_back();
 }
 
 // Where the kind is not told either, a folder is assumed: what is mounted is not asked.

@@ -46,9 +46,10 @@ int OpenFolders::open(const std::string &path)
 
 void OpenFolders::keepAncestorsOf(const std::string &path)
 {
-    const auto common = static_cast<size_t>(std::ranges::mismatch(path, m_path).in1 - path.begin());
-    const auto isAncestor
-        = [&](size_t length) { return length <= common && length < path.size() && path[length] == '/'; };
+    const auto isAncestor = [&](size_t length) {
+        return length < path.size() && path[length] == '/'
+            && std::string_view(path).substr(0, length) == std::string_view(m_path).substr(0, length);
+    };
     while (!m_line.empty() && !isAncestor(m_line.back().pathLength))
         m_line.pop_back();
 }
