@@ -62,9 +62,10 @@ FastScanner::Result FastScanner::scan(const Request &request)
     state.rootDevice = session->rootDevice().value_or(state.rootDevice);
     const auto root = state.tree->addNode(FileTree::noNode, rootPath, 0, FileTree::Flags::directory);
     state.queue.restart({ rootPath, root });
-    runWorkers(state, *session, std::clamp(request.threads, 1, mostThreads));
+    const auto threads = std::clamp(request.threads, 1, mostThreads);
+    runWorkers(state, *session, threads);
     state.tree->rollUp();
-    state.tree->sortChildrenBySize();
+    state.tree->sortChildrenBySize(threads);
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return { .tree = std::exchange(state.tree, nullptr),
         .root = root,

@@ -1,16 +1,18 @@
 #include "Scan/FileTree.h"
 
 #include "Fatal.h"
+#include "Scan/WorkerThread.h"
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 
 namespace Quillbrook {
 
 namespace {
 
 constexpr size_t maximumIndex = std::numeric_limits<qint32>::max();
-constexpr qsizetype longestNameLength = std::numeric_limits<quint16>::max();
+constexpr size_t longestNameLength = std::numeric_limits<quint16>::max();
 constexpr size_t nameBytesPerExpectedNode = 16;
 // Below this length moving elements along one by one beats any cleverer stable sort.
 constexpr size_t insertionSortLimit = 40;
@@ -19,6 +21,9 @@ constexpr size_t at(qint32 node)
 {
     return static_cast<size_t>(node);
 }
+
+// Below this a further thread costs more than it sorts.
+constexpr size_t nodesWorthAThread = 65536;
 
 // A node beside its size, so that sorting touches one small array instead of the whole tree.
 struct SizedNode
@@ -106,7 +111,7 @@ void FileTree::reserve(size_t count)
 
 qint32 FileTree::addNode(qint32 parentIndex, std::string_view name, qint64 size, Flags flags)
 {
-    const Entry entry{ .nameLength = static_cast<qsizetype>(name.size()), .size = size, .flags = flags };
+    const Entry entry{ .size = size, .flags = flags };
     return addNodes(parentIndex, std::span(&entry, 1), name);
 }
 
@@ -137,7 +142,9 @@ qint32 FileTree::addNodes(qint32 parentIndex, std::span<const Entry> entries, st
         ownSize[i] = entry.size;
         totalSize[i] = entry.size;
         nameOffset[i] = static_cast<qint32>(arenaStart + static_cast<size_t>(entry.nameStart));
-        nameLength[i] = static_cast<quint16>(std::min(entry.nameLength, longestNameLength));
+        const auto nameEnd = i + 1 < count ? static_cast<size_t>(entries[i + 1].nameStart) : names.size();
+        nameLength[i] = static_cast<quint16>(
+            std::min(nameEnd - static_cast<size_t>(entry.nameStart), longestNameLength));
         flags[i] = entry.flags;
         directories += contains(entry.flags, Flags::directory) ? 1 : 0;
     }
@@ -173,11 +180,27 @@ void FileTree::rollUp()
     }
 }
 
-void FileTree::sortChildrenBySize()
+// A node is in one child list only, so that threads with parents of their own never meet.
+void FileTree::sortChildrenBySize(int threads)
+{
+    const auto count = m_firstChild.size();
+    const auto parts
+        = std::clamp<size_t>(count / nodesWorthAThread, 1, static_cast<size_t>(std::max(threads, 1)));
+    std::vector<std::unique_ptr<WorkerThread>> others;
+    for (size_t part = 1; part < parts; ++part) {
+        const auto work = [=, this] { sortChildrenOf(count * part / parts, count * (part + 1) / parts); };
+        others.push_back(std::make_unique<WorkerThread>(work));
+        if (!others.back()->hasStarted())
+            work();
+    }
+    sortChildrenOf(0, count / parts);
+}
+
+void FileTree::sortChildrenOf(size_t firstNode, size_t pastLastNode)
 {
     std::vector<SizedNode> siblings;
     siblings.reserve(256);
-    for (size_t node = 0; node < m_firstChild.size(); ++node) {
+    for (auto node = firstNode; node < pastLastNode; ++node) {
         auto &first = m_firstChild[node];
         if (first == noNode || m_nextSibling[at(first)] == noNode)
             continue;

@@ -72,12 +72,12 @@ public:
     /// bytes are not (kept on purpose). Growing past 2^31 nodes or name bytes ends the process.
     qint32 addNode(qint32 parentIndex, std::string_view name, qint64 size, Flags flags);
 
-    /// One node of a folder's worth of nodes; its name is a piece of the bytes given along.
+    /// One of the nodes that are added together. Its name begins at `nameStart` of the bytes given along and
+    /// ends where the next one's begins, the last one's with them.
     struct Entry
     {
-        qsizetype nameStart = 0;
-        qsizetype nameLength = 0;
         qint64 size = 0;
+        qint32 nameStart = 0;
         Flags flags{};
     };
 
@@ -89,8 +89,8 @@ public:
     void rollUp();
 
     /// Relinks every child list from the largest `totalSize` to the smallest; equal sizes keep their link
-    /// order. REQUIRES: `rollUp` has run.
-    void sortChildrenBySize();
+    /// order. Large trees are shared out to up to `threads` threads. REQUIRES: `rollUp` has run.
+    void sortChildrenBySize(int threads = 1);
 
     /// Marks a folder that could not be opened. An invalid index ends the process.
     void setUnreadable(qint32 node);
@@ -142,6 +142,7 @@ public:
 
 private:
     void reserve(size_t count);
+    void sortChildrenOf(size_t firstNode, size_t pastLastNode);
     void linkAtHead(qint32 parentIndex, qint32 node, size_t count);
     std::vector<qint32> lineage(qint32 node) const;
 

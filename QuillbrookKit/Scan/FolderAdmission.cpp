@@ -22,17 +22,25 @@ std::string canonicalBytes(std::string_view raw)
     return canonicalBytes(QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size())));
 }
 
+// Decomposing takes a text to at most three times its bytes, so that what is far longer than every listed
+// text equals none of them. This keeps very long paths cheap.
+bool isFarLonger(std::string_view raw, size_t longest)
+{
+    constexpr size_t mostGrowth = 4;
+    return raw.size() > longest * mostGrowth;
+}
+
 } // namespace
 
 CanonicalTextSet::CanonicalTextSet(const QSet<QString> &texts)
 {
     for (const auto &text : texts)
-        m_texts.insert(canonicalBytes(text));
+        m_longest = std::max(m_longest, m_texts.insert(canonicalBytes(text)).first->size());
 }
 
 bool CanonicalTextSet::contains(std::string_view raw) const
 {
-    if (m_texts.empty())
+    if (isFarLonger(raw, m_longest))
         return false;
     return isAscii(raw) ? m_texts.contains(raw) : m_texts.contains(canonicalBytes(raw));
 }
@@ -41,13 +49,16 @@ FolderAdmission::FolderAdmission(
     const QSet<QString> &exclusions, const QHash<QString, QSet<QString>> &allowlist)
     : m_exclusions(exclusions)
 {
-    for (auto entry = allowlist.cbegin(); entry != allowlist.cend(); ++entry)
-        m_allowlist.insert_or_assign(canonicalBytes(entry.key()), CanonicalTextSet(entry.value()));
+    for (auto entry = allowlist.cbegin(); entry != allowlist.cend(); ++entry) {
+        const auto parent = canonicalBytes(entry.key());
+        m_longestParent = std::max(m_longestParent, parent.size());
+        m_allowlist.insert_or_assign(parent, CanonicalTextSet(entry.value()));
+    }
 }
 
 const CanonicalTextSet *FolderAdmission::namesAllowedIn(std::string_view path) const
 {
-    if (m_allowlist.empty())
+    if (isFarLonger(path, m_longestParent))
         return nullptr;
     const auto found = isAscii(path) ? m_allowlist.find(path) : m_allowlist.find(canonicalBytes(path));
     return found == m_allowlist.end() ? nullptr : &found->second;

@@ -34,6 +34,7 @@ public:
 
 private:
     std::unordered_set<std::string, Hash, std::equal_to<>> m_texts;
+    size_t m_longest = 0;
 };
 
 class FolderAdmission
@@ -51,6 +52,7 @@ public:
 private:
     CanonicalTextSet m_exclusions;
     std::unordered_map<std::string, CanonicalTextSet, CanonicalTextSet::Hash, std::equal_to<>> m_allowlist;
+    size_t m_longestParent = 0;
 };
 
 } // namespace Quillbrook

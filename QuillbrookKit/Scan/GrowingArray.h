@@ -46,6 +46,11 @@ public:
         return first;
     }
 
+    void append(const T &element) { *extend(1) = element; }
+
+    /// Forgets the elements and keeps their room.
+    void clear() { m_size = 0; }
+
     [[nodiscard]] size_t size() const { return m_size; }
     [[nodiscard]] const T *data() const { return m_data; }
     [[nodiscard]] T &operator[](size_t index) { return m_data[index]; }

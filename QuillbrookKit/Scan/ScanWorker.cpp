@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <limits>
 #include <utility>
 
 namespace Quillbrook {
@@ -15,6 +15,7 @@ constexpr size_t entryRoom = 4096;
 constexpr size_t nameRoom = 262144;
 constexpr size_t childFolderRoom = 1024;
 constexpr size_t ownJobRoom = 256;
+constexpr size_t longestNames = std::numeric_limits<qint32>::max();
 // Two children of its own let a worker run on down one branch without touching the queue.
 constexpr size_t jobsKept = 2;
 
@@ -52,40 +53,50 @@ ScanWorker::ScanWorker(ScanState &state, std::unique_ptr<DirectoryReader> reader
 
 void ScanWorker::run()
 {
-    while (const auto job = nextJob()) {
+    while (takeJob()) {
         if (m_state.cancelled)
             m_state.queue.finishOne();
         else
-            process(*job);
+            process();
     }
 }
 
-std::optional<ScanJob> ScanWorker::nextJob()
+bool ScanWorker::takeJob()
 {
-    if (m_ownJobs.empty())
-        return m_state.queue.take();
-    std::optional<ScanJob> job(std::move(m_ownJobs.back()));
-    m_ownJobs.pop_back();
-    return job;
+    if (!m_ownJobs.empty()) {
+        const auto &job = m_ownJobs.back();
+        m_path.resize(job.parentLength);
+        m_path += '/';
+        m_path += job.name;
+        m_node = job.node;
+        m_ownJobs.pop_back();
+        return true;
+    }
+    auto job = m_state.queue.take();
+    if (!job)
+        return false;
+    m_path = std::move(job->path);
+    m_node = job->node;
+    return true;
 }
 
-void ScanWorker::process(const ScanJob &job)
+void ScanWorker::process()
 {
     m_entries.clear();
     m_names.clear();
     m_childFolders.clear();
-    m_newJobs.clear();
-    const bool opened = readFolder(job);
-    addToTree(job, opened);
-    collectJobs(job);
+    m_spilledJobs.clear();
+    const bool opened = readFolder();
+    addToTree(opened);
+    const auto found = collectJobs();
     if (!opened)
         ++m_state.unreadable;
-    handOver();
+    m_state.queue.finishOne(found, m_spilledJobs);
 }
 
-bool ScanWorker::readFolder(const ScanJob &job)
+bool ScanWorker::readFolder()
 {
-    if (!m_reader->open(job.path, job.node == 0))
+    if (!m_reader->open(m_path, m_node == 0))
         return false;
     Totals totals;
     for (auto records = m_reader->next(); !records.empty(); records = m_reader->next()) {
@@ -124,11 +135,11 @@ void ScanWorker::decode(const DirectoryRecord &record, Totals &totals)
         if (__builtin_add_overflow(totals.bytes, size, &totals.bytes))
             fatal("the sizes of a folder's files add up to more than 2^63 bytes");
     }
-    m_entries.push_back({ .nameStart = static_cast<qsizetype>(m_names.size()),
-        .nameLength = static_cast<qsizetype>(record.name.size()),
-        .size = size,
-        .flags = flags });
-    m_names.append(record.name);
+    const auto nameStart = m_names.size();
+    if (nameStart + record.name.size() > longestNames)
+        fatal("the names of a folder's entries are longer than 2^31 bytes");
+    m_entries.append({ .size = size, .nameStart = static_cast<qint32>(nameStart), .flags = flags });
+    std::ranges::copy(record.name, m_names.extend(record.name.size()));
 }
 
 // A file with several links counts on the first of them that any worker happens to read.
@@ -140,56 +151,56 @@ qint64 ScanWorker::countedSize(const DirectoryRecord &record)
     return m_state.countedFiles.insert(record.fileDevice, record.fileId) ? record.allocatedSize : 0;
 }
 
-void ScanWorker::addToTree(const ScanJob &job, bool opened)
+void ScanWorker::addToTree(bool opened)
 {
-    qint32 first = FileTree::noNode;
+    qint32 firstNode = FileTree::noNode;
     {
         const std::scoped_lock lock(m_state.treeLock);
         if (!opened)
-            m_state.tree->setUnreadable(job.node);
-        first = m_state.tree->addNodes(job.node, m_entries, m_names);
+            m_state.tree->setUnreadable(m_node);
+        firstNode = m_state.tree->addNodes(m_node, m_entries, { m_names.data(), m_names.size() });
     }
+    noteChildFolders(firstNode);
+}
+
+void ScanWorker::noteChildFolders(qint32 firstNode)
+{
     for (size_t i = 0; i < m_entries.size(); ++i) {
-        if (isEntered(m_entries[i].flags))
-            m_childFolders.push_back({ i, first + static_cast<qint32>(i) });
+        if (!isEntered(m_entries[i].flags))
+            continue;
+        const auto start = static_cast<size_t>(m_entries[i].nameStart);
+        const auto end
+            = i + 1 < m_entries.size() ? static_cast<size_t>(m_entries[i + 1].nameStart) : m_names.size();
+        m_childFolders.push_back(
+            { { m_names.data() + start, end - start }, firstNode + static_cast<qint32>(i) });
     }
 }
 
-void ScanWorker::collectJobs(const ScanJob &job)
+// Keeps the first new jobs for this worker, puts the others aside for the queue and returns how many there
+// are in all.
+size_t ScanWorker::collectJobs()
 {
     if (m_childFolders.empty())
-        return;
-    const auto *allowed = m_state.admission.namesAllowedIn(job.path);
-    m_newJobs.reserve(m_childFolders.size());
+        return 0;
+    const auto *allowed = m_state.admission.namesAllowedIn(m_path);
+    const auto parentLength = m_path == "/" ? 0 : m_path.size();
+    size_t kept = 0;
     for (const auto &child : m_childFolders) {
-        const auto name = nameOf(m_entries[child.entry]);
-        if (allowed != nullptr && !allowed->contains(name))
+        if (allowed != nullptr && !allowed->contains(child.name))
             continue;
-        std::string path;
-        path.reserve(job.path.size() + 1 + name.size());
-        if (job.path != "/")
-            path += job.path;
-        path += '/';
-        path += name;
-        if (m_state.admission.isExcluded(path))
+        m_path.resize(parentLength);
+        m_path += '/';
+        m_path += child.name;
+        if (m_state.admission.isExcluded(m_path))
             continue;
-        m_newJobs.push_back({ std::move(path), child.node });
+        if (kept < jobsKept) {
+            m_ownJobs.push_back({ std::string(child.name), parentLength, child.node });
+            ++kept;
+        } else {
+            m_spilledJobs.push_back({ m_path, child.node });
+        }
     }
-}
-
-// The jobs that this worker keeps are counted before they can be finished, because only it can finish them.
-void ScanWorker::handOver()
-{
-    const auto kept = std::min(m_newJobs.size(), jobsKept);
-    const auto keptJobs = std::span(m_newJobs).first(kept);
-    std::ranges::move(keptJobs, std::back_inserter(m_ownJobs));
-    m_state.queue.finishOne(m_newJobs.size(), std::span(m_newJobs).subspan(kept));
-}
-
-std::string_view ScanWorker::nameOf(const FileTree::Entry &entry) const
-{
-    return std::string_view(m_names).substr(
-        static_cast<size_t>(entry.nameStart), static_cast<size_t>(entry.nameLength));
+    return kept + m_spilledJobs.size();
 }
 
 } // namespace Quillbrook

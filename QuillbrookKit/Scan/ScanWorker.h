@@ -8,6 +8,7 @@
 #include "Scan/FolderAdmission.h"
 #include "Scan/HardLinkSet.h"
 #include "Scan/JobQueue.h"
+#include "Scan/UnfairLock.h"
 
 #include <atomic>
 #include <memory>
@@ -21,10 +22,10 @@ namespace Quillbrook {
 /// together. The last three members are written before the workers start and only read by them.
 struct ScanState
 {
-    std::mutex treeLock{};
+    UnfairLock treeLock{};
     /// Guarded by `treeLock` while workers run.
     std::shared_ptr<FileTree> tree{};
-    std::mutex fileLock{};
+    UnfairLock fileLock{};
     /// Guarded by `fileLock`.
     HardLinkSet countedFiles{};
     JobQueue queue{};
@@ -48,7 +49,15 @@ public:
 private:
     struct ChildFolder
     {
-        size_t entry;
+        std::string_view name;
+        qint32 node;
+    };
+    // A folder that stays with this worker. Its parent's path is still the beginning of `m_path` when its
+    // turn comes, because nothing but what lies below that parent is read before it.
+    struct OwnJob
+    {
+        std::string name;
+        size_t parentLength;
         qint32 node;
     };
     struct Totals
@@ -57,23 +66,25 @@ private:
         qint64 bytes = 0;
     };
 
-    [[nodiscard]] std::optional<ScanJob> nextJob();
-    void process(const ScanJob &job);
-    [[nodiscard]] bool readFolder(const ScanJob &job);
+    [[nodiscard]] bool takeJob();
+    void process();
+    [[nodiscard]] bool readFolder();
     void decode(const DirectoryRecord &record, Totals &totals);
     [[nodiscard]] qint64 countedSize(const DirectoryRecord &record);
-    void addToTree(const ScanJob &job, bool opened);
-    void collectJobs(const ScanJob &job);
-    void handOver();
-    [[nodiscard]] std::string_view nameOf(const FileTree::Entry &entry) const;
+    void addToTree(bool opened);
+    void noteChildFolders(qint32 firstNode);
+    [[nodiscard]] size_t collectJobs();
 
     ScanState &m_state;
     std::unique_ptr<DirectoryReader> m_reader;
-    std::vector<FileTree::Entry> m_entries;
-    std::string m_names;
+    // The folder in hand.
+    std::string m_path;
+    qint32 m_node = FileTree::noNode;
+    GrowingArray<FileTree::Entry> m_entries;
+    GrowingArray<char> m_names;
     std::vector<ChildFolder> m_childFolders;
-    std::vector<ScanJob> m_ownJobs;
-    std::vector<ScanJob> m_newJobs;
+    std::vector<OwnJob> m_ownJobs;
+    std::vector<ScanJob> m_spilledJobs;
 };
 
 } // namespace Quillbrook

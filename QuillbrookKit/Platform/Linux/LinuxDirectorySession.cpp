@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/LinuxDirectoryReader.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <fcntl.h>
@@ -55,7 +56,7 @@ std::unique_ptr<DirectoryReader> LinuxDirectorySession::makeReader()
 
 const LinuxDirectorySession::MountsInFolder *LinuxDirectorySession::mountsIn(const std::string &path) const
 {
-    if (m_mounts.empty())
+    if (m_mounts.empty() || path.size() > m_longestParent)
         return nullptr;
     const auto found = m_mounts.find(path);
     return found == m_mounts.end() ? nullptr : &found->second;
@@ -74,6 +75,7 @@ void LinuxDirectorySession::learnMounts(const std::vector<Mount> &mounts, const 
         const auto path = prefix + mount.mountPoint.substr(realPrefix.size());
         const auto slash = path.rfind('/');
         const auto parent = slash == 0 ? std::string("/") : path.substr(0, slash);
+        m_longestParent = std::max(m_longestParent, parent.size());
         m_mounts[parent].insert_or_assign(path.substr(slash + 1), mount.id);
     }
 }

@@ -37,6 +37,7 @@ private:
     FileDescriptor m_root;
     std::optional<std::uint64_t> m_rootMount;
     std::unordered_map<std::string, MountsInFolder> m_mounts;
+    size_t m_longestParent = 0;
     bool m_knowsMounts = false;
 };
 

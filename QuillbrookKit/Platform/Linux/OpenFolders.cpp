@@ -39,7 +39,9 @@ int OpenFolders::open(const std::string &path)
         return -1;
     if (m_line.size() == mostOpenFolders)
         m_line.erase(m_line.begin());
-    m_path = path;
+    // What the nearest ancestor's path is stands there already.
+    const auto known = m_line.empty() ? 0 : m_line.back().pathLength;
+    m_path.replace(known, std::string::npos, path, known);
     m_line.push_back({ path.size(), std::move(folder) });
     return m_line.back().folder.number();
 }

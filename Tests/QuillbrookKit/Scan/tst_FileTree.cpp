@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <random>
 #include <tuple>
 
@@ -63,6 +64,7 @@ private Q_SLOTS:
     void equalSizesKeepTheirLinkOrder();
     void sortIsStableInLongLists_data();
     void sortIsStableInLongLists();
+    void threadsSortTheSameWay();
     void singleChildIsNotTouchedBySorting();
     void pathOfTheRootIsItsName();
     void pathJoinsComponents();
@@ -125,15 +127,15 @@ void TestFileTree::addNodesEqualsAddNodeForEach()
     SmallTree many;
     const std::string_view names = "firstlink.app";
     const std::vector<FileTree::Entry> entries{
-        { .nameStart = 0, .nameLength = 5, .size = 11, .flags = Flags::none },
-        { .nameStart = 5, .nameLength = 4, .size = 22, .flags = Flags::symlink },
-        { .nameStart = 9, .nameLength = 4, .size = 0, .flags = Flags::directory },
+        { .size = 11, .nameStart = 0, .flags = Flags::none },
+        { .size = 22, .nameStart = 5, .flags = Flags::symlink },
+        { .size = 0, .nameStart = 9, .flags = Flags::directory },
     };
     const auto first = many.tree.addNodes(many.root, entries, names);
     QCOMPARE(first, 5);
-    for (const auto &entry : entries)
-        std::ignore = one.tree.addNode(one.root,
-            names.substr(size_t(entry.nameStart), size_t(entry.nameLength)), entry.size, entry.flags);
+    std::ignore = one.tree.addNode(one.root, "first", 11, Flags::none);
+    std::ignore = one.tree.addNode(one.root, "link", 22, Flags::symlink);
+    std::ignore = one.tree.addNode(one.root, ".app", 0, Flags::directory);
     const auto equal = [](auto a, auto b) { return std::ranges::equal(a, b); };
     QVERIFY(equal(one.tree.parent(), many.tree.parent()));
     QVERIFY(equal(one.tree.firstChild(), many.tree.firstChild()));
@@ -309,6 +311,26 @@ void TestFileTree::sortIsStableInLongLists()
     tree.rollUp();
     tree.sortChildrenBySize();
     QCOMPARE(tree.children(root), QList<qint32>(expected.begin(), expected.end()));
+}
+
+void TestFileTree::threadsSortTheSameWay()
+{
+    const auto build = [](int threads) {
+        std::mt19937 random(4711);
+        auto tree = std::make_unique<FileTree>(300000);
+        std::ignore = tree->addNode(FileTree::noNode, "/", 0, Flags::directory);
+        for (qint32 node = 1; node < 300000; ++node)
+            std::ignore = tree->addNode(qint32(random() % unsigned(node)), "n", random() % 9, Flags::none);
+        tree->rollUp();
+        tree->sortChildrenBySize(threads);
+        return tree;
+    };
+    const auto alone = build(1);
+    for (const int threads : { 2, 3, 32 }) {
+        const auto shared = build(threads);
+        QVERIFY(std::ranges::equal(alone->firstChild(), shared->firstChild()));
+        QVERIFY(std::ranges::equal(alone->nextSibling(), shared->nextSibling()));
+    }
 }
 
 void TestFileTree::singleChildIsNotTouchedBySorting()
