@@ -6,6 +6,7 @@
 
 #include "Core/AppModel.h"
 #include "OfflineServices.h"
+#include "Platform/Linux/LinuxMotionPreference.h"
 #include "Screens/MainWindowState.h"
 #include "WatchedScans.h"
 
@@ -32,7 +33,8 @@ int main(int count, char **texts)
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     Benchmarks::OfflineServices offline(arguments[1]);
     AppModel model(offline.services());
-    MainWindowState screens(model);
+    LinuxMotionPreference motion;
+    MainWindowState screens(model, motion);
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });

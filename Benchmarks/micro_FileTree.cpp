@@ -16,7 +16,7 @@ double secondsSince(std::chrono::steady_clock::time_point start)
 void addNode(benchmark::State &state)
 {
     const auto finished = finishedTree(state.range(0));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(unfinishedCopy(*finished));
     state.SetItemsProcessed(state.iterations() * finished->nodeCount());
 }
@@ -25,7 +25,7 @@ void addNode(benchmark::State &state)
 void rollUp(benchmark::State &state)
 {
     const auto finished = finishedTree(state.range(0));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const auto tree = unfinishedCopy(*finished);
         const auto start = std::chrono::steady_clock::now();
         tree->rollUp();
@@ -37,7 +37,7 @@ void rollUp(benchmark::State &state)
 void sortChildrenBySize(benchmark::State &state)
 {
     const auto finished = finishedTree(state.range(0));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const auto tree = unfinishedCopy(*finished);
         tree->rollUp();
         const auto start = std::chrono::steady_clock::now();

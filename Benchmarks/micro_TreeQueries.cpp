@@ -14,7 +14,7 @@ constexpr qsizetype foundShown = 300;
 void largestFiles(benchmark::State &state)
 {
     const auto tree = finishedTree(state.range(0));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(TreeQueries::largestFiles(*tree, 0, largestShown));
     state.SetItemsProcessed(state.iterations() * tree->nodeCount());
 }
@@ -22,7 +22,7 @@ void largestFiles(benchmark::State &state)
 void searchFor(benchmark::State &state, const char *word)
 {
     const auto tree = finishedTree(state.range(0));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(TreeQueries::search(*tree, 0, QString::fromUtf8(word), foundShown));
     state.SetItemsProcessed(state.iterations() * tree->nodeCount());
 }

@@ -11,7 +11,7 @@ using namespace Quillbrook::Benchmarks;
 void layout(benchmark::State &state)
 {
     const auto tree = finishedTree(state.range(0));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(
             Treemap::layout({ .tree = *tree, .node = 0, .in = QRectF(0, 0, 1000, 600) }));
 }

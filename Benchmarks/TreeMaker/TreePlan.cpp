@@ -147,8 +147,11 @@ TreePlan makePlan(const TreeRequest &request)
 std::string relativePath(const TreePlan &plan, std::size_t folder)
 {
     std::string path;
-    for (; folder != 0; folder = static_cast<std::size_t>(plan.folders[folder].parent))
-        path = path.empty() ? plan.folders[folder].name : plan.folders[folder].name + '/' + path;
+    for (; folder != 0; folder = static_cast<std::size_t>(plan.folders[folder].parent)) {
+        if (!path.empty())
+            path.insert(path.begin(), '/');
+        path.insert(0, plan.folders[folder].name);
+    }
     return path;
 }
 

@@ -20,7 +20,7 @@ namespace Quillbrook::Benchmarks {
 
 namespace {
 
-constexpr std::size_t listingBytes = 256 * 1024;
+constexpr std::size_t listingBytes = 262144;
 constexpr auto attributeFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 constexpr auto attributeMask = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BLOCKS | STATX_MNT_ID;
 
@@ -215,6 +215,7 @@ BareWalkResult bareWalk(const std::string &root, int threads)
         workers.emplace_back(exchange, root, mountOf(root));
     {
         std::vector<std::jthread> running;
+        running.reserve(workers.size());
         for (auto &worker : workers)
             running.emplace_back([&worker] { worker.run(); });
     }
