@@ -3,8 +3,11 @@
 // A text that is looked for in file names, in any letter case. Texts compare by Unicode canonical
 // equivalence. Prepared once, then asked for each name; not changed by asking.
 
+#include "Scan/ByteMarks.h"
+
 #include <QString>
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,14 +22,17 @@ public:
     /// in it counts as U+FFFD. An empty text is held by every name.
     [[nodiscard]] bool isHeldBy(std::string_view name) const;
 
+    /// One fast pass over many names at once, which lie back to back in `names`. A name without a marked byte
+    /// does not hold the text; one with a marked byte may. REQUIRES: the text is not empty.
+    [[nodiscard]] ByteMarks marks(std::span<const char> names) const;
+
 private:
-    [[nodiscard]] bool isFoundInAscii(std::string_view name) const;
-    [[nodiscard]] bool isFoundInText(std::string_view name) const;
+    void markAscii(std::span<const char> names, ByteMarks &marks) const;
+    [[nodiscard]] bool isAsciiFoundAt(const char *place) const;
 
     /// Lower-cased and composed.
     QString m_text;
-    /// `m_text` in bytes when it is ASCII.
-    std::string m_ascii;
+    std::string m_bytes;
     bool m_isAscii = false;
 };
 

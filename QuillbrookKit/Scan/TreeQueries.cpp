@@ -82,10 +82,20 @@ QList<NodeSnapshot> search(const FileTree &tree, qint32 root, const QString &que
     if (characterCount(query, shortestQuery) < shortestQuery)
         return {};
     const NameQuery wanted(query);
+    const auto marks = wanted.marks(tree.nameArena());
+    if (marks.isEmpty())
+        return {};
+    const auto offsets = tree.nameOffset();
+    const auto lengths = tree.nameLength();
+    const auto holdsQuery = [&](qint32 node) {
+        const auto index = static_cast<size_t>(node);
+        return marks.holdsOneOf(static_cast<size_t>(offsets[index]), lengths[index])
+            && wanted.isHeldBy(tree.rawName(node));
+    };
     std::vector<Candidate> found;
     const auto hasRoom = [&] { return static_cast<qsizetype>(found.size()) < limit; };
     tree.walk(root, [&](qint32 node, qint32) {
-        if (hasRoom() && wanted.isHeldBy(tree.rawName(node)))
+        if (hasRoom() && holdsQuery(node))
             found.push_back({ node, tree.size(node) });
         return hasRoom();
     });

@@ -15,9 +15,15 @@ bool holdsPlainly(const QString &text, const QByteArray &name)
     return fold(QString::fromUtf8(name)).contains(fold(text));
 }
 
-bool holds(const QString &text, const QByteArray &name)
+// As a search over a tree asks: the name lies among others, and is only looked at when a byte of it is
+// marked.
+bool holds(const QString &text, const QByteArray &name, qsizetype before = 3, qsizetype after = 0)
 {
-    return NameQuery(text).isHeldBy({ name.constData(), size_t(name.size()) });
+    const NameQuery query(text);
+    const auto names = QByteArray(before, '-') + name + QByteArray(after, '-');
+    const auto marks = query.marks({ names.constData(), size_t(names.size()) });
+    return marks.holdsOneOf(size_t(before), size_t(name.size()))
+        && query.isHeldBy({ name.constData(), size_t(name.size()) });
 }
 
 } // namespace
@@ -29,7 +35,11 @@ class TestNameQuery : public QObject
 private Q_SLOTS:
     void findsInAnyLetterCase_data();
     void findsInAnyLetterCase();
-    void textIsFoundAtEveryPlaceOfAName();
+    void textIsFoundAtEveryPlaceAmongTheNames();
+    void emptyTextIsHeldByEveryName();
+    void textAcrossTwoNamesIsInNeither();
+    void namesWithoutTheTextAreNotMarked_data();
+    void namesWithoutTheTextAreNotMarked();
     void everyCharacterThatFoldsToAsciiIsKnown();
     void agreesWithThePlainRule();
 };
@@ -45,7 +55,6 @@ void TestNameQuery::findsInAnyLetterCase_data()
     QTest::newRow("other") << u"ab"_s << QByteArray("l.a.b") << false;
     QTest::newRow("longer than the name") << u"label"_s << QByteArray("lab") << false;
     QTest::newRow("empty name") << u"ab"_s << QByteArray() << false;
-    QTest::newRow("empty text") << QString() << QByteArray("lab") << true;
     QTest::newRow("a near miss before the hit") << u"aab"_s << QByteArray("aaab") << true;
     QTest::newRow("signs between the letter cases are not letters")
         << u"[\\]"_s << QByteArray("{|}") << false;
@@ -92,17 +101,53 @@ void TestNameQuery::findsInAnyLetterCase()
     QCOMPARE(holds(text, name), holdsPlainly(text, name));
 }
 
-void TestNameQuery::textIsFoundAtEveryPlaceOfAName()
+void TestNameQuery::textIsFoundAtEveryPlaceAmongTheNames()
 {
-    for (qsizetype length = 2; length <= 40; ++length) {
+    for (qsizetype length = 2; length <= 70; length += 17) {
         const auto text = QString(length - 1, u'x') + u'y';
-        for (qsizetype before = 0; before <= 40; ++before) {
-            const auto name = QByteArray(before, 'x') + text.toLatin1().toUpper();
-            QVERIFY(holds(text, name));
-            QVERIFY(holds(text, name + QByteArray(before, 'z')));
-            QVERIFY(!holds(text, name.chopped(1)));
+        const auto name = text.toLatin1().toUpper();
+        for (qsizetype before = 0; before <= 130; ++before) {
+            for (const qsizetype after : { 0, 1, 63, 64, 65, 200 }) {
+                QVERIFY(holds(text, name, before, after));
+                QVERIFY(!holds(text, name.chopped(1), before, after));
+                QVERIFY(holds(u"kk"_s, "k\xe2\x84\xaa", before, after));
+            }
         }
     }
+}
+
+void TestNameQuery::emptyTextIsHeldByEveryName()
+{
+    QVERIFY(NameQuery(QString()).isHeldBy("lab"));
+    QVERIFY(NameQuery(QString()).isHeldBy({}));
+}
+
+void TestNameQuery::textAcrossTwoNamesIsInNeither()
+{
+    const NameQuery query(u"ab"_s);
+    const QByteArray names("xabx");
+    const auto marks = query.marks({ names.constData(), size_t(names.size()) });
+    QVERIFY(!marks.isEmpty());
+    QVERIFY(!query.isHeldBy("xa"));
+    QVERIFY(!query.isHeldBy("bx"));
+}
+
+void TestNameQuery::namesWithoutTheTextAreNotMarked_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("names");
+    QTest::newRow("no names") << u"ab"_s << QByteArray();
+    QTest::newRow("fewer bytes than the text") << u"abc"_s << QByteArray("ab");
+    QTest::newRow("ASCII") << u"ab"_s << QByteArray("report.txt").repeated(100);
+    QTest::newRow("beyond ASCII") << u"ab"_s << QByteArray("отчёт.txt").repeated(100);
+    QTest::newRow("text beyond ASCII") << u"отчёт"_s << QByteArray("report.txt").repeated(100);
+}
+
+void TestNameQuery::namesWithoutTheTextAreNotMarked()
+{
+    QFETCH(QString, text);
+    QFETCH(QByteArray, names);
+    QVERIFY(NameQuery(text).marks({ names.constData(), size_t(names.size()) }).isEmpty());
 }
 
 void TestNameQuery::everyCharacterThatFoldsToAsciiIsKnown()
@@ -115,7 +160,7 @@ void TestNameQuery::everyCharacterThatFoldsToAsciiIsKnown()
         const auto name = character.toUtf8();
         for (const auto part : folded) {
             if (part.unicode() < 0x80)
-                QVERIFY2(holds(QString(part), name), qPrintable(QString::number(code, 16)));
+                QVERIFY2(holds(u"-"_s + QString(part), "-" + name), qPrintable(QString::number(code, 16)));
         }
     }
 }
@@ -133,7 +178,7 @@ void TestNameQuery::agreesWithThePlainRule()
     };
     int found = 0;
     for (int i = 0; i < 100'000; ++i) {
-        const auto text = any(3);
+        const auto text = pieces[random.bounded(pieces.size())] + any(2);
         auto name = any(12).toUtf8();
         if (random.bounded(8) == 0)
             name.insert(random.bounded(name.size() + 1), '\xe2');
