@@ -3,6 +3,7 @@
 #include "Fatal.h"
 
 #include <algorithm>
+#include <deque>
 #include <limits>
 #include <string>
 
@@ -82,26 +83,28 @@ private:
         return width > m_request.minimumTileSide && height > m_request.minimumTileSide;
     }
 
-    [[nodiscard]] std::vector<Child> visibleChildren(qint32 node) const;
+    void collectVisibleChildren(qint32 node, std::vector<Child> &children) const;
     void step(qint32 node, const QRectF &area, qint32 depth, std::string &path);
     void place(const Child &child, const QRectF &rect, qint32 depth, std::string &path);
 
     const Request &m_request;
     const FileTree &m_tree;
     std::vector<Tile> m_tiles;
+    /// Scratch, one list for each folder that is being laid out at the same time. Its lists stay where they
+    /// are when it grows.
+    std::deque<std::vector<Child>> m_childrenByDepth;
 };
 
-std::vector<Child> Layout::visibleChildren(qint32 node) const
+void Layout::collectVisibleChildren(qint32 node, std::vector<Child> &children) const
 {
     const auto sizes = m_tree.totalSize();
     const auto nextSibling = m_tree.nextSibling();
-    std::vector<Child> children;
+    children.clear();
     for (auto child = m_tree.firstChild()[static_cast<size_t>(node)]; child != FileTree::noNode;
          child = nextSibling[static_cast<size_t>(child)]) {
         if (const auto size = sizes[static_cast<size_t>(child)]; size >= 1)
             children.push_back({ child, size });
     }
-    return children;
 }
 
 // `path` is the raw path of `node`; it is lengthened for each child and cut back, so that no tile costs a
@@ -110,7 +113,11 @@ void Layout::step(qint32 node, const QRectF &area, qint32 depth, std::string &pa
 {
     if (!m_tree.isValid(node) || depth >= m_request.maximumDepth || !isShown(area.width(), area.height()))
         return;
-    const auto children = visibleChildren(node);
+    const auto level = static_cast<size_t>(depth);
+    if (level == m_childrenByDepth.size())
+        m_childrenByDepth.emplace_back();
+    auto &children = m_childrenByDepth[level];
+    collectVisibleChildren(node, children);
     qint64 sum = 0;
     for (const auto &child : children) {
         if (__builtin_add_overflow(sum, child.size, &sum))
