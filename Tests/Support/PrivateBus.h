@@ -1,11 +1,13 @@
 #pragma once
 
-// A message bus of a test's own, on which nothing answers but what the test puts there. It ends with the
-// object.
+// A message bus of a test's own, on which nothing answers but what the test puts there: no service of the
+// machine is started on demand. It ends with the object.
 
 #include <QDBusConnection>
+#include <QFile>
 #include <QProcess>
 #include <QString>
+#include <QTemporaryDir>
 #include <QUuid>
 
 namespace Quillbrook {
@@ -15,9 +17,13 @@ class PrivateBus
 public:
     PrivateBus()
     {
+        QFile file(m_folder.filePath(QStringLiteral("bus.conf")));
+        if (!file.open(QIODevice::WriteOnly) || file.write(configuration()) < 0)
+            return;
+        file.close();
         m_daemon.start(QStringLiteral("dbus-daemon"),
-            { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-                QStringLiteral("--print-address") });
+            { QStringLiteral("--config-file=") + file.fileName(), QStringLiteral("--nofork"),
+                QStringLiteral("--nopidfile"), QStringLiteral("--print-address") });
         if (m_daemon.waitForStarted(5000) && m_daemon.waitForReadyRead(5000))
             m_address = QString::fromLatin1(m_daemon.readLine()).trimmed();
     }
@@ -39,6 +45,24 @@ public:
     }
 
 private:
+    [[nodiscard]] QByteArray configuration() const
+    {
+        return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:dir=)"
+            + m_folder.path().toUtf8() + R"(</listen>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+    }
+
+    QTemporaryDir m_folder;
     QProcess m_daemon;
     QString m_address;
     QStringList m_connections;

@@ -4,12 +4,12 @@
 #include "Platform/Linux/LinuxDirectoryReading.h"
 #include "Scan/FastScanner.h"
 #include "Support/HookedDirectories.h"
+#include "Support/RootGivenUp.h"
 #include "Support/TempTree.h"
 
 #include <QCoreApplication>
 #include <QTest>
 
-#include <grp.h>
 #include <unistd.h>
 
 using namespace Quillbrook;
@@ -17,8 +17,6 @@ using namespace Quillbrook;
 namespace {
 
 using Flags = FileTree::Flags;
-
-constexpr unsigned nobody = 65534;
 
 qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::string &name)
 {
@@ -133,12 +131,8 @@ void TestScanWithoutRights::folderWhoseEntriesMayNotBeAskedListsThem()
 
 int main(int argc, char **argv)
 {
-    if (::geteuid() == 0) {
-        const bool isGivenUp = ::setgroups(0, nullptr) == 0 && ::setresgid(nobody, nobody, nobody) == 0
-            && ::setresuid(nobody, nobody, nobody) == 0;
-        if (!isGivenUp)
-            qFatal("root could not be given up");
-    }
+    if (!giveUpRoot())
+        qFatal("root could not be given up");
     QCoreApplication application(argc, argv);
     TestScanWithoutRights test;
     return QTest::qExec(&test, argc, argv);
