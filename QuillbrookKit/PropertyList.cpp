@@ -33,7 +33,7 @@ std::optional<PropertyList> PropertyList::dictionary(const QByteArray &data)
 
 std::optional<QString> PropertyList::text(const char *key) const
 {
-    const plist_t node = plist_dict_get_item(m_root.get(), key);
+    auto *const node = plist_dict_get_item(m_root.get(), key);
     if (!node || plist_get_node_type(node) != PLIST_STRING)
         return std::nullopt;
     // Not plist_get_string_val: that ends the process at a text with a zero byte in it.

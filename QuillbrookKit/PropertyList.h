@@ -15,7 +15,7 @@ class PropertyList
 {
 public:
     /// What a file may measure before it is worth reading.
-    static constexpr qsizetype maximumBytes = 16 * 1024 * 1024;
+    static constexpr qsizetype maximumBytes = qsizetype{ 16 } * 1024 * 1024;
 
     /// Absent when `data` is larger than that, can't be understood, or has no dictionary at its top.
     [[nodiscard]] static std::optional<PropertyList> dictionary(const QByteArray &data);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int maximumDepth = 128;
 /// Bytes of all objects when each is counted wherever it is named, and a fixed charge for each naming.
-constexpr std::uint64_t maximumUnfolded = 64 * 1024 * 1024;
+constexpr std::uint64_t maximumUnfolded = std::uint64_t{ 64 } * 1024 * 1024;
 constexpr std::uint64_t chargePerObject = 64;
 /// In the XML form nothing is named twice, so that the number of containers bounds their depth.
 constexpr qsizetype maximumXmlContainers = 10'000;

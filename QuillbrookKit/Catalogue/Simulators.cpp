@@ -47,7 +47,7 @@ QSet<QString> bootedIds(const ProcessRunner &processes)
 std::optional<QString> parseName(const QByteArray &propertyList)
 {
     const auto list = PropertyList::dictionary(propertyList);
-    const auto name = list ? list->text("name") : std::nullopt;
+    auto name = list ? list->text("name") : std::nullopt;
     if (!name)
         return std::nullopt;
     const auto runtime = list->text("runtime").value_or(QString());

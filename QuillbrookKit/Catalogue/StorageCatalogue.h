@@ -33,7 +33,7 @@ struct Places
     QString homeDirectory{};
     /// Absolute paths; a location that equals one or lies below one, by its text, is passed over.
     QSet<QString> skipping{};
-    /// Null: the built-in tables alone.
+    /// Null: the built-in tables alone. Outlives the call.
     const HostCatalogue *host = nullptr;
 };
 

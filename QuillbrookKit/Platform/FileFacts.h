@@ -13,8 +13,7 @@ namespace Quillbrook {
 
 enum class FileKind : std::uint8_t { directory, symlink, other };
 
-/// Whole seconds, in UTC. `created` is absent where the file system keeps no birth time, or one before the
-/// first second of 1970.
+/// Whole seconds, in UTC. `created` is a `birthTime`, absent too where the file system has no such thing.
 struct FileDates
 {
     QDateTime lastModified{};
@@ -22,6 +21,13 @@ struct FileDates
 
     bool operator==(const FileDates &) const = default;
 };
+
+/// The birth time that a file system tells in seconds since 1970; absent for one before the first second, by
+/// which file systems say that they keep none.
+[[nodiscard]] inline std::optional<QDateTime> birthTime(qint64 seconds)
+{
+    return seconds >= 1 ? std::optional(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC)) : std::nullopt;
+}
 
 class FileFacts
 {

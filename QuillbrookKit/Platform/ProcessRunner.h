@@ -22,7 +22,7 @@ public:
         /// The program is killed, with all it started, when it has run for longer.
         std::chrono::milliseconds timeLimit = std::chrono::seconds(10);
         /// The program is killed when it has printed more bytes.
-        qsizetype outputLimit = 4 * 1024 * 1024;
+        qsizetype outputLimit = qsizetype{ 4 } * 1024 * 1024;
     };
 
     struct Result

@@ -27,9 +27,11 @@ public:
     FakeProcessRunner processes;
     FakeClock clock;
 
-    [[nodiscard]] CatalogueServices services()
+    [[nodiscard]] CatalogueServices services() { return services(m_directories); }
+    /// The same with folders that a test measures instead of the real ones.
+    [[nodiscard]] CatalogueServices services(DirectoryReading &directories)
     {
-        return { .directories = m_directories,
+        return { .directories = directories,
             .processors = processors,
             .volumes = volumes,
             .files = m_files,

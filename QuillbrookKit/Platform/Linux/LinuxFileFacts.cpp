@@ -10,11 +10,6 @@ namespace {
 // A mount whose server is gone would block a plain stat for ever; cached attributes are good enough here.
 constexpr int gently = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 
-QDateTime wholeSeconds(const struct statx_timestamp &time)
-{
-    return QDateTime::fromSecsSinceEpoch(time.tv_sec, Qt::UTC);
-}
-
 } // namespace
 
 std::optional<FileKind> LinuxFileFacts::kind(const std::string &path) const
@@ -33,9 +28,9 @@ std::optional<FileDates> LinuxFileFacts::dates(const std::string &path) const
     if (::statx(AT_FDCWD, path.c_str(), gently, STATX_MTIME | STATX_BTIME, &facts) != 0
         || (facts.stx_mask & STATX_MTIME) == 0)
         return std::nullopt;
-    FileDates dates{ .lastModified = wholeSeconds(facts.stx_mtime) };
-    if ((facts.stx_mask & STATX_BTIME) != 0 && facts.stx_btime.tv_sec >= 1)
-        dates.created = wholeSeconds(facts.stx_btime);
+    FileDates dates{ .lastModified = QDateTime::fromSecsSinceEpoch(facts.stx_mtime.tv_sec, Qt::UTC) };
+    if ((facts.stx_mask & STATX_BTIME) != 0)
+        dates.created = birthTime(facts.stx_btime.tv_sec);
     return dates;
 }
 

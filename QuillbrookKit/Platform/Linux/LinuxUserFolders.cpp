@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype maximumFileBytes = 64 * 1024;
+constexpr qsizetype maximumFileBytes = qsizetype{ 64 } * 1024;
 
 struct Row
 {

@@ -80,8 +80,10 @@ private Q_SLOTS:
     void daysSinceTouchedCountsCompleteDays()
     {
         const auto now = QDateTime(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC);
-        QCOMPARE((Finding{ .lastModified = now.addSecs(-23 * 3600) }.daysSinceTouched(now)), qint64(0));
-        QCOMPARE((Finding{ .lastModified = now.addSecs(-24 * 3600) }.daysSinceTouched(now)), qint64(1));
+        QCOMPARE(
+            (Finding{ .lastModified = now.addSecs(-qint64{ 23 } * 3600) }.daysSinceTouched(now)), qint64(0));
+        QCOMPARE(
+            (Finding{ .lastModified = now.addSecs(-qint64{ 24 } * 3600) }.daysSinceTouched(now)), qint64(1));
         QCOMPARE((Finding{ .lastModified = now.addDays(-60) }.daysSinceTouched(now)), qint64(60));
     }
 

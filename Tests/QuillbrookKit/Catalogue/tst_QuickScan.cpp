@@ -1,12 +1,18 @@
 #include "Catalogue/StorageCatalogue.h"
+#include "Support/FakeDirectories.h"
+#include "Support/FolderHold.h"
 #include "Support/MadeUpHome.h"
 
 #include <QTest>
+
+#include <future>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr qint64 block = 4096;
 
 QStringList idsOf(const ReclaimReport &report)
 {
@@ -77,8 +83,8 @@ private Q_SLOTS:
     {
         MadeUpHome home;
         home.fill(".gradle/daemon", 4096);
-        home.fill(".npm/_cacache", 3 * 4096);
-        home.fill(".pub-cache", 2 * 4096);
+        home.fill(".npm/_cacache", 3 * block);
+        home.fill(".pub-cache", 2 * block);
         QCOMPARE(idsOf(scan(home)), QStringList({ u"npm.cacache"_s, u"pub.cache"_s, u"gradle.daemon"_s }));
     }
 
@@ -99,7 +105,7 @@ private Q_SLOTS:
     {
         MadeUpHome home;
         home.fill(".gradle/daemon", 4096);
-        home.fill(".npm/_cacache", 3 * 4096);
+        home.fill(".npm/_cacache", 3 * block);
         QList<Finding> seen;
         const auto thread = QThread::currentThread();
         const auto report = StorageCatalogue::quickScan(home.services(),
@@ -107,12 +113,12 @@ private Q_SLOTS:
                  QCOMPARE(QThread::currentThread(), thread);
                  // Grown after the first finding was made: it counts only for what is measured later.
                  if (seen.isEmpty())
-                     home.fill(".npm/_cacache/later", 8 * 4096);
+                     home.fill(".npm/_cacache/later", 8 * block);
                  seen.append(finding);
              } });
         QCOMPARE(seen.size(), 2);
         QCOMPARE(seen[0].rule.id, u"gradle.daemon"_s);
-        QCOMPARE(seen[1].bytes, 11 * 4096);
+        QCOMPARE(seen[1].bytes, 11 * block);
         QCOMPARE(report.findings, QList({ seen[1], seen[0] }));
     }
 
@@ -197,10 +203,14 @@ private Q_SLOTS:
     {
         MadeUpHome home;
         home.fill(".npm/_cacache", 5000);
-        home.tree.permissions(".npm/_cacache", 0);
-        // The administrator reads everything; then the location is found like any other.
-        const bool readsEverything = QDir(home.path(".npm/_cacache")).isReadable();
-        QCOMPARE(scan(home).findings.isEmpty(), !readsEverything);
+        home.fill(".pub-cache", 5000);
+        FakeDirectories directories;
+        directories.closed = { home.tree.path(".npm/_cacache") };
+        directories.folder(home.tree.path(".pub-cache"), { FakeDirectories::aFile("file", 4096) });
+        const auto report = StorageCatalogue::quickScan(
+            home.services(directories), { .places = { .homeDirectory = home.path() } });
+        QCOMPARE(idsOf(report), QStringList(u"pub.cache"_s));
+        QCOMPARE(steps(home), 2);
     }
 
     void ruleWithoutStaleDaysIsAlwaysStaleEnough()
@@ -298,6 +308,43 @@ private Q_SLOTS:
         QCOMPARE(idsOf(report), QStringList(u"gradle.daemon"_s));
     }
 
+    void stopEndsTheLocationInHandAndNoOtherIsBegun()
+    {
+        MadeUpHome home;
+        home.tree.folder(".gradle/daemon");
+        home.tree.folder(".npm/_cacache");
+        FakeDirectories directories;
+        for (const auto *folder : { ".gradle/daemon", ".npm/_cacache" })
+            directories.folder(home.tree.path(folder), { FakeDirectories::aFile("file", 4096) });
+        FolderHold hold(directories, home.tree.path(".gradle/daemon"));
+        std::stop_source stop;
+        auto running = std::async(std::launch::async, [&home, &directories, &stop] {
+            return StorageCatalogue::quickScan(home.services(directories),
+                { .places = { .homeDirectory = home.path() }, .stop = stop.get_token() });
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(hold.isHolding(), 20'000);
+        stop.request_stop();
+        hold.release();
+        QVERIFY(running.wait_for(std::chrono::seconds(20)) == std::future_status::ready);
+        QVERIFY(running.get().findings.isEmpty());
+        QCOMPARE(directories.sessionsMade(), 1);
+    }
+
+    void locationsAreMeasuredOneAfterTheOther()
+    {
+        MadeUpHome home;
+        home.tree.folder(".gradle/daemon");
+        home.tree.folder(".npm/_cacache");
+        FakeDirectories directories;
+        for (const auto *folder : { ".gradle/daemon", ".npm/_cacache" })
+            directories.folder(home.tree.path(folder), { FakeDirectories::aFile("file", 4096) });
+        int measured = 0;
+        const auto report = StorageCatalogue::quickScan(home.services(directories),
+            { .places = { .homeDirectory = home.path() },
+                .onFinding = [&](const Finding &) { QCOMPARE(directories.sessionsMade(), ++measured); } });
+        QCOMPARE(report.findings.size(), 2);
+    }
+
     void stopBeforehandMeasuresNothing()
     {
         MadeUpHome home;
@@ -310,5 +357,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestQuickScan)
+QTEST_GUILESS_MAIN(TestQuickScan)
 #include "tst_QuickScan.moc"

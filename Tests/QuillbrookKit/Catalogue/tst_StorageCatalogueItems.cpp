@@ -58,7 +58,7 @@ auto runInstead(const QString &script, std::chrono::milliseconds timeLimit, qsiz
 
 QString script(const MadeUpHome &home, const QByteArray &body)
 {
-    const auto path = home.path("tool");
+    auto path = home.path("tool");
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write("#!/bin/sh\n" + body) < 0)
         qFatal("the tool can't be written");

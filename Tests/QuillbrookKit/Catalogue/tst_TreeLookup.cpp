@@ -61,9 +61,9 @@ private Q_SLOTS:
         qsizetype found = 0;
         for (int round = 0; round < 60; ++round) {
             const auto tree = randomTree(random, root.toStdString());
-            std::vector<QString> paths;
-            for (int i = 0; i < 60; ++i)
-                paths.push_back(randomPath(random, root == u"/" ? QString() : root));
+            std::vector<QString> paths(60);
+            for (auto &path : paths)
+                path = randomPath(random, root == u"/" ? QString() : root);
             const auto from = random() % 3 == 0 ? static_cast<qint32>(random() % 4) : 0;
             const auto nodes = findAll(*tree, paths, from);
             QCOMPARE(nodes.size(), paths.size());

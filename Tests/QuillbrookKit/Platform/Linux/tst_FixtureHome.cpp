@@ -49,7 +49,7 @@ public:
 
     [[nodiscard]] QString home() const { return tree.text("home"); }
     [[nodiscard]] FastScanner::Result scanHome(
-        const FastScanner::Allowlist &allowlist = {}, const QSet<QString> &exclusions = {})
+        const FastScanner::Allowlist &allowlist = {}, const QSet<QString> &exclusions = {}) const
     {
         LinuxDirectoryReading directories;
         return FastScanner(directories)

@@ -60,6 +60,13 @@ private Q_SLOTS:
         QCOMPARE(LinuxFileFacts().dates(home.tree.path("folder"))->lastModified, moment);
     }
 
+    void birthTimeCountsFromTheFirstSecondOn()
+    {
+        QVERIFY(!birthTime(-5));
+        QVERIFY(!birthTime(0));
+        QCOMPARE(birthTime(1), QDateTime(QDate(1970, 1, 1), QTime(0, 0, 1), Qt::UTC));
+    }
+
     void birthTimeIsThatOfTheMaking()
     {
         TempTree tree;
@@ -125,7 +132,7 @@ private Q_SLOTS:
         TempTree tree;
         QFile file(tree.text("holes"));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(qint64(1) << 40));
-        QVERIFY(!LinuxFileReading().contents(tree.path("holes"), 16 * 1024 * 1024));
+        QVERIFY(!LinuxFileReading().contents(tree.path("holes"), qsizetype{ 16 } * 1024 * 1024));
     }
 };
 
