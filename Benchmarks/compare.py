@@ -12,7 +12,7 @@ import os
 import sys
 from pathlib import Path
 
-from comparison import application, machine, peers, scanning
+from comparison import application, catalogue, machine, peers, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -26,6 +26,7 @@ MEASURES = {
     "sizes": peers.sizes,
     "window": application.window,
     "model": application.model,
+    "catalogue": catalogue.catalogue,
     "growth": scanning.growth,
     "cold": scanning.cold,
     "shapes": scanning.odd_shapes,

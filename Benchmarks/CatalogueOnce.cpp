@@ -1,0 +1,111 @@
+// Does one of the catalogue's jobs and prints what it took as one JSON object.
+//
+//     CatalogueOnce quick HOME       the quick stage
+//     CatalogueOnce bare HOME        a bare walk of each of its locations
+//     CatalogueOnce evaluate         evaluations of a made-up tree of a million nodes that holds every
+//     location
+
+#include "Catalogue/CatalogueLocations.h"
+#include "CatalogueHome.h"
+#include "Platform/Linux/BareWalk.h"
+#include "Scan/FastScanner.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <chrono>
+#include <cstdio>
+
+namespace {
+
+using namespace Quillbrook;
+using namespace Quillbrook::Benchmarks;
+using Watch = std::chrono::steady_clock;
+
+constexpr int evaluations = 21;
+
+double secondsSince(Watch::time_point start)
+{
+    return std::chrono::duration<double>(Watch::now() - start).count();
+}
+
+HostCatalogue hostOf(const QString &home)
+{
+    return LinuxCatalogue::catalogue(LinuxUserFolders::read(LinuxFileReading(), home), home);
+}
+
+QJsonObject quick(const QString &home)
+{
+    CatalogueSurroundings surroundings;
+    const auto host = hostOf(home);
+    double first = 0;
+    const auto start = Watch::now();
+    const auto report = StorageCatalogue::quickScan(surroundings.services(),
+        { .places = { .homeDirectory = home, .host = &host }, .onFinding = [&first, start](const Finding &) {
+             if (first == 0)
+                 first = secondsSince(start);
+         } });
+    return { { "seconds", secondsSince(start) }, { "first_finding_seconds", first },
+        { "findings", report.findings.size() } };
+}
+
+QJsonObject bare(const QString &home)
+{
+    const auto host = hostOf(home);
+    const auto threads = FastScanner::defaultThreadCount(LinuxProcessors());
+    double sum = 0;
+    qint64 files = 0;
+    int walked = 0;
+    for (const auto &location : catalogueLocations({ .homeDirectory = home, .host = &host })) {
+        const auto path = location.path.toStdString();
+        if (LinuxFileFacts().kind(path) != FileKind::directory)
+            continue;
+        const auto result = bareWalk(path, threads);
+        sum += result.seconds;
+        files += static_cast<qint64>(result.files);
+        ++walked;
+    }
+    return { { "seconds", sum }, { "locations", walked }, { "files", files } };
+}
+
+QJsonObject evaluate()
+{
+    CatalogueSurroundings surroundings;
+    const auto home = QStringLiteral("/home/nobody here");
+    const auto host = hostOf(home);
+    CatalogueHome maker(home);
+    maker.addEveryLocation(host);
+    const auto tree = maker.finish();
+    QJsonArray seconds;
+    qsizetype findings = 0;
+    for (int i = 0; i < evaluations; ++i) {
+        const auto start = Watch::now();
+        findings = StorageCatalogue::evaluate(surroundings.services(),
+            { .tree = *tree, .root = 0, .places = { .homeDirectory = home, .host = &host } })
+                       .findings.size();
+        seconds.append(secondsSince(start));
+    }
+    return { { "seconds", seconds }, { "nodes", tree->nodeCount() }, { "findings", findings } };
+}
+
+} // namespace
+
+int main(int count, char **texts)
+{
+    const QByteArray job = count > 1 ? texts[1] : "";
+    QJsonObject output;
+    if (job == "quick" && count == 3)
+        output = quick(QFile::decodeName(texts[2]));
+    else if (job == "bare" && count == 3)
+        output = bare(QFile::decodeName(texts[2]));
+    else if (job == "evaluate" && count == 2)
+        output = evaluate();
+    else {
+        std::fputs("CatalogueOnce quick HOME | bare HOME | evaluate\n", stderr);
+        return 2;
+    }
+    std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
+    return 0;
+}
