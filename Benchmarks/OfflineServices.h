@@ -1,12 +1,17 @@
 #pragma once
 
 // Services for a measured application model that leave no trace: a home folder of our choosing, settings in
-// memory, and a file manager that is never asked. Folders and processors are the machine's own.
+// memory, and a file manager that is never asked. Everything else is the machine's own.
 
 #include "Platform/AppServices.h"
+#include "Platform/Clock.h"
 #include "Platform/FileRevealer.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/Linux/LinuxDirectoryReading.h"
+#include "Platform/Linux/LinuxFileFacts.h"
+#include "Platform/Linux/LinuxFileReading.h"
+#include "Platform/Linux/LinuxHostKnowledge.h"
+#include "Platform/Linux/LinuxProcessRunner.h"
 #include "Platform/Linux/LinuxProcessors.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Volumes.h"
@@ -96,7 +101,12 @@ public:
                      .processors = m_processors,
                      .volumes = m_volumes,
                      .defaults = m_defaults,
-                     .home = m_home },
+                     .home = m_home,
+                     .files = m_files,
+                     .reading = m_reading,
+                     .processes = m_processes,
+                     .clock = m_clock,
+                     .host = m_host },
             .revealer = m_revealer };
     }
 
@@ -106,6 +116,11 @@ private:
     UnknownVolumes m_volumes;
     DefaultsInMemory m_defaults;
     ChosenHome m_home;
+    LinuxFileFacts m_files;
+    LinuxFileReading m_reading;
+    LinuxProcessRunner m_processes;
+    SystemClock m_clock;
+    LinuxHostKnowledge m_host{ m_reading };
     NoRevealer m_revealer;
 };
 

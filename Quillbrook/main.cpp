@@ -1,8 +1,13 @@
 #include "Core/AppModel.h"
+#include "Platform/Clock.h"
 #include "Platform/Linux/LinuxDirectoryReading.h"
+#include "Platform/Linux/LinuxFileFacts.h"
+#include "Platform/Linux/LinuxFileReading.h"
 #include "Platform/Linux/LinuxFileRevealer.h"
 #include "Platform/Linux/LinuxHomeFolder.h"
+#include "Platform/Linux/LinuxHostKnowledge.h"
 #include "Platform/Linux/LinuxMotionPreference.h"
+#include "Platform/Linux/LinuxProcessRunner.h"
 #include "Platform/Linux/LinuxProcessors.h"
 #include "Platform/Linux/LinuxVolumes.h"
 #include "Platform/SettingsUserDefaults.h"
@@ -33,6 +38,11 @@ int main(int argc, char **argv)
     LinuxVolumes volumes;
     SettingsUserDefaults defaults;
     LinuxHomeFolder home;
+    LinuxFileFacts files;
+    LinuxFileReading reading;
+    LinuxProcessRunner processes;
+    SystemClock clock;
+    LinuxHostKnowledge host(reading);
     LinuxFileRevealer revealer;
     LinuxMotionPreference motion;
     AppModel model({
@@ -40,7 +50,12 @@ int main(int argc, char **argv)
             .processors = processors,
             .volumes = volumes,
             .defaults = defaults,
-            .home = home },
+            .home = home,
+            .files = files,
+            .reading = reading,
+            .processes = processes,
+            .clock = clock,
+            .host = host },
         .revealer = revealer,
     });
 

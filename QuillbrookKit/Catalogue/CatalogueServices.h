@@ -2,15 +2,9 @@
 
 // What the catalogue's operations ask of the machine. Plain references: the owner outlives every call.
 
-namespace Quillbrook {
+#include "Platform/KitServices.h"
 
-class Clock;
-class DirectoryReading;
-class FileFacts;
-class FileReading;
-class ProcessRunner;
-class Processors;
-class Volumes;
+namespace Quillbrook {
 
 struct CatalogueServices
 {
@@ -21,6 +15,18 @@ struct CatalogueServices
     const FileReading &reading;
     const ProcessRunner &processes;
     const Clock &clock;
+
+    /// That part of all there is.
+    [[nodiscard]] static CatalogueServices of(const KitServices &kit)
+    {
+        return { .directories = kit.directories,
+            .processors = kit.processors,
+            .volumes = kit.volumes,
+            .files = kit.files,
+            .reading = kit.reading,
+            .processes = kit.processes,
+            .clock = kit.clock };
+    }
 };
 
 } // namespace Quillbrook

@@ -5,8 +5,13 @@
 
 namespace Quillbrook {
 
+class Clock;
 class DirectoryReading;
+class FileFacts;
+class FileReading;
 class HomeFolder;
+class HostKnowledge;
+class ProcessRunner;
 class Processors;
 class UserDefaults;
 class Volumes;
@@ -18,6 +23,11 @@ struct KitServices
     Volumes &volumes;
     UserDefaults &defaults;
     HomeFolder &home;
+    FileFacts &files;
+    FileReading &reading;
+    ProcessRunner &processes;
+    Clock &clock;
+    HostKnowledge &host;
 };
 
 } // namespace Quillbrook

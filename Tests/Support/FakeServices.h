@@ -1,12 +1,17 @@
 #pragma once
 
-// A whole made-up machine for tests of the application's models, at first with an empty disk and without
-// volume figures.
+// A whole made-up machine for tests of the application's models, at first with an empty disk, without volume
+// figures and with nothing in the catalogue's places.
 
 #include "Platform/AppServices.h"
+#include "Support/FakeClock.h"
 #include "Support/FakeDirectories.h"
+#include "Support/FakeFileFacts.h"
+#include "Support/FakeFileReading.h"
 #include "Support/FakeFileRevealer.h"
 #include "Support/FakeHomeFolder.h"
+#include "Support/FakeHostKnowledge.h"
+#include "Support/FakeProcessRunner.h"
 #include "Support/FakeProcessors.h"
 #include "Support/FakeUserDefaults.h"
 #include "Support/FakeVolumes.h"
@@ -20,6 +25,11 @@ struct FakeServices
     FakeVolumes volumes;
     FakeUserDefaults defaults;
     FakeHomeFolder home;
+    FakeFileFacts files;
+    FakeFileReading reading;
+    FakeProcessRunner processes;
+    FakeClock clock;
+    FakeHostKnowledge host;
     FakeFileRevealer revealer;
 
     AppServices services{
@@ -27,7 +37,12 @@ struct FakeServices
             .processors = processors,
             .volumes = volumes,
             .defaults = defaults,
-            .home = home },
+            .home = home,
+            .files = files,
+            .reading = reading,
+            .processes = processes,
+            .clock = clock,
+            .host = host },
         .revealer = revealer,
     };
 };

@@ -10,6 +10,8 @@
 
 #include <deque>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,7 @@ struct ScannedHome : FakeServices
     /// Names are relative to the home folder; the folder above has been added before.
     void addFolder(const std::string &name)
     {
+        m_folders.insert(name);
         add(name, FakeDirectories::aFolder(lastComponent(name)));
         directories.folder(path(name), {});
     }
@@ -39,15 +42,25 @@ struct ScannedHome : FakeServices
     {
         add(name, FakeDirectories::aFile(lastComponent(name), mebibytes * 1024 * 1024));
     }
+    /// A folder of one file at one of the catalogue's places.
+    void addPlace(const std::string &name, qint64 mebibytes, const std::optional<FileDates> &dates = {})
+    {
+        for (auto slash = name.find('/'); slash != std::string::npos; slash = name.find('/', slash + 1))
+            if (!m_folders.contains(name.substr(0, slash)))
+                addFolder(name.substr(0, slash));
+        addFolder(name);
+        addFile(name + "/content", mebibytes);
+        files.entries[path(name)] = { .dates = dates };
+    }
     [[nodiscard]] std::string path(const std::string &name = {}) const
     {
         const auto base = home.realHome.toStdString();
         return name.empty() ? base : base + '/' + name;
     }
 
-    void scan()
+    void scan(Scope scope = Scope::complete)
     {
-        model.scan({ .scope = Scope::complete });
+        model.scan({ .scope = scope });
         QTRY_COMPARE(model.phase().kind, Phase::Kind::ready);
     }
 
@@ -77,6 +90,7 @@ private:
     }
 
     std::deque<std::string> m_names;
+    std::set<std::string> m_folders;
     std::map<std::string, std::vector<DirectoryRecord>> m_records;
 
 public:

@@ -1,0 +1,35 @@
+#pragma once
+
+// A disk of which only the paths that a test names exist. It is set up before it is asked.
+
+#include "Platform/FileFacts.h"
+
+#include <map>
+
+namespace Quillbrook {
+
+class FakeFileFacts final : public FileFacts
+{
+public:
+    struct Entry
+    {
+        FileKind kind = FileKind::directory;
+        std::optional<FileDates> dates{};
+    };
+
+    [[nodiscard]] std::optional<FileKind> kind(const std::string &path) const override
+    {
+        const auto found = entries.find(path);
+        return found == entries.end() ? std::nullopt : std::optional(found->second.kind);
+    }
+
+    [[nodiscard]] std::optional<FileDates> dates(const std::string &path) const override
+    {
+        const auto found = entries.find(path);
+        return found == entries.end() ? std::nullopt : found->second.dates;
+    }
+
+    std::map<std::string, Entry> entries{};
+};
+
+} // namespace Quillbrook

@@ -1,0 +1,17 @@
+#pragma once
+
+// A host that knows what a test sets, the same for every home folder.
+
+#include "Catalogue/HostKnowledge.h"
+
+namespace Quillbrook {
+
+class FakeHostKnowledge final : public HostKnowledge
+{
+public:
+    [[nodiscard]] HostFacts about(const QString & /*home*/) const override { return facts; }
+
+    HostFacts facts{};
+};
+
+} // namespace Quillbrook
