@@ -1,5 +1,6 @@
 #include "Core/AppModel.h"
 
+#include "Core/CatalogueInHand.h"
 #include "Core/ReleaseOnPool.h"
 #include "Core/ScanInHand.h"
 #include "Core/TreeStageEstimate.h"
@@ -7,10 +8,8 @@
 #include "Platform/UserDefaults.h"
 #include "Scan/Format.h"
 
-#include <QCoroFuture>
-#include <QCoroTimer>
-#include <QtConcurrent>
-
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace Quillbrook {
@@ -38,12 +37,11 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     connect(&m_volumeClock, &QTimer::timeout, this, &AppModel::refreshVolume);
 }
 
-// The walk uses the services, which may go right after the model.
 AppModel::~AppModel()
 {
-    if (m_scanner)
-        m_scanner->cancel();
-    m_walk.waitForFinished();
+    dropScanInHand();
+    for (auto &work : m_poolWork)
+        work.waitForFinished();
 }
 
 void AppModel::scan(const ScanRequest &request)
@@ -51,13 +49,13 @@ void AppModel::scan(const ScanRequest &request)
     if (m_phase.kind == Phase::Kind::scanning || (request.automatic && m_hasScanned))
         return;
     m_hasScanned = true;
-    if (m_scanner)
-        m_scanner->cancel();
+    dropScanInHand();
     ++m_scanToken;
     const auto earlierScope = std::exchange(m_scope, request.scope.value_or(m_scope));
     m_phase = { .kind = Phase::Kind::scanning };
     ++m_treeGeneration;
-    releaseOnPool(std::exchange(m_scanner, std::make_shared<ScanInHand>(m_services.kit.directories)));
+    m_scanner = std::make_shared<ScanInHand>(m_services.kit.directories);
+    m_catalogue = std::make_shared<CatalogueInHand>(m_services.kit, m_scope, m_scanRoot);
     m_scanProgress.reset();
     m_progress = 0;
     m_sinceScanStart.start();
@@ -74,9 +72,7 @@ void AppModel::scan(const ScanRequest &request)
 
 void AppModel::cancelScan()
 {
-    if (m_scanner)
-        m_scanner->cancel();
-    releaseOnPool(std::exchange(m_scanner, nullptr));
+    dropScanInHand();
     ++m_scanToken;
     m_ticker.stop();
     m_scanProgress.reset();
@@ -85,71 +81,25 @@ void AppModel::cancelScan()
         Q_EMIT phaseChanged();
 }
 
-// A quiet scan never opens a folder that makes a privacy layer ask; a complete one walks the whole of it.
-AppModel::ScanJob AppModel::newJob() const
+void AppModel::dropScanInHand()
 {
-    ScanJob job{ .token = m_scanToken,
-        .scanner = m_scanner,
-        .request = { .rootPath = m_scanRoot,
-            .threads = FastScanner::defaultThreadCount(m_services.kit.processors),
-            .exclusions = FastScanner::defaultExclusions(),
-            .home = m_services.kit.home.realHomeDirectory() } };
-    if (m_scope == Scope::quiet) {
-        job.request.exclusions.unite(FastScanner::tccProtectedPaths(m_scanRoot));
-        job.request.allowlist = FastScanner::quietAllowlist(m_scanRoot);
-    }
-    return job;
-}
-
-bool AppModel::isCurrent(const QPointer<AppModel> &model, const ScanJob &job)
-{
-    return model && model->m_scanToken == job.token;
-}
-
-// The road of one scan. After every wait it may find itself out of date, or the model gone, and then ends
-// without touching anything: that alone makes an old scan harmless.
-QCoro::Task<> AppModel::runScan(QPointer<AppModel> model, QCoro::Task<> previous, ScanJob job)
-{
-    {
-        // Moved in, or each finished task would keep the one before it.
-        const auto earlier = std::move(previous);
-        if (!earlier.isReady())
-            co_await earlier;
-    }
-    // Whoever asked for the scan sees it begun before anything of it happens.
-    co_await QCoro::sleepFor(0ms);
-    if (!isCurrent(model, job))
-        co_return;
-    model->endQuickStage();
-
-    // The result travels beside the future, whose watcher would hold on to it, and so to the tree, beyond
-    // this task's end.
-    const auto result = std::make_shared<FastScanner::Result>();
-    model->m_walk = QtConcurrent::run([job, result] { *result = job.scanner->run(job.request); });
-    const auto walk = model->m_walk;
-    co_await walk;
-    if (!isCurrent(model, job)) {
-        releaseOnPool(std::exchange(*result, {}));
-        co_return;
-    }
-    model->finishScan(std::exchange(*result, {}));
-}
-
-void AppModel::endQuickStage()
-{
-    m_progress = TreeStageEstimate::start;
-    m_scanProgress.setFraction(m_progress);
-    m_scanProgress.setDetail(QStringLiteral("measuring the rest of the disk"));
+    if (m_scanner)
+        m_scanner->cancel();
+    if (m_catalogue)
+        m_catalogue->cancel();
+    releaseOnPool(std::exchange(m_scanner, nullptr));
+    m_catalogue.reset();
 }
 
 // Everything is set before anyone is told, so that no observer meets the new tree with an old focus.
-void AppModel::finishScan(const FastScanner::Result &result)
+void AppModel::finishScan(const FastScanner::Result &result, const CatalogueInHand &catalogue)
 {
     m_ticker.stop();
     const auto oldTree = std::exchange(m_tree, result.tree);
     m_rootNode = result.root;
     m_focus = m_rootNode;
     m_breadcrumb = { m_rootNode };
+    m_report = catalogue.report();
     m_lastScanDuration = result.duration;
     m_scannedFileCount = m_tree->fileCount();
     m_services.kit.defaults.setInteger(lastFileCountKey, m_scannedFileCount);
@@ -159,6 +109,7 @@ void AppModel::finishScan(const FastScanner::Result &result)
     m_phase = { .kind = Phase::Kind::ready };
 
     Q_EMIT treeChanged();
+    Q_EMIT reportChanged();
     Q_EMIT focusChanged();
     Q_EMIT breadcrumbChanged();
     Q_EMIT lastScanDurationChanged();
@@ -166,6 +117,20 @@ void AppModel::finishScan(const FastScanner::Result &result)
     Q_EMIT phaseChanged();
     releaseOnPool(oldTree);
     endOfScanCalls();
+}
+
+void AppModel::setReport(const ReclaimReport &report)
+{
+    m_report = report;
+    Q_EMIT reportChanged();
+}
+
+void AppModel::setReclaimLog(const QStringList &lines)
+{
+    if (m_reclaimLog == lines)
+        return;
+    m_reclaimLog = lines;
+    Q_EMIT reclaimLogChanged();
 }
 
 void AppModel::endOfScanCalls()

@@ -1,12 +1,15 @@
 #pragma once
 
 // The one central state object of the application: all screens observe it, and it alone starts scans and
-// holds the tree. It lives on the main thread; long work runs in tasks of the thread pool that take and
-// return values and are awaited, and after every wait a task compares its token, so that an old scan ends
-// silently.
+// holds the tree and the report. It lives on the main thread; long work runs in tasks of the thread pool that
+// take and return values and are awaited, and after every wait a task compares its token, so that an old scan
+// ends silently.
 
+#include "Catalogue/ReclaimReport.h"
+#include "Core/FindingCollector.h"
 #include "Core/Pane.h"
 #include "Core/ScanProgress.h"
+#include "Core/Scope.h"
 #include "Platform/AppServices.h"
 #include "Scan/FastScanner.h"
 #include "Scan/FileTree.h"
@@ -26,6 +29,7 @@
 
 namespace Quillbrook {
 
+class CatalogueInHand;
 class ScanInHand;
 
 /// Where the model stands. `message` is set only for `failed`.
@@ -38,9 +42,6 @@ struct Phase
 
     bool operator==(const Phase &) const = default;
 };
-
-/// Which folders a scan opens: `quiet` only what raises no consent dialog, `complete` the whole home folder.
-enum class Scope { quiet, complete };
 
 class AppModel : public QObject
 {
@@ -71,6 +72,7 @@ public:
     void setSearchText(const QString &text);
     void setRequestedPane(std::optional<Pane> pane);
     void setScanRoot(const QString &path);
+    void setReclaimLog(const QStringList &lines);
 
     // Queries over the whole tree, whatever the focus is, largest first.
     [[nodiscard]] QList<NodeSnapshot> largestFiles(qsizetype limit) const;
@@ -81,7 +83,7 @@ public:
     /// node at that path, else the path's text encoded.
     [[nodiscard]] std::string rawPath(const NodeSnapshot &snapshot) const;
 
-    // The volume.
+    // The volume. A report's figures go before the live ones.
     void refreshVolume();
     void refreshMenuBarTitle();
     /// Starts the clock that refreshes the volume's figures every 60 seconds; starting again replaces it.
@@ -92,12 +94,16 @@ public:
     [[nodiscard]] const Phase &phase() const { return m_phase; }
     [[nodiscard]] const std::shared_ptr<const FileTree> &tree() const { return m_tree; }
     [[nodiscard]] qint32 rootNode() const { return m_rootNode; }
+    /// Of the last finished scan, or of the quick stage of the scan in hand; absent before one.
+    [[nodiscard]] const std::optional<ReclaimReport> &report() const { return m_report; }
     [[nodiscard]] qint32 focus() const { return m_focus; }
     [[nodiscard]] const QList<qint32> &breadcrumb() const { return m_breadcrumb; }
     [[nodiscard]] const QStringList &breadcrumbNames() const { return m_breadcrumbNames; }
     [[nodiscard]] const std::optional<NodeSnapshot> &selection() const { return m_selection; }
     [[nodiscard]] const QString &scanRoot() const { return m_scanRoot; }
     [[nodiscard]] const QString &searchText() const { return m_searchText; }
+    /// What removals did, a line each.
+    [[nodiscard]] const QStringList &reclaimLog() const { return m_reclaimLog; }
     [[nodiscard]] Scope scope() const { return m_scope; }
     [[nodiscard]] std::optional<Pane> requestedPane() const { return m_requestedPane; }
     /// Seconds of the last tree scan; 0 before one.
@@ -114,11 +120,13 @@ public:
 Q_SIGNALS:
     void phaseChanged();
     void treeChanged();
+    void reportChanged();
     void focusChanged();
     void breadcrumbChanged();
     void selectionChanged();
     void scanRootChanged();
     void searchTextChanged();
+    void reclaimLogChanged();
     void scopeChanged();
     void requestedPaneChanged();
     void lastScanDurationChanged();
@@ -134,31 +142,42 @@ private:
     {
         quint64 token = 0;
         std::shared_ptr<ScanInHand> scanner{};
+        std::shared_ptr<CatalogueInHand> catalogue{};
         FastScanner::Request request{};
     };
 
     static QCoro::Task<> runScan(QPointer<AppModel> model, QCoro::Task<> previous, ScanJob job);
+    /// `job` outlives it.
+    static QCoro::Task<> runQuickStage(QPointer<AppModel> model, const ScanJob &job);
     [[nodiscard]] static bool isCurrent(const QPointer<AppModel> &model, const ScanJob &job);
-    [[nodiscard]] ScanJob newJob() const;
-    void endQuickStage();
-    void finishScan(const FastScanner::Result &result);
+    template <typename Work>
+    QFuture<void> onPool(Work work);
+    [[nodiscard]] ScanJob newJob();
+    void showQuickFindings(const FindingCollector::Look &look, qsizetype steps);
+    void endQuickStage(const ReclaimReport &report);
+    void finishScan(const FastScanner::Result &result, const CatalogueInHand &catalogue);
     void endOfScanCalls();
+    void dropScanInHand();
     void tick();
     void clearFocus();
+    void setReport(const ReclaimReport &report);
 
     AppServices m_services;
     Phase m_phase;
     std::shared_ptr<const FileTree> m_tree;
     qint32 m_rootNode = FileTree::noNode;
+    std::optional<ReclaimReport> m_report;
     qint32 m_focus = FileTree::noNode;
     QList<qint32> m_breadcrumb;
     std::optional<NodeSnapshot> m_selection;
     QString m_scanRoot;
     double m_lastScanDuration = 0;
     QString m_searchText;
+    QStringList m_reclaimLog;
     Scope m_scope = Scope::quiet;
     std::optional<Pane> m_requestedPane;
     std::shared_ptr<ScanInHand> m_scanner;
+    std::shared_ptr<CatalogueInHand> m_catalogue;
     bool m_hasScanned = false;
     quint64 m_scanToken = 0;
     quint64 m_treeGeneration = 0;
@@ -170,8 +189,8 @@ private:
     QElapsedTimer m_sinceScanStart;
     QTimer m_ticker;
     QCoro::Task<> m_scanTask;
-    /// The walk that runs on the pool, if any.
-    QFuture<void> m_walk;
+    /// What of this and of earlier scans may still run on the pool.
+    QList<QFuture<void>> m_poolWork;
     qint64 m_liveFree = 0;
     qint64 m_liveOptimistic = 0;
     qint64 m_liveTotal = 0;

@@ -38,12 +38,12 @@ void AppModel::refreshMenuBarTitle()
 
 qint64 AppModel::volumeFree() const
 {
-    return m_liveFree;
+    return m_report ? m_report->volumeFreeBytes : m_liveFree;
 }
 
 qint64 AppModel::volumeTotal() const
 {
-    return m_liveTotal;
+    return m_report ? m_report->volumeTotalBytes : m_liveTotal;
 }
 
 } // namespace Quillbrook

@@ -26,11 +26,20 @@ void ScanProgress::setCounts(const QString &counts)
     Q_EMIT countsChanged();
 }
 
+void ScanProgress::setFindings(const QList<Finding> &findings)
+{
+    if (m_findings == findings)
+        return;
+    m_findings = findings;
+    Q_EMIT findingsChanged();
+}
+
 void ScanProgress::reset()
 {
     setFraction(0);
     setDetail({});
     setCounts({});
+    setFindings({});
 }
 
 } // namespace Quillbrook

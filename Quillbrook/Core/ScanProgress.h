@@ -2,6 +2,9 @@
 
 // What the scanning view shows of a scan in hand. Main thread only.
 
+#include "Catalogue/Finding.h"
+
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -24,21 +27,26 @@ public:
     [[nodiscard]] double fraction() const { return m_fraction; }
     [[nodiscard]] const QString &detail() const { return m_detail; }
     [[nodiscard]] const QString &counts() const { return m_counts; }
+    /// What has been found so far, largest first.
+    [[nodiscard]] const QList<Finding> &findings() const { return m_findings; }
     /// Each tells observers only on a change.
     void setFraction(double fraction);
     void setDetail(const QString &detail);
     void setCounts(const QString &counts);
+    void setFindings(const QList<Finding> &findings);
     void reset();
 
 Q_SIGNALS:
     void fractionChanged();
     void detailChanged();
     void countsChanged();
+    void findingsChanged();
 
 private:
     double m_fraction = 0;
     QString m_detail;
     QString m_counts;
+    QList<Finding> m_findings;
 };
 
 } // namespace Quillbrook

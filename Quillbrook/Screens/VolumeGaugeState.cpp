@@ -40,6 +40,7 @@ VolumeGaugeState::VolumeGaugeState(AppModel &model, QObject *parent)
     , m_model(model)
 {
     connect(&m_model, &AppModel::volumeChanged, this, &VolumeGaugeState::refresh);
+    connect(&m_model, &AppModel::reportChanged, this, &VolumeGaugeState::refresh);
     refresh();
 }
 

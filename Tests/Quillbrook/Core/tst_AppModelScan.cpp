@@ -37,11 +37,14 @@ struct Fixture : FakeServices
     }
 };
 
-// A home folder of `count` files whose scan is held before it opens the one folder in it.
+// A home folder of `count` files whose scan is held before it opens the one folder in it. One of the
+// catalogue's places is there, so that the quick stage takes the bar to where the tree stage begins.
 struct HeldFixture : FakeServices
 {
     explicit HeldFixture(size_t count)
     {
+        files.entries["/home/someone/.gradle/daemon"] = {};
+        directories.folder("/home/someone/.gradle/daemon", { FakeDirectories::aFile("log", 4096) });
         std::vector<DirectoryRecord> records(count, FakeDirectories::aFile("file", 4096));
         records.push_back(FakeDirectories::aFolder("project"));
         directories.folder("/home/someone", std::move(records));
@@ -126,6 +129,7 @@ private Q_SLOTS:
     void tickerDoesNothingWithoutAScan();
     void tickerRunsOnlyDuringAScan();
     void barStandsAtTheQuickStagesShareWhenTheTreeStageBegins();
+    void barStallsWhereTheQuickStageFoundLittle();
     void fileCountOf1000SaysNothing();
     void fileCountOf1001IsExpected();
     void moreFilesThanExpectedStopTheBarShortOfDone();
@@ -548,13 +552,24 @@ void TestAppModelScan::tickerRunsOnlyDuringAScan()
 
 void TestAppModelScan::barStandsAtTheQuickStagesShareWhenTheTreeStageBegins()
 {
-    Fixture fixture;
-    FolderHold hold(fixture.directories, "/home/someone");
+    HeldFixture fixture(10);
     AppModel model(fixture.services);
-    model.scan({});
-    QTRY_VERIFY(hold.isHolding());
+    fixture.scanUntilHeld(model);
     QCOMPARE(model.scanProgress().fraction(), 0.4);
-    hold.release();
+    fixture.hold.release();
+    QTRY_VERIFY(isAt(model, Kind::ready));
+}
+
+void TestAppModelScan::barStallsWhereTheQuickStageFoundLittle()
+{
+    HeldFixture fixture(900);
+    fixture.defaults.setInteger(lastFileCountKey, 1001);
+    fixture.files.entries["/home/someone/.gradle/caches"] = {};
+    AppModel model(fixture.services);
+    fixture.scanUntilHeld(model);
+    tick(model);
+    QCOMPARE(model.scanProgress().fraction(), 0.2);
+    fixture.hold.release();
     QTRY_VERIFY(isAt(model, Kind::ready));
 }
 

@@ -1,0 +1,67 @@
+#include "Catalogue/HostKnowledge.h"
+#include "Core/ScanFences.h"
+
+#include <QTest>
+
+using namespace Quillbrook;
+
+namespace {
+
+const auto home = QStringLiteral("/home/someone");
+
+HostFacts someHost()
+{
+    return { .quietAllowlist = { { home, { QStringLiteral(".cache") } },
+                 { home + QStringLiteral("/.local"), { QStringLiteral("share") } } },
+        .protectedPaths = { home + QStringLiteral("/Bilder") } };
+}
+
+} // namespace
+
+class ScanFencesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void completeScanKeepsOutOfWhatNoScanMeasures();
+    void quietScanKeepsOutOfProtectedPathsToo();
+    void quietScanEntersWhatEitherTableNames();
+    void hostWithNothingToAddLeavesTheBuiltInTables();
+};
+
+void ScanFencesTest::completeScanKeepsOutOfWhatNoScanMeasures()
+{
+    const auto fences = ScanFences::of(Scope::complete, home, someHost());
+    QCOMPARE(fences.exclusions, FastScanner::defaultExclusions());
+    QVERIFY(fences.skipping.isEmpty());
+    QVERIFY(fences.allowlist.isEmpty());
+}
+
+void ScanFencesTest::quietScanKeepsOutOfProtectedPathsToo()
+{
+    const auto fences = ScanFences::of(Scope::quiet, home, someHost());
+    const auto expected
+        = FastScanner::tccProtectedPaths(home) + QSet<QString>{ home + QStringLiteral("/Bilder") };
+    QCOMPARE(fences.skipping, expected);
+    QCOMPARE(fences.exclusions, FastScanner::defaultExclusions() + expected);
+}
+
+void ScanFencesTest::quietScanEntersWhatEitherTableNames()
+{
+    const auto builtIn = FastScanner::quietAllowlist(home);
+    const auto fences = ScanFences::of(Scope::quiet, home, someHost());
+    QCOMPARE(fences.allowlist.value(home), builtIn.value(home) + QSet<QString>{ QStringLiteral(".cache") });
+    QVERIFY(fences.allowlist.value(home + QStringLiteral("/.local")).contains(QStringLiteral("share")));
+    for (auto row = builtIn.cbegin(); row != builtIn.cend(); ++row)
+        QVERIFY(fences.allowlist.value(row.key()).contains(row.value()));
+}
+
+void ScanFencesTest::hostWithNothingToAddLeavesTheBuiltInTables()
+{
+    const auto fences = ScanFences::of(Scope::quiet, home, {});
+    QCOMPARE(fences.skipping, FastScanner::tccProtectedPaths(home));
+    QCOMPARE(fences.allowlist, FastScanner::quietAllowlist(home));
+}
+
+QTEST_GUILESS_MAIN(ScanFencesTest)
+#include "tst_ScanFences.moc"
