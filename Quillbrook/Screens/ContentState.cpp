@@ -52,13 +52,14 @@ ContentState::Shown ContentState::shownFor(const Phase &phase, Pane pane)
 ContentState::Shown ContentState::shownForPane(Pane pane)
 {
     switch (pane) {
+    case Pane::warden:
+        return { .view = View::Warden };
     case Pane::map:
         return { .view = View::Map };
     case Pane::largest:
         return { .view = View::Largest };
     case Pane::search:
         return { .view = View::Search };
-    case Pane::warden:
     case Pane::photos:
     case Pane::rules:
     case Pane::offload:

@@ -31,7 +31,7 @@ class ContentState : public QObject
 
 public:
     /// The scanning view, a notice, or one of the panes that there are.
-    enum class View { Scanning, Notice, Map, Largest, Search };
+    enum class View { Scanning, Notice, Warden, Map, Largest, Search };
     Q_ENUM(View)
 
     /// What stands on the right side, with the words of a notice.

@@ -44,6 +44,8 @@ RowLayout {
                 switch (root.screens.content.view) {
                 case ContentState.Scanning:
                     return scanning;
+                case ContentState.Warden:
+                    return warden;
                 case ContentState.Map:
                     return map;
                 case ContentState.Largest:
@@ -72,6 +74,14 @@ RowLayout {
 
         ScanningView {
             scan: root.screens.scanning
+        }
+    }
+
+    Component {
+        id: warden
+
+        WardenPane {
+            warden: root.screens.warden
         }
     }
 

@@ -12,6 +12,7 @@ MainWindowState::MainWindowState(AppModel &model, MotionPreference &motion, QObj
     , m_sidebar(m_content)
     , m_topBar(model)
     , m_volumeGauge(model)
+    , m_warden(model)
     , m_crumbs(model)
     , m_map(model)
     , m_largest(model)
@@ -21,6 +22,14 @@ MainWindowState::MainWindowState(AppModel &model, MotionPreference &motion, QObj
     , m_askBar(m_content)
 {
     connect(&m_motion, &MotionPreference::changed, this, &MainWindowState::reducedMotionChanged);
+    connect(&m_content, &ContentState::paneChanged, this, &MainWindowState::followPane);
+    followPane();
+}
+
+void MainWindowState::followPane()
+{
+    if (m_content.pane() == Pane::warden)
+        m_warden.appear();
 }
 
 bool MainWindowState::reducedMotion() const

@@ -14,6 +14,7 @@
 #include "Screens/SidebarModel.h"
 #include "Screens/TopBarState.h"
 #include "Screens/VolumeGaugeState.h"
+#include "Screens/WardenState.h"
 
 #include <QObject>
 #include <QtQmlIntegration>
@@ -32,6 +33,7 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::SidebarModel *sidebar READ sidebar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::TopBarState *topBar READ topBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::VolumeGaugeState *volumeGauge READ volumeGauge CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::WardenState *warden READ warden CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::BreadcrumbModel *crumbs READ crumbs CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::MapState *map READ map CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::LargestState *largest READ largest CONSTANT FINAL)
@@ -49,6 +51,7 @@ public:
     [[nodiscard]] SidebarModel *sidebar() { return &m_sidebar; }
     [[nodiscard]] TopBarState *topBar() { return &m_topBar; }
     [[nodiscard]] VolumeGaugeState *volumeGauge() { return &m_volumeGauge; }
+    [[nodiscard]] WardenState *warden() { return &m_warden; }
     [[nodiscard]] BreadcrumbModel *crumbs() { return &m_crumbs; }
     [[nodiscard]] MapState *map() { return &m_map; }
     [[nodiscard]] LargestState *largest() { return &m_largest; }
@@ -62,11 +65,14 @@ Q_SIGNALS:
     void reducedMotionChanged();
 
 private:
+    void followPane();
+
     MotionPreference &m_motion;
     ContentState m_content;
     SidebarModel m_sidebar;
     TopBarState m_topBar;
     VolumeGaugeState m_volumeGauge;
+    WardenState m_warden;
     BreadcrumbModel m_crumbs;
     MapState m_map;
     LargestState m_largest;

@@ -57,6 +57,9 @@ QtObject {
     readonly property int breadcrumbHeight: 46
     readonly property int crumbWidth: 240
     readonly property int selectionBarHeight: 54
+    readonly property int wardenHeaderHeight: 79
+    readonly property int wardenHeadingHeight: 40
+    readonly property int findingInset: 14
     readonly property int tooltipWidth: 320
     readonly property int tooltipPaddingX: 9
     readonly property int tooltipPaddingY: 6

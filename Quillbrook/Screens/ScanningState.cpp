@@ -11,6 +11,13 @@ ScanningState::ScanningState(ScanProgress &progress, QObject *parent)
     connect(&m_progress, &ScanProgress::detailChanged, this, &ScanningState::titleChanged);
     connect(&m_progress, &ScanProgress::fractionChanged, this, &ScanningState::fractionChanged);
     connect(&m_progress, &ScanProgress::countsChanged, this, &ScanningState::countsChanged);
+    connect(&m_progress, &ScanProgress::findingsChanged, this, &ScanningState::takeFindings);
+    takeFindings();
+}
+
+void ScanningState::takeFindings()
+{
+    m_findings.setFindings(m_progress.findings());
 }
 
 QString ScanningState::title() const

@@ -2,6 +2,8 @@
 
 // What the scanning view tells of the scan in hand. Main thread only; the progress outlives it.
 
+#include "Screens/ArrivingFindingsModel.h"
+
 #include <QObject>
 #include <QString>
 #include <QtQmlIntegration>
@@ -23,12 +25,16 @@ class ScanningState : public QObject
     /// How much has been seen; empty at first.
     Q_PROPERTY(QString counts READ counts NOTIFY countsChanged FINAL)
 
+    /// What has been found so far, largest first.
+    Q_PROPERTY(Quillbrook::ArrivingFindingsModel *findings READ findings CONSTANT FINAL)
+
 public:
     explicit ScanningState(ScanProgress &progress, QObject *parent = nullptr);
 
     [[nodiscard]] QString title() const;
     [[nodiscard]] double fraction() const;
     [[nodiscard]] QString counts() const;
+    [[nodiscard]] ArrivingFindingsModel *findings() { return &m_findings; }
 
 Q_SIGNALS:
     void titleChanged();
@@ -36,7 +42,10 @@ Q_SIGNALS:
     void countsChanged();
 
 private:
+    void takeFindings();
+
     ScanProgress &m_progress;
+    ArrivingFindingsModel m_findings;
 };
 
 } // namespace Quillbrook

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Templates as T
 import Quillbrook
 
 // What stands in place of every pane while a scan runs: one column, in the middle.
@@ -10,6 +11,8 @@ Item {
     required property ScanningState scan
 
     Column {
+        id: column
+
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.top: parent.top
         anchors.topMargin: Metrics.scanningTop
@@ -34,6 +37,37 @@ Item {
             font.pointSize: Metrics.smallFont
             text: root.scan.counts
             width: parent.width
+        }
+    }
+
+    Card {
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Math.max(Metrics.space12, room - findings.contentHeight - 2 * border.width)
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.top: column.bottom
+        anchors.topMargin: Metrics.space24
+        visible: findings.count > 0
+        width: column.width
+
+        readonly property real room: parent.height - column.y - column.height - Metrics.space24
+
+        ListView {
+            id: findings
+
+            Accessible.name: "Found so far"
+            Accessible.role: Accessible.List
+            activeFocusOnTab: count > 0
+            anchors.fill: parent
+            anchors.margins: parent.border.width
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            model: root.scan.findings
+
+            T.ScrollBar.vertical: SlimScrollBar {
+            }
+            delegate: ArrivingFindingRow {
+                width: ListView.view.width
+            }
         }
     }
 }

@@ -13,6 +13,7 @@ class ScanningStateTest : public QObject
 private Q_SLOTS:
     void titleIsTheDetailOrSaysThatMeasuringIsOn();
     void barAndCountsFollowTheProgress();
+    void findingsAreThoseOfTheProgress();
 };
 
 void ScanningStateTest::titleIsTheDetailOrSaysThatMeasuringIsOn()
@@ -42,6 +43,17 @@ void ScanningStateTest::barAndCountsFollowTheProgress()
     QCOMPARE(scan.counts(), QStringLiteral("12 files"));
     QCOMPARE(fractions.count(), 1);
     QCOMPARE(counts.count(), 1);
+}
+
+void ScanningStateTest::findingsAreThoseOfTheProgress()
+{
+    ScanProgress progress;
+    ScanningState scan(progress);
+    progress.setFindings({ { .id = "a", .rule = { .title = "Saved web pages" }, .bytes = 2048 } });
+    QCOMPARE(scan.findings()->rowCount(), 1);
+    QCOMPARE(scan.findings()->index(0).data(Qt::DisplayRole).toString(), QStringLiteral("Saved web pages"));
+    progress.reset();
+    QCOMPARE(scan.findings()->rowCount(), 0);
 }
 
 QTEST_GUILESS_MAIN(ScanningStateTest)

@@ -1,0 +1,32 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quillbrook
+
+// How much is ticked on the screen "Free up space".
+Item {
+    id: root
+
+    required property WardenState warden
+
+    implicitHeight: Metrics.wardenHeaderHeight
+
+    Column {
+        anchors.left: parent.left
+        anchors.leftMargin: Metrics.paneInset
+        anchors.right: parent.right
+        anchors.rightMargin: Metrics.paneInset
+        anchors.verticalCenter: parent.verticalCenter
+
+        FigureText {
+            text: root.warden.total
+            width: parent.width
+        }
+
+        CaptionText {
+            font.pointSize: Metrics.smallFont
+            text: root.warden.counts
+            width: parent.width
+        }
+    }
+}

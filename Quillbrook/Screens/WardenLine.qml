@@ -1,0 +1,79 @@
+import QtQuick
+import Quillbrook
+
+// One line of the screen "Free up space", drawn as what it is.
+// Not `ComponentBehavior: Bound`: a Loader of Qt 6.4 can't create bound components.
+Item {
+    id: root
+
+    required property int index
+    required property int kind
+    required property wardenRow row
+    required property WardenState warden
+
+    readonly property bool current: ListView.isCurrentItem
+
+    // What is no finding speaks for itself.
+    Accessible.ignored: kind !== WardenLines.Finding
+    Accessible.name: row.title + ", " + row.size
+    Accessible.role: Accessible.ListItem
+    Keys.onSpacePressed: warden.toggle(index)
+    implicitHeight: content.implicitHeight
+
+    Loader {
+        id: content
+
+        sourceComponent: {
+            switch (root.kind) {
+            case WardenLines.CompleteScanOffer:
+                return offer;
+            case WardenLines.Finding:
+                return finding;
+            case WardenLines.LogLine:
+                return line;
+            default:
+                return heading;
+            }
+        }
+        width: root.width
+    }
+
+    // qmllint disable unqualified
+    Component {
+        id: offer
+
+        CompleteScanOffer {
+            onAccepted: root.warden.scanEverything()
+        }
+    }
+
+    Component {
+        id: heading
+
+        WardenHeading {
+            row: root.row
+        }
+    }
+
+    Component {
+        id: finding
+
+        FindingRow {
+            current: root.current
+            hasKeyboard: root.activeFocus
+            row: root.row
+            onPathToggled: root.warden.togglePath(root.index)
+            onRevealed: root.warden.reveal(root.index)
+            onToggled: root.warden.toggle(root.index)
+        }
+    }
+
+    Component {
+        id: line
+
+        SelectableText {
+            fullText: root.row.title
+        }
+    }
+    // qmllint enable unqualified
+}

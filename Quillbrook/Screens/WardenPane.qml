@@ -1,0 +1,85 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Quillbrook
+
+// Free up space: what was found, by how safe it is to clear, and how much of it is ticked. The list is one stop
+// of the Tab key; the arrow keys walk what can be acted on, Space ticks it, and Tab goes on to its controls.
+ColumnLayout {
+    id: root
+
+    required property WardenState warden
+
+    spacing: 0
+
+    WardenHeader {
+        Layout.fillWidth: true
+        warden: root.warden
+    }
+
+    Hairline {
+        Layout.fillWidth: true
+    }
+
+    Item {
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+
+        BodyText {
+            anchors.centerIn: parent
+            font.pointSize: Metrics.messageFont
+            text: root.warden.emptyMessage
+            visible: text !== ""
+        }
+
+        ListView {
+            id: list
+
+            // To the next line the keyboard stops at, up or down; stays where there is none.
+            function step(direction: int) {
+                let row = currentIndex + direction;
+                while (row >= 0 && row < count && !root.warden.rows.takesKeyboard(row))
+                    row += direction;
+                if (row < 0 || row >= count)
+                    return;
+                currentIndex = row;
+                currentItem.forceActiveFocus(Qt.TabFocusReason);
+            }
+
+            Accessible.name: "What can go"
+            Accessible.role: Accessible.List
+            Keys.onDownPressed: step(1)
+            Keys.onUpPressed: step(-1)
+            activeFocusOnTab: true
+            anchors.fill: parent
+            anchors.leftMargin: Metrics.paneInset
+            anchors.rightMargin: Metrics.paneInset
+            bottomMargin: Metrics.space12
+            boundsBehavior: Flickable.StopAtBounds
+            // Rows differ in height; with those below in hand the bar beside them stays calm.
+            cacheBuffer: 2 * height
+            clip: true
+            currentIndex: -1
+            highlightFollowsCurrentItem: true
+            highlightMoveDuration: Metrics.quickMotion
+            keyNavigationEnabled: false
+            model: root.warden.rows
+            objectName: "wardenList"
+            topMargin: Metrics.space12 + Metrics.hairlineWidth * 2
+
+            onActiveFocusChanged: {
+                if (activeFocus && currentIndex < 0)
+                    step(1);
+            }
+
+            T.ScrollBar.vertical: SlimScrollBar {
+            }
+            delegate: WardenLine {
+                warden: root.warden
+                width: ListView.view.width
+            }
+        }
+    }
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+// One line of the list on the screen "Free up space": a heading, a finding, or one of what stands around
+// them. A plain value with its words ready to be shown.
+
+#include <QColor>
+#include <QObject>
+#include <QString>
+#include <QtQmlIntegration>
+
+namespace Quillbrook {
+
+/// Names what a line of that list is.
+class WardenLines : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Only names its values")
+
+public:
+    enum class Kind { CompleteScanOffer, Heading, Finding, LogHeading, LogLine };
+    Q_ENUM(Kind)
+};
+
+struct WardenRow
+{
+    Q_GADGET
+    QML_VALUE_TYPE(wardenRow)
+
+    Q_PROPERTY(QString title MEMBER title FINAL)
+    Q_PROPERTY(QString size MEMBER size FINAL)
+    Q_PROPERTY(QString note MEMBER note FINAL)
+    Q_PROPERTY(QColor tone MEMBER tone FINAL)
+    Q_PROPERTY(QString ages MEMBER ages FINAL)
+    Q_PROPERTY(QString what MEMBER what FINAL)
+    Q_PROPERTY(QString regenerates MEMBER regenerates FINAL)
+    Q_PROPERTY(QString path MEMBER path FINAL)
+    Q_PROPERTY(bool selectable MEMBER selectable FINAL)
+    Q_PROPERTY(bool ticked MEMBER ticked FINAL)
+    Q_PROPERTY(bool pathShown MEMBER pathShown FINAL)
+    Q_PROPERTY(bool first MEMBER first FINAL)
+    Q_PROPERTY(bool last MEMBER last FINAL)
+
+public:
+    WardenLines::Kind kind = WardenLines::Kind::Finding;
+    /// The finding's id; empty for other lines.
+    QString id{};
+    /// The finding's or the heading's words, or the line of the log.
+    QString title{};
+    /// Of the finding, or of all that the section counts.
+    QString size{};
+    /// Behind a heading, what else holds for its section; under a finding, why clearing it would not help.
+    QString note{};
+    /// Of a heading's dot.
+    QColor tone{};
+    QString ages{};
+    QString what{};
+    QString regenerates{};
+    /// Shortened for reading.
+    QString path{};
+    bool selectable = false;
+    bool ticked = false;
+    /// The person has asked where it is.
+    bool pathShown = false;
+    /// At the top, or the bottom, of its card.
+    bool first = false;
+    bool last = false;
+
+    bool operator==(const WardenRow &) const = default;
+};
+
+} // namespace Quillbrook
