@@ -165,7 +165,13 @@ class Thing:
 
     def names(self, role=None):
         """The names of all below that have one, in reading order."""
-        return [name for name in (thing.name for thing in self.all(role)) if name]
+        found = []
+        for thing in self.all(role):
+            try:
+                found.append(thing.name)
+            except Gone:
+                continue
+        return [name for name in found if name]
 
     def outline(self):
         """The tree as text, for a person who reads why a test failed."""
