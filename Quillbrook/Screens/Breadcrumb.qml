@@ -12,8 +12,18 @@ RowLayout {
 
     spacing: Metrics.space12
 
-    ListView {
+    Flickable {
         id: list
+
+        // Not a ListView: that one creates what it shows in an order of its own, which would then be the order
+        // of the Tab key and of those who hear the screen.
+        function reveal(crumb: Item) {
+            contentX = Math.max(crumb.x + crumb.width - width, Math.min(contentX, crumb.x));
+        }
+
+        function showEnd() {
+            contentX = Math.max(0, contentWidth - width);
+        }
 
         Accessible.name: "Folders above"
         Accessible.role: Accessible.List
@@ -21,45 +31,54 @@ RowLayout {
         Layout.fillWidth: true
         boundsBehavior: Flickable.StopAtBounds
         clip: true
+        contentWidth: row.width
         interactive: contentWidth > width
-        model: root.crumbs
         objectName: "breadcrumb"
-        orientation: ListView.Horizontal
 
-        delegate: Row {
-            id: crumb
+        onContentWidthChanged: showEnd()
+        onWidthChanged: showEnd()
 
-            required property int index
-            required property bool last
-            required property string name
+        Row {
+            id: row
 
-            height: ListView.view.height
+            height: list.height
 
-            Symbol {
-                anchors.verticalCenter: parent.verticalCenter
-                color: Theme.label
-                height: Metrics.symbolTiny
-                name: "chevron.right"
-                visible: crumb.index > 0
-                width: Metrics.symbolTiny
-            }
+            Repeater {
+                model: root.crumbs
 
-            PushButton {
-                anchors.verticalCenter: parent.verticalCenter
-                font.pointSize: Metrics.bodyFont
-                font.weight: crumb.last ? Font.DemiBold : Font.Normal
-                inkColor: crumb.last ? Theme.strong : Theme.label
-                kind: PushButton.Link
-                text: crumb.name
-                width: Math.min(implicitWidth, Metrics.crumbWidth)
-                onActiveFocusChanged: if (activeFocus)
-                    list.positionViewAtIndex(crumb.index, ListView.Contain)
-                onClicked: root.crumbs.popTo(crumb.index)
+                delegate: Row {
+                    id: crumb
+
+                    required property int index
+                    required property bool last
+                    required property string name
+
+                    height: row.height
+
+                    Symbol {
+                        anchors.verticalCenter: parent.verticalCenter
+                        color: Theme.label
+                        height: Metrics.symbolTiny
+                        name: "chevron.right"
+                        visible: crumb.index > 0
+                        width: Metrics.symbolTiny
+                    }
+
+                    PushButton {
+                        anchors.verticalCenter: parent.verticalCenter
+                        font.pointSize: Metrics.bodyFont
+                        font.weight: crumb.last ? Font.DemiBold : Font.Normal
+                        inkColor: crumb.last ? Theme.strong : Theme.label
+                        kind: PushButton.Link
+                        text: crumb.name
+                        width: Math.min(implicitWidth, Metrics.crumbWidth)
+                        onActiveFocusChanged: if (activeFocus)
+                            list.reveal(crumb)
+                        onClicked: root.crumbs.popTo(crumb.index)
+                    }
+                }
             }
         }
-
-        onContentWidthChanged: positionViewAtEnd()
-        onWidthChanged: positionViewAtEnd()
     }
 
     BodyText {

@@ -51,7 +51,7 @@ ListRow {
 
         PushButton {
             Accessible.description: root.name
-            activeFocusOnTab: root.ListView.isCurrentItem
+            activeFocusOnTab: root.ListView.isCurrentItem || activeFocus
             text: "Show"
             onClicked: root.showRequested()
         }

@@ -5,8 +5,8 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Quillbrook
 
-// A list of files and folders, or the sentence of an empty one, with the selection bar below it. The list is
-// one stop of the Tab key; the arrow keys walk its rows.
+// A list of files and folders, or the sentence of an empty one, with the selection bar below it. The Tab key
+// stops at one row and at its button; the arrow keys walk the rows.
 ColumnLayout {
     id: root
 
@@ -17,8 +17,8 @@ ColumnLayout {
     spacing: Metrics.space12
 
     Component.onCompleted: {
-        list.currentIndex = list.count > 0 ? 0 : -1;
         table.shown = true;
+        list.startOver();
     }
     Component.onDestruction: table.shown = false
 
@@ -41,6 +41,12 @@ ColumnLayout {
             ListView {
                 id: list
 
+                // Asks the rows how many they are: the list may not know yet.
+                function startOver() {
+                    currentIndex = root.table.rows.rowCount() > 0 ? 0 : -1;
+                    positionViewAtBeginning();
+                }
+
                 // The ring shows on rows that the keyboard went to.
                 function step(rows: int) {
                     currentIndex = Math.max(0, Math.min(currentIndex + rows, count - 1));
@@ -60,7 +66,6 @@ ColumnLayout {
                         step(steps.get(event.key));
                 }
                 Keys.onUpPressed: step(-1)
-                activeFocusOnTab: true
                 anchors.fill: parent
                 anchors.margins: Metrics.space4
                 boundsBehavior: Flickable.StopAtBounds
@@ -73,8 +78,7 @@ ColumnLayout {
                 // Other rows are read from their beginning.
                 Connections {
                     function onModelReset() {
-                        list.currentIndex = list.count > 0 ? 0 : -1;
-                        list.positionViewAtBeginning();
+                        list.startOver();
                     }
 
                     target: root.table.rows
@@ -84,9 +88,12 @@ ColumnLayout {
                 }
 
                 delegate: NodeRow {
-                    activeFocusOnTab: false
+                    activeFocusOnTab: ListView.isCurrentItem || activeFocus
                     selected: index === root.table.selectedRow
                     width: ListView.view.width
+                    // The wheel may have taken it out of sight.
+                    onActiveFocusChanged: if (activeFocus)
+                        list.positionViewAtIndex(index, ListView.Contain)
                     onClicked: {
                         list.currentIndex = index;
                         root.table.select(index);

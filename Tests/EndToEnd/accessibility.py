@@ -164,14 +164,14 @@ class Thing:
         return waiting.until(wanted + " in the window", lambda: next(iter(self.all(role, name)), None), seconds)
 
     def names(self, role=None):
-        """The names of all below that have one, in reading order. What goes while it is asked has none."""
-        names = []
+        """The names of all below that have one, in reading order."""
+        found = []
         for thing in self.all(role):
             try:
-                names.append(thing.name)
+                found.append(thing.name)
             except Gone:
                 continue
-        return [name for name in names if name]
+        return [name for name in found if name]
 
     def outline(self):
         """The tree as text, for a person who reads why a test failed."""

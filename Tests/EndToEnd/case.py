@@ -7,11 +7,13 @@ import shutil
 import tempfile
 import unittest
 
+import accessibility
 import desktop
 import homes
 import processes
 import program
 import screenshot
+import waiting
 
 
 class Run:
@@ -65,6 +67,22 @@ class Case(unittest.TestCase):
         self._programs.append(started)
         self.addCleanup(self._end, started)
         return started
+
+    def becomes(self, question, expected, seconds=10.0):
+        """Waits until the question has that answer, and gives it back; fails with the difference."""
+        try:
+            return waiting.until("the answer", lambda: [answer] if (answer := self._answer(question)) == expected else None,
+                                 seconds)[0]
+        except waiting.Late:
+            self.assertEqual(self._answer(question), expected)
+            return expected
+
+    def _answer(self, question):
+        # What is asked about may be replaced in the middle of the question.
+        try:
+            return question()
+        except accessibility.Gone as gone:
+            return gone
 
     def helper(self, name):
         """A program or library built for these tests."""

@@ -78,8 +78,27 @@ class Program:
         row = self.window().one("list", "Screens").one("list item", pane)
         waiting.until(f"{pane} chosen", lambda: row.has(accessibility.SELECTED), seconds)
 
+    def open_pane(self, digit, pane):
+        """Chooses a screen by its keys."""
+        self.activate()
+        desktop.keys("ctrl+" + digit)
+        self.selected(pane)
+
+    def rows(self, table):
+        """The rows of a list of files that are on the screen, in reading order."""
+        return [name for found in self.window().all("list", table) for name in found.names("list item")]
+
+    def tab_to(self, reached, stops=40):
+        """Presses Tab until `reached` answers yes."""
+        for _ in range(stops):
+            if reached():
+                return
+            desktop.keys("Tab")
+        waiting.until(f"the right place within {stops} presses of Tab", reached, 5)
+
     def picture(self, desk):
-        return screenshot.crop(desk.picture(), *desktop.window_geometry(self.window_id()))
+        # What the window says of itself; the frame that a window manager puts around it is none of it.
+        return screenshot.crop(desk.picture(), *self.window().extents)
 
     def output(self):
         with open(self.log, encoding="utf-8", errors="replace") as log:

@@ -1,14 +1,18 @@
 """Scans a person has a hand in: stopped, asked for again, and across the window closed and opened."""
 
 import re
+import shutil
 
 import case
 import desktop
+import homes
 import made_home
 import waiting
 
 MEASURING = re.compile("(?i)^measuring ")
 FOLDERS = 2000
+KB = 1024
+MAP = "What's using space"
 
 
 class Scanning(case.Case):
@@ -17,6 +21,9 @@ class Scanning(case.Case):
         for index in range(FOLDERS):
             self.home.file(f"development/{index % 40:02}/{index:04}/file.txt", 1)
         return self.start(preload=[self.helper("slow_disk.so")], SLOW_DISK_MILLISECONDS=str(milliseconds))
+
+    def tiles(self, quillbrook):
+        return quillbrook.window().one("list", MAP).names("list item")
 
     def testALongScanTellsWhatItHasSeen(self):
         quillbrook = self.startOnASlowDisk()
@@ -35,15 +42,40 @@ class Scanning(case.Case):
             quillbrook.scanned(3)
         self.assertIn("Nothing scanned yet", quillbrook.words())
 
+    def testAfterAScanThatWasStoppedAnotherOneWorks(self):
+        quillbrook = self.startOnASlowDisk()
+        quillbrook.says(MEASURING)
+        quillbrook.press("Stop")
+        quillbrook.says("Nothing scanned yet")
+        # The long way is gone; what is left takes no time.
+        shutil.rmtree(self.home.path / "development")
+        self.home.file("go/module.zip", 200 * KB)
+        quillbrook.press("Rescan")
+        self.assertEqual(quillbrook.scanned()[0], 1)
+        quillbrook.open_pane("3", "Biggest files")
+        self.becomes(lambda: quillbrook.rows("Biggest files"), ["module.zip, 200 KB, ~/go/module.zip"])
+
     def testStoppingARescanKeepsTheOldResult(self):
+        self.home.file("report.pdf", 120 * KB)
         quillbrook = self.startOnASlowDisk(milliseconds=5)
         files, _ = quillbrook.scanned(120)
-        self.assertEqual(files, FOLDERS)
+        self.assertEqual(files, FOLDERS + 1)
+        self.home.file("report.pdf", 400 * KB)
         quillbrook.press("Rescan")
         quillbrook.says(MEASURING)
         quillbrook.press("Stop")
-        self.assertEqual(quillbrook.scanned(5)[0], FOLDERS)
+        self.assertEqual(quillbrook.scanned(5)[0], FOLDERS + 1)
         self.assertFalse(any(map(MEASURING.match, quillbrook.words())))
+        quillbrook.open_pane("3", "Biggest files")
+        self.becomes(lambda: quillbrook.rows("Biggest files")[:1], ["report.pdf, 120 KB, ~/report.pdf"])
+        # The map has left its folder when the scan began.
+        quillbrook.open_pane("2", MAP)
+        self.becomes(lambda: (self.tiles(quillbrook), quillbrook.window().one("list", MAP).description),
+                     ([], "Scan this Mac to see what is using it."))
+        shutil.rmtree(self.home.path / "development")
+        quillbrook.press("Rescan")
+        self.becomes(lambda: self.tiles(quillbrook), ["report.pdf, 400 KB"])
+        self.assertEqual(quillbrook.scanned()[0], 1)
 
     def testDuringAScanTheSidebarChoosesAndTheScanStaysOnTheScreen(self):
         quillbrook = self.startOnASlowDisk()
@@ -61,8 +93,15 @@ class Scanning(case.Case):
         self.assertEqual(quillbrook.scanned()[0], made_home.FILE_COUNT)
         self.home.file("go/new.bin", 2_000_000)
         self.home.file("go/newer.bin", 1_000_000)
+        (self.home.path / "report.pdf").unlink()
         quillbrook.press("Rescan")
-        waiting.until("the new files counted", lambda: quillbrook.scanned()[0] == made_home.FILE_COUNT + 2)
+        waiting.until("the new files counted", lambda: quillbrook.scanned()[0] == made_home.FILE_COUNT + 1)
+        quillbrook.open_pane("4", "Find a file")
+        for text, expected in (("new", ["go/new.bin", "go/newer.bin"]), ("report", [])):
+            desktop.keys("ctrl+a", "BackSpace")
+            desktop.type_text(text)
+            self.becomes(lambda: quillbrook.rows("Found"), [
+                f"{name[3:]}, {homes.in_words(self.home.allocated(name))}, ~/{name}" for name in expected])
 
     def testAClosedWindowOpensAgain(self):
         made_home.fill(self.home)
@@ -71,8 +110,11 @@ class Scanning(case.Case):
         desktop.close_window(first.window_id())
         waiting.until("the end of the program", lambda: not first.running)
         self.assertEqual(first.process.returncode, 0, first.output())
+        self.home.file("go/new.bin", 200 * KB)
         again = self.start()
-        self.assertEqual(again.scanned()[0], made_home.FILE_COUNT)
+        self.assertEqual(again.scanned()[0], made_home.FILE_COUNT + 1)
+        again.open_pane("2", MAP)
+        again.window().one("list", MAP).one("list item", "new.bin, 200 KB")
 
     def testEndingInTheMiddleOfAScanIsClean(self):
         quillbrook = self.startOnASlowDisk()

@@ -4,12 +4,20 @@ import os
 import unittest
 
 import case
+import desktop
+import homes
 import made_home
 
 EXPECTED_FILES = "Quillbrook.lastFileCount"
+KB = 1024
 
 
 class Surroundings(case.Case):
+    def map(self, quillbrook):
+        """What the map shows, once it is on the screen."""
+        quillbrook.open_pane("2", "What's using space")
+        return sorted(quillbrook.window().one("list", "What's using space").names("list item"))
+
     def testTheNumberOfFilesIsRememberedForTheNextProgress(self):
         made_home.fill(self.home)
         self.start().scanned()
@@ -35,12 +43,25 @@ class Surroundings(case.Case):
         self.assertEqual(quillbrook.scanned()[0], made_home.FILE_COUNT)
 
     @unittest.skipIf(os.getuid() == 0, "root may read everything")
+    def testSettingsThatCannotBeReadAreDefaults(self):
+        made_home.fill(self.home)
+        self.home.settings.parent.mkdir()
+        self.home.settings.write_text(f"[General]\n{EXPECTED_FILES}=5\n", encoding="utf-8")
+        self.home.settings.chmod(0)
+        self.assertEqual(self.start().scanned()[0], made_home.FILE_COUNT)
+
+    @unittest.skipIf(os.getuid() == 0, "root may read everything")
     def testAHomeThatCannotBeReadIsAnEmptyScan(self):
         made_home.fill(self.home)
         self.home.path.chmod(0)
         self.addCleanup(self.home.path.chmod, 0o755)
         quillbrook = self.start()
         self.assertEqual(quillbrook.scanned()[0], 0)
+        quillbrook.open_pane("3", "Biggest files")
+        quillbrook.says("No files found.")
+        self.home.path.chmod(0o755)
+        quillbrook.press("Rescan")
+        self.becomes(lambda: quillbrook.scanned()[0], made_home.FILE_COUNT)
 
     @unittest.skipIf(os.getuid() == 0, "root may read everything")
     def testAFolderThatCannotBeReadIsLeftOut(self):
@@ -55,6 +76,21 @@ class Surroundings(case.Case):
         self.home.path.rmdir()
         quillbrook = self.start()
         self.assertEqual(quillbrook.scanned()[0], 0)
+        self.assertEqual(self.map(quillbrook), [])
+        self.home.file("go/module.zip", 200 * KB)
+        quillbrook.press("Rescan")
+        self.becomes(lambda: self.map(quillbrook), ["go, 200 KB", "module.zip, 200 KB"])
+
+    def testAnEmptyHomeHasAMapWithoutTilesAndListsWithoutRows(self):
+        quillbrook = self.start()
+        self.assertEqual(quillbrook.scanned()[0], 0)
+        self.assertEqual(self.map(quillbrook), [])
+        quillbrook.press(str(self.home.path))
+        quillbrook.open_pane("3", "Biggest files")
+        quillbrook.says("No files found.")
+        quillbrook.open_pane("4", "Find a file")
+        desktop.type_text("anything")
+        quillbrook.says("No files found.")
 
     def testAHomeThatIsAFileIsAnEmptyScan(self):
         self.home.path.rmdir()
@@ -62,11 +98,49 @@ class Surroundings(case.Case):
         self.assertEqual(self.start().scanned()[0], 0)
 
     def testAHomeBehindALinkIsMeasured(self):
-        made_home.fill(self.home)
+        self.home.file("go/module.zip", 200 * KB)
         real = self.home.path.with_name("elsewhere")
         self.home.path.rename(real)
         self.home.path.symlink_to(real)
-        self.assertEqual(self.start().scanned()[0], made_home.FILE_COUNT)
+        quillbrook = self.start()
+        self.assertEqual(quillbrook.scanned()[0], 1)
+        self.becomes(lambda: self.map(quillbrook), ["go, 200 KB", "module.zip, 200 KB"])
+        quillbrook.says(str(self.home.path))
+
+    def testAHomeThatIsALinkToItselfIsAnEmptyScan(self):
+        self.home.path.rmdir()
+        self.home.path.symlink_to(self.home.path)
+        quillbrook = self.start()
+        self.assertEqual(quillbrook.scanned()[0], 0)
+        self.assertEqual(self.map(quillbrook), [])
+
+    def testTheAccountsHomeIsMeasuredWhateverTheEnvironmentSays(self):
+        self.home.file("go/module.zip", 200 * KB)
+        other = homes.Home(self.folder / "other", "bob")
+        other.file("development/large.bin", 400 * KB)
+        other.file("development/small.bin", 40 * KB)
+        quillbrook = self.start(HOME=str(other.path))
+        self.assertEqual(quillbrook.scanned()[0], 1)
+        self.becomes(lambda: self.map(quillbrook), ["go, 200 KB", "module.zip, 200 KB"])
+        quillbrook.says(str(self.home.path))
+        quillbrook.open_pane("3", "Biggest files")
+        self.becomes(lambda: quillbrook.rows("Biggest files"), ["module.zip, 200 KB, ~/go/module.zip"])
+
+    def testWithoutAnAccountTheEnvironmentNamesTheHome(self):
+        self.home.file("go/module.zip", 200 * KB)
+        nobody = self.folder / "nobody"
+        nobody.write_text("someone:x:4242:4242:Another user:/nowhere:/bin/sh\n", encoding="utf-8")
+        quillbrook = self.start(NSS_WRAPPER_PASSWD=str(nobody))
+        self.assertEqual(quillbrook.scanned()[0], 1)
+        self.becomes(lambda: self.map(quillbrook), ["go, 200 KB", "module.zip, 200 KB"])
+
+    def testAHomeWithAnOddNameIsMeasured(self):
+        home = self.home = homes.Home(self.folder / "odd", "Änn, 100% \"two\"")
+        home.file("go/module.zip", 200 * KB)
+        quillbrook = self.start()
+        self.assertEqual(quillbrook.scanned()[0], 1)
+        self.becomes(lambda: self.map(quillbrook), ["go, 200 KB", "module.zip, 200 KB"])
+        quillbrook.says(str(home.path))
 
     def testWithoutASessionBusTheProgramScans(self):
         made_home.fill(self.home)

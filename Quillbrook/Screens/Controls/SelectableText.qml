@@ -10,7 +10,7 @@ TextInput {
 
     required property string fullText
     // What the whole text takes up.
-    readonly property real naturalWidth: Math.ceil(whole.advanceWidth) + 1
+    readonly property real naturalWidth: Math.ceil(whole.implicitWidth) + 1
 
     Accessible.name: fullText
     Accessible.readOnly: true
@@ -26,16 +26,21 @@ TextInput {
     selectByMouse: true
     selectedTextColor: Theme.surface
     selectionColor: Theme.accent
-    text: activeFocus ? fullText : elided.elidedText
+    text: activeFocus || width >= naturalWidth ? fullText : elided.elidedText
     verticalAlignment: TextInput.AlignVCenter
 
     onActiveFocusChanged: activeFocus ? selectAll() : deselect()
 
-    TextMetrics {
+    // Not a TextMetrics: with hinted fonts that adds up widths of letters other than those that are drawn.
+    Text {
         id: whole
 
+        Accessible.ignored: true
         font: root.font
+        renderType: Text.NativeRendering
         text: root.fullText
+        textFormat: Text.PlainText
+        visible: false
     }
 
     TextMetrics {

@@ -3,7 +3,8 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quillbrook
 
-// Words with a symbol before them where there is one, centred in whatever room they get.
+// Words with a symbol before them where there is one, centred in whatever room they get. Words too long for it
+// are elided in the middle.
 Item {
     id: root
 
@@ -12,8 +13,11 @@ Item {
     property alias symbol: picture.name
     property alias text: words.text
 
+    readonly property real symbolRoom: symbol === "" ? 0 : picture.width + row.spacing
+
     implicitHeight: row.implicitHeight
-    implicitWidth: row.implicitWidth
+    // In whole pixels, or rounding would take from the words what they need to be shown whole.
+    implicitWidth: Math.ceil(words.implicitWidth) + symbolRoom
 
     Row {
         id: row
@@ -34,6 +38,8 @@ Item {
 
             Accessible.ignored: true
             anchors.verticalCenter: parent.verticalCenter
+            elide: Text.ElideMiddle
+            width: Math.min(Math.ceil(implicitWidth), root.width - root.symbolRoom)
         }
     }
 }
