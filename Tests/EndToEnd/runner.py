@@ -28,7 +28,8 @@ def supervise(arguments):
         folder.chmod(0o755)
         suites, helpers, program, before = HERE, arguments.helpers.resolve(), arguments.program.resolve(), []
         if os.getuid() == 0:
-            suites = shutil.copytree(HERE, folder / "suites", ignore=shutil.ignore_patterns("__pycache__"))
+            tests = shutil.copytree(HERE.parent, folder / "tests", ignore=shutil.ignore_patterns("__pycache__"))
+            suites = tests / HERE.name
             helpers = shutil.copytree(helpers, folder / "helpers")
             program = shutil.copy2(program, folder / "quillbrook")
             os.chown(work, ORDINARY_USER, ORDINARY_USER)
