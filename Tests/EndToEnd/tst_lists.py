@@ -60,7 +60,7 @@ class Lists(case.Case):
 
     def labelled(self, name):
         """A row's words, from what the disk says the file or folder takes."""
-        shown = os.fsdecode(name).encode("utf-8", "surrogateescape").decode("utf-8", "replace")
+        shown = os.fsdecode(name).encode("utf-8", "surrogateescape").decode("utf-8", "replace").replace("\n", " ")
         return f"{os.path.basename(shown)}, {homes.in_words(self.home.allocated(os.fsdecode(name)))}, ~/{shown}"
 
     def uri(self, name):
@@ -153,6 +153,11 @@ class Biggest(Lists):
             self.home.file(name, (len(ODD_NAMES) - index) * 40 * KB)
         self.biggest()
         self.becomes(self.rowNames, [self.labelled(name) for name in ODD_NAMES])
+        for row in self.rows():
+            _, top, _, height = row.extents
+            for part in row.all("label"):
+                _, y, _, tall = part.extents
+                self.assertTrue(top <= y and y + tall <= top + height, f"{part!r} reaches out of its row")
         for position, name in enumerate(ODD_NAMES):
             self.row(name).one("push button", "Show").act("Press")
             self.assertEqual(manager.shown(position + 1)[position], ("ShowItems", [self.uri(name)]))
