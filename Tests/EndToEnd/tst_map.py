@@ -192,6 +192,10 @@ class Map(case.Case):
         desktop.click(*self.tile("development/atlas/scene.glb").centre)
         self.becomes(self.barWords, ["scene.glb", "400 KB", "~/development/atlas/scene.glb", "Show in Finder",
                                      "Clear selection"])
+        # Also the first selection of all has room for its words.
+        for part in quillbrook.window().one("panel", "scene.glb").all("label"):
+            _, _, width, height = part.extents
+            self.assertGreater(width, 2 * height, part)
         quillbrook.press("Show in Finder")
         path = self.home.path / "development/atlas/scene.glb"
         self.assertEqual(manager.shown(1), [("ShowItems", [path.as_uri()])])
