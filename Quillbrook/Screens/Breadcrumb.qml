@@ -18,7 +18,8 @@ RowLayout {
         // Not a ListView: that one creates what it shows in an order of its own, which would then be the order
         // of the Tab key and of those who hear the screen.
         function reveal(crumb: Item) {
-            contentX = Math.max(crumb.x + crumb.width - width, Math.min(contentX, crumb.x));
+            const end = crumb.x + crumb.width + row.rightPadding;
+            contentX = Math.max(end - width, Math.min(contentX, crumb.x - row.leftPadding));
         }
 
         function showEnd() {
@@ -29,6 +30,7 @@ RowLayout {
         Accessible.role: Accessible.List
         Layout.fillHeight: true
         Layout.fillWidth: true
+        Layout.leftMargin: -row.leftPadding
         boundsBehavior: Flickable.StopAtBounds
         clip: true
         contentWidth: row.width
@@ -42,6 +44,9 @@ RowLayout {
             id: row
 
             height: list.height
+            // Room for the ring of the first and of the last.
+            leftPadding: Metrics.space4
+            rightPadding: Metrics.space4
 
             Repeater {
                 model: root.crumbs

@@ -1,6 +1,7 @@
 #include "Screens/BreadcrumbModel.h"
 
 #include "Core/AppModel.h"
+#include "Screens/SingleLine.h"
 
 namespace Quillbrook {
 
@@ -30,7 +31,7 @@ QVariant BreadcrumbModel::data(const QModelIndex &index, int role) const
         return {};
     switch (Role(role)) {
     case Role::name:
-        return m_names.at(index.row());
+        return singleLine(m_names.at(index.row()));
     case Role::last:
         return index.row() == m_names.size() - 1;
     }

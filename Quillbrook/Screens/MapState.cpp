@@ -3,6 +3,7 @@
 #include "Core/AppModel.h"
 #include "Platform/HomeFolder.h"
 #include "Scan/Format.h"
+#include "Screens/SingleLine.h"
 
 #include <algorithm>
 
@@ -265,7 +266,7 @@ bool MapState::tooltipVisible() const
 QString MapState::tooltipName() const
 {
     const auto *tile = hoveredTile();
-    return tile ? tile->name : QString();
+    return tile ? singleLine(tile->name) : QString();
 }
 
 QString MapState::tooltipSize() const
@@ -277,7 +278,10 @@ QString MapState::tooltipSize() const
 QString MapState::tooltipPath() const
 {
     const auto *tile = hoveredTile();
-    return tile ? Format::friendlyPath(tile->path, m_model.services().kit.home.homeDirectory()) : QString();
+    if (!tile)
+        return {};
+    const auto home = m_model.services().kit.home.homeDirectory();
+    return singleLine(Format::friendlyPath(tile->path, home));
 }
 
 QPointF MapState::tooltipPosition() const

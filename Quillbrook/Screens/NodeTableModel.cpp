@@ -1,6 +1,7 @@
 #include "Screens/NodeTableModel.h"
 
 #include "Scan/Format.h"
+#include "Screens/SingleLine.h"
 
 namespace Quillbrook {
 
@@ -26,11 +27,11 @@ QVariant NodeTableModel::data(const QModelIndex &index, int role) const
     const auto &row = m_rows.at(index.row());
     switch (Role(role)) {
     case Role::name:
-        return row.name;
+        return singleLine(row.name);
     case Role::size:
         return Format::bytes(row.bytes);
     case Role::path:
-        return Format::friendlyPath(row.path, m_home);
+        return singleLine(Format::friendlyPath(row.path, m_home));
     }
     return {};
 }

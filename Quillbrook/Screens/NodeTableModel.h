@@ -18,9 +18,10 @@ class NodeTableModel : public QAbstractListModel
 
 public:
     enum class Role {
+        /// As one line.
         name = Qt::UserRole,
         size,
-        /// Shortened for reading.
+        /// Shortened for reading, as one line.
         path,
     };
 

@@ -30,48 +30,59 @@ Card {
             Layout.fillWidth: true
             spacing: 0
 
-            RowLayout {
-                spacing: Metrics.space12
+            // Not layouts: those of Qt 6.4 gave the first name that was ever selected no room.
+            Item {
+                id: nameLine
+
+                Layout.fillWidth: true
+                implicitHeight: size.implicitHeight
 
                 SelectableText {
-                    Layout.fillWidth: true
-                    Layout.maximumWidth: naturalWidth
-                    Layout.preferredWidth: naturalWidth
+                    id: name
+
                     activeFocusOnTab: false
+                    anchors.verticalCenter: parent.verticalCenter
                     color: Theme.strong
                     font.pointSize: Metrics.bodyFont
                     font.weight: Font.DemiBold
                     fullText: root.selection.name
+                    width: Math.min(naturalWidth, nameLine.width - Metrics.space12 - size.width)
                 }
 
                 BodyText {
+                    id: size
+
+                    anchors.left: name.right
+                    anchors.leftMargin: Metrics.space12
+                    anchors.verticalCenter: parent.verticalCenter
                     color: Theme.accent
                     semibold: true
                     text: root.selection.size
                 }
-
-                Item {
-                    Layout.fillWidth: true
-                }
             }
 
-            RowLayout {
-                spacing: Metrics.space4
+            Item {
+                id: pathLine
+
+                Layout.fillWidth: true
+                implicitHeight: path.implicitHeight
 
                 SelectableText {
-                    Layout.fillWidth: true
-                    Layout.maximumWidth: naturalWidth
-                    Layout.preferredWidth: naturalWidth
+                    id: path
+
+                    anchors.verticalCenter: parent.verticalCenter
                     fullText: root.selection.path
+                    width: Math.min(naturalWidth, pathLine.width - items.anchors.leftMargin - items.width)
                 }
 
                 CaptionText {
-                    text: "· " + root.selection.items
-                    visible: root.selection.items !== ""
-                }
+                    id: items
 
-                Item {
-                    Layout.fillWidth: true
+                    anchors.left: path.right
+                    anchors.leftMargin: Metrics.space4
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: root.selection.items === "" ? "" : "· " + root.selection.items
+                    visible: text !== ""
                 }
             }
         }

@@ -4,6 +4,7 @@
 #include "Platform/FileRevealer.h"
 #include "Platform/HomeFolder.h"
 #include "Scan/Format.h"
+#include "Screens/SingleLine.h"
 
 #include <QCoroFuture>
 #include <QPointer>
@@ -80,7 +81,7 @@ QString SelectionBarState::symbol() const
 
 QString SelectionBarState::name() const
 {
-    return present() ? m_model.selection()->name : QString();
+    return present() ? singleLine(m_model.selection()->name) : QString();
 }
 
 QString SelectionBarState::size() const
@@ -90,9 +91,10 @@ QString SelectionBarState::size() const
 
 QString SelectionBarState::path() const
 {
-    return present()
-        ? Format::friendlyPath(m_model.selection()->path, m_model.services().kit.home.homeDirectory())
-        : QString();
+    if (!present())
+        return {};
+    const auto home = m_model.services().kit.home.homeDirectory();
+    return singleLine(Format::friendlyPath(m_model.selection()->path, home));
 }
 
 bool SelectionBarState::canOpen() const

@@ -2,6 +2,7 @@
 
 #include "Core/Pane.h"
 #include "Scan/Format.h"
+#include "Screens/SingleLine.h"
 #include "Screens/TreemapItem.h"
 
 #include <QAccessible>
@@ -80,7 +81,7 @@ QString TileInterface::text(QAccessible::Text text) const
         return {};
     switch (text) {
     case QAccessible::Name:
-        return QStringLiteral("%1, %2").arg(tile().name, Format::bytes(tile().bytes));
+        return QStringLiteral("%1, %2").arg(singleLine(tile().name), Format::bytes(tile().bytes));
     case QAccessible::Description:
         return tile().path;
     default:

@@ -8,7 +8,10 @@ import case
 import desktop
 import file_manager
 import homes
+import screenshot
 
+# The colour of rings, as red, green and blue.
+ACCENT = bytes((42, 79, 191))
 KB = 1024
 BLOCK = 4 * KB
 # Not UTF-8, on two lines, with what a URI writes in another way, and the replacement of a byte that is no letter.
@@ -60,7 +63,7 @@ class Lists(case.Case):
 
     def labelled(self, name):
         """A row's words, from what the disk says the file or folder takes."""
-        shown = os.fsdecode(name).encode("utf-8", "surrogateescape").decode("utf-8", "replace")
+        shown = os.fsdecode(name).encode("utf-8", "surrogateescape").decode("utf-8", "replace").replace("\n", " ")
         return f"{os.path.basename(shown)}, {homes.in_words(self.home.allocated(os.fsdecode(name)))}, ~/{shown}"
 
     def uri(self, name):
@@ -73,6 +76,17 @@ class Lists(case.Case):
 
     def focusedRow(self):
         return [row.name for row in self.rows() if row.has(accessibility.FOCUSED)]
+
+    def ringed(self):
+        """The rows with a ring around them, by the colour at their left edge."""
+        picture = case.Run.desktop.picture()
+        found = []
+        for row in self.rows():
+            x, y, _, height = row.extents
+            _, _, lines = screenshot.crop(picture, x, y, 4, height)
+            if sum(ACCENT in (line[index:index + 3] for index in range(0, len(line), 3)) for line in lines) > height // 2:
+                found.append(row.name)
+        return found
 
     def bar(self):
         """What the bar of the selection says and offers."""
@@ -123,8 +137,10 @@ class Biggest(Lists):
             self.home.file(name, size)
         quillbrook = self.biggest()
         quillbrook.tab_to(lambda: self.focusedRow() == [self.labelled("go/a.bin")])
+        self.becomes(self.ringed, [self.labelled("go/a.bin")])
         desktop.keys("Down", "Down", "Up")
         self.becomes(self.focusedRow, [self.labelled("go/b.bin")])
+        self.becomes(self.ringed, [self.labelled("go/b.bin")])
         desktop.keys("Return")
         self.becomes(self.bar, ["b.bin", "200 KB", "~/go/b.bin", "Show in Finder", "Clear selection"])
         desktop.keys("Tab")
@@ -142,6 +158,8 @@ class Biggest(Lists):
         desktop.click(x + width // 3, y + height // 2)
         self.becomes(lambda: [row.has(accessibility.SELECTED) for row in self.rows()], [False, True])
         self.assertEqual(self.bar()[:3], ["b.bin", "200 KB", "~/go/b.bin"])
+        # The ring is for the keyboard.
+        self.assertEqual(self.ringed(), [])
         desktop.click(*self.row("go/a.bin").one("push button", "Show").centre)
         self.assertEqual(manager.shown(1), [("ShowItems", [self.uri("go/a.bin")])])
         # Showing a row leaves the selection where it is.
@@ -153,6 +171,11 @@ class Biggest(Lists):
             self.home.file(name, (len(ODD_NAMES) - index) * 40 * KB)
         self.biggest()
         self.becomes(self.rowNames, [self.labelled(name) for name in ODD_NAMES])
+        for row in self.rows():
+            _, top, _, height = row.extents
+            for part in row.all("label"):
+                _, y, _, tall = part.extents
+                self.assertTrue(top <= y and y + tall <= top + height, f"{part!r} reaches out of its row")
         for position, name in enumerate(ODD_NAMES):
             self.row(name).one("push button", "Show").act("Press")
             self.assertEqual(manager.shown(position + 1)[position], ("ShowItems", [self.uri(name)]))

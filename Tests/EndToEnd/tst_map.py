@@ -66,6 +66,10 @@ class Map(case.Case):
     def focused(self):
         return [tile.name for tile in self.tiles() if tile.has(accessibility.FOCUSED)]
 
+    def focusedCrumbs(self):
+        crumbs = self.quillbrook.window().one("list", "Folders above").all("push button")
+        return [crumb.name for crumb in crumbs if crumb.has(accessibility.FOCUSED)]
+
     def titleOf(self, folder):
         """A point on a top folder's tile that none of its contents covers."""
         x, y, _, _ = self.tile(folder).extents
@@ -159,6 +163,22 @@ class Map(case.Case):
         # It stands on the folder it came out of.
         self.becomes(self.focused, [folder])
 
+    def testTheBreadcrumbIsWalkedInReadingOrderAndGoesBack(self):
+        quillbrook = self.openOnFiles()
+        self.tile("development").act("Press")
+        self.becomes(self.crumbs, [str(self.home.path), "development"])
+        self.tile("development/atlas").act("Press")
+        way = [str(self.home.path), "development", "atlas"]
+        self.becomes(self.crumbs, way)
+        quillbrook.tab_to(lambda: self.focusedCrumbs() == way[:1])
+        for crumb in way[1:]:
+            desktop.keys("Tab")
+            self.becomes(self.focusedCrumbs, [crumb])
+        desktop.keys("shift+Tab")
+        self.becomes(self.focusedCrumbs, ["development"])
+        desktop.keys("Return")
+        self.becomes(self.crumbs, way[:2])
+
     def testAScreenReaderPressesATile(self):
         self.openOnFiles()
         self.tile("development").act("Press")
@@ -172,6 +192,10 @@ class Map(case.Case):
         desktop.click(*self.tile("development/atlas/scene.glb").centre)
         self.becomes(self.barWords, ["scene.glb", "400 KB", "~/development/atlas/scene.glb", "Show in Finder",
                                      "Clear selection"])
+        # Also the first selection of all has room for its words.
+        for part in quillbrook.window().one("panel", "scene.glb").all("label"):
+            _, _, width, height = part.extents
+            self.assertGreater(width, 2 * height, part)
         quillbrook.press("Show in Finder")
         path = self.home.path / "development/atlas/scene.glb"
         self.assertEqual(manager.shown(1), [("ShowItems", [path.as_uri()])])

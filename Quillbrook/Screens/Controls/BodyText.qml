@@ -16,6 +16,8 @@ Text {
     elide: Text.ElideRight
     font.pointSize: Metrics.bodyFont
     font.weight: semibold ? Font.DemiBold : Font.Normal
+    // Also a name in letters that are written from right to left stays where its column begins.
+    horizontalAlignment: Text.AlignLeft
     renderType: Text.NativeRendering
     textFormat: Text.PlainText
     verticalAlignment: Text.AlignVCenter

@@ -45,7 +45,8 @@ T.ItemDelegate {
         FocusRing {
             gap: -border.width
             innerRadius: root.radius
-            shown: root.visualFocus
+            // Not `visualFocus`: a list passes the keyboard on from row to row for no reason that counts there.
+            shown: root.activeFocus && root.focusReason !== Qt.MouseFocusReason
         }
     }
 }

@@ -21,6 +21,7 @@ TextInput {
     clip: true
     color: Theme.label
     font.pointSize: Metrics.captionFont
+    horizontalAlignment: TextInput.AlignLeft
     readOnly: true
     renderType: TextInput.NativeRendering
     selectByMouse: true
