@@ -34,16 +34,16 @@ public:
     /// refused, and so is everything on a volume that can have no trash.
     [[nodiscard]] virtual std::expected<std::string, QString> move(const std::string &path) = 0;
 
-    /// Moves a thing of the Trash back to `originalPath` and drops its note. The folder to put it in has to
-    /// be there; what lies at `originalPath` by now is never replaced, but an error.
+    /// Moves a thing of the Trash back to `originalPath` and drops its note. Folders on the way that are gone
+    /// are made again; what lies at `originalPath` by now is never replaced, but an error.
     [[nodiscard]] virtual std::expected<void, QString> restore(
         const std::string &trashPath, const std::string &originalPath)
         = 0;
 
     /// Deletes a thing of the Trash for good, together with its note. It is out of the Trash before its first
     /// file goes, so that no half of it can be put back. On an error either all of it is still in the Trash
-    /// with its note, or what could not be deleted lies among the leftovers that `items` lists. A path that
-    /// is not directly in a trash, or among its leftovers, is refused.
+    /// with its note, or what could not be deleted is left, mostly among the leftovers that `items` lists. A
+    /// path that is not directly in a trash, or among its leftovers, is refused.
     [[nodiscard]] virtual std::expected<void, QString> erase(const std::string &trashPath) = 0;
 
     /// Whether `path` is a trash of this user, or lies anywhere in one. Told by where trashes are kept, also

@@ -26,9 +26,9 @@ struct HostGuards
     std::vector<Guard> guards{};
     /// Where homes lie below what is a system root elsewhere.
     bool sparesHomeFromSystemRoots = false;
-    /// Where `path`, as it was given, leads without the links on the way to it; its own last component is not
-    /// followed. The same path where nothing is there, empty where it can't be told. Called for the home
-    /// folder too. Both what was given and the answer have to pass.
+    /// Where `path`, as it was given, leads without the links on the way to it; its own last component is
+    /// followed only where it is "." or "..". The same path where nothing is there, empty where it can't be
+    /// told. Both what was given and the answer have to pass.
     std::function<std::string(const std::string &path)> withoutLinks{};
 };
 

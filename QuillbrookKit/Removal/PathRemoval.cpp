@@ -70,7 +70,7 @@ std::optional<QString> refusal(const std::string &path, const std::string &home,
     if (host == nullptr || !host->withoutLinks || !given.starts_with('/'))
         return answerForHomes(given, homes, host);
 
-    if (const auto resolvedHome = standardisedPath(host->withoutLinks(standardisedHome), {});
+    if (const auto resolvedHome = standardisedPath(host->withoutLinks(standardisedHome + "/."), {});
         !resolvedHome.empty() && resolvedHome != standardisedHome)
         homes.push_back(resolvedHome);
     if (auto sentence = answerForHomes(given, homes, host))

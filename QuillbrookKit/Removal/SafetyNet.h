@@ -16,10 +16,7 @@ struct SafetyNet
 
     bool operator==(const SafetyNet &) const = default;
 
-    [[nodiscard]] bool isUnprotected() const
-    {
-        return !hasTimeMachineDestination && localSnapshotCount == 0;
-    }
+    [[nodiscard]] bool isUnprotected() const { return !hasTimeMachineDestination && localSnapshotCount == 0; }
 
     /// What tmutil says; where there is no such tool, what `probe` says. Without an answer there is no
     /// protection. Takes as long as the tool's two runs or the probe's look, all of which are bounded; not

@@ -1,14 +1,16 @@
 #include "Platform/Linux/BackupSettings.h"
 
-#include <nlohmann/json.hpp>
-#include <sqlite3.h>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <sqlite3.h>
 
 namespace Quillbrook::BackupSettings {
 
+using namespace Qt::StringLiterals;
 using Json = nlohmann::json;
 
 namespace {
@@ -56,9 +58,9 @@ bool takesIn(const Json &settings, const std::string &folder)
         && std::ranges::any_of(*rules, [&](const Json &rule) { return rule == "+ " + folder + "/**"; });
 }
 
-bool isBackupProgram(const QByteArray &word)
+bool isBackupProgram(const QString &word)
 {
-    const auto path = word.trimmed().toStdString();
+    const auto path = word.toStdString();
     return std::ranges::find(backupPrograms, std::string_view(path).substr(path.find_last_of('/') + 1))
         != backupPrograms.end();
 }
@@ -108,13 +110,15 @@ bool vortaHasRepositories(QByteArray database)
     const std::unique_ptr<sqlite3, int (*)(sqlite3 *)> connection(opened, sqlite3_close);
     if (result != SQLITE_OK)
         return false;
-    sqlite3_progress_handler(opened, enoughSteps, [](void *) { return 1; }, nullptr);
+    // What a file says about views and functions is not trusted.
+    sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_progress_handler(
+        opened, enoughSteps, [](void *) { return 1; }, nullptr);
     sqlite3_stmt *prepared = nullptr;
     if (sqlite3_deserialize(opened, "main", reinterpret_cast<unsigned char *>(database.data()),
             database.size(), database.size(), SQLITE_DESERIALIZE_READONLY)
             != SQLITE_OK
-        || sqlite3_prepare_v2(opened, "SELECT 1 FROM repomodel LIMIT 1", -1, &prepared, nullptr)
-            != SQLITE_OK)
+        || sqlite3_prepare_v2(opened, "SELECT 1 FROM repomodel LIMIT 1", -1, &prepared, nullptr) != SQLITE_OK)
         return false;
     const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)> statement(prepared, sqlite3_finalize);
     return sqlite3_step(prepared) == SQLITE_ROW;
@@ -143,17 +147,12 @@ Timeshift timeshift(QByteArrayView json, const std::string &home)
 
 bool startsBackup(const QByteArray &unit)
 {
-    for (const auto &line : unit.split('\n')) {
-        auto command = valueOf(line, "ExecStart");
-        // A script between quotes is words too, and what stands before the program says how it is started.
-        for (auto &letter : command)
-            if (std::string_view("'\";|&()-@:+!").contains(letter) && (letter != '-' || &letter == command.data()))
-                letter = ' ';
-        const auto words = command.simplified().split(' ');
-        if (std::ranges::any_of(words, isBackupProgram))
-            return true;
-    }
-    return false;
+    // A script between quotes is words too, and signs before the program say how it is started.
+    static const QRegularExpression separators(u"[\\s'\"`;|&()@:+!]+"_s);
+    return std::ranges::any_of(unit.split('\n'), [](const QByteArray &line) {
+        const auto command = QString::fromUtf8(valueOf(line, "ExecStart"));
+        return std::ranges::any_of(command.split(separators), isBackupProgram);
+    });
 }
 
 std::string serviceOf(std::string_view timer)

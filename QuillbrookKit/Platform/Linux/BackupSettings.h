@@ -41,7 +41,8 @@ struct Timeshift
 
 /// Whether a systemd service, in the text of its unit, starts a program that backs up.
 [[nodiscard]] bool startsBackup(const QByteArray &unit);
-/// "NAME.service" for "NAME.timer", and "NAME@.service" for "NAME@INSTANCE.timer"; empty for what is no timer.
+/// "NAME.service" for "NAME.timer", and "NAME@.service" for "NAME@INSTANCE.timer"; empty for what is no
+/// timer.
 [[nodiscard]] std::string serviceOf(std::string_view timer);
 
 } // namespace Quillbrook::BackupSettings

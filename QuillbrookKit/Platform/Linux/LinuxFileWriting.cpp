@@ -1,9 +1,8 @@
 #include "Platform/Linux/LinuxFileWriting.h"
 
 #include "Platform/Linux/FileDescriptor.h"
+#include "Platform/Linux/LinuxErrorText.h"
 #include "Platform/SpaceReserve.h"
-
-#include <QtGlobal>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -30,7 +29,7 @@ std::expected<void, QString> answer(int error)
 {
     if (error == 0)
         return {};
-    return std::unexpected(qt_error_string(error));
+    return std::unexpected(LinuxErrorText::sentence(error));
 }
 
 std::string parentOf(const std::string &path)
@@ -146,11 +145,6 @@ int replaceOnce(const std::string &path, QByteArrayView content)
     return error;
 }
 
-bool isForWantOfSpace(int error)
-{
-    return error == ENOSPC || error == EDQUOT;
-}
-
 } // namespace
 
 LinuxFileWriting::LinuxFileWriting(SpaceReserve *reserve)
@@ -161,7 +155,7 @@ LinuxFileWriting::LinuxFileWriting(SpaceReserve *reserve)
 std::expected<void, QString> LinuxFileWriting::replace(const std::string &path, QByteArrayView content)
 {
     int error = replaceOnce(path, content);
-    if (isForWantOfSpace(error) && m_reserve != nullptr && m_reserve->release()) {
+    if (LinuxErrorText::isLackOfSpace(error) && m_reserve != nullptr && m_reserve->release()) {
         error = replaceOnce(path, content);
         m_reserve->replenish();
     }

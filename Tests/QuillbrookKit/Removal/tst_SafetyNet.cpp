@@ -27,8 +27,7 @@ FakeProcessRunner toolThatSays(
     const std::optional<QByteArray> &destinations, const std::optional<QByteArray> &snapshots)
 {
     FakeProcessRunner processes;
-    processes.answer
-        = [=](const ProcessRunner::Command &command) -> std::optional<ProcessRunner::Result> {
+    processes.answer = [=](const ProcessRunner::Command &command) -> std::optional<ProcessRunner::Result> {
         const auto &output = command.arguments[0] == u"destinationinfo"_s ? destinations : snapshots;
         if (!output)
             return std::nullopt;
@@ -69,9 +68,8 @@ private Q_SLOTS:
         QTest::newRow("a name in another letter case") << said("name: x") << said({}) << false << 0 << true;
         QTest::newRow("bytes that are no text")
             << said("\xFF Name\xFE") << said("\xFF com.apple.TimeMachine\xFE\n") << true << 1 << false;
-        QTest::newRow("two on one line") << said({})
-                                         << said("com.apple.TimeMachine.a com.apple.TimeMachine.b\n") << false
-                                         << 1 << false;
+        QTest::newRow("two on one line")
+            << said({}) << said("com.apple.TimeMachine.a com.apple.TimeMachine.b\n") << false << 1 << false;
         QTest::newRow("the first run fails") << nothing << said(twoSnapshots) << false << 2 << false;
         QTest::newRow("the second run fails") << said(destination) << nothing << true << 0 << false;
     }

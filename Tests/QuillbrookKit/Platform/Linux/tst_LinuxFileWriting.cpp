@@ -157,7 +157,7 @@ private Q_SLOTS:
         tree.fileWith("a", "untouched");
         const auto written = LinuxFileWriting().replace(tree.path("a/b"), "content");
         QVERIFY(!written);
-        QCOMPARE(written.error(), u"Not a directory"_s);
+        QCOMPARE(written.error(), u"It is not there any more."_s);
         QCOMPARE(contentOf(tree.path("a")), "untouched");
     }
 
@@ -168,7 +168,7 @@ private Q_SLOTS:
         tree.permissions("folder", 0555);
         const auto written = LinuxFileWriting().replace(tree.path("folder/a"), "content");
         QVERIFY(!written);
-        QCOMPARE(written.error(), u"Permission denied"_s);
+        QCOMPARE(written.error(), u"You do not have permission."_s);
         QCOMPARE(contentOf(tree.path("folder/a")), "old");
     }
 
