@@ -3,7 +3,6 @@
 #include "Platform/Linux/FileDescriptor.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -21,8 +20,6 @@
 namespace Quillbrook {
 
 namespace {
-
-using Uuid = std::array<std::uint8_t, BTRFS_UUID_SIZE>;
 
 // A disk with more says enough with these.
 constexpr std::size_t mostChildren = 10'000;
@@ -48,10 +45,11 @@ FileDescriptor openFolder(const std::string &path)
     return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
+// These calls say 1, not 0, when they came to the end of a list.
 std::optional<btrfs_ioctl_get_subvol_info_args> facts(const FileDescriptor &subvolume)
 {
     btrfs_ioctl_get_subvol_info_args facts = {};
-    if (!subvolume.isOpen() || ::ioctl(subvolume.number(), BTRFS_IOC_GET_SUBVOL_INFO, &facts) != 0)
+    if (!subvolume.isOpen() || ::ioctl(subvolume.number(), BTRFS_IOC_GET_SUBVOL_INFO, &facts) < 0)
         return std::nullopt;
     return facts;
 }
@@ -69,7 +67,7 @@ std::vector<Child> childrenOf(const FileDescriptor &subvolume)
     btrfs_ioctl_get_subvol_rootref_args list = {};
     for (bool isMore = true; isMore && children.size() < mostChildren;) {
         // More than the answer holds is told by an error, with the answer filled and the next start in it.
-        isMore = ::ioctl(subvolume.number(), BTRFS_IOC_GET_SUBVOL_ROOTREF, &list) != 0;
+        isMore = ::ioctl(subvolume.number(), BTRFS_IOC_GET_SUBVOL_ROOTREF, &list) < 0;
         if (isMore && errno != EOVERFLOW)
             break;
         for (int i = 0; i < list.num_items; ++i)
@@ -84,7 +82,7 @@ std::string pathOf(const FileDescriptor &subvolume, const Child &child)
     btrfs_ioctl_ino_lookup_user_args place = {};
     place.dirid = child.folder;
     place.treeid = child.id;
-    if (::ioctl(subvolume.number(), BTRFS_IOC_INO_LOOKUP_USER, &place) != 0)
+    if (::ioctl(subvolume.number(), BTRFS_IOC_INO_LOOKUP_USER, &place) < 0)
         return {};
     const auto text = [](const auto &field) { return std::string(field, ::strnlen(field, sizeof(field))); };
     return text(place.path) + text(place.name);
