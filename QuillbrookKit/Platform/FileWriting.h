@@ -23,10 +23,6 @@ public:
     [[nodiscard]] virtual std::expected<void, QString> replace(
         const std::string &path, QByteArrayView content)
         = 0;
-
-    /// Makes the folder at `path` and those above it where they are missing, as the user makes folders. What
-    /// is a folder already, also through a link, is left as it is.
-    [[nodiscard]] virtual std::expected<void, QString> makeFolders(const std::string &path) = 0;
 };
 
 } // namespace Quillbrook

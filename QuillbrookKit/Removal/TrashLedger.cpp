@@ -36,11 +36,6 @@ bool isPlace(const std::string &path)
     return path.starts_with('/') && !path.contains('\0');
 }
 
-std::string parentOf(const std::string &path)
-{
-    return path.substr(0, std::max<size_t>(path.find_last_of('/'), 1));
-}
-
 void log(const QString &message)
 {
     qWarning("Quillbrook: %s", qUtf8Printable(message));
@@ -94,11 +89,7 @@ bool TrashLedger::restore(const TrashedItem &item)
 {
     if (!stillInTrash(item))
         return false;
-    std::expected<void, QString> moved = std::unexpected(QStringLiteral("It came from no place on a disk."));
-    if (isPlace(item.originalPath))
-        moved = m_services.writing.makeFolders(parentOf(item.originalPath));
-    if (moved)
-        moved = m_services.trash.restore(item.trashPath, item.originalPath);
+    const auto moved = m_services.trash.restore(item.trashPath, item.originalPath);
     if (!moved) {
         log(QStringLiteral("restore failed — %1").arg(moved.error()));
         return false;

@@ -5,10 +5,7 @@
 #include "Platform/FileReading.h"
 #include "Platform/FileWriting.h"
 
-#include <QStringList>
-
 #include <map>
-#include <vector>
 
 namespace Quillbrook {
 
@@ -19,7 +16,6 @@ public:
     bool isFull = false;
     /// How often something was written or should have been.
     int writes = 0;
-    std::vector<std::string> madeFolders;
 
     [[nodiscard]] std::optional<QByteArray> contents(const std::string &path, qsizetype limit) const override
     {
@@ -35,14 +31,6 @@ public:
         if (isFull)
             return std::unexpected(QStringLiteral("No space left on device"));
         files[path] = content.toByteArray();
-        return {};
-    }
-
-    std::expected<void, QString> makeFolders(const std::string &path) override
-    {
-        if (isFull)
-            return std::unexpected(QStringLiteral("No space left on device"));
-        madeFolders.push_back(path);
         return {};
     }
 };

@@ -23,7 +23,6 @@ constexpr int openTries = 16;
 
 constexpr mode_t privateFile = 0600;
 constexpr mode_t privateFolder = 0700;
-constexpr mode_t ordinaryFolder = 0777;
 
 std::expected<void, QString> answer(int error)
 {
@@ -39,18 +38,18 @@ std::string parentOf(const std::string &path)
 }
 
 // 0, or the error number of the folder that could not be made.
-int makeFolder(const std::string &path, mode_t mode)
+int makeFolder(const std::string &path)
 {
-    if (::mkdir(path.c_str(), mode) == 0)
+    if (::mkdir(path.c_str(), privateFolder) == 0)
         return 0;
     struct stat status = {};
     if (errno == EEXIST)
         return ::stat(path.c_str(), &status) != 0 ? errno : S_ISDIR(status.st_mode) ? 0 : ENOTDIR;
     if (errno != ENOENT || path == "/")
         return errno;
-    if (const int error = makeFolder(parentOf(path), mode))
+    if (const int error = makeFolder(parentOf(path)))
         return error;
-    return ::mkdir(path.c_str(), mode) == 0 || errno == EEXIST ? 0 : errno;
+    return ::mkdir(path.c_str(), privateFolder) == 0 || errno == EEXIST ? 0 : errno;
 }
 
 bool isStill(const std::string &path, int descriptor)
@@ -129,7 +128,7 @@ void syncFolder(const std::string &path)
 int replaceOnce(const std::string &path, QByteArrayView content)
 {
     const auto folder = parentOf(path);
-    if (const int error = makeFolder(folder, privateFolder))
+    if (const int error = makeFolder(folder))
         return error;
     const auto written = path + newSuffix;
     const auto opened = openNew(written);
@@ -160,11 +159,6 @@ std::expected<void, QString> LinuxFileWriting::replace(const std::string &path, 
         m_reserve->replenish();
     }
     return answer(error);
-}
-
-std::expected<void, QString> LinuxFileWriting::makeFolders(const std::string &path)
-{
-    return answer(makeFolder(path, ordinaryFolder));
 }
 
 } // namespace Quillbrook

@@ -17,7 +17,6 @@ public:
 
     [[nodiscard]] std::expected<void, QString> replace(
         const std::string &path, QByteArrayView content) override;
-    [[nodiscard]] std::expected<void, QString> makeFolders(const std::string &path) override;
 
 private:
     SpaceReserve *m_reserve;
