@@ -1,13 +1,67 @@
 #include "Removal/PathRemoval.h"
 
+#include "Platform/Clock.h"
+#include "Platform/FileFacts.h"
+#include "Platform/FileRemoval.h"
 #include "Platform/FolderEntries.h"
+#include "Platform/Trash.h"
+#include "Removal/PathGuards.h"
+#include "Removal/RemovalServices.h"
+#include "StandardisedPath.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace Quillbrook::PathRemoval {
 
+using namespace Qt::StringLiterals;
+
 namespace {
+
+std::optional<QString> answer(const std::string &path, const std::string &home, const HostGuards *host)
+{
+    auto judged = GuardedPath::judge(path, home);
+    // A home folder that is the root of the disk makes nothing on it the user's.
+    judged.fearsSystemRoots = host == nullptr || !host->sparesHomeFromSystemRoots || home == "/"
+        || !(judged.isHome || judged.rest);
+    if (auto sentence = PathGuards::answer(PathGuards::builtIn(), judged))
+        return sentence;
+    return host != nullptr ? PathGuards::answer(host->guards, judged) : std::nullopt;
+}
+
+// What is not below the home folder by one of its paths may be by the other. Below none it is judged by the
+// first, below both by both.
+std::optional<QString> answerForHomes(
+    const std::string &path, const std::vector<std::string> &homes, const HostGuards *host)
+{
+    bool isAtHome = false;
+    for (const auto &home : homes) {
+        const auto judged = GuardedPath::judge(path, home);
+        if (!judged.isHome && !judged.rest)
+            continue;
+        isAtHome = true;
+        if (auto sentence = answer(path, home, host))
+            return sentence;
+    }
+    return isAtHome ? std::nullopt : answer(path, homes.front(), host);
+}
+
+// With a slash behind it the system would look for a folder, and through a link.
+std::string itself(std::string path)
+{
+    while (path.size() > 1 && path.ends_with('/'))
+        path.pop_back();
+    return path;
+}
+
+Removal failed(const Item &item, const QString &error)
+{
+    return { .path = item.path, .error = error };
+}
+
+Removal failedToRemove(const Item &item, const QString &why)
+{
+    return failed(item, u"Could not remove %1: %2"_s.arg(item.label, why));
+}
 
 bool isHidden(std::string_view name)
 {
@@ -15,6 +69,57 @@ bool isHidden(std::string_view name)
 }
 
 } // namespace
+
+std::optional<QString> refusal(const std::string &path, const std::string &home, const HostGuards *host)
+{
+    const auto standardisedHome = standardisedPath(home, {});
+    const auto given = standardisedPath(path, standardisedHome);
+    std::vector homes{ standardisedHome };
+    if (host == nullptr || !host->withoutLinks || !given.starts_with('/'))
+        return answerForHomes(given, homes, host);
+
+    if (const auto resolvedHome = standardisedPath(host->withoutLinks(standardisedHome + "/."), {});
+        !resolvedHome.empty() && resolvedHome != standardisedHome)
+        homes.push_back(resolvedHome);
+    if (auto sentence = answerForHomes(given, homes, host))
+        return sentence;
+    // Not what was standardised: to the system a ".." behind a link leads elsewhere than its text says.
+    const auto asGiven = path.starts_with('/') ? path : given;
+    const auto resolved = standardisedPath(host->withoutLinks(asGiven), {});
+    return resolved == given ? std::nullopt : answerForHomes(resolved, homes, host);
+}
+
+Removal remove(const RemovalServices &services, const Item &item, const Manner &manner)
+{
+    if (const auto sentence = refusal(item.path, manner.home, manner.host))
+        return failed(item, *sentence);
+    if (!services.files.kind(itself(item.path)))
+        return failed(item, u"%1 is not there any more."_s.arg(item.label));
+    if (manner.permanent) {
+        if (const auto done = services.removal.remove(item.path); !done)
+            return failedToRemove(item, done.error());
+        return { .path = item.path, .bytes = item.bytes };
+    }
+    const auto trashPath = services.trash.move(item.path);
+    if (!trashPath)
+        return failedToRemove(item, trashPath.error());
+    auto trashed = TrashedItem::moved({ .label = item.label,
+        .originalPath = item.path,
+        .trashPath = *trashPath,
+        .bytes = item.bytes,
+        .movedAt = services.clock.now() });
+    return { .path = item.path, .bytes = item.bytes, .trashed = std::move(trashed) };
+}
+
+std::vector<Removal> removeAll(
+    const RemovalServices &services, const std::vector<Item> &items, const Manner &manner)
+{
+    std::vector<Removal> removals;
+    removals.reserve(items.size());
+    for (const auto &item : items)
+        removals.push_back(remove(services, item, manner));
+    return removals;
+}
 
 ItemCount itemCount(const std::string &path, qsizetype cap)
 {

@@ -1,12 +1,57 @@
 #pragma once
 
-// What happens to a path that a person picked. So far: how many things it holds.
+// How a path that a person picked, or that the uninstaller proposes, leaves the disk. Such a path comes from
+// no catalogue: it may be the home folder, a drive, or the running program. Each has to pass the guards
+// first. Everything here is synchronous, may block on the disk, keeps no state, and may be called from any
+// thread. Paths are raw bytes.
+
+#include "Removal/TrashedItem.h"
 
 #include <QtGlobal>
 
-#include <string>
+#include <vector>
 
-namespace Quillbrook::PathRemoval {
+namespace Quillbrook {
+
+struct HostGuards;
+struct RemovalServices;
+
+namespace PathRemoval {
+
+/// One thing to remove. `bytes` is the caller's figure; `label` is what a person knows the thing by.
+struct Item
+{
+    std::string path{};
+    qint64 bytes = 0;
+    QString label{};
+
+    bool operator==(const Item &) const = default;
+};
+
+/// How to remove. `host` holds the guards that the machine adds; none when it is absent.
+struct Manner
+{
+    bool permanent = false;
+    std::string home{};
+    const HostGuards *host = nullptr;
+};
+
+/// The result of one attempt.
+struct Removal
+{
+    /// As given.
+    std::string path{};
+    /// The caller's figure on success, else 0.
+    qint64 bytes = 0;
+    /// The row for the ledger, when the thing went to the Trash.
+    std::optional<TrashedItem> trashed{};
+    /// Why it is still there, in words for a person.
+    std::optional<QString> error{};
+
+    bool operator==(const Removal &) const = default;
+
+    [[nodiscard]] bool succeeded() const { return !error; }
+};
 
 struct ItemCount
 {
@@ -17,9 +62,24 @@ struct ItemCount
     bool operator==(const ItemCount &) const = default;
 };
 
+/// Why `path` must stay, as a sentence for a person; absent when it may be removed. `home` is the home folder
+/// (absolute). The content of the disk is never looked at; the host's guards may look at where links lead and
+/// at what is mounted.
+[[nodiscard]] std::optional<QString> refusal(
+    const std::string &path, const std::string &home, const HostGuards *host = nullptr);
+
+/// Removes one thing, to the Trash or for good, unless a guard refuses it. A failed move to the Trash never
+/// becomes a deletion. Writes to no ledger: that is the caller's, with `trashed`.
+[[nodiscard]] Removal remove(const RemovalServices &services, const Item &item, const Manner &manner);
+/// The same for each, in order; one failure does not stop the others.
+[[nodiscard]] std::vector<Removal> removeAll(
+    const RemovalServices &services, const std::vector<Item> &items, const Manner &manner);
+
 /// How many visible entries lie below the folder at `path` (raw bytes), deep, stopping at `cap` (a cap below
 /// 1 counts as 1); 1 for anything that is not a folder, 0 when nothing is there. Blocks on the disk: not for
 /// the main thread.
 [[nodiscard]] ItemCount itemCount(const std::string &path, qsizetype cap);
 
-} // namespace Quillbrook::PathRemoval
+} // namespace PathRemoval
+
+} // namespace Quillbrook

@@ -44,6 +44,9 @@ public:
         return QDBusConnection::connectToBus(m_address, m_connections.last());
     }
 
+    /// Where programs find it; empty when it could not be started.
+    [[nodiscard]] const QString &address() const { return m_address; }
+
 private:
     [[nodiscard]] QByteArray configuration() const
     {

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
     /// For system calls; stays owned here.
     [[nodiscard]] int number() const { return m_descriptor; }
+    /// Hands it to the caller, who closes it.
+    [[nodiscard]] int release() { return std::exchange(m_descriptor, -1); }
 
 private:
     int m_descriptor = -1;

@@ -1,0 +1,14 @@
+#pragma once
+
+// What the system's error numbers mean to a person.
+
+#include <QString>
+
+namespace Quillbrook::LinuxErrorText {
+
+/// A sentence for `error`, an errno, in the words of the program; in the system's own for a rare one.
+[[nodiscard]] QString sentence(int error);
+/// Whether it says that there was no space left.
+[[nodiscard]] bool isLackOfSpace(int error);
+
+} // namespace Quillbrook::LinuxErrorText

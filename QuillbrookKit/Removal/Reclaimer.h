@@ -1,0 +1,73 @@
+#pragma once
+
+// Turns a finding of the catalogue into space: the only code that removes what the catalogue found, whether a
+// person asked for it or an automation rule. Whether a finding is stale enough is the caller's to ask. Writes
+// to no ledger and keeps no state; blocks on the disk; callable from any thread.
+
+#include "Catalogue/Finding.h"
+#include "Removal/RemovalServices.h"
+#include "Removal/TrashedItem.h"
+
+#include <QList>
+
+#include <cstdint>
+#include <expected>
+#include <vector>
+
+namespace Quillbrook {
+
+/// Why nothing, or not all, was removed, as sentences for a person.
+namespace ReclaimError {
+
+[[nodiscard]] QString notActionable(const QString &title);
+[[nodiscard]] QString outsideHome(const QString &path);
+[[nodiscard]] QString redirected();
+[[nodiscard]] QString alreadyInTrash();
+[[nodiscard]] QString failed(const QString &name, const QString &error);
+
+} // namespace ReclaimError
+
+struct Reclaimer
+{
+    enum class Disposal : std::uint8_t { toTrash, permanent };
+
+    struct Outcome
+    {
+        /// As it was given.
+        Finding finding{};
+        /// What counts as gone: all of the finding as soon as one of its things went, else 0. The measurement
+        /// after the next scan puts it right.
+        qint64 bytesMoved = 0;
+        /// A row for each thing that went to the Trash, with an equal share of the finding's bytes.
+        std::vector<TrashedItem> trashed{};
+        /// What was asked for, also when nothing happened.
+        bool permanent = false;
+        /// The last thing that went wrong.
+        std::optional<QString> error{};
+
+        bool operator==(const Outcome &) const = default;
+    };
+
+    RemovalServices services;
+    /// Absolute, without a slash at its end.
+    QString homeDirectory{};
+
+    /// Removes what lies in the finding's folder, or the finding itself where its rule says so. Never touches
+    /// what is report-only, what is not below the home folder, or what is a link. What can't be removed stays
+    /// and is told, and the rest goes; nothing that can't go to the Trash is deleted instead. A folder that
+    /// can't be read is an empty one, and emptying it no failure.
+    ///
+    /// What lies in the Trash already goes for good only, each thing with its note of where it came from.
+    [[nodiscard]] Outcome reclaim(const Finding &finding, Disposal disposal) const;
+    /// The same for each, in order; one failure does not stop the others.
+    [[nodiscard]] std::vector<Outcome> reclaimAll(const QList<Finding> &findings, Disposal disposal) const;
+
+private:
+    [[nodiscard]] std::optional<QString> refusal(const Finding &finding, Disposal disposal) const;
+    [[nodiscard]] bool isBelowHome(const QString &path) const;
+    [[nodiscard]] std::vector<std::string> targets(const Finding &finding) const;
+    [[nodiscard]] std::expected<std::optional<TrashedItem>, QString> dispose(
+        const std::string &target, const Finding &finding, Disposal disposal) const;
+};
+
+} // namespace Quillbrook

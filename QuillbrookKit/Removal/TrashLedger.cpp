@@ -1,0 +1,158 @@
+#include "Removal/TrashLedger.h"
+
+#include "Platform/FileFacts.h"
+#include "Platform/FileReading.h"
+#include "Platform/FileWriting.h"
+#include "Platform/Trash.h"
+#include "Removal/LedgerFormat.h"
+
+#include <QSet>
+#include <QtGlobal>
+
+#include <algorithm>
+#include <limits>
+#include <tuple>
+
+namespace Quillbrook {
+
+namespace {
+
+// About half a million rows; a longer file is not what a ledger grows to.
+constexpr qsizetype maximumStoreBytes = qsizetype{ 256 } * 1024 * 1024;
+
+// The sizes come from a file, which can say anything: sums stop at the ends of the range.
+qint64 added(qint64 a, qint64 b)
+{
+    qint64 sum = 0;
+    if (!__builtin_add_overflow(a, b, &sum))
+        return sum;
+    return b > 0 ? std::numeric_limits<qint64>::max() : std::numeric_limits<qint64>::min();
+}
+
+// So can the paths. Below a relative one lies whatever the program was started in, and the system reads one
+// with a zero byte only up to there: neither is a place in the Trash.
+bool isPlace(const std::string &path)
+{
+    return path.starts_with('/') && !path.contains('\0');
+}
+
+void log(const QString &message)
+{
+    qWarning("Quillbrook: %s", qUtf8Printable(message));
+}
+
+} // namespace
+
+std::string TrashLedger::standardStore(const std::string &dataFolder)
+{
+    return dataFolder + "/Quillbrook/ledger.json";
+}
+
+TrashLedger::TrashLedger(const LedgerServices &services, std::string storePath)
+    : m_services(services)
+    , m_storePath(std::move(storePath))
+{
+    load();
+}
+
+void TrashLedger::record(const std::vector<TrashedItem> &items)
+{
+    m_items.insert(m_items.end(), items.begin(), items.end());
+    save();
+}
+
+TrashLedger::Purged TrashLedger::purge()
+{
+    return purge(m_items);
+}
+
+TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items)
+{
+    Purged purged;
+    QSet<QString> tried;
+    for (const auto &item : stillInTrash(items)) {
+        tried.insert(item.id);
+        if (const auto erased = m_services.trash.erase(item.trashPath); !erased) {
+            log(QStringLiteral("could not purge %1 — %2")
+                    .arg(QString::fromStdString(item.trashPath), erased.error()));
+            continue;
+        }
+        ++purged.removed;
+        purged.bytes = added(purged.bytes, item.bytes);
+    }
+    std::erase_if(m_items, [&](const TrashedItem &item) { return tried.contains(item.id); });
+    save();
+    return purged;
+}
+
+bool TrashLedger::restore(const TrashedItem &item)
+{
+    if (!stillInTrash(item))
+        return false;
+    const auto moved = m_services.trash.restore(item.trashPath, item.originalPath);
+    if (!moved) {
+        log(QStringLiteral("restore failed — %1").arg(moved.error()));
+        return false;
+    }
+    std::erase_if(m_items, [id = item.id](const TrashedItem &row) { return row.id == id; });
+    save();
+    return true;
+}
+
+void TrashLedger::prune()
+{
+    if (std::erase_if(m_items, [this](const TrashedItem &item) { return !stillInTrash(item); }) > 0)
+        save();
+}
+
+TrashLedger::Pending TrashLedger::pending() const
+{
+    Pending pending;
+    for (const auto &item : m_items) {
+        if (!stillInTrash(item))
+            continue;
+        ++pending.count;
+        pending.bytes = added(pending.bytes, item.bytes);
+    }
+    return pending;
+}
+
+bool TrashLedger::stillInTrash(const TrashedItem &item) const
+{
+    return isPlace(item.trashPath) && m_services.files.kind(item.trashPath).has_value();
+}
+
+std::vector<TrashedItem> TrashLedger::ruleItemsDue(const QDateTime &now, qint64 freeBytes) const
+{
+    const bool isCritical = freeBytes < criticalFreeBytes;
+    std::vector<TrashedItem> due;
+    for (const auto &item : m_items) {
+        const bool isByRule = item.byRule.value_or(false);
+        const bool hasLainLongEnough = item.movedAt.msecsTo(now) >= ruleGracePeriodSeconds * 1000;
+        if (isByRule && (isCritical || hasLainLongEnough) && stillInTrash(item))
+            due.push_back(item);
+    }
+    return due;
+}
+
+void TrashLedger::load()
+{
+    const auto stored = m_services.reading.contents(m_storePath, maximumStoreBytes);
+    m_items = stored ? LedgerFormat::decode(*stored).value_or(m_items) : m_items;
+}
+
+void TrashLedger::save()
+{
+    // A failure is nobody's business: the rows here stay right, and the next save writes them again.
+    std::ignore = m_services.writing.replace(m_storePath, LedgerFormat::encode(m_items));
+}
+
+std::vector<TrashedItem> TrashLedger::stillInTrash(const std::vector<TrashedItem> &items) const
+{
+    std::vector<TrashedItem> there;
+    std::ranges::copy_if(
+        items, std::back_inserter(there), [this](const TrashedItem &item) { return stillInTrash(item); });
+    return there;
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,88 @@
+#pragma once
+
+// The books about what Quillbrook itself moved to the Trash, kept in a file. Moving something there frees
+// nothing until it leaves the Trash: the ledger says how much is still waiting, deletes exactly those things
+// and never the user's other Trash, and tells what an automation rule moved long enough ago.
+//
+// A row is found again by its `trashPath` alone. One that is no longer in the Trash, because the user emptied
+// it or put the thing back, counts nowhere and stays in the file until something removes it.
+//
+// Main thread only; every operation blocks on the disk. A file that is missing, can't be read or holds
+// anything but rows is an empty ledger, and stays until the next save. What can't be saved is right in memory
+// for as long as the program runs. Neither is told to anyone.
+
+#include "Removal/LedgerServices.h"
+#include "Removal/TrashedItem.h"
+
+#include <vector>
+
+namespace Quillbrook {
+
+class TrashLedger
+{
+public:
+    struct Pending
+    {
+        qsizetype count = 0;
+        qint64 bytes = 0;
+
+        bool operator==(const Pending &) const = default;
+    };
+
+    struct Purged
+    {
+        qsizetype removed = 0;
+        qint64 bytes = 0;
+
+        bool operator==(const Purged &) const = default;
+    };
+
+    /// How long what a rule moved stays in the Trash for the user to take it back.
+    static constexpr qint64 ruleGracePeriodSeconds = 86'400;
+    /// Below so much free space, a rule's things are due at once.
+    static constexpr qint64 criticalFreeBytes = 5'368'709'120;
+
+    /// The ledger's file below the folder in which programs keep the user's data (absolute, raw bytes).
+    [[nodiscard]] static std::string standardStore(const std::string &dataFolder);
+
+    /// Loads `storePath` (absolute, raw bytes).
+    TrashLedger(const LedgerServices &services, std::string storePath);
+    TrashLedger(const TrashLedger &) = delete;
+    TrashLedger &operator=(const TrashLedger &) = delete;
+
+    /// Adds the rows in order, and saves, also when there are none.
+    void record(const std::vector<TrashedItem> &items);
+    /// Deletes for good what of all rows is still in the Trash, and saves. A row that is tried is forgotten
+    /// whether or not its thing could be deleted: nothing is tried twice. What failed is logged.
+    Purged purge();
+    /// The same for `items`; the other rows stay.
+    Purged purge(const std::vector<TrashedItem> &items);
+    /// Puts a thing back where it was, with the folders it needs, forgets its row and saves. False when it is
+    /// not in the Trash, or, logged, when it can't go back, as where something else has its place; the row
+    /// stays then.
+    [[nodiscard]] bool restore(const TrashedItem &item);
+    /// Forgets the rows that are no longer in the Trash; saves when there were any.
+    void prune();
+
+    /// In order of recording.
+    [[nodiscard]] const std::vector<TrashedItem> &items() const { return m_items; }
+    /// Asks the disk about each row, every time.
+    [[nodiscard]] Pending pending() const;
+    [[nodiscard]] qint64 pendingBytes() const { return pending().bytes; }
+    [[nodiscard]] qsizetype pendingCount() const { return pending().count; }
+    [[nodiscard]] bool stillInTrash(const TrashedItem &item) const;
+    /// What rules moved and what may go for good now, in order: all that still lies in the Trash when
+    /// `freeBytes` is critical, else what has lain there for the grace period.
+    [[nodiscard]] std::vector<TrashedItem> ruleItemsDue(const QDateTime &now, qint64 freeBytes) const;
+
+private:
+    void load();
+    void save();
+    [[nodiscard]] std::vector<TrashedItem> stillInTrash(const std::vector<TrashedItem> &items) const;
+
+    LedgerServices m_services;
+    std::string m_storePath;
+    std::vector<TrashedItem> m_items;
+};
+
+} // namespace Quillbrook

@@ -1,0 +1,101 @@
+#pragma once
+
+// The system's own calls, of which one can be made to fail, and between which a test can do something else.
+
+#include "Platform/Linux/FileCalls.h"
+
+#include <cerrno>
+#include <functional>
+#include <string_view>
+
+namespace Quillbrook {
+
+class FailingFileCalls final : public FileCalls
+{
+public:
+    /// Counted from 1; 0 lets none fail.
+    int failAt = 0;
+    /// How many fail from there on.
+    int failures = 1;
+    int error = EIO;
+    /// Told of each call before it is made, by its name and by that of the file; an errno lets it fail.
+    std::function<int(std::string_view call, const char *name)> before{};
+    mutable int calls = 0;
+
+    /// What failed last, for messages.
+    mutable std::string failed{};
+
+    [[nodiscard]] int openAt(int folder, const char *name, int flags, mode_t mode = 0) const override
+    {
+        return fails("openat", name) ? -1 : FileCalls::openAt(folder, name, flags, mode);
+    }
+    [[nodiscard]] int openBelow(int folder, const char *name, int flags) const override
+    {
+        return fails("openat2", name) ? -1 : FileCalls::openBelow(folder, name, flags);
+    }
+    [[nodiscard]] int statAt(int folder, const char *name, int flags, struct statx &status) const override
+    {
+        return fails("statx", name) ? -1 : FileCalls::statAt(folder, name, flags, status);
+    }
+    [[nodiscard]] int makeFolderAt(int folder, const char *name, mode_t mode) const override
+    {
+        return fails("mkdirat", name) ? -1 : FileCalls::makeFolderAt(folder, name, mode);
+    }
+    [[nodiscard]] int unlinkAt(int folder, const char *name, int flags) const override
+    {
+        return fails("unlinkat", name) ? -1 : FileCalls::unlinkAt(folder, name, flags);
+    }
+    [[nodiscard]] int renameAt(
+        int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) const override
+    {
+        return fails(flags != 0 ? "renameat2" : "renameat", from)
+            ? -1
+            : FileCalls::renameAt(fromFolder, from, toFolder, to, flags);
+    }
+    [[nodiscard]] int changeMode(int file, mode_t mode) const override
+    {
+        return fails("chmod", "") ? -1 : FileCalls::changeMode(file, mode);
+    }
+    [[nodiscard]] ssize_t write(int file, const void *bytes, size_t count) const override
+    {
+        return fails("write", "") ? -1 : FileCalls::write(file, bytes, count);
+    }
+    [[nodiscard]] int close(int file) const override
+    {
+        const int result = FileCalls::close(file);
+        return fails("close", "") ? -1 : result;
+    }
+    [[nodiscard]] ssize_t list(int folder, void *buffer, size_t size) const override
+    {
+        return fails("getdents64", "") ? -1 : FileCalls::list(folder, buffer, size);
+    }
+    [[nodiscard]] off_t seek(int folder, off_t position) const override
+    {
+        return fails("lseek", "") ? -1 : FileCalls::seek(folder, position);
+    }
+    [[nodiscard]] std::optional<std::string> pathOf(int folder) const override
+    {
+        return fails("readlink", "") ? std::nullopt : FileCalls::pathOf(folder);
+    }
+    [[nodiscard]] std::optional<std::vector<Mount>> mounts() const override
+    {
+        return fails("mountinfo", "") ? std::nullopt : FileCalls::mounts();
+    }
+
+private:
+    [[nodiscard]] bool fails(std::string_view call, const char *name) const
+    {
+        ++calls;
+        int failure = failAt > 0 && calls >= failAt && calls < failAt + failures ? error : 0;
+        if (before)
+            if (const int wanted = before(call, name); wanted != 0)
+                failure = wanted;
+        if (failure == 0)
+            return false;
+        failed = std::string(call) + ' ' + name;
+        errno = failure;
+        return true;
+    }
+};
+
+} // namespace Quillbrook
