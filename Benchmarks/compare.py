@@ -12,7 +12,7 @@ import os
 import sys
 from pathlib import Path
 
-from comparison import application, catalogue, machine, peers, scanning
+from comparison import application, catalogue, machine, peers, removal, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -27,6 +27,7 @@ MEASURES = {
     "window": application.window,
     "model": application.model,
     "catalogue": catalogue.catalogue,
+    "removal": removal.removal,
     "growth": scanning.growth,
     "cold": scanning.cold,
     "shapes": scanning.odd_shapes,

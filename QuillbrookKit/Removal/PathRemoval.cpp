@@ -45,6 +45,14 @@ std::optional<QString> answerForHomes(
     return isAtHome ? std::nullopt : answer(path, homes.front(), host);
 }
 
+// With a slash behind it the system would look for a folder, and through a link.
+std::string itself(std::string path)
+{
+    while (path.size() > 1 && path.ends_with('/'))
+        path.pop_back();
+    return path;
+}
+
 Removal failed(const Item &item, const QString &error)
 {
     return { .path = item.path, .error = error };
@@ -85,7 +93,7 @@ Removal remove(const RemovalServices &services, const Item &item, const Manner &
 {
     if (const auto sentence = refusal(item.path, manner.home, manner.host))
         return failed(item, *sentence);
-    if (!services.files.kind(item.path))
+    if (!services.files.kind(itself(item.path)))
         return failed(item, u"%1 is not there any more."_s.arg(item.label));
     if (manner.permanent) {
         if (const auto done = services.removal.remove(item.path); !done)
