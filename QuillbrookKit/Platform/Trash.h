@@ -46,6 +46,11 @@ public:
     /// path that is not directly in a trash, or among its leftovers, is refused.
     [[nodiscard]] virtual std::expected<void, QString> erase(const std::string &trashPath) = 0;
 
+    /// Whether a thing of the Trash may be what was moved there from `originalPath`: false only where its
+    /// note says that it came from elsewhere, as it does when the Trash was emptied and the name given again.
+    [[nodiscard]] virtual bool mayComeFrom(
+        const std::string &trashPath, const std::string &originalPath) const = 0;
+
     /// Whether `path` is a trash of this user, or lies anywhere in one. Told by where trashes are kept, also
     /// of paths that are not there.
     [[nodiscard]] virtual bool holds(const std::string &path) const = 0;

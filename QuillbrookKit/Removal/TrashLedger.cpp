@@ -36,6 +36,11 @@ bool isPlace(const std::string &path)
     return path.starts_with('/') && !path.contains('\0');
 }
 
+QString somethingElse()
+{
+    return QStringLiteral("Something else lies in the Trash under its name by now.");
+}
+
 void log(const QString &message)
 {
     qWarning("Quillbrook: %s", qUtf8Printable(message));
@@ -72,7 +77,7 @@ TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items)
     QSet<QString> tried;
     for (const auto &item : stillInTrash(items)) {
         tried.insert(item.id);
-        if (const auto erased = m_services.trash.erase(item.trashPath); !erased) {
+        if (const auto erased = erase(item); !erased) {
             log(QStringLiteral("could not purge %1 — %2")
                     .arg(QString::fromStdString(item.trashPath), erased.error()));
             continue;
@@ -89,7 +94,8 @@ bool TrashLedger::restore(const TrashedItem &item)
 {
     if (!stillInTrash(item))
         return false;
-    const auto moved = m_services.trash.restore(item.trashPath, item.originalPath);
+    const auto moved = isOurs(item) ? m_services.trash.restore(item.trashPath, item.originalPath)
+                                    : std::unexpected(somethingElse());
     if (!moved) {
         log(QStringLiteral("restore failed — %1").arg(moved.error()));
         return false;
@@ -133,6 +139,18 @@ std::vector<TrashedItem> TrashLedger::ruleItemsDue(const QDateTime &now, qint64 
             due.push_back(item);
     }
     return due;
+}
+
+bool TrashLedger::isOurs(const TrashedItem &item) const
+{
+    return m_services.trash.mayComeFrom(item.trashPath, item.originalPath);
+}
+
+std::expected<void, QString> TrashLedger::erase(const TrashedItem &item) const
+{
+    if (!isOurs(item))
+        return std::unexpected(somethingElse());
+    return m_services.trash.erase(item.trashPath);
 }
 
 void TrashLedger::load()

@@ -4,8 +4,10 @@
 // nothing until it leaves the Trash: the ledger says how much is still waiting, deletes exactly those things
 // and never the user's other Trash, and tells what an automation rule moved long enough ago.
 //
-// A row is found again by its `trashPath` alone. One that is no longer in the Trash, because the user emptied
-// it or put the thing back, counts nowhere and stays in the file until something removes it.
+// A row is found again by its `trashPath` alone, and nothing is deleted or put back whose note says that it
+// came from elsewhere: the Trash gives the names of what has left it again. A row that is no longer in the
+// Trash, because the user emptied it or put the thing back, counts nowhere and stays in the file until
+// something removes it.
 //
 // Main thread only; every operation blocks on the disk. A file that is missing, can't be read or holds
 // anything but rows is an empty ledger, and stays until the next save. What can't be saved is right in memory
@@ -14,6 +16,7 @@
 #include "Removal/LedgerServices.h"
 #include "Removal/TrashedItem.h"
 
+#include <expected>
 #include <vector>
 
 namespace Quillbrook {
@@ -76,6 +79,8 @@ public:
     [[nodiscard]] std::vector<TrashedItem> ruleItemsDue(const QDateTime &now, qint64 freeBytes) const;
 
 private:
+    [[nodiscard]] bool isOurs(const TrashedItem &item) const;
+    [[nodiscard]] std::expected<void, QString> erase(const TrashedItem &item) const;
     void load();
     void save();
     [[nodiscard]] std::vector<TrashedItem> stillInTrash(const std::vector<TrashedItem> &items) const;

@@ -19,6 +19,8 @@ public:
     std::set<std::string> things;
     /// Paths that nothing can be done about, with why.
     std::map<std::string, QString> stuck;
+    /// Where things in the Trash are said to come from.
+    std::map<std::string, std::string> origins;
     std::string folder = "/home/someone/.local/share/Trash";
     /// What was asked, in order: "move PATH", "restore PATH PATH", "erase PATH", "remove PATH".
     std::vector<std::string> asked;
@@ -50,6 +52,12 @@ public:
 
     std::expected<void, QString> erase(const std::string &path) override { return drop("erase ", path); }
     std::expected<void, QString> remove(const std::string &path) override { return drop("remove ", path); }
+
+    [[nodiscard]] bool mayComeFrom(const std::string &from, const std::string &to) const override
+    {
+        const auto found = origins.find(from);
+        return found == origins.end() || found->second == to;
+    }
 
     [[nodiscard]] bool holds(const std::string &path) const override
     {

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] std::expected<void, QString> restore(
         const std::string &trashPath, const std::string &originalPath) override;
     [[nodiscard]] std::expected<void, QString> erase(const std::string &trashPath) override;
+    [[nodiscard]] bool mayComeFrom(
+        const std::string &trashPath, const std::string &originalPath) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override;
 
@@ -50,6 +52,7 @@ private:
     [[nodiscard]] std::expected<void, QString> eraseThing(const Trashed &thing) const;
     [[nodiscard]] std::expected<void, QString> eraseInPlace(const Trashed &thing) const;
     void dropNote(const Trashed &thing) const;
+    [[nodiscard]] std::optional<std::string> note(const Trashed &thing) const;
 
     /// Runs `attempt`, which returns an errno, and again with the reserve given up where it failed for want
     /// of space.

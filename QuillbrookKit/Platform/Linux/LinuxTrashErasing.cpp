@@ -221,6 +221,35 @@ void LinuxTrash::dropNote(const Trashed &thing) const
     std::ignore = m_calls.unlinkAt(thing.trash.info.number(), TrashNote::nameFor(thing.name).c_str(), 0);
 }
 
+bool LinuxTrash::mayComeFrom(const std::string &trashPath, const std::string &originalPath) const
+{
+    const auto thing = trashed(trashPath);
+    const auto text = thing ? note(*thing) : std::nullopt;
+    const auto origin = text ? TrashNote::origin(*text) : std::nullopt;
+    if (!origin)
+        return true;
+    // The note tells of the path as it was given, or, seen from the top of a volume, as it is without links.
+    const auto isOrigin = [&](const std::string &path) {
+        return origin->starts_with('/') ? path == *origin : path.ends_with('/' + *origin);
+    };
+    return isOrigin(standardisedPath(originalPath, {})) || isOrigin(ResolvedPath::withoutLinks(originalPath));
+}
+
+std::optional<std::string> LinuxTrash::note(const Trashed &thing) const
+{
+    // A path three times as long as can be, which is one of nothing but encoded bytes, and the rest.
+    constexpr size_t mostBytes = 16384;
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const auto name = TrashNote::nameFor(thing.name);
+    const FileDescriptor file(m_calls.openAt(thing.trash.info.number(), name.c_str(), flags));
+    std::string text(mostBytes, '\0');
+    const auto length = file.isOpen() ? ::read(file.number(), text.data(), text.size()) : -1;
+    if (length < 0)
+        return std::nullopt;
+    text.resize(static_cast<size_t>(length));
+    return text;
+}
+
 std::vector<TrashEntry> LinuxTrash::items(const std::string &path) const
 {
     const auto position = m_places.position(standardisedPath(path, {}));

@@ -1,6 +1,7 @@
 #include "Platform/Linux/TrashNote.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace Quillbrook::TrashNote {
 
@@ -30,6 +31,26 @@ std::string percentEncoded(std::string_view bytes)
     return encoded;
 }
 
+// Absent for what is no digit of a hexadecimal number.
+std::optional<unsigned> digit(char byte)
+{
+    unsigned value = 0;
+    const auto result = std::from_chars(&byte, &byte + 1, value, 16);
+    return result.ec == std::errc() ? std::optional(value) : std::nullopt;
+}
+
+std::string percentDecoded(std::string_view text)
+{
+    std::string bytes;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto high = text[i] == '%' && i + 2 < text.size() ? digit(text[i + 1]) : std::nullopt;
+        const auto low = high ? digit(text[i + 2]) : std::nullopt;
+        bytes += low ? static_cast<char>(*high * 16 + *low) : text[i];
+        i += low ? 2 : 0;
+    }
+    return bytes;
+}
+
 // Not within a character; of bytes that are no text at most as many go as a character can have.
 std::string_view shortened(std::string_view name, size_t longest)
 {
@@ -49,6 +70,17 @@ std::string text(std::string_view origin, const QDateTime &deleted)
 {
     const auto local = deleted.toLocalTime().toString(u"yyyy-MM-ddThh:mm:ss").toStdString();
     return "[Trash Info]\nPath=" + percentEncoded(origin) + "\nDeletionDate=" + local + '\n';
+}
+
+std::optional<std::string> origin(std::string_view note)
+{
+    constexpr std::string_view key = "\nPath=";
+    const auto start = note.starts_with("[Trash Info]") ? note.find(key) : std::string_view::npos;
+    if (start == std::string_view::npos)
+        return std::nullopt;
+    const auto value = note.substr(start + key.size());
+    const auto path = percentDecoded(value.substr(0, value.find_first_of("\r\n")));
+    return path.empty() ? std::nullopt : std::optional(path);
 }
 
 std::string candidate(std::string_view name, std::uint64_t attempt, size_t longest)

@@ -6,6 +6,7 @@
 #include <QDateTime>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,10 @@ inline constexpr size_t longestEncryptedName = 143;
 
 /// The whole note. `origin` is where the thing was, absolute or relative to the top of the trash's volume.
 [[nodiscard]] std::string text(std::string_view origin, const QDateTime &deleted);
+
+/// The origin in a note; absent where it names none. Signs of encoding that encode nothing stand for
+/// themselves.
+[[nodiscard]] std::optional<std::string> origin(std::string_view note);
 
 /// The name for the `attempt`-th try, from 1: first `name` itself, then with the number before its extension;
 /// shortened at a whole character so that a note's name has at most `longest` bytes.

@@ -231,6 +231,26 @@ private Q_SLOTS:
         QCOMPARE(ledger.purge(), Purged());
     }
 
+    void whatLiesUnderANameThatWasGivenAgainIsLeftAlone()
+    {
+        Machine machine;
+        auto ledger = machine.ledger();
+        const auto item = machine.trashed("data", 10, true);
+        machine.trash.origins[item.trashPath] = "/home/someone/Documents/data";
+        ledger.record({ item });
+        QTest::ignoreMessage(QtWarningMsg,
+            "Quillbrook: restore failed — Something else lies in the Trash under its name by now.");
+        QVERIFY(!ledger.restore(item));
+        QCOMPARE(ledger.items(), std::vector{ item });
+        QTest::ignoreMessage(QtWarningMsg,
+            qPrintable(u"Quillbrook: could not purge %1 \u2014 Something else lies in the Trash under its "
+                       "name by now."_s.arg(QString::fromStdString(item.trashPath))));
+        QCOMPARE(ledger.purge(), Purged());
+        QVERIFY(ledger.items().empty());
+        QVERIFY(machine.trash.things.contains(item.trashPath));
+        QVERIFY(machine.trash.asked.empty());
+    }
+
     void purgeLeavesRowsThatAreNotInTheTrash()
     {
         Machine machine;
