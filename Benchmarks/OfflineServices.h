@@ -4,17 +4,23 @@
 // memory, and a file manager that is never asked. Everything else is the machine's own.
 
 #include "Platform/AppServices.h"
+#include "Platform/BackupProbe.h"
 #include "Platform/Clock.h"
 #include "Platform/FileRevealer.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/Linux/LinuxDirectoryReading.h"
 #include "Platform/Linux/LinuxFileFacts.h"
 #include "Platform/Linux/LinuxFileReading.h"
+#include "Platform/Linux/LinuxFileRemoval.h"
+#include "Platform/Linux/LinuxFileWriting.h"
 #include "Platform/Linux/LinuxHostKnowledge.h"
 #include "Platform/Linux/LinuxProcessRunner.h"
 #include "Platform/Linux/LinuxProcessors.h"
+#include "Platform/Linux/LinuxSpaceReserve.h"
+#include "Platform/Linux/LinuxTrash.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Volumes.h"
+#include "Removal/HostGuards.h"
 
 #include <QHash>
 #include <QVariant>
@@ -87,11 +93,18 @@ public:
     void reveal(const std::string & /*path*/) override { }
 };
 
+class NoBackups : public BackupProbe
+{
+public:
+    [[nodiscard]] Backups look() const override { return {}; }
+};
+
 class OfflineServices
 {
 public:
     explicit OfflineServices(const QString &home)
         : m_home(home)
+        , m_dataFolder(home.toStdString() + "/.local/share")
     {
     }
 
@@ -106,7 +119,13 @@ public:
                      .reading = m_reading,
                      .processes = m_processes,
                      .clock = m_clock,
-                     .host = m_host },
+                     .host = m_host,
+                     .trash = m_trash,
+                     .removal = m_removal,
+                     .writing = m_writing,
+                     .backups = m_backups,
+                     .guards = m_guards,
+                     .dataFolder = m_dataFolder },
             .revealer = m_revealer };
     }
 
@@ -116,11 +135,18 @@ private:
     UnknownVolumes m_volumes;
     DefaultsInMemory m_defaults;
     ChosenHome m_home;
+    const std::string m_dataFolder;
     LinuxFileFacts m_files;
     LinuxFileReading m_reading;
     LinuxProcessRunner m_processes;
     SystemClock m_clock;
     LinuxHostKnowledge m_host{ m_reading };
+    LinuxSpaceReserve m_reserve{ m_dataFolder + "/reserve" };
+    LinuxTrash m_trash{ { .homeTrash = m_dataFolder + "/Trash" }, m_reserve, m_clock };
+    LinuxFileRemoval m_removal;
+    LinuxFileWriting m_writing;
+    NoBackups m_backups;
+    HostGuards m_guards;
     NoRevealer m_revealer;
 };
 

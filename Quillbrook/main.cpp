@@ -1,19 +1,27 @@
 #include "Core/AppModel.h"
 #include "Platform/Clock.h"
+#include "Platform/Linux/LinuxBackupProbe.h"
+#include "Platform/Linux/LinuxDataFolder.h"
 #include "Platform/Linux/LinuxDirectoryReading.h"
 #include "Platform/Linux/LinuxFileFacts.h"
 #include "Platform/Linux/LinuxFileReading.h"
+#include "Platform/Linux/LinuxFileRemoval.h"
 #include "Platform/Linux/LinuxFileRevealer.h"
+#include "Platform/Linux/LinuxFileWriting.h"
+#include "Platform/Linux/LinuxGuards.h"
 #include "Platform/Linux/LinuxHomeFolder.h"
 #include "Platform/Linux/LinuxHostKnowledge.h"
 #include "Platform/Linux/LinuxMotionPreference.h"
 #include "Platform/Linux/LinuxProcessRunner.h"
 #include "Platform/Linux/LinuxProcessors.h"
+#include "Platform/Linux/LinuxSpaceReserve.h"
+#include "Platform/Linux/LinuxTrash.h"
 #include "Platform/Linux/LinuxVolumes.h"
 #include "Platform/SettingsUserDefaults.h"
 #include "Screens/MainWindowState.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -22,6 +30,58 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+
+namespace {
+
+/// The machine's own services, in the order in which they need each other.
+struct Machine
+{
+    LinuxDirectoryReading directories;
+    LinuxProcessors processors;
+    LinuxVolumes volumes;
+    SettingsUserDefaults defaults;
+    LinuxHomeFolder home;
+    LinuxFileFacts files;
+    LinuxFileReading reading;
+    LinuxProcessRunner processes;
+    SystemClock clock;
+    LinuxHostKnowledge host{ reading };
+    const std::string dataFolder = linuxDataFolder(home);
+    LinuxSpaceReserve reserve{ dataFolder + "/Quillbrook/reserve" };
+    LinuxTrash trash{ TrashPlaces::ofThisUser(home), reserve, clock };
+    LinuxFileRemoval removal;
+    LinuxFileWriting writing{ &reserve };
+    LinuxBackupProbe backups{ { .reading = reading,
+        .files = files,
+        .processes = processes,
+        .home = QFile::encodeName(home.realHomeDirectory()).toStdString() } };
+    const HostGuards guards = LinuxGuards::guards(LinuxGuards::surroundings(home, reading));
+    LinuxFileRevealer revealer;
+    LinuxMotionPreference motion;
+
+    [[nodiscard]] AppServices services()
+    {
+        return { .kit = { .directories = directories,
+                     .processors = processors,
+                     .volumes = volumes,
+                     .defaults = defaults,
+                     .home = home,
+                     .files = files,
+                     .reading = reading,
+                     .processes = processes,
+                     .clock = clock,
+                     .host = host,
+                     .trash = trash,
+                     .removal = removal,
+                     .writing = writing,
+                     .backups = backups,
+                     .guards = guards,
+                     .dataFolder = dataFolder },
+            .revealer = revealer };
+    }
+};
+
+} // namespace
 
 int main(int argc, char **argv)
 {
@@ -33,33 +93,9 @@ int main(int argc, char **argv)
     QGuiApplication::setQuitOnLastWindowClosed(true);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
-    LinuxDirectoryReading directories;
-    LinuxProcessors processors;
-    LinuxVolumes volumes;
-    SettingsUserDefaults defaults;
-    LinuxHomeFolder home;
-    LinuxFileFacts files;
-    LinuxFileReading reading;
-    LinuxProcessRunner processes;
-    SystemClock clock;
-    LinuxHostKnowledge host(reading);
-    LinuxFileRevealer revealer;
-    LinuxMotionPreference motion;
-    AppModel model({
-        .kit = { .directories = directories,
-            .processors = processors,
-            .volumes = volumes,
-            .defaults = defaults,
-            .home = home,
-            .files = files,
-            .reading = reading,
-            .processes = processes,
-            .clock = clock,
-            .host = host },
-        .revealer = revealer,
-    });
-
-    MainWindowState screens(model, motion);
+    Machine machine;
+    AppModel model(machine.services());
+    MainWindowState screens(model, machine.motion);
 
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));

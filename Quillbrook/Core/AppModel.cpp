@@ -26,7 +26,10 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     : QObject(parent)
     , m_services(services)
     , m_scanRoot(services.kit.home.realHomeDirectory())
+    , m_ledger(LedgerServices::of(services.kit), TrashLedger::standardStore(services.kit.dataFolder))
+    , m_reclaimedSoFar(services.kit.defaults.integer(reclaimedBytesKey()).value_or(0))
 {
+    m_askingPool.setMaxThreadCount(1);
     m_ticker.setObjectName(QStringLiteral("ticker"));
     m_ticker.setParent(this);
     m_ticker.setInterval(1s);
@@ -125,16 +128,9 @@ void AppModel::setReport(const ReclaimReport &report)
     Q_EMIT reportChanged();
 }
 
-void AppModel::setReclaimLog(const QStringList &lines)
-{
-    if (m_reclaimLog == lines)
-        return;
-    m_reclaimLog = lines;
-    Q_EMIT reclaimLogChanged();
-}
-
 void AppModel::endOfScanCalls()
 {
+    verifyClaim();
     refreshVolume();
 }
 

@@ -10,7 +10,11 @@
 #include "Core/Pane.h"
 #include "Core/ScanProgress.h"
 #include "Core/Scope.h"
+#include "Core/Verification.h"
 #include "Platform/AppServices.h"
+#include "Removal/PathRemoval.h"
+#include "Removal/SafetyNet.h"
+#include "Removal/TrashLedger.h"
 #include "Scan/FastScanner.h"
 #include "Scan/FileTree.h"
 
@@ -21,8 +25,10 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QThreadPool>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,6 +37,7 @@ namespace Quillbrook {
 
 class CatalogueInHand;
 class ScanInHand;
+struct StorageItem;
 
 /// Where the model stands. `message` is set only for `failed`.
 struct Phase
@@ -72,7 +79,6 @@ public:
     void setSearchText(const QString &text);
     void setRequestedPane(std::optional<Pane> pane);
     void setScanRoot(const QString &path);
-    void setReclaimLog(const QStringList &lines);
 
     // Queries over the whole tree, whatever the focus is, largest first.
     [[nodiscard]] QList<NodeSnapshot> largestFiles(qsizetype limit) const;
@@ -82,6 +88,32 @@ public:
     /// The raw path of what a snapshot names, for system calls. From the tree as long as it still holds that
     /// node at that path, else the path's text encoded.
     [[nodiscard]] std::string rawPath(const NodeSnapshot &snapshot) const;
+
+    // Removal. Each blocks for as long as the file operations take, and tells in `reclaimLog` what came of
+    // it.
+    /// Clears findings, remembers what went to the Trash, and scans again; the end of that scan holds what
+    /// was claimed against what the volume says.
+    void reclaim(const QList<Finding> &findings, bool permanently);
+    /// Moves members of a finding to the Trash; those that must not go now are passed over.
+    void removeItems(const QList<StorageItem> &items, const Finding &finding);
+    /// Removes what is selected, unless a guard refuses it. Scans nothing again.
+    void removeSelected(bool permanent);
+    /// Takes over what removals by others than the catalogue did, into the ledger and `uninstallLog`.
+    void absorb(const std::vector<PathRemoval::Removal> &removals, const QString &subject);
+    /// Deletes for good what the ledger still has in the Trash, and nothing else, and scans again.
+    void finishRemoving();
+    void dismissVerification();
+    void clearFreeNowOffer();
+    /// Asks the guards why a thing must stay; absent when it may be removed. May block on the disk: the
+    /// answer is a function to be called on any thread, at any time, which outlives the model.
+    [[nodiscard]] std::function<std::optional<QString>()> guardedPath(const NodeSnapshot &snapshot) const;
+    /// The members of a finding in the present tree; none without one.
+    [[nodiscard]] QList<StorageItem> items(const Finding &finding) const;
+    /// Bytes of what lies at a path (raw), before it goes: a folder's by a scan of its own, a file's length,
+    /// 0 for nothing. Blocks on the disk.
+    [[nodiscard]] qint64 measure(const std::string &path) const;
+    /// Asks off the main thread whether a backup stands behind a deletion.
+    void refreshSafetyNet();
 
     // The volume. A report's figures go before the live ones.
     void refreshVolume();
@@ -104,6 +136,16 @@ public:
     [[nodiscard]] const QString &searchText() const { return m_searchText; }
     /// What removals did, a line each.
     [[nodiscard]] const QStringList &reclaimLog() const { return m_reclaimLog; }
+    [[nodiscard]] const QStringList &uninstallLog() const { return m_uninstallLog; }
+    /// Bytes that the person has cleared, over all runs.
+    [[nodiscard]] qint64 reclaimedSoFar() const { return m_reclaimedSoFar; }
+    /// What the last clearance really achieved; absent before one, and once dismissed.
+    [[nodiscard]] const std::optional<Verification> &lastVerification() const { return m_lastVerification; }
+    /// Bytes just moved to the Trash, as long as the offer to free them stands.
+    [[nodiscard]] std::optional<qint64> freeNowOffer() const { return m_freeNowOffer; }
+    /// Absent until it is known.
+    [[nodiscard]] const std::optional<SafetyNet> &safetyNet() const { return m_safetyNet; }
+    [[nodiscard]] const TrashLedger &ledger() const { return m_ledger; }
     [[nodiscard]] Scope scope() const { return m_scope; }
     [[nodiscard]] std::optional<Pane> requestedPane() const { return m_requestedPane; }
     /// Seconds of the last tree scan; 0 before one.
@@ -127,6 +169,12 @@ Q_SIGNALS:
     void scanRootChanged();
     void searchTextChanged();
     void reclaimLogChanged();
+    void uninstallLogChanged();
+    void reclaimedSoFarChanged();
+    void lastVerificationChanged();
+    void freeNowOfferChanged();
+    void safetyNetChanged();
+    void ledgerChanged();
     void scopeChanged();
     void requestedPaneChanged();
     void lastScanDurationChanged();
@@ -161,6 +209,19 @@ private:
     void tick();
     void clearFocus();
     void setReport(const ReclaimReport &report);
+    /// Of the user default that holds `reclaimedSoFar`.
+    [[nodiscard]] static QString reclaimedBytesKey();
+    void verifyClaim();
+    /// The home folder of the process, in raw bytes.
+    [[nodiscard]] std::string rawHome() const;
+    [[nodiscard]] qint64 presentFree() const;
+    [[nodiscard]] std::optional<TrashedItem> moveItem(const StorageItem &item);
+    void record(const std::vector<TrashedItem> &items);
+    void recordReclaimed(qint64 bytes);
+    void appendLog(const QString &line);
+    void prependLog(const QString &line);
+    void offerToFree(qint64 bytes);
+    QCoro::Task<> askForSafetyNet();
 
     AppServices m_services;
     Phase m_phase;
@@ -174,12 +235,16 @@ private:
     double m_lastScanDuration = 0;
     QString m_searchText;
     QStringList m_reclaimLog;
+    std::optional<SafetyNet> m_safetyNet;
     Scope m_scope = Scope::quiet;
     std::optional<Pane> m_requestedPane;
     std::shared_ptr<ScanInHand> m_scanner;
     std::shared_ptr<CatalogueInHand> m_catalogue;
     bool m_hasScanned = false;
     quint64 m_scanToken = 0;
+    TrashLedger m_ledger;
+    qint64 m_reclaimedSoFar = 0;
+    std::optional<Verification> m_lastVerification;
     quint64 m_treeGeneration = 0;
     qsizetype m_scannedFileCount = 0;
     QStringList m_breadcrumbNames;
@@ -187,6 +252,7 @@ private:
     /// The bar's value, 0 to 1, master copy.
     double m_progress = 0;
     QElapsedTimer m_sinceScanStart;
+    std::optional<qint64> m_freeBeforeReclaim;
     QTimer m_ticker;
     QCoro::Task<> m_scanTask;
     /// What of this and of earlier scans may still run on the pool.
@@ -196,6 +262,12 @@ private:
     qint64 m_liveTotal = 0;
     QString m_menuBarTitle = QStringLiteral("—");
     QTimer m_volumeClock;
+    QStringList m_uninstallLog;
+    std::optional<qint64> m_pendingClaim;
+    std::optional<qint64> m_freeNowOffer;
+    /// A thread beside the pool's, so that no scan waits for a backup program to answer. Its end is waited
+    /// for.
+    QThreadPool m_askingPool;
 };
 
 } // namespace Quillbrook

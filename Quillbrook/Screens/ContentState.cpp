@@ -22,6 +22,7 @@ void ContentState::appear()
         return;
     m_didStart = true;
     m_model.refreshVolume();
+    m_model.refreshSafetyNet();
     startScanning();
 }
 

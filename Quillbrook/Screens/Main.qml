@@ -23,8 +23,17 @@ Window {
         value: root.screens.reducedMotion
     }
 
+    onActiveChanged: {
+        if (active)
+            screens.warden.lookAgain();
+    }
+
     ContentView {
         anchors.fill: parent
         screens: root.screens
+    }
+
+    FreeNowDialog {
+        offer: root.screens.freeNow
     }
 }

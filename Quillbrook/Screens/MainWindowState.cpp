@@ -20,6 +20,7 @@ MainWindowState::MainWindowState(AppModel &model, MotionPreference &motion, QObj
     , m_selection(model)
     , m_scanning(model.scanProgress())
     , m_askBar(m_content)
+    , m_freeNow(model)
 {
     connect(&m_motion, &MotionPreference::changed, this, &MainWindowState::reducedMotionChanged);
     connect(&m_content, &ContentState::paneChanged, this, &MainWindowState::followPane);

@@ -6,6 +6,7 @@
 #include "Screens/AskBarState.h"
 #include "Screens/BreadcrumbModel.h"
 #include "Screens/ContentState.h"
+#include "Screens/FreeNowState.h"
 #include "Screens/LargestState.h"
 #include "Screens/MapState.h"
 #include "Screens/ScanningState.h"
@@ -41,6 +42,7 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::SelectionBarState *selection READ selection CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::ScanningState *scanning READ scanning CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::FreeNowState *freeNow READ freeNow CONSTANT FINAL)
     /// The person has asked their desktop for less movement.
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged FINAL)
 
@@ -59,6 +61,7 @@ public:
     [[nodiscard]] SelectionBarState *selection() { return &m_selection; }
     [[nodiscard]] ScanningState *scanning() { return &m_scanning; }
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
+    [[nodiscard]] FreeNowState *freeNow() { return &m_freeNow; }
     [[nodiscard]] bool reducedMotion() const;
 
 Q_SIGNALS:
@@ -80,6 +83,7 @@ private:
     SelectionBarState m_selection;
     ScanningState m_scanning;
     AskBarState m_askBar;
+    FreeNowState m_freeNow;
 };
 
 } // namespace Quillbrook

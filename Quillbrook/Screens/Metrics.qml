@@ -60,6 +60,7 @@ QtObject {
     readonly property int wardenHeaderHeight: 79
     readonly property int wardenHeadingHeight: 40
     readonly property int findingInset: 14
+    readonly property int bannerGap: 10
     readonly property int tooltipWidth: 320
     readonly property int tooltipPaddingX: 9
     readonly property int tooltipPaddingY: 6

@@ -12,13 +12,16 @@ Card {
 
     Accessible.name: selection.name
     Accessible.role: Accessible.Grouping
-    implicitHeight: Metrics.selectionBarHeight
+    implicitHeight: Metrics.selectionBarHeight + (notice.visible ? notice.implicitHeight + Metrics.space12 : 0)
     visible: selection.present
 
     RowLayout {
-        anchors.fill: parent
+        anchors.left: parent.left
         anchors.leftMargin: Metrics.space16
+        anchors.right: parent.right
         anchors.rightMargin: Metrics.space8
+        anchors.top: parent.top
+        height: Metrics.selectionBarHeight
         spacing: Metrics.space12
 
         Symbol {
@@ -98,10 +101,74 @@ Card {
             onClicked: root.selection.reveal()
         }
 
+        PushButton {
+            text: "Move to Trash"
+            visible: root.selection.removable
+            onClicked: root.selection.askToRemove(false)
+        }
+
+        PushButton {
+            kind: PushButton.Destructive
+            text: "Delete permanently"
+            visible: root.selection.removable
+            onClicked: root.selection.askToRemove(true)
+        }
+
         SymbolButton {
             symbol: "xmark"
             text: "Clear selection"
             onClicked: root.selection.dismiss()
+        }
+    }
+
+    // Why it can't be removed, in place of the buttons that would.
+    RowLayout {
+        id: notice
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Metrics.space12
+        anchors.left: parent.left
+        anchors.leftMargin: Metrics.space16
+        anchors.right: parent.right
+        anchors.rightMargin: Metrics.space16
+        spacing: Metrics.space12
+        visible: root.selection.refusal !== ""
+
+        Symbol {
+            Layout.alignment: Qt.AlignTop
+            color: Theme.careful
+            name: "hand.raised.fill"
+        }
+
+        BodyText {
+            Layout.fillWidth: true
+            font.pointSize: Metrics.smallFont
+            text: root.selection.refusal
+            wrapMode: Text.Wrap
+        }
+    }
+
+    Connections {
+        function onRemoveAsked() {
+            confirming.open();
+        }
+
+        target: root.selection
+    }
+
+    ConfirmDialog {
+        id: confirming
+
+        message: root.selection.confirmMessage
+        title: root.selection.confirmTitle
+
+        PushButton {
+            kind: root.selection.permanently ? PushButton.Destructive : PushButton.Plain
+            text: root.selection.confirmAction
+            onClicked: {
+                confirming.close();
+                root.selection.remove();
+            }
         }
     }
 }

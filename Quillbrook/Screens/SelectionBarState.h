@@ -33,6 +33,15 @@ class SelectionBarState : public QObject
     /// Shortened for reading.
     Q_PROPERTY(QString path READ path NOTIFY itemChanged FINAL)
     Q_PROPERTY(bool canOpen READ canOpen NOTIFY itemChanged FINAL)
+    /// Why the item must stay; empty where it may go, and until that is known.
+    Q_PROPERTY(QString refusal READ refusal NOTIFY refusalChanged FINAL)
+    /// It is known that the item may go.
+    Q_PROPERTY(bool removable READ removable NOTIFY refusalChanged FINAL)
+    /// The question before a removal: its words, and those on its button.
+    Q_PROPERTY(QString confirmTitle READ confirmTitle NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(QString confirmMessage READ confirmMessage NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(QString confirmAction READ confirmAction NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(bool permanently READ permanently NOTIFY confirmChanged FINAL)
     /// How many things a folder holds; empty until counted, and for fewer than two.
     Q_PROPERTY(QString items READ items NOTIFY itemsChanged FINAL)
 
@@ -53,6 +62,12 @@ public:
     [[nodiscard]] QString path() const;
     [[nodiscard]] bool canOpen() const;
     [[nodiscard]] QString items() const;
+    [[nodiscard]] QString refusal() const;
+    [[nodiscard]] bool removable() const;
+    [[nodiscard]] QString confirmTitle() const;
+    [[nodiscard]] QString confirmMessage() const;
+    [[nodiscard]] QString confirmAction() const;
+    [[nodiscard]] bool permanently() const { return m_permanently; }
 
     /// Goes into the selected folder and shows the map.
     Q_INVOKABLE void open();
@@ -60,19 +75,38 @@ public:
     Q_INVOKABLE void reveal();
     /// Clears the selection.
     Q_INVOKABLE void dismiss();
+    /// Notes how the item should go, and tells that it has to be asked about.
+    Q_INVOKABLE void askToRemove(bool permanently);
+    /// Removes the item that was asked about, if it is still the one selected.
+    Q_INVOKABLE void remove();
 
 Q_SIGNALS:
     void itemChanged();
     void itemsChanged();
+    void refusalChanged();
+    void confirmChanged();
+    void removeAsked();
 
 private:
     void refresh();
+    QCoro::Task<> judge(NodeSnapshot item);
+    /// What guards say of an item, once they have.
+    struct Judgement
+    {
+        std::optional<QString> refusal{};
+
+        bool operator==(const Judgement &) const = default;
+    };
+    void setJudgement(const std::optional<Judgement> &judgement);
     QCoro::Task<> count(NodeSnapshot item);
     void setInside(const std::optional<PathRemoval::ItemCount> &inside);
 
     AppModel &m_model;
     Counter m_counter;
     std::optional<PathRemoval::ItemCount> m_inside;
+    std::optional<Judgement> m_judgement;
+    std::optional<NodeSnapshot> m_asked;
+    bool m_permanently = false;
 };
 
 } // namespace Quillbrook

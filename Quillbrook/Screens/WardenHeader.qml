@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quillbrook
 
-// How much is ticked on the screen "Free up space".
+// How much is ticked on the screen "Free up space", and the way to clear it.
 Item {
     id: root
 
@@ -14,8 +14,8 @@ Item {
     Column {
         anchors.left: parent.left
         anchors.leftMargin: Metrics.paneInset
-        anchors.right: parent.right
-        anchors.rightMargin: Metrics.paneInset
+        anchors.right: button.left
+        anchors.rightMargin: Metrics.space12
         anchors.verticalCenter: parent.verticalCenter
 
         FigureText {
@@ -28,5 +28,18 @@ Item {
             text: root.warden.counts
             width: parent.width
         }
+    }
+
+    PushButton {
+        id: button
+
+        anchors.right: parent.right
+        anchors.rightMargin: Metrics.paneInset
+        anchors.verticalCenter: parent.verticalCenter
+        enabled: root.warden.canReclaim
+        implicitHeight: Metrics.prominentHeight
+        kind: PushButton.Prominent
+        text: "Move to Trash"
+        onClicked: root.warden.askToReclaim()
     }
 }

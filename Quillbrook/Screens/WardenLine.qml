@@ -18,15 +18,15 @@ Item {
     Accessible.name: row.title + ", " + row.size
     Accessible.role: Accessible.ListItem
     Keys.onSpacePressed: warden.toggle(index)
-    implicitHeight: content.implicitHeight
+    implicitHeight: content.implicitHeight + (kind === WardenLines.Banner ? Metrics.bannerGap : 0)
 
     Loader {
         id: content
 
         sourceComponent: {
             switch (root.kind) {
-            case WardenLines.CompleteScanOffer:
-                return offer;
+            case WardenLines.Banner:
+                return banner;
             case WardenLines.Finding:
                 return finding;
             case WardenLines.LogLine:
@@ -40,10 +40,11 @@ Item {
 
     // qmllint disable unqualified
     Component {
-        id: offer
+        id: banner
 
-        CompleteScanOffer {
-            onAccepted: root.warden.scanEverything()
+        WardenBanner {
+            row: root.row
+            onActed: root.warden.act(root.index)
         }
     }
 

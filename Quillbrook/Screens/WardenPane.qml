@@ -82,4 +82,56 @@ ColumnLayout {
             }
         }
     }
+
+    Connections {
+        function onFinishAsked() {
+            finishing.open();
+        }
+
+        function onReclaimAsked() {
+            confirming.open();
+        }
+
+        target: root.warden
+    }
+
+    ConfirmDialog {
+        id: confirming
+
+        message: root.warden.confirmMessage
+        title: root.warden.confirmTitle
+
+        PushButton {
+            text: root.warden.confirmAction
+            onClicked: {
+                confirming.close();
+                root.warden.reclaim(false);
+            }
+        }
+
+        PushButton {
+            kind: PushButton.Destructive
+            text: "Delete permanently"
+            onClicked: {
+                confirming.close();
+                root.warden.reclaim(true);
+            }
+        }
+    }
+
+    ConfirmDialog {
+        id: finishing
+
+        message: "This frees the space immediately and cannot be undone. Only the items Quillbrook moved are removed."
+        title: root.warden.finishTitle
+
+        PushButton {
+            kind: PushButton.Destructive
+            text: "Remove permanently"
+            onClicked: {
+                finishing.close();
+                root.warden.finishRemoving();
+            }
+        }
+    }
 }

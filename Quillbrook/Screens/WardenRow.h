@@ -18,7 +18,7 @@ class WardenLines : public QObject
     QML_UNCREATABLE("Only names its values")
 
 public:
-    enum class Kind { CompleteScanOffer, Heading, Finding, LogHeading, LogLine };
+    enum class Kind { Banner, Heading, Finding, LogHeading, LogLine };
     Q_ENUM(Kind)
 };
 
@@ -31,6 +31,9 @@ struct WardenRow
     Q_PROPERTY(QString size MEMBER size FINAL)
     Q_PROPERTY(QString note MEMBER note FINAL)
     Q_PROPERTY(QColor tone MEMBER tone FINAL)
+    Q_PROPERTY(QString symbol MEMBER symbol FINAL)
+    Q_PROPERTY(bool tinted MEMBER tinted FINAL)
+    Q_PROPERTY(QString action MEMBER action FINAL)
     Q_PROPERTY(QString ages MEMBER ages FINAL)
     Q_PROPERTY(QString what MEMBER what FINAL)
     Q_PROPERTY(QString regenerates MEMBER regenerates FINAL)
@@ -43,17 +46,23 @@ struct WardenRow
 
 public:
     WardenLines::Kind kind = WardenLines::Kind::Finding;
-    /// The finding's id; empty for other lines.
+    /// The finding's id, or which banner it is; empty for other lines.
     QString id{};
-    /// The finding's or the heading's words, or the line of the log.
+    /// The finding's, the banner's or the heading's words, or the line of the log.
     QString title{};
     /// Of the finding, or of all that the section counts.
     QString size{};
     /// Behind a heading, what else holds for its section; under a finding, why clearing it would not help.
     QString note{};
-    /// Of a heading's dot.
+    /// Of a heading's dot, or of a banner.
     QColor tone{};
+    /// Of a banner: its symbol, whether its ground takes the tone, and the words on its button, if it has
+    /// one.
+    QString symbol{};
+    bool tinted = false;
+    QString action{};
     QString ages{};
+    /// What a finding is, or what a banner tells.
     QString what{};
     QString regenerates{};
     /// Shortened for reading.

@@ -31,6 +31,87 @@ QColor tone(Safety safety)
     return Theme::label();
 }
 
+WardenRow netBanner()
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = safetyNetBanner,
+        .title = tr("This Mac has no backup"),
+        .tone = Theme::careful(),
+        .symbol = QStringLiteral("exclamationmark.shield.fill"),
+        .tinted = true,
+        .what
+        = tr("No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
+             "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On a "
+             "modern Mac, no recovery tool can bring it back.") };
+}
+
+WardenRow banner(const Verification &verification)
+{
+    const auto went = tr("Free space went %1 → %2.")
+                          .arg(Format::bytes(verification.freeBefore), Format::bytes(verification.freeAfter));
+    WardenRow row{ .kind = WardenLines::Kind::Banner, .id = verificationBanner, .action = tr("Dismiss") };
+    if (verification.isGood()) {
+        row.title
+            = tr("%1 actually freed").arg(Format::bytes(verification.freeAfter - verification.freeBefore));
+        row.what = went + tr(" Measured, not estimated.");
+        row.symbol = QStringLiteral("checkmark.seal.fill");
+        row.tone = Theme::safe();
+    } else {
+        row.title
+            = tr("Removed %1, but free space barely moved").arg(Format::bytes(verification.claimedBytes));
+        row.what = went
+            + tr(" Either it is still in the Trash, or something else wrote to the disk at the same time — a "
+                 "build "
+                 "running in the background will do it. Rescan to see the current picture.");
+        row.symbol = QStringLiteral("questionmark.circle");
+        row.tone = Theme::careful();
+    }
+    return row;
+}
+
+WardenRow banner(const TrashLedger::Pending &pending)
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = pendingTrashBanner,
+        .title = tr("%1 is in the Trash, still taking up space").arg(Format::bytes(pending.bytes)),
+        .tone = Theme::accent(),
+        .symbol = QStringLiteral("trash"),
+        .action = tr("Finish removing"),
+        .what
+        = tr("The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
+             "will remove only the %1 items it moved — never anything else you have thrown away.")
+              .arg(QString::number(pending.count)) };
+}
+
+WardenRow scanOffer()
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = completeScanOffer,
+        .title = tr("Photos, Music, Documents and other apps' data weren't measured"),
+        .tone = Theme::label(),
+        .symbol = QStringLiteral("lock.circle"),
+        .action = tr("Include them"),
+        .what
+        = tr("Photos, Music, Documents and other apps' files are protected by macOS, so Quillbrook has not "
+             "looked at them. Including them shows you the whole disk — your Mac will ask your permission "
+             "once "
+             "for each one.") };
+}
+
+QList<WardenRow> banners(const Input &input)
+{
+    QList<WardenRow> rows;
+    if (input.safetyNet && input.safetyNet->isUnprotected())
+        rows.append(netBanner());
+    if (input.verification)
+        rows.append(banner(*input.verification));
+    if (input.pending.bytes > 0)
+        rows.append(banner(input.pending));
+    if (input.offersCompleteScan)
+        rows.append(scanOffer());
+    return rows;
+}
+
 WardenRow heading(const ReclaimReport &report, Safety safety)
 {
     return { .kind = WardenLines::Kind::Heading,
@@ -78,9 +159,7 @@ void addSection(QList<WardenRow> &rows, const QList<Finding> &findings, Safety s
 
 QList<WardenRow> rows(const Input &input)
 {
-    QList<WardenRow> rows;
-    if (input.offersCompleteScan)
-        rows.append(WardenRow{ .kind = WardenLines::Kind::CompleteScanOffer });
+    auto rows = banners(input);
     if (input.report) {
         const auto findings = input.report->deletable();
         for (const auto safety : sections)

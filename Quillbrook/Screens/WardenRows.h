@@ -3,6 +3,9 @@
 // What the screen "Free up space" lists, in order, and what of it may be picked. Pure functions.
 
 #include "Catalogue/ReclaimReport.h"
+#include "Core/Verification.h"
+#include "Removal/SafetyNet.h"
+#include "Removal/TrashLedger.h"
 #include "Screens/WardenRow.h"
 
 #include <QDateTime>
@@ -14,6 +17,12 @@
 
 namespace Quillbrook::WardenRows {
 
+/// Which banner a line is, as its id.
+inline constexpr QLatin1String safetyNetBanner("safetyNet");
+inline constexpr QLatin1String verificationBanner("verification");
+inline constexpr QLatin1String pendingTrashBanner("pendingTrash");
+inline constexpr QLatin1String completeScanOffer("completeScan");
+
 /// Everything that decides what the list says.
 struct Input
 {
@@ -21,6 +30,10 @@ struct Input
     /// Ids of the ticked findings, and of those whose place is shown. Ids of nothing are ignored.
     const QSet<QString> &chosen;
     const QSet<QString> &pathShown;
+    const std::optional<SafetyNet> &safetyNet;
+    const std::optional<Verification> &verification;
+    /// What Quillbrook moved to the Trash and what still lies there.
+    TrashLedger::Pending pending{};
     bool offersCompleteScan = false;
     const QStringList &log;
     /// What paths are shortened by.

@@ -3,6 +3,8 @@
 // What the screen "Free up space" shows and does: what was found, by how safe it is to clear, what of it is
 // ticked, and how much that comes to. Main thread only; the model outlives it.
 
+#include "Catalogue/Finding.h"
+#include "Removal/TrashLedger.h"
 #include "Screens/WardenListModel.h"
 
 #include <QObject>
@@ -13,7 +15,6 @@
 namespace Quillbrook {
 
 class AppModel;
-struct Finding;
 
 class WardenState : public QObject
 {
@@ -25,6 +26,14 @@ class WardenState : public QObject
     /// How much is ticked, and how many of how many.
     Q_PROPERTY(QString total READ total NOTIFY selectionChanged FINAL)
     Q_PROPERTY(QString counts READ counts NOTIFY selectionChanged FINAL)
+    /// Whether anything is ticked that can go.
+    Q_PROPERTY(bool canReclaim READ canReclaim NOTIFY selectionChanged FINAL)
+    /// The question before a removal: its words, and those on its button.
+    Q_PROPERTY(QString confirmTitle READ confirmTitle NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(QString confirmMessage READ confirmMessage NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(QString confirmAction READ confirmAction NOTIFY confirmChanged FINAL)
+    /// The question before what lies in the Trash goes for good.
+    Q_PROPERTY(QString finishTitle READ finishTitle NOTIFY pendingChanged FINAL)
     /// The sentence of a list without anything to clear; empty otherwise.
     Q_PROPERTY(QString emptyMessage READ emptyMessage NOTIFY emptyMessageChanged FINAL)
 
@@ -39,6 +48,11 @@ public:
     [[nodiscard]] const QString &total() const { return m_total; }
     [[nodiscard]] const QString &counts() const { return m_counts; }
     [[nodiscard]] const QString &emptyMessage() const { return m_emptyMessage; }
+    [[nodiscard]] bool canReclaim() const { return m_canReclaim; }
+    [[nodiscard]] QString confirmTitle() const;
+    [[nodiscard]] QString confirmMessage() const;
+    [[nodiscard]] QString confirmAction() const;
+    [[nodiscard]] QString finishTitle() const;
 
     /// The ticked findings that are there, in the report's order.
     [[nodiscard]] QList<Finding> chosenFindings() const;
@@ -52,12 +66,25 @@ public:
     Q_INVOKABLE void togglePath(int row);
     /// Shows a row's finding in the file manager.
     Q_INVOKABLE void reveal(int row);
-    /// Scans the whole home folder.
-    Q_INVOKABLE void scanEverything();
+    /// Does what the button of a row's banner says, or tells by a signal that it has to be asked about first.
+    Q_INVOKABLE void act(int row);
+    /// Takes down what is ticked now, and tells that it has to be asked about. What is ticked, found or
+    /// sorted otherwise meanwhile changes nothing about what the answer does.
+    Q_INVOKABLE void askToReclaim();
+    /// Removes what was asked about, and unticks everything.
+    Q_INVOKABLE void reclaim(bool permanently);
+    /// Deletes for good what lies in the Trash of what Quillbrook moved there.
+    Q_INVOKABLE void finishRemoving();
+    /// Takes note that the window is looked at again: the Trash may have been emptied meanwhile.
+    Q_INVOKABLE void lookAgain();
 
 Q_SIGNALS:
     void selectionChanged();
     void emptyMessageChanged();
+    void confirmChanged();
+    void pendingChanged();
+    void reclaimAsked();
+    void finishAsked();
 
 private:
     void followPhase();
@@ -69,6 +96,9 @@ private:
     WardenListModel m_rows;
     QSet<QString> m_chosen;
     QSet<QString> m_pathShown;
+    QList<Finding> m_asked;
+    TrashLedger::Pending m_pending;
+    bool m_canReclaim = false;
     QString m_total;
     QString m_counts;
     QString m_emptyMessage;

@@ -37,6 +37,8 @@ public:
     [[nodiscard]] virtual std::optional<FileKind> kind(const std::string &path) const = 0;
     /// The dates of what `path` leads to, links followed; absent when they can't be read.
     [[nodiscard]] virtual std::optional<FileDates> dates(const std::string &path) const = 0;
+    /// How many bytes the file at `path` itself is long, a link not followed; absent when it can't be asked.
+    [[nodiscard]] virtual std::optional<qint64> length(const std::string &path) const = 0;
 };
 
 } // namespace Quillbrook

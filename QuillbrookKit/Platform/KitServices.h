@@ -3,18 +3,25 @@
 // What the Kit asks of the machine, gathered once by the application entry and handed down.
 // Plain references: the owner outlives everything that gets them.
 
+#include <string>
+
 namespace Quillbrook {
 
+class BackupProbe;
 class Clock;
 class DirectoryReading;
 class FileFacts;
 class FileReading;
+class FileRemoval;
+class FileWriting;
 class HomeFolder;
 class HostKnowledge;
 class ProcessRunner;
 class Processors;
+class Trash;
 class UserDefaults;
 class Volumes;
+struct HostGuards;
 
 struct KitServices
 {
@@ -28,6 +35,14 @@ struct KitServices
     ProcessRunner &processes;
     Clock &clock;
     HostKnowledge &host;
+    Trash &trash;
+    FileRemoval &removal;
+    FileWriting &writing;
+    BackupProbe &backups;
+    /// The guards that the machine adds to the built-in ones.
+    const HostGuards &guards;
+    /// Where programs keep the user's data: absolute, in raw bytes.
+    std::string dataFolder{};
 };
 
 } // namespace Quillbrook

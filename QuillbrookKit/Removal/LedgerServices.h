@@ -2,12 +2,9 @@
 
 // What keeping the ledger asks of the machine. Plain references: the owner outlives the ledger.
 
-namespace Quillbrook {
+#include "Platform/KitServices.h"
 
-class FileFacts;
-class FileReading;
-class FileWriting;
-class Trash;
+namespace Quillbrook {
 
 struct LedgerServices
 {
@@ -15,6 +12,12 @@ struct LedgerServices
     FileWriting &writing;
     const FileFacts &files;
     Trash &trash;
+
+    /// That part of all there is.
+    [[nodiscard]] static LedgerServices of(const KitServices &kit)
+    {
+        return { .reading = kit.reading, .writing = kit.writing, .files = kit.files, .trash = kit.trash };
+    }
 };
 
 } // namespace Quillbrook

@@ -2,12 +2,9 @@
 
 // What removing asks of the machine. Plain references: the owner outlives every call.
 
-namespace Quillbrook {
+#include "Platform/KitServices.h"
 
-class Clock;
-class FileFacts;
-class FileRemoval;
-class Trash;
+namespace Quillbrook {
 
 struct RemovalServices
 {
@@ -15,6 +12,12 @@ struct RemovalServices
     FileRemoval &removal;
     const FileFacts &files;
     const Clock &clock;
+
+    /// That part of all there is.
+    [[nodiscard]] static RemovalServices of(const KitServices &kit)
+    {
+        return { .trash = kit.trash, .removal = kit.removal, .files = kit.files, .clock = kit.clock };
+    }
 };
 
 } // namespace Quillbrook

@@ -15,6 +15,7 @@ public:
     {
         FileKind kind = FileKind::directory;
         std::optional<FileDates> dates{};
+        std::optional<qint64> length{};
     };
 
     [[nodiscard]] std::optional<FileKind> kind(const std::string &path) const override
@@ -27,6 +28,12 @@ public:
     {
         const auto found = entries.find(path);
         return found == entries.end() ? std::nullopt : found->second.dates;
+    }
+
+    [[nodiscard]] std::optional<qint64> length(const std::string &path) const override
+    {
+        const auto found = entries.find(path);
+        return found == entries.end() ? std::nullopt : found->second.length;
     }
 
     std::map<std::string, Entry> entries{};

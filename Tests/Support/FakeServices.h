@@ -4,17 +4,20 @@
 // figures and with nothing in the catalogue's places.
 
 #include "Platform/AppServices.h"
+#include "Removal/HostGuards.h"
+#include "Support/FakeBackupProbe.h"
 #include "Support/FakeClock.h"
 #include "Support/FakeDirectories.h"
 #include "Support/FakeFileFacts.h"
-#include "Support/FakeFileReading.h"
 #include "Support/FakeFileRevealer.h"
 #include "Support/FakeHomeFolder.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/FakeProcessors.h"
+#include "Support/FakeTrash.h"
 #include "Support/FakeUserDefaults.h"
 #include "Support/FakeVolumes.h"
+#include "Support/MemoryFiles.h"
 
 namespace Quillbrook {
 
@@ -26,10 +29,13 @@ struct FakeServices
     FakeUserDefaults defaults;
     FakeHomeFolder home;
     FakeFileFacts files;
-    FakeFileReading reading;
     FakeProcessRunner processes;
     FakeClock clock;
     FakeHostKnowledge host;
+    FakeTrash trash;
+    MemoryFiles stored;
+    FakeBackupProbe backups;
+    HostGuards guards;
     FakeFileRevealer revealer;
 
     AppServices services{
@@ -39,10 +45,16 @@ struct FakeServices
             .defaults = defaults,
             .home = home,
             .files = files,
-            .reading = reading,
+            .reading = stored,
             .processes = processes,
             .clock = clock,
-            .host = host },
+            .host = host,
+            .trash = trash,
+            .removal = trash,
+            .writing = stored,
+            .backups = backups,
+            .guards = guards,
+            .dataFolder = "/home/someone/.local/share" },
         .revealer = revealer,
     };
 };

@@ -78,6 +78,7 @@ public:
         return things.contains(path) ? std::optional(FileKind::other) : std::nullopt;
     }
     [[nodiscard]] std::optional<FileDates> dates(const std::string &) const override { return std::nullopt; }
+    [[nodiscard]] std::optional<qint64> length(const std::string &) const override { return std::nullopt; }
 
 private:
     [[nodiscard]] std::optional<QString> failure(const std::string &path) const

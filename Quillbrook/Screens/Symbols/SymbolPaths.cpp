@@ -81,12 +81,12 @@ constexpr std::array rows{
         "14.4 "
         "5.4 13.4 4.2 11.8 L 2.2 9.1 C 1.5 8 3 6.9 3.9 7.9 Z M 6.8 4 L 6.8 7.4 M 9 3.8 L 9 7.4 M 11.2 5.6 L "
         "11.2 7.8" },
-    Row{ "exclamationmark.shield",
+    Row{ "exclamationmark.shield.fill",
         "M 8 1.6 L 13.4 3.4 L 13.4 7.8 C 13.4 11 11.2 13.3 8 14.6 C 4.8 13.3 2.6 11 2.6 7.8 L 2.6 3.4 Z "
         "M 8 5 L 8 8.2",
         "O 8 10.9 1" },
     Row{ "exclamationmark.triangle", "M 8 2 L 14.6 13.6 L 1.4 13.6 Z M 8 6.4 L 8 9.2", "O 8 11.5 0.95" },
-    Row{ "checkmark.seal", "O 8 8 6.3 M 5.2 8.3 L 7.2 10.3 L 10.9 6" },
+    Row{ "checkmark.seal.fill", "O 8 8 6.3 M 5.2 8.3 L 7.2 10.3 L 10.9 6" },
     Row{ "questionmark.circle", "O 8 8 6.3 M 6.2 6.5 C 6.2 4.3 9.9 4.3 9.9 6.6 C 9.9 8.1 8 7.9 8 9.3",
         "O 8 11.4 0.9" },
 };

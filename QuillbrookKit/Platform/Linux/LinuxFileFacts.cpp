@@ -34,4 +34,12 @@ std::optional<FileDates> LinuxFileFacts::dates(const std::string &path) const
     return dates;
 }
 
+std::optional<qint64> LinuxFileFacts::length(const std::string &path) const
+{
+    struct statx facts = {};
+    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | gently, STATX_SIZE, &facts) != 0)
+        return std::nullopt;
+    return static_cast<qint64>(facts.stx_size);
+}
+
 } // namespace Quillbrook

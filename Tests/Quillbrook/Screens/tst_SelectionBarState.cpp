@@ -1,4 +1,5 @@
 #include "Screens/SelectionBarState.h"
+#include "Support/HomeOnDisk.h"
 #include "Support/ScannedHome.h"
 #include "Support/TempTree.h"
 
@@ -47,6 +48,26 @@ struct CountedFixture : ScannedHome
     SelectionBarState bar;
 };
 
+// Real files, a folder of three among them.
+struct DiskFixture : HomeOnDisk
+{
+    DiskFixture()
+    {
+        tree.file("home/notes.txt", 4096);
+        tree.file("home/project/one", 4096);
+        tree.file("home/project/two", 4096);
+        scan();
+    }
+
+    void select(const std::string &name)
+    {
+        model->setSelection(node(name));
+        QTRY_VERIFY(bar.removable());
+    }
+
+    SelectionBarState bar{ *model };
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Quillbrook::PathRemoval::ItemCount)
@@ -72,6 +93,15 @@ private Q_SLOTS:
     void openOfAnOlderTreesFolderDoesNothing();
     void revealShowsTheRawPath();
     void dismissClearsTheSelection();
+    void refusalStandsInPlaceOfTheRemoval();
+    void whatMayGoIsKnownOnlyOnceTheGuardsHaveAnswered();
+    void questionNamesWhatHowAndWhere_data();
+    void questionNamesWhatHowAndWhere();
+    void questionTellsHowManyThingsGo();
+    void questionSaysThatThereIsNoOtherCopy();
+    void answerRemovesWhatWasAskedAbout();
+    void answerAboutAnotherSelectionDoesNothing();
+    void answerWithoutAQuestionDoesNothing();
 };
 
 void SelectionBarStateTest::isAbsentWithoutASelection()
@@ -269,6 +299,142 @@ void SelectionBarStateTest::dismissClearsTheSelection()
     fixture.bar.dismiss();
     QVERIFY(!fixture.model.selection());
     QVERIFY(!fixture.bar.present());
+}
+
+void SelectionBarStateTest::refusalStandsInPlaceOfTheRemoval()
+{
+    DiskFixture fixture;
+    fixture.model->setSelection(fixture.model->tree()->snapshot(fixture.model->rootNode()));
+    QTRY_VERIFY(!fixture.bar.refusal().isEmpty());
+    QVERIFY(!fixture.bar.removable());
+    fixture.bar.askToRemove(true);
+    fixture.bar.remove();
+    QVERIFY(fixture.has("notes.txt"));
+    QVERIFY(fixture.model->reclaimLog().isEmpty());
+    fixture.select("notes.txt");
+    QCOMPARE(fixture.bar.refusal(), QString());
+}
+
+void SelectionBarStateTest::whatMayGoIsKnownOnlyOnceTheGuardsHaveAnswered()
+{
+    DiskFixture fixture;
+    QVERIFY(!fixture.bar.removable());
+    fixture.model->setSelection(fixture.node("notes.txt"));
+    QVERIFY(!fixture.bar.removable());
+    QTRY_VERIFY(fixture.bar.removable());
+    fixture.bar.dismiss();
+    QVERIFY(!fixture.bar.removable());
+}
+
+void SelectionBarStateTest::questionNamesWhatHowAndWhere_data()
+{
+    QTest::addColumn<bool>("permanently");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("fate");
+    QTest::newRow("to the Trash")
+        << false << "Move notes.txt to the Trash?"
+        << "Move to Trash"
+        << "It goes to the Trash and can be put back. The space comes back once the Trash is "
+           "emptied.";
+    QTest::newRow("for good") << true << "Delete notes.txt permanently?"
+                              << "Delete permanently"
+                              << "This cannot be undone.";
+}
+
+void SelectionBarStateTest::questionNamesWhatHowAndWhere()
+{
+    QFETCH(bool, permanently);
+    QFETCH(QString, title);
+    QFETCH(QString, action);
+    QFETCH(QString, fate);
+    DiskFixture fixture;
+    fixture.select("notes.txt");
+    QSignalSpy asked(&fixture.bar, &SelectionBarState::removeAsked);
+    fixture.bar.askToRemove(permanently);
+    QCOMPARE(asked.count(), 1);
+    QCOMPARE(fixture.bar.confirmTitle(), title);
+    QCOMPARE(fixture.bar.confirmAction(), action);
+    QCOMPARE(fixture.bar.permanently(), permanently);
+    QCOMPARE(fixture.bar.confirmMessage(),
+        "4.0 KB at ~/notes.txt. " + fate
+            + " Quillbrook did not suggest this item — you chose it off the map, so it has no idea what is "
+              "inside.");
+    QVERIFY(fixture.has("notes.txt"));
+}
+
+void SelectionBarStateTest::questionTellsHowManyThingsGo()
+{
+    DiskFixture fixture;
+    fixture.select("project");
+    QTRY_COMPARE(fixture.bar.items(), QStringLiteral("2 items"));
+    fixture.bar.askToRemove(false);
+    QVERIFY(fixture.bar.confirmMessage().startsWith(QStringLiteral("2 items, 8.0 KB, at ~/project. ")));
+
+    ScannedHome home;
+    SelectionBarState bar(home.model, [](const std::string &, qsizetype cap) {
+        return PathRemoval::ItemCount{ .count = cap, .capped = true };
+    });
+    home.scan();
+    home.model.setSelection(home.snapshot("Projects"));
+    QTRY_COMPARE(bar.items(), QStringLiteral("over 5,000 items"));
+    QVERIFY(bar.confirmMessage().startsWith(QStringLiteral("Over 5,000 items, 120 MB, at ~/Projects. ")));
+}
+
+void SelectionBarStateTest::questionSaysThatThereIsNoOtherCopy()
+{
+    DiskFixture fixture;
+    const auto warning
+        = QStringLiteral("This cannot be undone. This Mac has no backup, so there is no other copy. ");
+    fixture.select("notes.txt");
+    fixture.bar.askToRemove(true);
+    QVERIFY(!fixture.bar.confirmMessage().contains(warning));
+    fixture.backups.backups = {};
+    fixture.model->refreshSafetyNet();
+    QTRY_VERIFY(fixture.model->safetyNet());
+    QVERIFY(fixture.bar.confirmMessage().contains(warning));
+    fixture.bar.askToRemove(false);
+    QVERIFY(!fixture.bar.confirmMessage().contains(QStringLiteral("no backup")));
+}
+
+void SelectionBarStateTest::answerRemovesWhatWasAskedAbout()
+{
+    DiskFixture fixture;
+    fixture.select("notes.txt");
+    fixture.bar.askToRemove(false);
+    fixture.bar.remove();
+    QVERIFY(!fixture.has("notes.txt"));
+    QVERIFY(fixture.isTrashed("notes.txt"));
+    QVERIFY(!fixture.bar.present());
+    fixture.select("project");
+    fixture.bar.askToRemove(true);
+    fixture.bar.remove();
+    QVERIFY(!fixture.has("project"));
+    QVERIFY(!fixture.isTrashed("project"));
+}
+
+void SelectionBarStateTest::answerAboutAnotherSelectionDoesNothing()
+{
+    DiskFixture fixture;
+    fixture.select("notes.txt");
+    fixture.bar.askToRemove(true);
+    fixture.select("project");
+    fixture.bar.remove();
+    QVERIFY(fixture.has("notes.txt"));
+    QVERIFY(fixture.has("project"));
+    // A rescan takes the selection away, and with it the question.
+    fixture.bar.askToRemove(true);
+    fixture.scan();
+    fixture.bar.remove();
+    QVERIFY(fixture.has("project"));
+}
+
+void SelectionBarStateTest::answerWithoutAQuestionDoesNothing()
+{
+    DiskFixture fixture;
+    fixture.select("notes.txt");
+    fixture.bar.remove();
+    QVERIFY(fixture.has("notes.txt"));
 }
 
 QTEST_GUILESS_MAIN(SelectionBarStateTest)

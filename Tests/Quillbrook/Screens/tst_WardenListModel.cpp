@@ -13,9 +13,8 @@ struct Fixture
 {
     Fixture()
     {
-        model.setRows(
-            { { .kind = Kind::CompleteScanOffer }, { .kind = Kind::Heading, .title = "Safe to remove" },
-                { .id = "a", .title = "Trash", .first = true }, { .id = "b", .title = "Saved web pages" } });
+        model.setRows({ { .kind = Kind::Banner }, { .kind = Kind::Heading, .title = "Safe to remove" },
+            { .id = "a", .title = "Trash", .first = true }, { .id = "b", .title = "Saved web pages" } });
         resets.clear();
         changes.clear();
     }
@@ -50,8 +49,7 @@ void WardenListModelTest::lineTellsWhatItIs()
     QCOMPARE(line.data(int(WardenListModel::Role::kind)).toInt(), int(Kind::Finding));
     QCOMPARE(line.data(int(WardenListModel::Role::row)).value<WardenRow>(), fixture.model.rows().at(2));
     QCOMPARE(line.data(Qt::DisplayRole).toString(), QStringLiteral("Trash"));
-    QCOMPARE(
-        fixture.model.index(0).data(int(WardenListModel::Role::kind)).toInt(), int(Kind::CompleteScanOffer));
+    QCOMPARE(fixture.model.index(0).data(int(WardenListModel::Role::kind)).toInt(), int(Kind::Banner));
 }
 
 void WardenListModelTest::changedWordsLeaveTheLinesInPlace()

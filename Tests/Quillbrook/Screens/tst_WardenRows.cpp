@@ -32,6 +32,9 @@ struct Fixture
         return WardenRows::rows({ .report = report,
             .chosen = chosen,
             .pathShown = pathShown,
+            .safetyNet = safetyNet,
+            .verification = verification,
+            .pending = pending,
             .offersCompleteScan = offers,
             .log = log,
             .home = "/home/someone",
@@ -48,6 +51,9 @@ struct Fixture
     std::optional<ReclaimReport> report = ReclaimReport{};
     QSet<QString> chosen;
     QSet<QString> pathShown;
+    std::optional<SafetyNet> safetyNet;
+    std::optional<Verification> verification;
+    TrashLedger::Pending pending;
     bool offers = false;
     QStringList log;
 };
@@ -61,6 +67,11 @@ class WardenRowsTest : public QObject
 private Q_SLOTS:
     void nothingWithoutAReport();
     void offerStandsFirst();
+    void bannersStandInTheirOrder();
+    void missingBackupIsToldOnlyWhenKnown();
+    void verificationIsGoodFromNineTenths_data();
+    void verificationIsGoodFromNineTenths();
+    void pendingTrashTellsHowMuchOfOurs();
     void sectionsGoBySafetyAndHaveOnlyWhatIsThere();
     void headingTellsClassSumAndColour();
     void shownOnlySectionSaysThatNothingIsPicked();
@@ -91,7 +102,95 @@ void WardenRowsTest::offerStandsFirst()
     Fixture fixture;
     fixture.offers = true;
     fixture.report->findings = { finding("a", Safety::safe, 1) };
-    QCOMPARE(fixture.kinds(), QList<Kind>({ Kind::CompleteScanOffer, Kind::Heading, Kind::Finding }));
+    QCOMPARE(fixture.kinds(), QList<Kind>({ Kind::Banner, Kind::Heading, Kind::Finding }));
+}
+
+void WardenRowsTest::bannersStandInTheirOrder()
+{
+    Fixture fixture;
+    fixture.safetyNet = SafetyNet{};
+    fixture.verification = Verification{};
+    fixture.pending = { .count = 1, .bytes = 1 };
+    fixture.offers = true;
+    QStringList ids;
+    for (const auto &row : fixture.rows())
+        ids.append(row.id);
+    QCOMPARE(ids, QStringList({ "safetyNet", "verification", "pendingTrash", "completeScan" }));
+}
+
+void WardenRowsTest::missingBackupIsToldOnlyWhenKnown()
+{
+    Fixture fixture;
+    QVERIFY(fixture.rows().isEmpty());
+    fixture.safetyNet = SafetyNet{ .localSnapshotCount = 1 };
+    QVERIFY(fixture.rows().isEmpty());
+    fixture.safetyNet = SafetyNet{ .hasTimeMachineDestination = true };
+    QVERIFY(fixture.rows().isEmpty());
+    fixture.safetyNet = SafetyNet{};
+    const auto row = fixture.rows().value(0);
+    QCOMPARE(row.title, QStringLiteral("This Mac has no backup"));
+    QCOMPARE(row.what,
+        QStringLiteral(
+            "No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
+            "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On "
+            "a modern Mac, no recovery tool can bring it back."));
+    QVERIFY(row.tinted);
+    QCOMPARE(row.action, QString());
+}
+
+void WardenRowsTest::verificationIsGoodFromNineTenths_data()
+{
+    QTest::addColumn<qint64>("claimed");
+    QTest::addColumn<qint64>("before");
+    QTest::addColumn<qint64>("after");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    const QString barely
+        = " Either it is still in the Trash, or something else wrote to the disk at the same time — a "
+          "build running in the background will do it. Rescan to see the current picture.";
+    QTest::newRow("exactly nine tenths")
+        << qint64(1000) << qint64(100) << qint64(1000) << "900 B actually freed"
+        << "Free space went 100 B → 1000 B. Measured, not estimated.";
+    QTest::newRow("just below") << qint64(1000) << qint64(100) << qint64(999)
+                                << "Removed 1000 B, but free space barely moved"
+                                << "Free space went 100 B → 999 B." + barely;
+    QTest::newRow("more than claimed") << qint64(1000) << qint64(0) << qint64(2048) << "2.0 KB actually freed"
+                                       << "Free space went 0 B → 2.0 KB. Measured, not estimated.";
+    QTest::newRow("less free than before")
+        << qint64(10) << qint64(500) << qint64(400) << "Removed 10 B, but free space barely moved"
+        << "Free space went 500 B → 400 B." + barely;
+    QTest::newRow("nothing claimed") << qint64(0) << qint64(100) << qint64(200)
+                                     << "Removed 0 B, but free space barely moved"
+                                     << "Free space went 100 B → 200 B." + barely;
+}
+
+void WardenRowsTest::verificationIsGoodFromNineTenths()
+{
+    QFETCH(qint64, claimed);
+    QFETCH(qint64, before);
+    QFETCH(qint64, after);
+    QFETCH(QString, title);
+    QFETCH(QString, text);
+    Fixture fixture;
+    fixture.verification = Verification{ .claimedBytes = claimed, .freeBefore = before, .freeAfter = after };
+    const auto row = fixture.rows().value(0);
+    QCOMPARE(row.title, title);
+    QCOMPARE(row.what, text);
+    QCOMPARE(row.action, QStringLiteral("Dismiss"));
+    QCOMPARE(row.tone, fixture.verification->isGood() ? Theme::safe() : Theme::careful());
+}
+
+void WardenRowsTest::pendingTrashTellsHowMuchOfOurs()
+{
+    Fixture fixture;
+    fixture.pending = { .count = 12, .bytes = 3584 };
+    const auto row = fixture.rows().value(0);
+    QCOMPARE(row.title, QStringLiteral("3.5 KB is in the Trash, still taking up space"));
+    QCOMPARE(row.what,
+        QStringLiteral(
+            "The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
+            "will remove only the 12 items it moved — never anything else you have thrown away."));
+    QCOMPARE(row.action, QStringLiteral("Finish removing"));
 }
 
 void WardenRowsTest::sectionsGoBySafetyAndHaveOnlyWhatIsThere()

@@ -1,5 +1,6 @@
 #include "Screens/WardenRows.h"
 #include "Screens/WardenState.h"
+#include "Support/HomeOnDisk.h"
 #include "Support/ScannedHome.h"
 
 #include <QSignalSpy>
@@ -48,6 +49,31 @@ struct Fixture : ScannedHome
     const QString packages = QStringLiteral("Downloaded code packages");
 };
 
+// Real files: packages that come back by themselves, and libraries that cost something.
+struct DiskFixture : HomeOnDisk
+{
+    DiskFixture()
+    {
+        tree.file("home/.npm/_cacache/one", 8192);
+        tree.file("home/.gradle/daemon/log", 4096);
+        tree.file("home/.pub-cache/library", 4096);
+        scan();
+        warden.appear();
+    }
+
+    /// The line of a banner, by its id.
+    [[nodiscard]] int banner(QLatin1String id) const
+    {
+        const auto &rows = warden.rows()->rows();
+        for (int row = 0; row < rows.size(); ++row)
+            if (rows.at(row).id == id)
+                return row;
+        return -1;
+    }
+
+    mutable WardenState warden{ *model };
+};
+
 } // namespace
 
 class WardenStateTest : public QObject
@@ -70,6 +96,18 @@ private Q_SLOTS:
     void offerStandsAsLongAsTheScopeIsQuiet();
     void offerScansEverything();
     void emptyDiskSaysSo();
+    void nothingTickedCannotBeReclaimed();
+    void questionNamesSumAndCount();
+    void questionSaysWhenThereIsNoBackup();
+    void answerMovesWhatIsTickedAndUnticksIt();
+    void answerDeletesForGood();
+    void answerIsAboutWhatWasTickedWhenItWasAsked();
+    void untouchedTicksComeBackAfterTheRescan();
+    void touchedTicksStayEmptyAfterARemoval();
+    void pendingTrashIsToldAndFinished();
+    void pendingTrashGoesByItselfOnceEmptied();
+    void dismissingTheVerificationLeavesThePendingTrash();
+    void missingBackupIsTold();
     void logIsListed();
 };
 
@@ -80,7 +118,7 @@ void WardenStateTest::withoutAReportThereIsNothing()
     QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 0 reclaimable items"));
     QVERIFY(fixture.warden.chosenFindings().isEmpty());
     for (const auto &row : fixture.warden.rows()->rows())
-        QCOMPARE(row.kind, Kind::CompleteScanOffer);
+        QCOMPARE(row.kind, Kind::Banner);
 }
 
 void WardenStateTest::newFindingsArriveTicked()
@@ -224,9 +262,9 @@ void WardenStateTest::rowsOutsideDoNothing()
 void WardenStateTest::offerStandsAsLongAsTheScopeIsQuiet()
 {
     Fixture fixture;
-    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::CompleteScanOffer);
+    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
     fixture.scan(Scope::quiet);
-    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::CompleteScanOffer);
+    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
     fixture.scan(Scope::complete);
     QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Heading);
 }
@@ -235,7 +273,7 @@ void WardenStateTest::offerScansEverything()
 {
     Fixture fixture;
     fixture.scan(Scope::quiet);
-    fixture.warden.scanEverything();
+    fixture.warden.act(0);
     QCOMPARE(fixture.model.phase().kind, Phase::Kind::scanning);
     QCOMPARE(fixture.model.scope(), Scope::complete);
     QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
@@ -252,13 +290,174 @@ void WardenStateTest::emptyDiskSaysSo()
     QCOMPARE(warden.emptyMessage(), QString());
 }
 
+void WardenStateTest::nothingTickedCannotBeReclaimed()
+{
+    DiskFixture fixture;
+    QVERIFY(fixture.warden.canReclaim());
+    QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        if (fixture.warden.rows()->rows().at(row).ticked)
+            fixture.warden.toggle(row);
+    QVERIFY(!fixture.warden.canReclaim());
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(true);
+    QCOMPARE(asked.count(), 0);
+    QVERIFY(fixture.has(".npm/_cacache/one"));
+}
+
+void WardenStateTest::questionNamesSumAndCount()
+{
+    DiskFixture fixture;
+    QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
+    fixture.warden.askToReclaim();
+    QCOMPARE(asked.count(), 1);
+    QCOMPARE(fixture.warden.confirmTitle(), QStringLiteral("Move 12.0 KB to the Trash?"));
+    QCOMPARE(fixture.warden.confirmAction(), QStringLiteral("Move 2 items to Trash"));
+    QCOMPARE(fixture.warden.confirmMessage(),
+        QStringLiteral(
+            "Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
+            "Quillbrook will offer to finish the job."));
+    QVERIFY(fixture.has(".npm/_cacache/one"));
+}
+
+void WardenStateTest::questionSaysWhenThereIsNoBackup()
+{
+    DiskFixture fixture;
+    fixture.backups.backups = {};
+    fixture.model->refreshSafetyNet();
+    QTRY_VERIFY(fixture.model->safetyNet());
+    QVERIFY(fixture.warden.confirmMessage().endsWith(
+        QStringLiteral("finish the job. This Mac has no backup, so deleting permanently is final.")));
+}
+
+void WardenStateTest::answerMovesWhatIsTickedAndUnticksIt()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    QVERIFY(fixture.isTrashed("one"));
+    QVERIFY(fixture.isTrashed("log"));
+    QVERIFY(fixture.has(".pub-cache/library"));
+    QVERIFY(fixture.warden.chosen().isEmpty());
+    // The same answer again is no answer.
+    fixture.warden.reclaim(true);
+    QVERIFY(fixture.isTrashed("one"));
+    fixture.settled();
+}
+
+void WardenStateTest::answerDeletesForGood()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(true);
+    QVERIFY(!fixture.has(".npm/_cacache/one"));
+    QVERIFY(!fixture.isTrashed("one"));
+    QVERIFY(fixture.has(".pub-cache/library"));
+    fixture.settled();
+}
+
+void WardenStateTest::answerIsAboutWhatWasTickedWhenItWasAsked()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        fixture.warden.toggle(row);
+    fixture.tree.file("home/.gradle/daemon/more", 65536);
+    fixture.scan();
+    QCOMPARE(fixture.warden.confirmTitle(), QStringLiteral("Move 12.0 KB to the Trash?"));
+    fixture.warden.reclaim(false);
+    QVERIFY(fixture.isTrashed("one"));
+    QVERIFY(fixture.has(".pub-cache/library"));
+    fixture.settled();
+}
+
+void WardenStateTest::untouchedTicksComeBackAfterTheRescan()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QCOMPARE(fixture.warden.total(), QStringLiteral("4.0 KB selected"));
+}
+
+void WardenStateTest::touchedTicksStayEmptyAfterARemoval()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
+            fixture.warden.toggle(row);
+    QVERIFY(fixture.warden.touched());
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 1 reclaimable items"));
+}
+
+void WardenStateTest::pendingTrashIsToldAndFinished()
+{
+    DiskFixture fixture;
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QSignalSpy asked(&fixture.warden, &WardenState::finishAsked);
+    fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner));
+    QCOMPARE(asked.count(), 1);
+    QCOMPARE(fixture.warden.finishTitle(), QStringLiteral("Permanently remove 12.0 KB?"));
+    QVERIFY(fixture.isTrashed("one"));
+    fixture.warden.finishRemoving();
+    QVERIFY(!fixture.isTrashed("one"));
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+    fixture.settled();
+}
+
+void WardenStateTest::pendingTrashGoesByItselfOnceEmptied()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+    std::filesystem::remove_all(fixture.trashFolder);
+    fixture.warden.lookAgain();
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+}
+
+void WardenStateTest::dismissingTheVerificationLeavesThePendingTrash()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QVERIFY(fixture.banner(WardenRows::verificationBanner) >= 0);
+    fixture.warden.act(fixture.banner(WardenRows::verificationBanner));
+    QCOMPARE(fixture.banner(WardenRows::verificationBanner), -1);
+    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+}
+
+void WardenStateTest::missingBackupIsTold()
+{
+    DiskFixture fixture;
+    QCOMPARE(fixture.banner(WardenRows::safetyNetBanner), -1);
+    fixture.backups.backups = {};
+    fixture.model->refreshSafetyNet();
+    QTRY_COMPARE(fixture.banner(WardenRows::safetyNetBanner), 0);
+    // It has no button, and nothing happens.
+    fixture.warden.act(0);
+    QCOMPARE(fixture.model->phase().kind, Phase::Kind::ready);
+}
+
 void WardenStateTest::logIsListed()
 {
-    Fixture fixture;
-    fixture.scan();
-    fixture.model.setReclaimLog({ "✓ done" });
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
     QCOMPARE(fixture.warden.rows()->rows().last().kind, Kind::LogLine);
-    QCOMPARE(fixture.warden.rows()->rows().last().title, QStringLiteral("✓ done"));
+    QCOMPARE(
+        fixture.warden.rows()->rows().last().title, QStringLiteral("✓ Android build logs — 4.0 KB to Trash"));
 }
 
 QTEST_GUILESS_MAIN(WardenStateTest)

@@ -233,7 +233,7 @@ Rectangle {
 
                 Banner {
                     Layout.fillWidth: true
-                    symbol: "exclamationmark.shield"
+                    symbol: "exclamationmark.shield.fill"
                     text: "What it means, in as many words as that takes, over more than one line where the card is narrow."
                     tinted: true
                     title: "Something to be careful about"

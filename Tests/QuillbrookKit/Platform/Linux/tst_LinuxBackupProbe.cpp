@@ -34,6 +34,10 @@ public:
     {
         return m_files.dates(path);
     }
+    [[nodiscard]] std::optional<qint64> length(const std::string &path) const override
+    {
+        return m_files.length(path);
+    }
 
     bool hasTools = false;
 

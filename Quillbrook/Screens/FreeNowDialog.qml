@@ -1,0 +1,39 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quillbrook
+
+// Comes up when something has just gone to the Trash, and asks whether to free the space at once.
+ConfirmDialog {
+    id: root
+
+    required property FreeNowState offer
+
+    cancelText: "Keep in Trash for now"
+    message: "The Trash is on the same disk, so the space only comes back once it leaves. Freeing it now removes only what Quillbrook moved, and can't be undone. Keep it in the Trash if you might want something back."
+    title: offer.title
+
+    Component.onCompleted: follow()
+    onClosed: offer.keep()
+
+    function follow() {
+        if (offer.asked)
+            open();
+        else
+            close();
+    }
+
+    Connections {
+        function onChanged() {
+            root.follow();
+        }
+
+        target: root.offer
+    }
+
+    PushButton {
+        kind: PushButton.Destructive
+        text: "Free it now"
+        onClicked: root.offer.free()
+    }
+}

@@ -1,0 +1,24 @@
+pragma ComponentBehavior: Bound
+
+import Quillbrook
+
+// Something that the screen "Free up space" has to tell before it lists anything, with at most one button.
+Banner {
+    id: root
+
+    required property wardenRow row
+
+    signal acted
+
+    symbol: row.symbol
+    text: row.what
+    tinted: row.tinted
+    title: row.title
+    tone: row.tone
+
+    PushButton {
+        text: root.row.action
+        visible: text !== ""
+        onClicked: root.acted()
+    }
+}
