@@ -3,7 +3,9 @@
 #include <QUtf8StringView>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 namespace Quillbrook::LedgerFormat {
@@ -88,7 +90,7 @@ std::optional<std::string> text(const Json &row, const char *key)
 // means it.
 std::optional<std::string> path(const Json &row, const PathKeys &keys)
 {
-    const auto readable = text(row, keys.text);
+    auto readable = text(row, keys.text);
     const auto encoded = text(row, keys.bytes);
     if (!readable || !encoded)
         return readable;

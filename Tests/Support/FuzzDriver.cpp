@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 namespace {
 
 constexpr int damagedForms = 30'000;
-constexpr std::size_t longestForm = 64 * 1024;
+constexpr std::size_t longestForm = 65'536;
 constexpr unsigned seed = 20'010'101;
 
 using Bytes = std::string;

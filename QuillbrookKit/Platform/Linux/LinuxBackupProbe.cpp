@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <vector>
 
 namespace Quillbrook {
