@@ -1,7 +1,7 @@
 // Does one of the removals and prints what it took as one JSON object.
 //
 //     RemovalOnce delete FOLDER          deletes it for good
-//     RemovalOnce trash FOLDER TRASH     moves it to that trash, and back again
+//     RemovalOnce trash FOLDER TRASH     moves it to that trash and back, twice, and tells of the second
 //     RemovalOnce count FOLDER CAP       counts what is in it
 
 #include "Platform/Clock.h"
@@ -47,13 +47,18 @@ QJsonObject moveToTrash(const std::string &folder, const std::string &trashPath)
     LinuxSpaceReserve reserve(trashPath + "-reserve");
     const SystemClock clock;
     LinuxTrash trash({ .homeTrash = trashPath, .user = ::getuid() }, reserve, clock);
-    const auto start = Watch::now();
-    const auto moved = trash.move(folder);
-    const auto seconds = secondsSince(start);
-    if (!moved)
-        return failed(moved.error());
-    const auto restored = trash.restore(*moved, folder);
-    return restored ? QJsonObject{ { "seconds", seconds } } : failed(restored.error());
+    double seconds = 0;
+    // The first of a process also loads the time zone and makes the trash.
+    for (int i = 0; i < 2; ++i) {
+        const auto start = Watch::now();
+        const auto moved = trash.move(folder);
+        seconds = secondsSince(start);
+        if (!moved)
+            return failed(moved.error());
+        if (const auto restored = trash.restore(*moved, folder); !restored)
+            return failed(restored.error());
+    }
+    return { { "seconds", seconds } };
 }
 
 QJsonObject count(const std::string &folder, qsizetype cap)

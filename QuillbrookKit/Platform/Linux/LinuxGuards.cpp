@@ -14,6 +14,7 @@
 #include <array>
 #include <memory>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Quillbrook::LinuxGuards {
@@ -174,6 +175,25 @@ std::string userName()
     return entry != nullptr ? entry->pw_name : std::string();
 }
 
+// Where the disk of a home folder is mounted in two places, or knows no letter case, a path may lead into it
+// that looks like none of its own. `path` has no links on the way.
+std::string throughHome(std::string path, const std::vector<std::string> &homes)
+{
+    const GuardedPath judged{ .path = path };
+    struct stat home = {};
+    if (std::ranges::any_of(homes, [&](const auto &each) { return judged.isWithin(each); }) || homes.empty()
+        || ::stat(homes.front().c_str(), &home) != 0)
+        return path;
+    for (auto end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        struct stat folder = {};
+        const bool isThere = ::lstat(path.substr(0, end).c_str(), &folder) == 0;
+        if (isThere && folder.st_dev == home.st_dev && folder.st_ino == home.st_ino)
+            return homes.front() + path.substr(std::min(end, path.size()));
+        if (!isThere || end == std::string::npos)
+            return path;
+    }
+}
+
 bool isMountPoint(const std::string &path)
 {
     const auto mounts = MountTable::read();
@@ -319,7 +339,7 @@ HostGuards guards(const Surroundings &surroundings)
             },
         },
         .sparesHomeFromSystemRoots = true,
-        .withoutLinks = ResolvedPath::withoutLinks,
+        .withoutLinks = [host](const std::string &path) { return throughHome(ResolvedPath::withoutLinks(path), host->homes); },
     };
 }
 

@@ -85,12 +85,12 @@ private:
 };
 
 const std::vector<std::string> keptAlone{ "Music", "Downloads", "Desktop", "Templates", "Bilder",
-    "T\u00e9l\u00e9chargements", ".config", ".cache", ".local", ".local/share", ".var", ".docker",
-    "Library" };
+    "T\u00e9l\u00e9chargements", ".config", ".cache", ".local", ".local/share", ".var", ".docker", "Library",
+    "free/disk.qcow2" };
 const std::vector<std::string> keptWhole{ ".ssh", ".gnupg", ".aws", "Dropbox", "Monero",
     "Library/Mobile Documents", ".local/share/Trash", ".local/share/flatpak", ".local/share/containers",
-    "free/Photos.PHOTOSLIBRARY", "free/wine/drive_c", "free/Tool.AppDir", "Zotero", "free/disk.qcow2",
-    ".local/share/Quillbrook", "program" };
+    "free/Photos.PHOTOSLIBRARY", "free/wine/drive_c", "free/Tool.AppDir", "Zotero", ".local/share/Quillbrook",
+    "program" };
 const std::vector<std::string> letGo{ "free", "free/a", "free/a/b", "free/wine", ".cache/pip", "Music/a",
     ".config/app", "free/music", "free/odd\xff\nname", "free/e\u0301", "Ssh", "music", "dropbox" };
 const std::vector<std::pair<std::string, std::string>> links{ { "free/home", "../" },
@@ -143,12 +143,12 @@ class PathMaker
 public:
     explicit PathMaker(const MadeUpDisk &disk)
         : m_starts{ disk.home, disk.home, disk.linkedHome, disk.tree.path(), disk.home + "/free",
-            disk.home + "/free/home", "/", "", "/tmp", "/proc/self/root" + disk.home }
+            disk.home + "/free", disk.home + "/free/home", "/", "", "/tmp", "/proc/self/root" + disk.home }
     {
         for (const auto *list : { &keptAlone, &keptWhole, &letGo })
             m_names.insert(m_names.end(), list->begin(), list->end());
         for (const auto &link : links)
-            m_names.push_back(link.first.substr(link.first.rfind('/') + 1));
+            m_links.push_back(link.first.substr(link.first.rfind('/') + 1));
         for (const auto *name :
             { "x", "y", "..", "..", "..", ".", "", "...", "homes", "anna", "linked", "etc", "usr", "passwd",
                 "home", "files", "info", "\xff", "a\tb", "MUSIC", "Te\u0301le\u0301chargements", "~" })
@@ -160,7 +160,7 @@ public:
         auto path = m_starts[number(m_starts.size())];
         const auto count = number(6);
         for (size_t i = 0; i < count; ++i)
-            path += std::string(number(8) == 0 ? 1 + number(3) : 1, '/') + m_names[number(m_names.size())];
+            path += std::string(number(8) == 0 ? 1 + number(3) : 1, '/') + name();
         if (number(6) == 0)
             path += std::string(1 + number(2), '/');
         if (number(10) == 0)
@@ -169,11 +169,20 @@ public:
     }
 
 private:
+    // Links, and ways up from behind them, are what spelling tells least about.
+    [[nodiscard]] std::string name()
+    {
+        const auto kind = number(6);
+        if (kind == 0)
+            return "..";
+        return kind == 1 ? m_links[number(m_links.size())] : m_names[number(m_names.size())];
+    }
     [[nodiscard]] size_t number(size_t below) { return m_numbers() % below; }
 
     std::mt19937 m_numbers{ seed };
     std::vector<std::string> m_starts;
     std::vector<std::string> m_names;
+    std::vector<std::string> m_links;
 };
 
 } // namespace

@@ -54,6 +54,7 @@ private Q_SLOTS:
     void fewDescriptorsAreEnough();
     void addsTheOwnersRights_data();
     void addsTheOwnersRights();
+    void addsThemFarBelowToo();
     void respectsTheFolderAroundIt();
     void goesOnAfterAnError();
     void rightsAreGivenBackToWhatStays();
@@ -216,6 +217,24 @@ void TestLinuxFileRemoval::addsTheOwnersRights()
     LinuxFileRemoval removal;
     QCOMPARE(errorOf(removal.remove(tree.path("folder"))), QString());
     QVERIFY(TrashFixture::names(tree.path()).empty());
+}
+
+// Where folders on the way are not kept open, the way up needs rights as well.
+void TestLinuxFileRemoval::addsThemFarBelowToo()
+{
+    constexpr int depth = 50;
+    for (const unsigned mode : { 0400U, 0500U, 0U }) {
+        const TempTree tree;
+        makeChain(tree, depth, "d");
+        std::string path;
+        for (int i = 0; i < depth; ++i)
+            path += i == 0 ? "d" : "/d";
+        for (; !path.empty(); path = path.size() > 1 ? path.substr(0, path.size() - 2) : std::string())
+            tree.permissions(path, mode);
+        LinuxFileRemoval removal;
+        QCOMPARE(errorOf(removal.remove(tree.path("d"))), QString());
+        QVERIFY(TrashFixture::names(tree.path()).empty());
+    }
 }
 
 void TestLinuxFileRemoval::respectsTheFolderAroundIt()

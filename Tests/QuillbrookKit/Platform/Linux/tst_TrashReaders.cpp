@@ -82,7 +82,7 @@ QByteArray escaped(const std::string &path)
     for (const char byte : path) {
         const auto value = static_cast<unsigned char>(byte);
         if (byte == '\\')
-            result += "\\\\";
+            result += "\\x5c";
         else if (value < 0x20 || value >= 0x7f)
             result += "\\x" + QByteArray::number(value, 16).rightJustified(2, '0');
         else
