@@ -74,7 +74,13 @@ ColumnLayout {
                     step(1);
             }
 
+            // Beside the cards, not over them.
             T.ScrollBar.vertical: SlimScrollBar {
+                anchors.bottom: list.bottom
+                anchors.right: list.parent.right
+                anchors.rightMargin: Metrics.space4
+                anchors.top: list.top
+                parent: list.parent
             }
             delegate: WardenLine {
                 warden: root.warden
