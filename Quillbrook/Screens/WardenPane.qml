@@ -34,6 +34,17 @@ ColumnLayout {
             visible: text !== ""
         }
 
+        // Beside the cards, not over them.
+        SlimScrollBar {
+            id: bar
+
+            anchors.bottom: parent.bottom
+            anchors.right: parent.right
+            anchors.rightMargin: Metrics.space4
+            anchors.top: parent.top
+            objectName: "wardenScrollBar"
+        }
+
         ListView {
             id: list
 
@@ -74,14 +85,7 @@ ColumnLayout {
                     step(1);
             }
 
-            // Beside the cards, not over them.
-            T.ScrollBar.vertical: SlimScrollBar {
-                anchors.bottom: list.bottom
-                anchors.right: list.parent.right
-                anchors.rightMargin: Metrics.space4
-                anchors.top: list.top
-                parent: list.parent
-            }
+            T.ScrollBar.vertical: bar
             delegate: WardenLine {
                 warden: root.warden
                 width: ListView.view.width
