@@ -70,7 +70,8 @@ CardSlice {
 
                 BodyText {
                     Layout.fillWidth: true
-                    Layout.maximumWidth: implicitWidth
+                    // A layout rounds down, and half a pixel too little would cut the words.
+                    Layout.maximumWidth: Math.ceil(implicitWidth) + 1
                     color: Theme.strong
                     font.pointSize: Metrics.messageFont
                     semibold: true

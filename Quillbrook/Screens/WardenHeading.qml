@@ -10,7 +10,7 @@ Item {
 
     required property wardenRow row
 
-    Accessible.name: [row.title, row.size, row.note].filter(words => words !== "").join(", ")
+    Accessible.name: row.spoken
     Accessible.role: Accessible.Heading
     implicitHeight: Metrics.wardenHeadingHeight
 

@@ -15,7 +15,7 @@ Item {
 
     // What is no finding speaks for itself.
     Accessible.ignored: kind !== WardenLines.Finding
-    Accessible.name: row.title + ", " + row.size
+    Accessible.name: row.spoken
     Accessible.role: Accessible.ListItem
     Keys.onSpacePressed: warden.toggle(index)
     implicitHeight: content.implicitHeight + (kind === WardenLines.Banner ? Metrics.bannerGap : 0)

@@ -34,6 +34,17 @@ ColumnLayout {
             visible: text !== ""
         }
 
+        // Beside the cards, not over them.
+        SlimScrollBar {
+            id: bar
+
+            anchors.bottom: parent.bottom
+            anchors.right: parent.right
+            anchors.rightMargin: Metrics.space4
+            anchors.top: parent.top
+            objectName: "wardenScrollBar"
+        }
+
         ListView {
             id: list
 
@@ -74,8 +85,7 @@ ColumnLayout {
                     step(1);
             }
 
-            T.ScrollBar.vertical: SlimScrollBar {
-            }
+            T.ScrollBar.vertical: bar
             delegate: WardenLine {
                 warden: root.warden
                 width: ListView.view.width

@@ -29,6 +29,7 @@ struct WardenRow
 
     Q_PROPERTY(QString title MEMBER title FINAL)
     Q_PROPERTY(QString size MEMBER size FINAL)
+    Q_PROPERTY(QString spoken READ spoken FINAL)
     Q_PROPERTY(QString note MEMBER note FINAL)
     Q_PROPERTY(QColor tone MEMBER tone FINAL)
     Q_PROPERTY(QString symbol MEMBER symbol FINAL)
@@ -76,6 +77,9 @@ public:
     bool last = false;
 
     bool operator==(const WardenRow &) const = default;
+
+    /// What the line is called for those who hear the screen.
+    [[nodiscard]] QString spoken() const;
 };
 
 } // namespace Quillbrook

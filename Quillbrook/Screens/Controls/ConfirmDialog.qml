@@ -22,7 +22,8 @@ Sheet {
     }
 
     implicitHeight: column.implicitHeight
-    width: Metrics.dialogWidth
+    // Wider where the words on the buttons ask for it.
+    width: Math.max(Metrics.dialogWidth, buttons.implicitWidth + 2 * Metrics.space12)
 
     onOpened: cancelButton.forceActiveFocus()
 
@@ -56,6 +57,8 @@ Sheet {
         }
 
         RowLayout {
+            id: buttons
+
             Layout.margins: Metrics.space12
             spacing: Metrics.space8
 

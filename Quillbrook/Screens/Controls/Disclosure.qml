@@ -26,45 +26,40 @@ T.AbstractButton {
 
     activeFocusOnTab: true
     hoverEnabled: true
-    implicitHeight: words.implicitHeight + Metrics.space4
-    implicitWidth: row.implicitWidth
+    implicitHeight: implicitContentHeight + Metrics.space4
+    implicitWidth: implicitContentWidth
     opacity: down ? Metrics.faintOpacity : 1
 
-    contentItem: Item {
-        Row {
-            id: row
+    background: Item {
+        FocusRing {
+            shown: root.visualFocus
+        }
+    }
+    contentItem: Row {
+        spacing: Metrics.space4
 
+        Symbol {
             anchors.verticalCenter: parent.verticalCenter
-            spacing: Metrics.space4
+            color: Theme.accent
+            height: Metrics.symbolTiny
+            name: "chevron.right"
+            rotation: root.open ? 90 : 0
+            width: Metrics.symbolTiny
 
-            Symbol {
-                anchors.verticalCenter: parent.verticalCenter
-                color: Theme.accent
-                height: Metrics.symbolTiny
-                name: "chevron.right"
-                rotation: root.open ? 90 : 0
-                width: Metrics.symbolTiny
-
-                Behavior on rotation {
-                    NumberAnimation {
-                        duration: Metrics.quickMotion
-                        easing.type: Easing.OutQuad
-                    }
+            Behavior on rotation {
+                NumberAnimation {
+                    duration: Metrics.quickMotion
+                    easing.type: Easing.OutQuad
                 }
-            }
-
-            CaptionText {
-                id: words
-
-                Accessible.ignored: true
-                color: Theme.accent
-                font.underline: root.hovered
-                text: root.text
             }
         }
 
-        FocusRing {
-            shown: root.visualFocus
+        CaptionText {
+            Accessible.ignored: true
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.accent
+            font.underline: root.hovered
+            text: root.text
         }
     }
 }

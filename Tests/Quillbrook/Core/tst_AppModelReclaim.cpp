@@ -189,6 +189,7 @@ void AppModelReclaimTest::partlyFailedFindingStaysUnknownToTheLedger()
 {
     // The Trash itself lies among the packages, and a folder that holds it never goes into it.
     const Fixture fixture("home/.npm/_cacache/data");
+    std::filesystem::create_directories(fixture.trashFolder + "/files");
     fixture.model->reclaim({ fixture.finding(packages) }, false);
     QVERIFY(!fixture.has(".npm/_cacache/one"));
     QVERIFY(fixture.isTrashed("one"));

@@ -70,8 +70,23 @@ private:
     std::minstd_rand m_random{ 7 };
 };
 
+QList<Finding> pretendFindings()
+{
+    QList<Finding> findings;
+    const std::array<std::pair<const char *, double>, 6> rows{ { { "Downloaded AI models", 18.4 },
+        { "Leftovers from building apps", 8.1 }, { "Downloaded Android libraries", 4.6 },
+        { "Downloaded code packages", 2.9 }, { "Saved web pages", 1.2 },
+        { "Programming tool downloads", 0.625 } } };
+    for (const auto &[title, gibibytes] : rows)
+        findings.append({ .id = title,
+            .rule = { .title = title },
+            .bytes = static_cast<qint64>(gibibytes * static_cast<double>(gibi)) });
+    return findings;
+}
+
 void pretendProgress(ScanProgress &progress)
 {
+    progress.setFindings(pretendFindings());
     progress.setDetail(QStringLiteral("Downloaded Android libraries"));
     progress.setCounts(QStringLiteral("412,906 files · 61.3 GB"));
     progress.setFraction(0.31);

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void arrowKeysWalkTheSidebar();
     void rowsCanBePressedByPointerAndAccessibly();
     void tabGoesInReadingOrder();
+    void findingsAreListedAndCleared();
     void questionOpensTheConversation();
     void blankQuestionKeepsThePane();
     void nothingIsCutAtTheMinimumSize();
@@ -225,6 +226,43 @@ void MainWindowTest::tabGoesInReadingOrder()
         QStringList({ QStringLiteral("Free up space"), QStringLiteral("Stop"),
             QStringLiteral("Ask Quillbrook anything about this Mac"), QStringLiteral("History"),
             QStringLiteral("Ask"), QStringLiteral("Free up space") }));
+}
+
+void MainWindowTest::findingsAreListedAndCleared()
+{
+    const std::string place = "/home/someone/.gradle/daemon";
+    m_machine->files.entries[place] = {};
+    m_machine->directories.folder(place, { FakeDirectories::aFile("log", 4096) });
+    m_machine->directories.folder("/home/someone/.gradle", { FakeDirectories::aFolder("daemon") });
+    m_machine->directories.folder("/home/someone", { FakeDirectories::aFolder(".gradle") });
+    m_model->cancelScan();
+    m_machine->hold.release();
+    m_model->scan({ .scope = Scope::complete });
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(shows(QStringLiteral("4.0 KB selected")));
+    QVERIFY(shows(QStringLiteral("1 of 1 reclaimable items")));
+    QVERIFY(item(Role::ListItem, QStringLiteral("Android build logs, 4.0 KB")));
+    QVERIFY(item(Role::Heading, QStringLiteral("Safe to remove, 4.0 KB")));
+
+    auto *box = item(Role::CheckBox, QStringLiteral("Android build logs"));
+    QVERIFY(box && box->property("checked").toBool());
+    pressAccessibly(box);
+    QTRY_VERIFY(shows(QStringLiteral("0 B selected")));
+    QVERIFY(!box->property("checked").toBool());
+    QVERIFY(!item(Role::Button, QStringLiteral("Move to Trash"))->isEnabled());
+    pressAccessibly(box);
+
+    pressAccessibly(item(Role::Button, QStringLiteral("Move to Trash")));
+    QTRY_VERIFY(shows(QStringLiteral("Move 4.0 KB to the Trash?")));
+    QTRY_COMPARE(accessibleName(m_window->activeFocusItem()), QStringLiteral("Cancel"));
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QTRY_VERIFY(!shows(QStringLiteral("Move 4.0 KB to the Trash?")));
+    QVERIFY(m_machine->trash.asked.empty());
+    QVERIFY(m_model->reclaimLog().isEmpty());
+
+    const auto *list = m_window->findChild<QQuickItem *>(QStringLiteral("wardenList"));
+    const auto *bar = m_window->findChild<QQuickItem *>(QStringLiteral("wardenScrollBar"));
+    QVERIFY(bar->mapToScene({}).x() >= list->mapToScene({ list->width(), 0 }).x());
 }
 
 void MainWindowTest::questionOpensTheConversation()

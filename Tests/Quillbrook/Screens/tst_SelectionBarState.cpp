@@ -318,12 +318,23 @@ void SelectionBarStateTest::refusalStandsInPlaceOfTheRemoval()
 void SelectionBarStateTest::whatMayGoIsKnownOnlyOnceTheGuardsHaveAnswered()
 {
     DiskFixture fixture;
-    QVERIFY(!fixture.bar.removable());
+    QSemaphore goOn;
+    fixture.guards.guards.push_back({ .names = [&goOn](const GuardedPath &) -> std::optional<std::string> {
+        (void)goOn.tryAcquire(1, 10'000);
+        return std::nullopt;
+    } });
+    fixture.start();
+    fixture.scan();
+    SelectionBarState bar(*fixture.model);
+    QVERIFY(!bar.removable());
     fixture.model->setSelection(fixture.node("notes.txt"));
-    QVERIFY(!fixture.bar.removable());
-    QTRY_VERIFY(fixture.bar.removable());
-    fixture.bar.dismiss();
-    QVERIFY(!fixture.bar.removable());
+    QTest::qWait(50);
+    QVERIFY(!bar.removable());
+    QCOMPARE(bar.refusal(), QString());
+    goOn.release(100);
+    QTRY_VERIFY(bar.removable());
+    bar.dismiss();
+    QVERIFY(!bar.removable());
 }
 
 void SelectionBarStateTest::questionNamesWhatHowAndWhere_data()

@@ -86,6 +86,7 @@ private Q_SLOTS:
     void logComesLast();
     void defaultsAreTheSafeOnesAlone();
     void staleIdsAreIgnored();
+    void linesAreCalledByTheirWords();
 };
 
 void WardenRowsTest::nothingWithoutAReport()
@@ -356,6 +357,21 @@ void WardenRowsTest::staleIdsAreIgnored()
     fixture.pathShown = { "gone" };
     QVERIFY(!fixture.rows().at(1).ticked);
     QVERIFY(!fixture.rows().at(1).pathShown);
+}
+
+void WardenRowsTest::linesAreCalledByTheirWords()
+{
+    Fixture fixture;
+    fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::reportOnly, 2) };
+    fixture.report->findings[0].redirectedOffVolume = true;
+    fixture.log = { "✓ done" };
+    QStringList spoken;
+    for (const auto &row : fixture.rows())
+        spoken.append(row.spoken());
+    QCOMPARE(spoken,
+        QStringList({ "Safe to remove, 0 B", "Title of a, 3.0 KB",
+            "Never suggested, 2.0 KB, · Quillbrook never picks these", "Title of b, 2.0 KB", "Activity",
+            "✓ done" }));
 }
 
 QTEST_GUILESS_MAIN(WardenRowsTest)

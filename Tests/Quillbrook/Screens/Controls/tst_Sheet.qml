@@ -37,6 +37,28 @@ TestCase {
         }
     }
 
+    Component {
+        id: wordyMaker
+
+        ConfirmDialog {
+            id: wordy
+
+            message: "It can be put back."
+            title: "Move it to the Trash?"
+
+            PushButton {
+                objectName: "longest"
+                text: "Move twenty-two thousand items to the Trash"
+                onClicked: wordy.close()
+            }
+
+            PushButton {
+                text: "Delete all of them permanently"
+                onClicked: wordy.close()
+            }
+        }
+    }
+
     SignalSpy {
         id: cancelled
 
@@ -64,6 +86,16 @@ TestCase {
         compare(dialog.x, Math.round((root.Window.width - dialog.width) / 2));
         verify(dialog.height > 100);
         verify(dialog.height < 300);
+    }
+
+    function test_makesRoomForTheWordsOnItsButtons() {
+        const dialog = createTemporaryObject(wordyMaker, root);
+        dialog.open();
+        tryCompare(dialog, "opened", true);
+        verify(dialog.width > Metrics.dialogWidth);
+        const longest = findChild(dialog.contentItem, "longest");
+        verify(longest.mapToItem(dialog.contentItem, longest.width, 0).x <= dialog.width);
+        verify(findChild(dialog.contentItem, "cancelButton").mapToItem(dialog.contentItem, 0, 0).x >= 0);
     }
 
     function test_isCalledByItsTitle() {

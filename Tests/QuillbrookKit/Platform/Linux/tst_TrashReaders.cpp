@@ -184,7 +184,7 @@ void TestTrashReaders::notesTellTheSameOrigin_data()
     QTest::newRow("text") << QByteArray("\u00e4\u20ac");
 }
 
-// But for the date, and for the few characters that GLib leaves as they are and the specification does not
+// But for the date, and for the few characters that GLib leaves as they are and the rules for notes do not
 // ask to be written otherwise.
 void TestTrashReaders::notesTellTheSameOrigin()
 {
