@@ -94,6 +94,8 @@ int main(int argc, char **argv)
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     Machine machine;
+    // While there is room: on the day the disk is full it is too late.
+    machine.reserve.replenish();
     AppModel model(machine.services());
     MainWindowState screens(model, machine.motion);
 

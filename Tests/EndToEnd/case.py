@@ -53,6 +53,9 @@ def make_removable(folder):
 class Case(unittest.TestCase):
     """A test makes its home with `self.home`, then starts the program with `self.start()`."""
 
+    # The command that the program is started through, if any.
+    through = ()
+
     def setUp(self):
         name = self.id().rpartition(".")[2]
         self.folder = Run.folder / name
@@ -63,7 +66,7 @@ class Case(unittest.TestCase):
     def start(self, preload=(), **environment):
         """Starts the program on the made-up home; a second start gets the same home."""
         started = program.Program(Run.program, self.home.environment(preload) | environment,
-                                  self.folder / f"program-{len(self._programs)}.log")
+                                  self.folder / f"program-{len(self._programs)}.log", self.through)
         self._programs.append(started)
         self.addCleanup(self._end, started)
         return started

@@ -14,12 +14,13 @@ SCANNED = re.compile(r"^scanned ([\d,]+) files in ([\d.]+)s$")
 
 
 class Program:
-    """`environment` is the whole environment it gets; its output goes to `log`."""
+    """`environment` is the whole environment it gets; its output goes to `log`. `through` is a command that turns into
+    the one it is given."""
 
-    def __init__(self, path, environment, log):
+    def __init__(self, path, environment, log, through=()):
         self.log = log
         with open(log, "ab") as output:
-            self.process = processes.start([path], env=environment, stdout=output, stderr=output)
+            self.process = processes.start([*through, path], env=environment, stdout=output, stderr=output)
         self.pid = self.process.pid
         self._bus = accessibility.Bus()
 

@@ -142,7 +142,8 @@ class Biggest(Lists):
         self.becomes(self.focusedRow, [self.labelled("go/b.bin")])
         self.becomes(self.ringed, [self.labelled("go/b.bin")])
         desktop.keys("Return")
-        self.becomes(self.bar, ["b.bin", "200 KB", "~/go/b.bin", "Show in Finder", "Clear selection"])
+        self.becomes(self.bar, ["b.bin", "200 KB", "~/go/b.bin", "Show in Finder", "Move to Trash",
+                                "Delete permanently", "Clear selection"])
         desktop.keys("Tab")
         show = self.row("go/b.bin").one("push button", "Show")
         self.becomes(lambda: show.has(accessibility.FOCUSED), True)
@@ -270,7 +271,7 @@ class Search(Lists):
         quillbrook = self.search("labor")
         self.row("development/laboratory").act("Press")
         self.becomes(self.bar, ["laboratory", "120 KB", "~/development/laboratory", "· 2 items", "Open",
-                                "Show in Finder", "Clear selection"])
+                                "Show in Finder", "Move to Trash", "Delete permanently", "Clear selection"])
         quillbrook.press("Open")
         quillbrook.selected("What's using space")
         tiles = quillbrook.window().one("list", "What's using space")

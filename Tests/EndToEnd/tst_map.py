@@ -191,7 +191,7 @@ class Map(case.Case):
         quillbrook = self.openOnFiles()
         desktop.click(*self.tile("development/atlas/scene.glb").centre)
         self.becomes(self.barWords, ["scene.glb", "400 KB", "~/development/atlas/scene.glb", "Show in Finder",
-                                     "Clear selection"])
+                                     "Move to Trash", "Delete permanently", "Clear selection"])
         # Also the first selection of all has room for its words.
         for part in quillbrook.window().one("panel", "scene.glb").all("label"):
             _, _, width, height = part.extents
@@ -208,7 +208,7 @@ class Map(case.Case):
         desktop.click(*self.titleOf("development"))
         # A folder, two files in it, and a file beside it.
         self.becomes(self.barWords, ["development", "560 KB", "~/development", "· 4 items", "Open", "Show in Finder",
-                                     "Clear selection"])
+                                     "Move to Trash", "Delete permanently", "Clear selection"])
         quillbrook.press("Show in Finder")
         self.assertEqual(manager.shown(1), [("ShowItems", [(self.home.path / "development").as_uri()])])
         quillbrook.press("Open")

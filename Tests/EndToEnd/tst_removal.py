@@ -1,0 +1,266 @@
+"""Findings cleared on the screen "Free up space": what is asked, what goes where, what the ledger knows, how the job is
+finished, and that a program that is killed loses nothing and removes nothing that was not chosen."""
+
+import os
+import signal
+import unittest
+
+import accessibility
+import desktop
+import homes
+import removing
+import waiting
+from removing import contents, under, without
+
+TOOLS, TOOLS_TITLE = ".cache/pip", "Programming tool downloads"
+PACKAGES, PACKAGES_TITLE = ".npm/_cacache", "Downloaded code packages"
+TO_TRASH = ("Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — Quillbrook will "
+            "offer to finish the job.")
+
+
+class Removal(removing.Removing):
+    def setUp(self):
+        super().setUp()
+        # Two things in a folder of one kind, and one of another; what is large, and no finding.
+        self.home.file(f"{TOOLS}/wheels/numpy.whl", 3_000_000)
+        self.home.file(f"{TOOLS}/.partial", 200_000)
+        self.home.file(f"{PACKAGES}/react", 1_000_000)
+        self.home.file("report.pdf", 300_000)
+        self.old = self.otherTrash()
+
+    def openOnTools(self):
+        """With the tick taken off all but the tools' downloads."""
+        quillbrook = self.open()
+        self.list().one("list item", lambda name: name.startswith(PACKAGES_TITLE)).one("check box").act()
+        quillbrook.says(f"{self.size(TOOLS)} selected")
+        return quillbrook
+
+    def list(self):
+        return self.quillbrook.window().one("list", "What can go")
+
+    def size(self, *names):
+        return homes.in_words(self.home.allocated(*names))
+
+    def ask(self, size, count):
+        backup = self.hasBackup()
+        self.quillbrook.press("Move to Trash")
+        self.asks(f"Move {size} to the Trash?",
+                  TO_TRASH + ("" if backup else " This Mac has no backup, so deleting permanently is final."),
+                  "Cancel", f"Move {count} items to Trash", "Delete permanently")
+
+    def trashTools(self, keep=True):
+        """All of the tools' downloads to the Trash, and the answer to the offer that follows."""
+        size = self.size(TOOLS)
+        self.ask(size, 1)
+        self.answerWith("Move 1 items to Trash", size)
+        self.answer("Keep in Trash for now" if keep else "Free it now")
+        return size
+
+    def answerWith(self, button, size):
+        self.press(button)
+        self.asks(f"Moved {size} to the Trash. Free the space now?", removing.FREE_NOW, "Keep in Trash for now",
+                  "Free it now")
+
+    def share(self, *names, count):
+        """What the ledger counts for each of so many things."""
+        return self.home.allocated(*names) // count
+
+    def testCancelIsWhatTheKeyboardStandsOnAndTouchesNothing(self):
+        self.openOnTools()
+        before = contents(self.folder / "home"), contents(self.data)
+        self.ask(self.size(TOOLS), 1)
+        self.escape()
+        self.ask(self.size(TOOLS), 1)
+        desktop.keys("Return")
+        self.becomes(self.dialogs, [])
+        self.assertEqual((contents(self.folder / "home"), contents(self.data)), before)
+        self.assertEqual(self.activity(), [])
+        self.assertEqual(self.ledger(), {})
+        # What was ticked still is.
+        self.ask(self.size(TOOLS), 1)
+
+    def testAQuestionThatARescanOvertakesIsWithdrawn(self):
+        quillbrook = self.openOnTools()
+        self.ask(self.size(TOOLS), 1)
+        self.home.file(f"{TOOLS}/added.whl", 400_000)
+        before = self.inHome()
+        # As a screen reader may, behind the question.
+        quillbrook.press("Rescan")
+        quillbrook.says(f"{self.size(TOOLS)} selected")
+        self.becomes(self.dialogs, [])
+        self.assertEqual(self.inHome(), before)
+        self.assertEqual((self.trashed(), self.ledger()), (self.old, {}))
+
+    def testAFindingGoesToTheTrashAndTheJobIsFinished(self):
+        quillbrook = self.openOnTools()
+        before, share = self.inHome(), self.share(TOOLS, count=2)
+        size = self.trashTools()
+        things = [f"{TOOLS}/wheels", f"{TOOLS}/.partial"]
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+        self.assertEqual(self.trashed(), self.old | {self.origin(name): os.path.basename(name).encode() for name in things})
+        self.assertEqual(without(self.inTrash(), "old.txt") | under(before, TOOLS), self.inTrash())
+        self.assertLedgerKnows(things, share)
+        self.becomes(self.activity, [f"✓ {TOOLS_TITLE} — {size} to Trash"])
+
+        title = f"{homes.in_words(2 * share)} is in the Trash, still taking up space"
+        self.becomes(self.pending, [title])
+        quillbrook.says("The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook will "
+                        "remove only the 2 items it moved — never anything else you have thrown away.")
+        self.finishAsked(2 * share)
+        self.escape()
+        self.assertLedgerKnows(things)
+        self.finishAsked(2 * share)
+        self.answer("Remove permanently")
+        self.becomes(self.pending, [])
+        self.assertEqual(self.trashed(), self.old)
+        self.assertEqual(self.inTrash().keys(), {b"old.txt"})
+        self.assertEqual(self.ledger(), {})
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+        self.becomes(self.activity, [
+            f"✓ {TOOLS_TITLE} — {size} to Trash",
+            f"✓ permanently removed 2 items · {homes.in_words(2 * share)} actually freed"])
+
+    def finishAsked(self, size):
+        self.quillbrook.press("Finish removing")
+        self.asks(f"Permanently remove {homes.in_words(size)}?", removing.FINISH, "Cancel", "Remove permanently")
+
+    def testWhatWasProvedIsDismissedAndThePendingBannerStays(self):
+        quillbrook = self.openOnTools()
+        self.trashTools()
+        quillbrook.press("Dismiss")
+        self.becomes(lambda: self.banners("free space barely moved", "actually freed"), [])
+        self.assertEqual(len(self.pending()), 1)
+
+    def testTheOfferFreesTheSpaceAtOnce(self):
+        self.openOnTools()
+        before, share = self.inHome(), self.share(TOOLS, count=2)
+        size = self.trashTools(keep=False)
+        self.becomes(self.activity, [
+            f"✓ {TOOLS_TITLE} — {size} to Trash",
+            f"✓ permanently removed 2 items · {homes.in_words(2 * share)} actually freed"])
+        self.assertEqual(self.trashed(), self.old)
+        self.assertEqual(self.ledger(), {})
+        self.assertEqual(self.pending(), [])
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+
+    def testDeletingPermanentlyLeavesTheTrashOutOfIt(self):
+        quillbrook = self.open()
+        before, size = self.inHome(), self.size(TOOLS)
+        trash = contents(self.data / "Trash")
+        packages = self.size(PACKAGES)
+        self.ask(self.size(TOOLS, PACKAGES), 2)
+        self.answer("Delete permanently")
+        self.becomes(self.activity, [f"✓ {TOOLS_TITLE} — {size} deleted", f"✓ {PACKAGES_TITLE} — {packages} deleted"])
+        quillbrook.says("0 of 0 reclaimable items")
+        self.assertEqual(self.inHome(), without(before, TOOLS, PACKAGES))
+        self.assertEqual(contents(self.data / "Trash"), trash)
+        self.assertEqual(self.ledger(), {})
+        self.assertEqual((self.pending(), self.dialogs()), ([], []))
+
+    def testNamesLinksAndClosedFoldersAreMovedAndRemovedAsTheyAre(self):
+        for name in removing.ODD_NAMES:
+            self.home.file(os.path.join(os.fsencode(TOOLS), name), 5000)
+        self.home.file("Documents/thesis.odt", 50_000)
+        (self.home.path / TOOLS / "to-documents").symlink_to(self.home.path / "Documents")
+        (self.home.path / TOOLS / "to-nowhere").symlink_to("/nonexistent")
+        self.home.file(f"{TOOLS}/closed/deep/module.go", 5000)
+        for folder in (f"{TOOLS}/closed/deep", f"{TOOLS}/closed"):
+            (self.home.path / folder).chmod(0o555)
+        self.openOnTools()
+        before = self.inHome()
+        things = os.listdir(os.fsencode(self.home.path / TOOLS))
+        self.trashTools()
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+        self.assertLedgerKnows([os.path.join(os.fsencode(TOOLS), name) for name in things])
+        self.assertEqual(self.inTrash(), under(before, TOOLS) | {b"old.txt": self.inTrash()[b"old.txt"]})
+        self.quillbrook.press("Finish removing")
+        self.answer("Remove permanently")
+        self.becomes(self.pending, [])
+        self.assertEqual(self.trashed(), self.old)
+        # What a link led to is where it was.
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+
+    @unittest.skipIf(os.getuid() == 0, "root may write everywhere")
+    def testWhatMayNotBeMovedIsToldAndStays(self):
+        folder = self.home.path / PACKAGES
+        folder.chmod(0o555)
+        self.addCleanup(folder.chmod, 0o755)
+        self.open()
+        before, size = self.inHome(), self.size(TOOLS)
+        self.ask(self.size(TOOLS, PACKAGES), 2)
+        self.answerWith("Move 2 items to Trash", size)
+        self.answer("Keep in Trash for now")
+        told = [f"✓ {TOOLS_TITLE} — {size} to Trash",
+                f"✗ {PACKAGES_TITLE}: Could not reclaim react: You do not have permission."]
+        self.becomes(self.activity, told)
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+        self.assertLedgerKnows([f"{TOOLS}/wheels", f"{TOOLS}/.partial"])
+        # Nor for good. Its tick has come back with the rescan.
+        self.quillbrook.says(f"{self.size(PACKAGES)} selected")
+        self.quillbrook.press("Move to Trash")
+        self.answer("Delete permanently")
+        self.becomes(lambda: self.activity()[2:],
+                     [f"✗ {PACKAGES_TITLE}: Could not reclaim react: You do not have permission."])
+        self.assertEqual(self.inHome(), without(before, TOOLS))
+
+    def testAProgramKilledAfterTheMoveKnowsWhatItMoved(self):
+        for index in range(400):
+            self.home.file(f"development/{index:03}/file.txt", 1)
+        self.quillbrook = self.start(preload=[self.helper("slow_disk.so")], SLOW_DISK_MILLISECONDS="5")
+        self.quillbrook.scanned(60)
+        before, share = self.inHome(), self.share(TOOLS, PACKAGES, count=1)
+        self.quillbrook.press("Move to Trash")
+        self.press("Move 2 items to Trash")
+        self.quillbrook.says("Stop")
+        self.killed()
+
+        things = [f"{TOOLS}/wheels", f"{TOOLS}/.partial", f"{PACKAGES}/react"]
+        self.assertEqual(self.inHome(), without(before, TOOLS, PACKAGES))
+        self.assertLedgerKnows(things)
+        self.open()
+        self.becomes(self.pending, [f"{homes.in_words(share)} is in the Trash, still taking up space"])
+        self.assertEqual(self.activity(), [])
+        self.assertEqual(self.inHome(), without(before, TOOLS, PACKAGES))
+        self.assertLedgerKnows(things)
+        self.finishAsked(share)
+        self.answer("Remove permanently")
+        self.becomes(self.activity, [f"✓ permanently removed 3 items · {homes.in_words(share)} actually freed"])
+        self.assertEqual((self.trashed(), self.ledger()), (self.old, {}))
+        self.assertEqual(self.inHome(), without(before, TOOLS, PACKAGES))
+
+    def testAProgramKilledInTheMiddleOfTheMoveLosesNothing(self):
+        count = 20_000
+        for index in range(count):
+            os.close(os.open(self.home.path / TOOLS / f"{index:05}", os.O_CREAT | os.O_WRONLY, 0o600))
+        self.open()
+        before = self.inHome()
+        self.quillbrook.press("Move to Trash")
+        button = self.quillbrook.window().one("dialog").one("push button", "Move 2 items to Trash")
+        self.quillbrook.tab_to(lambda: button.has(accessibility.FOCUSED))
+        # By a key: whoever presses it over the accessibility bus waits until all has moved.
+        desktop.keys("Return")
+        files = self.data / "Trash" / "files"
+        waiting.until("the first things in the Trash", lambda: len(os.listdir(files)) > 50, pause=0)
+        self.killed()
+
+        moved = without(self.inTrash(), "old.txt")
+        moved.pop(b"old.txt")
+        self.assertGreater(len(moved), 50)
+        self.assertLess(len(os.listdir(files)), count, "the move was over before it could be broken off")
+        left = self.inHome()
+        self.assertEqual(left | {os.fsencode(TOOLS) + b"/" + name: thing for name, thing in moved.items()}, before)
+        self.assertEqual(without(left, TOOLS), without(before, TOOLS))
+        # At most the note of the one thing that was just going has lost its thing, or has it still to get.
+        notes = {name.removesuffix(b".trashinfo") for name in os.listdir(os.fsencode(self.data / "Trash" / "info"))}
+        things = set(os.listdir(os.fsencode(files)))
+        self.assertLessEqual(things, notes)
+        self.assertLessEqual(len(notes - things), 1)
+        # The books were not yet written; nothing stands in them that is not so, and nothing more goes by itself.
+        self.assertEqual(self.ledger(), {})
+        self.open()
+        self.assertEqual(self.pending(), [])
+        self.assertEqual(self.inHome(), left)
+
+    def killed(self):
+        os.kill(self.quillbrook.pid, signal.SIGKILL)
+        self.quillbrook.process.wait(10)
