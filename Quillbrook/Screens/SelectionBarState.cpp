@@ -171,7 +171,7 @@ void SelectionBarState::remove()
 QString SelectionBarState::confirmTitle() const
 {
     return (m_permanently ? tr("Delete %1 permanently?") : tr("Move %1 to the Trash?"))
-        .arg(m_asked ? m_asked->name : QString());
+        .arg(m_asked ? singleLine(m_asked->name) : QString());
 }
 
 QString SelectionBarState::confirmAction() const

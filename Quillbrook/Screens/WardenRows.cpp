@@ -1,6 +1,7 @@
 #include "Screens/WardenRows.h"
 
 #include "Scan/Format.h"
+#include "Screens/SingleLine.h"
 #include "Screens/Theme.h"
 
 #include <QCoreApplication>
@@ -168,7 +169,7 @@ QList<WardenRow> rows(const Input &input)
     if (!input.log.isEmpty())
         rows.append(WardenRow{ .kind = WardenLines::Kind::LogHeading, .title = tr("Activity") });
     for (const auto &line : input.log)
-        rows.append(WardenRow{ .kind = WardenLines::Kind::LogLine, .title = line });
+        rows.append(WardenRow{ .kind = WardenLines::Kind::LogLine, .title = singleLine(line) });
     return rows;
 }
 

@@ -39,9 +39,14 @@ void LinuxSpaceReserve::replenish()
         return;
     for (auto slash = m_path.find('/', 1); slash != std::string::npos; slash = m_path.find('/', slash + 1))
         ::mkdir(m_path.substr(0, slash).c_str(), ownersFolder);
-    const FileDescriptor file(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
+    // Not waiting for a reader, should a pipe have taken the name.
+    constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    const FileDescriptor file(::open(m_path.c_str(), flags, ownerOnly));
+    struct stat status = {};
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
+        return;
     // Half a reserve is none, and would only take the last space from others.
-    if (file.isOpen() && ::posix_fallocate(file.number(), 0, bytes) != 0)
+    if (::posix_fallocate(file.number(), 0, bytes) != 0)
         ::unlink(m_path.c_str());
 }
 

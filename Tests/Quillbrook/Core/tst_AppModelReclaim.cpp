@@ -151,13 +151,16 @@ void AppModelReclaimTest::cancelledRescanLeavesTheClaimForTheNext()
 
 void AppModelReclaimTest::secondReclaimDuringAScanReplacesTheClaim()
 {
-    const Fixture fixture;
+    Fixture fixture;
     const auto second = fixture.finding(logs);
+    fixture.volumes.answer->available = 500'000;
     fixture.model->reclaim({ fixture.finding(packages) }, false);
     QCOMPARE(fixture.model->phase().kind, Phase::Kind::scanning);
+    fixture.volumes.answer->available = 600'000;
     fixture.model->reclaim({ second }, false);
     fixture.settled();
     QCOMPARE(fixture.model->lastVerification()->claimedBytes, qint64(4096));
+    QCOMPARE(fixture.model->lastVerification()->freeBefore, qint64(600'000));
 }
 
 void AppModelReclaimTest::reclaimOfNothingRescansAndOffersNothing()

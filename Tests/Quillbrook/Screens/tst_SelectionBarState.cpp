@@ -97,6 +97,7 @@ private Q_SLOTS:
     void whatMayGoIsKnownOnlyOnceTheGuardsHaveAnswered();
     void questionNamesWhatHowAndWhere_data();
     void questionNamesWhatHowAndWhere();
+    void questionAboutANameOfSeveralLinesIsOneLine();
     void questionTellsHowManyThingsGo();
     void questionSaysThatThereIsNoOtherCopy();
     void answerRemovesWhatWasAskedAbout();
@@ -372,6 +373,18 @@ void SelectionBarStateTest::questionNamesWhatHowAndWhere()
             + " Quillbrook did not suggest this item — you chose it off the map, so it has no idea what is "
               "inside.");
     QVERIFY(fixture.has("notes.txt"));
+}
+
+void SelectionBarStateTest::questionAboutANameOfSeveralLinesIsOneLine()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/two\nlines", 4096);
+    fixture.scan();
+    fixture.select("two\nlines");
+    fixture.bar.askToRemove(false);
+    QCOMPARE(fixture.bar.confirmTitle(), QStringLiteral("Move two lines to the Trash?"));
+    fixture.bar.remove();
+    QVERIFY(fixture.isTrashed("two\nlines"));
 }
 
 void SelectionBarStateTest::questionTellsHowManyThingsGo()

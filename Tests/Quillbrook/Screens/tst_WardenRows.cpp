@@ -331,13 +331,13 @@ void WardenRowsTest::cardsAreRoundAtTheirEnds()
 void WardenRowsTest::logComesLast()
 {
     Fixture fixture;
-    fixture.log = { "✓ first", "✗ second" };
+    fixture.log = { "✓ first", "✗ second\nline" };
     fixture.report->findings = { finding("a", Safety::safe, 3) };
     QCOMPARE(fixture.kinds(),
         QList<Kind>({ Kind::Heading, Kind::Finding, Kind::LogHeading, Kind::LogLine, Kind::LogLine }));
     QCOMPARE(fixture.rows().at(2).title.toUpper(), QStringLiteral("ACTIVITY"));
     QCOMPARE(fixture.rows().at(3).title, QStringLiteral("✓ first"));
-    QCOMPARE(fixture.rows().at(4).title, QStringLiteral("✗ second"));
+    QCOMPARE(fixture.rows().at(4).title, QStringLiteral("✗ second line"));
 }
 
 void WardenRowsTest::defaultsAreTheSafeOnesAlone()

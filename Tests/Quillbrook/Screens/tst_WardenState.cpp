@@ -117,6 +117,7 @@ void WardenStateTest::withoutAReportThereIsNothing()
     QCOMPARE(fixture.warden.total(), QStringLiteral("0 B selected"));
     QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 0 reclaimable items"));
     QVERIFY(fixture.warden.chosenFindings().isEmpty());
+    QVERIFY(!fixture.warden.canReclaim());
     for (const auto &row : fixture.warden.rows()->rows())
         QCOMPARE(row.kind, Kind::Banner);
 }
