@@ -2,6 +2,7 @@
 finished, and that a program that is killed loses nothing and removes nothing that was not chosen."""
 
 import os
+import shutil
 import signal
 import unittest
 
@@ -157,6 +158,38 @@ class Removal(removing.Removing):
         self.assertEqual(self.ledger(), {})
         self.assertEqual((self.pending(), self.dialogs()), ([], []))
 
+    def testAFolderThatBecameALinkSinceTheScanLeavesWhatLiesBehindIt(self):
+        self.home.file("Documents/thesis.odt", 50_000)
+        self.openOnTools()
+        for button, told in (("Move 1 items to Trash", "0 B to Trash"), ("Delete permanently", "0 B deleted")):
+            with self.subTest(button):
+                self.quillbrook.press("Move to Trash")
+                self.quillbrook.window().one("dialog")
+                tools = self.home.path / TOOLS
+                tools.rename(self.home.path / "moved")
+                tools.symlink_to(self.home.path / "Documents")
+                before = self.inHome()
+                self.answer(button)
+                self.becomes(lambda: self.activity()[-1:], [f"✓ {TOOLS_TITLE} — {told}"])
+                self.assertEqual(self.inHome(), before)
+                self.assertEqual((self.trashed(), self.ledger(), self.pending()), (self.old, {}, []))
+                tools.unlink()
+                (self.home.path / "moved").rename(tools)
+                self.quillbrook.press("Rescan")
+                self.quillbrook.says("0 of 2 reclaimable items")
+                self.list().one("list item", lambda name: name.startswith(TOOLS_TITLE)).one("check box").act()
+                self.quillbrook.says(f"{self.size(TOOLS)} selected")
+
+    def testWhatSomebodyElseEmptiedIsPendingNoMore(self):
+        quillbrook = self.openOnTools()
+        self.trashTools()
+        self.assertEqual(len(self.pending()), 1)
+        for part in ("files", "info"):
+            shutil.rmtree(self.data / "Trash" / part)
+        quillbrook.press("Rescan")
+        quillbrook.scanned()
+        self.becomes(self.pending, [])
+
     def testNamesLinksAndClosedFoldersAreMovedAndRemovedAsTheyAre(self):
         for name in removing.ODD_NAMES:
             self.home.file(os.path.join(os.fsencode(TOOLS), name), 5000)
@@ -264,3 +297,44 @@ class Removal(removing.Removing):
     def killed(self):
         os.kill(self.quillbrook.pid, signal.SIGKILL)
         self.quillbrook.process.wait(10)
+
+
+class RemovalOfTheTrash(removing.Removing):
+    """The Trash where a desktop without settings of its own has it: in the home folder, where it is a finding."""
+
+    TITLE = "Trash"
+
+    @property
+    def data(self):
+        return self.home.path / ".local/share"
+
+    def testWhatLiesInTheTrashGoesForGoodOnly(self):
+        self.otherTrash()
+        self.home.file(".local/share/Trash/files/holiday.mp4", 900_000)
+        (self.data / "Trash/info/holiday.mp4.trashinfo").write_text(
+            f"[Trash Info]\nPath={self.seen}/holiday.mp4\nDeletionDate=2024-05-01T12:00:00\n")
+        self.home.file(f"{TOOLS}/torch.whl", 200_000)
+        self.quillbrook = self.start(XDG_DATA_HOME=str(self.data))
+        self.quillbrook.scanned()
+        self.quillbrook.activate()
+        size = homes.in_words(self.home.allocated(".local/share/Trash/files"))
+        self.list_item(TOOLS_TITLE).one("check box").act()
+        self.list_item(self.TITLE).one("check box").act()
+        self.quillbrook.says(f"{size} selected")
+        before = contents(self.data / "Trash")
+        self.quillbrook.press("Move to Trash")
+        self.answer("Move 1 items to Trash")
+        self.becomes(self.activity, [
+            "✗ Trash: This is already in the Trash. Delete it permanently to get the space back."])
+        self.assertEqual(contents(self.data / "Trash"), before)
+
+        self.quillbrook.says("0 of 2 reclaimable items")
+        self.list_item(self.TITLE).one("check box").act()
+        self.quillbrook.press("Move to Trash")
+        self.answer("Delete permanently")
+        self.becomes(lambda: self.activity()[1:], [f"✓ Trash — {size} deleted"])
+        self.assertEqual((self.inTrash(), self.trashed()), ({}, {}))
+        self.assertIn(os.fsencode(f"{TOOLS}/torch.whl"), self.inHome())
+
+    def list_item(self, title):
+        return self.quillbrook.window().one("list", "What can go").one("list item", lambda name: name.startswith(title))
