@@ -6,6 +6,7 @@
 // on the disk. Errors are texts for a person to read, sentences that begin with a capital and end with a
 // full stop; where one is told, everything lies where it lay before, unless said otherwise.
 
+#include <QDateTime>
 #include <QString>
 
 #include <expected>
@@ -46,10 +47,11 @@ public:
     /// path that is not directly in a trash, or among its leftovers, is refused.
     [[nodiscard]] virtual std::expected<void, QString> erase(const std::string &trashPath) = 0;
 
-    /// Whether a thing of the Trash may be what was moved there from `originalPath`: false only where its
-    /// note says that it came from elsewhere, as it does when the Trash was emptied and the name given again.
+    /// Whether a thing of the Trash may be what was moved there from `originalPath` at `movedAt`: false only
+    /// where its note says that it came from elsewhere or at another time, as it does when the Trash was
+    /// emptied or the thing put back, and the name given again. A `movedAt` that is not valid fits any time.
     [[nodiscard]] virtual bool mayComeFrom(
-        const std::string &trashPath, const std::string &originalPath) const = 0;
+        const std::string &trashPath, const std::string &originalPath, const QDateTime &movedAt) const = 0;
 
     /// Whether `path` is a trash of this user, or lies anywhere in one. Told by where trashes are kept, also
     /// of paths that are not there.

@@ -143,7 +143,7 @@ std::vector<TrashedItem> TrashLedger::ruleItemsDue(const QDateTime &now, qint64 
 
 bool TrashLedger::isOurs(const TrashedItem &item) const
 {
-    return m_services.trash.mayComeFrom(item.trashPath, item.originalPath);
+    return m_services.trash.mayComeFrom(item.trashPath, item.originalPath, item.movedAt);
 }
 
 std::expected<void, QString> TrashLedger::erase(const TrashedItem &item) const

@@ -5,9 +5,9 @@
 // and never the user's other Trash, and tells what an automation rule moved long enough ago.
 //
 // A row is found again by its `trashPath` alone, and nothing is deleted or put back whose note says that it
-// came from elsewhere: the Trash gives the names of what has left it again. A row that is no longer in the
-// Trash, because the user emptied it or put the thing back, counts nowhere and stays in the file until
-// something removes it.
+// came from elsewhere or at another time: the Trash gives the names of what has left it again. A row that is
+// no longer in the Trash, because the user emptied it or put the thing back, counts nowhere and stays in the
+// file until something removes it.
 //
 // Main thread only; every operation blocks on the disk. A file that is missing, can't be read or holds
 // anything but rows is an empty ledger, and stays until the next save. What can't be saved is right in memory

@@ -21,6 +21,8 @@ public:
     /// Told of each call before it is made, by its name and by that of the file; an errno lets it fail.
     std::function<int(std::string_view call, const char *name)> before{};
     mutable int calls = 0;
+    /// Nothing tells on which mount it lies, as on kernels that know no ids of mounts.
+    bool hidesMounts = false;
 
     /// What failed last, for messages.
     mutable std::string failed{};
@@ -35,7 +37,14 @@ public:
     }
     [[nodiscard]] int statAt(int folder, const char *name, int flags, struct statx &status) const override
     {
-        return fails("statx", name) ? -1 : FileCalls::statAt(folder, name, flags, status);
+        const int result = fails("statx", name) ? -1 : FileCalls::statAt(folder, name, flags, status);
+        if (hidesMounts) {
+            status.stx_mask &= ~STATX_MNT_ID;
+            status.stx_mnt_id = 0;
+            status.stx_attributes_mask &= ~std::uint64_t{ STATX_ATTR_MOUNT_ROOT };
+            status.stx_attributes &= ~std::uint64_t{ STATX_ATTR_MOUNT_ROOT };
+        }
+        return result;
     }
     [[nodiscard]] int makeFolderAt(int folder, const char *name, mode_t mode) const override
     {

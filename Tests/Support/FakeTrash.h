@@ -53,7 +53,8 @@ public:
     std::expected<void, QString> erase(const std::string &path) override { return drop("erase ", path); }
     std::expected<void, QString> remove(const std::string &path) override { return drop("remove ", path); }
 
-    [[nodiscard]] bool mayComeFrom(const std::string &from, const std::string &to) const override
+    [[nodiscard]] bool mayComeFrom(
+        const std::string &from, const std::string &to, const QDateTime &) const override
     {
         const auto found = origins.find(from);
         return found == origins.end() || found->second == to;

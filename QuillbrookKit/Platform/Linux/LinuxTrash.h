@@ -29,8 +29,8 @@ public:
     [[nodiscard]] std::expected<void, QString> restore(
         const std::string &trashPath, const std::string &originalPath) override;
     [[nodiscard]] std::expected<void, QString> erase(const std::string &trashPath) override;
-    [[nodiscard]] bool mayComeFrom(
-        const std::string &trashPath, const std::string &originalPath) const override;
+    [[nodiscard]] bool mayComeFrom(const std::string &trashPath, const std::string &originalPath,
+        const QDateTime &movedAt) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override;
 

@@ -221,10 +221,13 @@ void LinuxTrash::dropNote(const Trashed &thing) const
     std::ignore = m_calls.unlinkAt(thing.trash.info.number(), TrashNote::nameFor(thing.name).c_str(), 0);
 }
 
-bool LinuxTrash::mayComeFrom(const std::string &trashPath, const std::string &originalPath) const
+bool LinuxTrash::mayComeFrom(
+    const std::string &trashPath, const std::string &originalPath, const QDateTime &movedAt) const
 {
     const auto thing = trashed(trashPath);
     const auto text = thing ? note(*thing) : std::nullopt;
+    if (text && !TrashNote::mayBeOf(*text, movedAt))
+        return false;
     const auto origin = text ? TrashNote::origin(*text) : std::nullopt;
     if (!origin)
         return true;

@@ -22,15 +22,6 @@ std::string below(const std::string &folder, const std::string &name)
 
 } // namespace
 
-MountedDevice MountedDevice::of(const struct statx &status)
-{
-    constexpr unsigned bitsOfMinor = 32;
-    const auto device = (std::uint64_t{ status.stx_dev_major } << bitsOfMinor) | status.stx_dev_minor;
-    // Kernels that know no ids of mounts leave the file system to tell.
-    const bool isTold = (status.stx_mask & STATX_MNT_ID) != 0;
-    return { .mount = isTold ? status.stx_mnt_id : device, .device = device };
-}
-
 TrashFolders::Result TrashFolders::forDevice(MountedDevice device) const
 {
     auto atHome = homeTrash(device);

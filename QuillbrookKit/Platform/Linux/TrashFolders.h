@@ -5,6 +5,7 @@
 
 #include "Platform/Linux/FileCalls.h"
 #include "Platform/Linux/FileDescriptor.h"
+#include "Platform/Linux/MountedDevice.h"
 #include "Platform/Linux/TrashPlaces.h"
 
 #include <expected>
@@ -20,17 +21,6 @@ struct TrashFolder
     FileDescriptor self{};
     FileDescriptor files{};
     FileDescriptor info{};
-};
-
-/// A mount and a file system in it: a rename crosses neither.
-struct MountedDevice
-{
-    std::uint64_t mount = 0;
-    std::uint64_t device = 0;
-
-    bool operator==(const MountedDevice &) const = default;
-
-    [[nodiscard]] static MountedDevice of(const struct statx &status);
 };
 
 class TrashFolders

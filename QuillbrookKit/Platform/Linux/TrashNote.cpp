@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 
 namespace Quillbrook::TrashNote {
 
@@ -51,6 +52,16 @@ std::string percentDecoded(std::string_view text)
     return bytes;
 }
 
+// What follows `key` in its line; absent where the note has no such line.
+std::optional<std::string_view> value(std::string_view note, std::string_view key)
+{
+    const auto start = note.starts_with("[Trash Info]") ? note.find(key) : std::string_view::npos;
+    if (start == std::string_view::npos)
+        return std::nullopt;
+    const auto rest = note.substr(start + key.size());
+    return rest.substr(0, rest.find_first_of("\r\n"));
+}
+
 // Not within a character; of bytes that are no text at most as many go as a character can have.
 std::string_view shortened(std::string_view name, size_t longest)
 {
@@ -74,13 +85,25 @@ std::string text(std::string_view origin, const QDateTime &deleted)
 
 std::optional<std::string> origin(std::string_view note)
 {
-    constexpr std::string_view key = "\nPath=";
-    const auto start = note.starts_with("[Trash Info]") ? note.find(key) : std::string_view::npos;
-    if (start == std::string_view::npos)
-        return std::nullopt;
-    const auto value = note.substr(start + key.size());
-    const auto path = percentDecoded(value.substr(0, value.find_first_of("\r\n")));
+    const auto path = percentDecoded(value(note, "\nPath=").value_or(std::string_view()));
     return path.empty() ? std::nullopt : std::optional(path);
+}
+
+// The machine may have been taken to another zone since. Zones are whole quarters of an hour apart.
+bool mayBeOf(std::string_view note, const QDateTime &moment)
+{
+    constexpr qint64 quarter = 15 * 60;
+    constexpr qint64 furthestZone = 14 * 60 * 60;
+    // Between the note and the row in the ledger lies a rename, on a disk that may be slow.
+    constexpr qint64 slack = 10;
+    const auto told = value(note, "\nDeletionDate=").value_or(std::string_view());
+    auto written = QDateTime::fromString(
+        QString::fromUtf8(told.data(), static_cast<qsizetype>(told.size())), Qt::ISODate);
+    if (!written.isValid() || !moment.isValid())
+        return true;
+    written.setTimeSpec(Qt::UTC);
+    const auto apart = std::abs(moment.secsTo(written));
+    return apart <= furthestZone + slack && (apart + slack) % quarter <= 2 * slack;
 }
 
 std::string candidate(std::string_view name, std::uint64_t attempt, size_t longest)

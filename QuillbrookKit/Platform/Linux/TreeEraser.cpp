@@ -1,5 +1,7 @@
 #include "Platform/Linux/TreeEraser.h"
 
+#include "Platform/Linux/MountedDevice.h"
+
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -92,7 +94,7 @@ Erasure TreeEraser::erase(const char *name)
         recordFailure(errno, nullptr);
         return m_result;
     }
-    m_mount = status.stx_mnt_id;
+    m_mount = MountedDevice::of(status).mount;
     const auto error = unlink(nullptr, name, 0);
     if (error == EISDIR)
         enter(name);
@@ -255,7 +257,7 @@ int TreeEraser::openFolder(const char *name, int flags)
     struct statx status = {};
     if (m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, status) != 0)
         return -1;
-    if (status.stx_mnt_id != m_mount) {
+    if (MountedDevice::of(status).mount != m_mount) {
         errno = EXDEV;
         return -1;
     }

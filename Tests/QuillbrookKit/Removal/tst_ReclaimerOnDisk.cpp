@@ -338,6 +338,24 @@ private Q_SLOTS:
         QCOMPARE(TrashFixture::content(machine.home.path("Documents/data")), "kept");
     }
 
+    void whatTheUserTookBackAndThrewAwayAgainIsNotPurged()
+    {
+        Machine machine;
+        machine.home.fileWith(".cache/data", "kept");
+        auto ledger = machine.ledger();
+        ledger.record(machine.reclaimer().reclaim(machine.finding(".cache"), Disposal::toTrash).trashed);
+        const auto place = ledger.items().front().trashPath;
+        QVERIFY(machine.trash.restore(place, machine.home.path(".cache/data")));
+        machine.clock.moment = machine.clock.moment.addDays(3);
+        QCOMPARE(machine.trash.move(machine.home.path(".cache/data")), place);
+        QTest::ignoreMessage(QtWarningMsg,
+            qUtf8Printable(
+                u"Quillbrook: could not purge %1 \u2014 Something else lies in the Trash under its "
+                "name by now."_s.arg(QString::fromStdString(place))));
+        QCOMPARE(ledger.purge(), TrashLedger::Purged());
+        QCOMPARE(TrashFixture::content(place), "kept");
+    }
+
     void ledgerThatNamesOtherPlacesDeletesNothing()
     {
         Machine machine;

@@ -53,8 +53,8 @@ void SymbolPathsTest::everyNameAScreenUsesIsInTheSet_data()
 {
     QTest::addColumn<QString>("name");
     for (const auto *name : { "sparkles", "chevron.right", "folder.fill", "doc.fill", "xmark",
-             "hand.raised.fill", "trash", "checkmark", "exclamationmark.shield", "folder.badge.questionmark",
-             "internaldrive", "arrow.clockwise" })
+             "hand.raised.fill", "trash", "checkmark", "exclamationmark.shield.fill",
+             "folder.badge.questionmark", "internaldrive", "arrow.clockwise" })
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 

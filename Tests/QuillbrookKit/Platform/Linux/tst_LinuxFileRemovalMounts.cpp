@@ -28,6 +28,7 @@ private Q_SLOTS:
     void init();
     void deletingForGoodLeavesMountsAlone_data();
     void deletingForGoodLeavesMountsAlone();
+    void anotherFileSystemIsLeftAloneWhereNoMountIsTold();
     void deletingForGoodLeavesAMountItselfAlone();
 };
 
@@ -64,6 +65,24 @@ void TestLinuxFileRemovalMounts::deletingForGoodLeavesMountsAlone()
     QCOMPARE(f.content(f.home.path("elsewhere/kept")), std::string("kept"));
     QCOMPARE(f.names(f.home.path("folder")), std::vector<std::string>{ "a" });
     QCOMPARE(f.names(f.home.path("folder/a")), std::vector<std::string>{ "mounted" });
+}
+
+void TestLinuxFileRemovalMounts::anotherFileSystemIsLeftAloneWhereNoMountIsTold()
+{
+    TrashFixture f;
+    f.home.folder("folder/drive");
+    f.home.file("folder/file");
+    const Mounted drive("none", f.home.path("folder/drive"), "tmpfs");
+    QCOMPARE(drive.failure(), QString());
+    f.home.fileWith("folder/drive/kept", "kept");
+    f.calls.hidesMounts = true;
+    f.calls.before = [](std::string_view call, const char *) { return call == "openat2" ? ENOSYS : 0; };
+    LinuxFileRemoval removal(f.calls);
+    const auto done = removal.remove(f.home.path("folder"));
+    QVERIFY(!done);
+    QCOMPARE(done.error(), u"\"drive\" could not be deleted. The system is using it."_s);
+    QCOMPARE(f.content(f.home.path("folder/drive/kept")), std::string("kept"));
+    QVERIFY(!f.isThere(f.home.path("folder/file")));
 }
 
 void TestLinuxFileRemovalMounts::deletingForGoodLeavesAMountItselfAlone()

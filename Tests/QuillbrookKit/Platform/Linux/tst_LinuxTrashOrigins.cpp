@@ -57,11 +57,54 @@ private Q_SLOTS:
         const auto given = f.home.path("linked//./odd\xff\n%41");
         const auto moved = f.trash.move(given);
         QVERIFY(moved);
-        QVERIFY(f.trash.mayComeFrom(*moved, given));
-        QVERIFY(f.trash.mayComeFrom(*moved, f.home.path("linked/odd\xff\n%41")));
-        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("linked/odd\xff\n%41/more")));
-        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("elsewhere/odd\xff\n%41")));
-        QVERIFY(!f.trash.mayComeFrom(*moved, ""));
+        QVERIFY(f.trash.mayComeFrom(*moved, given, f.clock.moment));
+        QVERIFY(f.trash.mayComeFrom(*moved, f.home.path("linked/odd\xff\n%41"), f.clock.moment));
+        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("linked/odd\xff\n%41/more"), f.clock.moment));
+        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("elsewhere/odd\xff\n%41"), f.clock.moment));
+        QVERIFY(!f.trash.mayComeFrom(*moved, "", f.clock.moment));
+    }
+
+    void timeInANote_data()
+    {
+        QTest::addColumn<QByteArray>("date");
+        QTest::addColumn<bool>("mayBe");
+        QTest::newRow("the same moment") << QByteArray("2024-06-15T12:00:00") << true;
+        QTest::newRow("a slow disk") << QByteArray("2024-06-15T11:59:50") << true;
+        QTest::newRow("longer before") << QByteArray("2024-06-15T11:59:49") << false;
+        QTest::newRow("a minute after") << QByteArray("2024-06-15T12:01:00") << false;
+        QTest::newRow("in a zone ahead") << QByteArray("2024-06-15T17:45:00") << true;
+        QTest::newRow("in a zone behind") << QByteArray("2024-06-15T05:00:00") << true;
+        QTest::newRow("in the first zone of the day") << QByteArray("2024-06-16T02:00:00") << true;
+        QTest::newRow("in no zone") << QByteArray("2024-06-15T17:50:00") << false;
+        QTest::newRow("ahead of all zones") << QByteArray("2024-06-16T02:15:00") << false;
+        QTest::newRow("a day later") << QByteArray("2024-06-16T12:00:00") << false;
+        QTest::newRow("a year before") << QByteArray("2023-06-15T12:00:00") << false;
+        QTest::newRow("a carriage return") << QByteArray("2023-06-15T12:00:00\r") << false;
+        QTest::newRow("no date") << QByteArray("yesterday") << true;
+        QTest::newRow("empty") << QByteArray() << true;
+    }
+    void timeInANote()
+    {
+        QFETCH(QByteArray, date);
+        const auto note = "[Trash Info]\nPath=/a\nDeletionDate=" + date.toStdString() + '\n';
+        const QDateTime moment(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC);
+        QTEST(TrashNote::mayBeOf(note, moment), "mayBe");
+        QVERIFY(TrashNote::mayBeOf(note, QDateTime()));
+        QVERIFY(TrashNote::mayBeOf("[Trash Info]\nPath=/a\n", moment));
+    }
+
+    void thingThatWentAtAnotherTimeIsAnother()
+    {
+        TrashFixture f;
+        f.home.file("a");
+        const auto first = f.clock.moment;
+        const auto moved = f.trash.move(f.home.path("a"));
+        QVERIFY(moved);
+        QVERIFY(f.trash.restore(*moved, f.home.path("a")));
+        f.clock.moment = first.addDays(3);
+        QCOMPARE(f.trash.move(f.home.path("a")), moved);
+        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("a"), first));
+        QVERIFY(f.trash.mayComeFrom(*moved, f.home.path("a"), f.clock.moment));
     }
 
     void thingWithoutANoteMayComeFromAnywhere()
@@ -75,7 +118,7 @@ private Q_SLOTS:
         QCOMPARE(::unlink(f.note("a").c_str()), 0);
         f.home.fileWith(".local/share/Trash/info/b.trashinfo", "no note at all");
         for (const auto &path : { *a, *b, f.files("gone"), f.home.path("outside") })
-            QVERIFY(f.trash.mayComeFrom(path, "/anywhere"));
+            QVERIFY(f.trash.mayComeFrom(path, "/anywhere", f.clock.moment));
     }
 
     void oddThingsInThePlaceOfANoteAreNone()
@@ -86,11 +129,11 @@ private Q_SLOTS:
         QVERIFY(a);
         QCOMPARE(::unlink(f.note("a").c_str()), 0);
         f.home.pipe(".local/share/Trash/info/a.trashinfo");
-        QVERIFY(f.trash.mayComeFrom(*a, "/anywhere"));
+        QVERIFY(f.trash.mayComeFrom(*a, "/anywhere", f.clock.moment));
         QCOMPARE(::unlink(f.note("a").c_str()), 0);
         f.home.fileWith("elsewhere", "[Trash Info]\nPath=/b\n");
         f.home.link(".local/share/Trash/info/a.trashinfo", "../../../../elsewhere");
-        QVERIFY(f.trash.mayComeFrom(*a, "/anywhere"));
+        QVERIFY(f.trash.mayComeFrom(*a, "/anywhere", f.clock.moment));
     }
 
     void originFromTheTopOfAVolumeIsComparedFromThere()
@@ -100,9 +143,9 @@ private Q_SLOTS:
         const auto moved = f.trash.move(f.home.path("folder/a"));
         QVERIFY(moved);
         f.home.fileWith(".local/share/Trash/info/a.trashinfo", "[Trash Info]\nPath=folder/a\n");
-        QVERIFY(f.trash.mayComeFrom(*moved, f.home.path("folder/a")));
-        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("other folder/a")));
-        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("folder/b")));
+        QVERIFY(f.trash.mayComeFrom(*moved, f.home.path("folder/a"), f.clock.moment));
+        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("other folder/a"), f.clock.moment));
+        QVERIFY(!f.trash.mayComeFrom(*moved, f.home.path("folder/b"), f.clock.moment));
     }
 };
 
