@@ -59,12 +59,16 @@ void WardenState::lookAgain()
     refresh();
 }
 
-// New findings arrive ticked until the person has shown a will of their own.
+// New findings arrive ticked until the person has shown a will of their own. What lies in the Trash may have
+// left it during the scan either way.
 void WardenState::followPhase()
 {
-    if (m_model.phase().kind != Phase::Kind::ready || m_touched)
+    if (m_model.phase().kind != Phase::Kind::ready)
         return;
-    appear();
+    if (m_touched)
+        lookAgain();
+    else
+        appear();
 }
 
 QList<Finding> WardenState::chosenFindings() const

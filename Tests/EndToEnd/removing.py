@@ -58,6 +58,7 @@ class Removing(case.Case):
 
     @property
     def data(self):
+        """The folder in which the Trash and the ledger lie."""
         return self.home.folder / "data"
 
     def origin(self, name):

@@ -2,6 +2,7 @@
 finished, and that a program that is killed loses nothing and removes nothing that was not chosen."""
 
 import os
+import shutil
 import signal
 import unittest
 
@@ -93,12 +94,12 @@ class Removal(removing.Removing):
 
     def testAFindingGoesToTheTrashAndTheJobIsFinished(self):
         quillbrook = self.openOnTools()
-        before, share = self.inHome(), self.share(TOOLS, count=2)
+        before, trash, share = self.inHome(), self.inTrash(), self.share(TOOLS, count=2)
         size = self.trashTools()
         things = [f"{TOOLS}/wheels", f"{TOOLS}/.partial"]
         self.assertEqual(self.inHome(), without(before, TOOLS))
         self.assertEqual(self.trashed(), self.old | {self.origin(name): os.path.basename(name).encode() for name in things})
-        self.assertEqual(without(self.inTrash(), "old.txt") | under(before, TOOLS), self.inTrash())
+        self.assertEqual(self.inTrash(), trash | under(before, TOOLS))
         self.assertLedgerKnows(things, share)
         self.becomes(self.activity, [f"✓ {TOOLS_TITLE} — {size} to Trash"])
 
@@ -112,9 +113,7 @@ class Removal(removing.Removing):
         self.finishAsked(2 * share)
         self.answer("Remove permanently")
         self.becomes(self.pending, [])
-        self.assertEqual(self.trashed(), self.old)
-        self.assertEqual(self.inTrash().keys(), {b"old.txt"})
-        self.assertEqual(self.ledger(), {})
+        self.assertEqual((self.inTrash(), self.trashed(), self.ledger()), (trash, self.old, {}))
         self.assertEqual(self.inHome(), without(before, TOOLS))
         self.becomes(self.activity, [
             f"✓ {TOOLS_TITLE} — {size} to Trash",
@@ -157,6 +156,38 @@ class Removal(removing.Removing):
         self.assertEqual(self.ledger(), {})
         self.assertEqual((self.pending(), self.dialogs()), ([], []))
 
+    def testAFolderThatBecameALinkSinceTheScanLeavesWhatLiesBehindIt(self):
+        self.home.file("Documents/thesis.odt", 50_000)
+        self.openOnTools()
+        for button, told in (("Move 1 items to Trash", "0 B to Trash"), ("Delete permanently", "0 B deleted")):
+            with self.subTest(button):
+                self.quillbrook.press("Move to Trash")
+                self.quillbrook.window().one("dialog")
+                tools = self.home.path / TOOLS
+                tools.rename(self.home.path / "moved")
+                tools.symlink_to(self.home.path / "Documents")
+                before = self.inHome()
+                self.answer(button)
+                self.becomes(lambda: self.activity()[-1:], [f"✓ {TOOLS_TITLE} — {told}"])
+                self.assertEqual(self.inHome(), before)
+                self.assertEqual((self.trashed(), self.ledger(), self.pending()), (self.old, {}, []))
+                tools.unlink()
+                (self.home.path / "moved").rename(tools)
+                self.quillbrook.press("Rescan")
+                self.quillbrook.says("0 of 2 reclaimable items")
+                self.list().one("list item", lambda name: name.startswith(TOOLS_TITLE)).one("check box").act()
+                self.quillbrook.says(f"{self.size(TOOLS)} selected")
+
+    def testWhatSomebodyElseEmptiedIsPendingNoMore(self):
+        quillbrook = self.openOnTools()
+        self.trashTools()
+        self.assertEqual(len(self.pending()), 1)
+        for part in ("files", "info"):
+            shutil.rmtree(self.data / "Trash" / part)
+        quillbrook.press("Rescan")
+        quillbrook.scanned()
+        self.becomes(self.pending, [])
+
     def testNamesLinksAndClosedFoldersAreMovedAndRemovedAsTheyAre(self):
         for name in removing.ODD_NAMES:
             self.home.file(os.path.join(os.fsencode(TOOLS), name), 5000)
@@ -167,12 +198,12 @@ class Removal(removing.Removing):
         for folder in (f"{TOOLS}/closed/deep", f"{TOOLS}/closed"):
             (self.home.path / folder).chmod(0o555)
         self.openOnTools()
-        before = self.inHome()
+        before, trash = self.inHome(), self.inTrash()
         things = os.listdir(os.fsencode(self.home.path / TOOLS))
         self.trashTools()
         self.assertEqual(self.inHome(), without(before, TOOLS))
         self.assertLedgerKnows([os.path.join(os.fsencode(TOOLS), name) for name in things])
-        self.assertEqual(self.inTrash(), under(before, TOOLS) | {b"old.txt": self.inTrash()[b"old.txt"]})
+        self.assertEqual(self.inTrash(), trash | under(before, TOOLS))
         self.quillbrook.press("Finish removing")
         self.answer("Remove permanently")
         self.becomes(self.pending, [])
@@ -243,12 +274,12 @@ class Removal(removing.Removing):
         waiting.until("the first things in the Trash", lambda: len(os.listdir(files)) > 50, pause=0)
         self.killed()
 
-        moved = without(self.inTrash(), "old.txt")
-        moved.pop(b"old.txt")
+        moved = {name: thing for name, thing in self.inTrash().items() if name != b"old.txt"}
         self.assertGreater(len(moved), 50)
-        self.assertLess(len(os.listdir(files)), count, "the move was over before it could be broken off")
+        self.assertLess(len(moved), count, "the move was over before it could be broken off")
         left = self.inHome()
         self.assertEqual(left | {os.fsencode(TOOLS) + b"/" + name: thing for name, thing in moved.items()}, before)
+        self.assertEqual(len(left) + len(moved), len(before))
         self.assertEqual(without(left, TOOLS), without(before, TOOLS))
         # At most the note of the one thing that was just going has lost its thing, or has it still to get.
         notes = {name.removesuffix(b".trashinfo") for name in os.listdir(os.fsencode(self.data / "Trash" / "info"))}
@@ -264,3 +295,44 @@ class Removal(removing.Removing):
     def killed(self):
         os.kill(self.quillbrook.pid, signal.SIGKILL)
         self.quillbrook.process.wait(10)
+
+
+class RemovalOfTheTrash(removing.Removing):
+    """The Trash where a desktop without settings of its own has it: in the home folder, where it is a finding."""
+
+    TITLE = "Trash"
+
+    @property
+    def data(self):
+        return self.home.path / ".local/share"
+
+    def testWhatLiesInTheTrashGoesForGoodOnly(self):
+        self.otherTrash()
+        self.home.file(".local/share/Trash/files/holiday.mp4", 900_000)
+        (self.data / "Trash/info/holiday.mp4.trashinfo").write_text(
+            f"[Trash Info]\nPath={self.seen}/holiday.mp4\nDeletionDate=2024-05-01T12:00:00\n")
+        self.home.file(f"{TOOLS}/torch.whl", 200_000)
+        self.quillbrook = self.start(XDG_DATA_HOME=str(self.data))
+        self.quillbrook.scanned()
+        self.quillbrook.activate()
+        size = homes.in_words(self.home.allocated(".local/share/Trash/files"))
+        self.list_item(TOOLS_TITLE).one("check box").act()
+        self.list_item(self.TITLE).one("check box").act()
+        self.quillbrook.says(f"{size} selected")
+        before = contents(self.data / "Trash")
+        self.quillbrook.press("Move to Trash")
+        self.answer("Move 1 items to Trash")
+        self.becomes(self.activity, [
+            "✗ Trash: This is already in the Trash. Delete it permanently to get the space back."])
+        self.assertEqual(contents(self.data / "Trash"), before)
+
+        self.quillbrook.says("0 of 2 reclaimable items")
+        self.list_item(self.TITLE).one("check box").act()
+        self.quillbrook.press("Move to Trash")
+        self.answer("Delete permanently")
+        self.becomes(lambda: self.activity()[1:], [f"✓ Trash — {size} deleted"])
+        self.assertEqual((self.inTrash(), self.trashed()), ({}, {}))
+        self.assertIn(os.fsencode(f"{TOOLS}/torch.whl"), self.inHome())
+
+    def list_item(self, title):
+        return self.quillbrook.window().one("list", "What can go").one("list item", lambda name: name.startswith(title))

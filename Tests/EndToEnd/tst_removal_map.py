@@ -5,7 +5,6 @@ import os
 import shutil
 import unittest
 
-import accessibility
 import desktop
 import homes
 import removing

@@ -1,8 +1,6 @@
 """Removal on a small disk that nobody else writes to: what is told of free space is held against the disk's own figures,
 to the byte, and a disk without a byte left loses nothing."""
 
-import os
-
 import homes
 import removing
 import small_volume

@@ -106,6 +106,7 @@ private Q_SLOTS:
     void touchedTicksStayEmptyAfterARemoval();
     void pendingTrashIsToldAndFinished();
     void pendingTrashGoesByItselfOnceEmptied();
+    void pendingTrashIsLookedAtAfterEveryScan();
     void dismissingTheVerificationLeavesThePendingTrash();
     void missingBackupIsTold();
     void logIsListed();
@@ -423,6 +424,25 @@ void WardenStateTest::pendingTrashGoesByItselfOnceEmptied()
     QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
     std::filesystem::remove_all(fixture.trashFolder);
     fixture.warden.lookAgain();
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+}
+
+// With ticks of the person's own, too, which a scan leaves alone.
+void WardenStateTest::pendingTrashIsLookedAtAfterEveryScan()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
+            fixture.warden.toggle(row);
+    QVERIFY(fixture.warden.touched());
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+    std::filesystem::remove_all(fixture.trashFolder);
+    fixture.model->scan({});
+    fixture.settled();
     QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
 }
 
