@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QtConcurrent>
 
+#include <limits>
 #include <utility>
 
 namespace Quillbrook {
@@ -176,7 +177,7 @@ void AppModel::finishRemoving()
     scan({});
 }
 
-// What was claimed is measured once a scan that came after it has ended.
+// What was claimed is measured once a scan has ended after it, be it one that was under way already.
 void AppModel::verifyClaim()
 {
     if (!m_pendingClaim || !m_freeBeforeReclaim)
@@ -229,7 +230,9 @@ void AppModel::recordReclaimed(qint64 bytes)
 {
     if (bytes <= 0)
         return;
-    m_reclaimedSoFar += bytes;
+    // What was stored may be any number.
+    constexpr auto most = std::numeric_limits<qint64>::max();
+    m_reclaimedSoFar = m_reclaimedSoFar > most - bytes ? most : m_reclaimedSoFar + bytes;
     m_services.kit.defaults.setInteger(reclaimedBytesKey(), m_reclaimedSoFar);
     Q_EMIT reclaimedSoFarChanged();
 }

@@ -72,8 +72,8 @@ Item {
     Component {
         id: line
 
-        SelectableText {
-            fullText: root.row.title
+        SelectableLines {
+            text: root.row.title
         }
     }
     // qmllint enable unqualified

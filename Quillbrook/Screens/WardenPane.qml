@@ -27,11 +27,13 @@ ColumnLayout {
         Layout.fillHeight: true
         Layout.fillWidth: true
 
+        // In the middle, or below what stands above it.
         BodyText {
-            anchors.centerIn: parent
+            anchors.horizontalCenter: parent.horizontalCenter
             font.pointSize: Metrics.messageFont
             text: root.warden.emptyMessage
             visible: text !== ""
+            y: Math.max((parent.height - height) / 2, list.contentHeight + 2 * Metrics.space24)
         }
 
         // Beside the cards, not over them.

@@ -5,6 +5,8 @@
 
 #include <QSignalSpy>
 
+#include <limits>
+
 using namespace Quillbrook;
 
 namespace {
@@ -47,6 +49,7 @@ private Q_SLOTS:
     void partlyFailedFindingStaysUnknownToTheLedger();
     void linkAmongTheContentsGoesAsALink();
     void runningTotalSurvivesARestart();
+    void damagedTotalIsTakenForWhatItCanBe();
     void ledgerSurvivesARestartAndTheLogsDoNot();
     void itemsGoToTheTrashOneByOne();
     void itemsOfShownFindingsStay();
@@ -226,6 +229,22 @@ void AppModelReclaimTest::runningTotalSurvivesARestart()
         fixture.defaults.integer(QStringLiteral("Quillbrook.reclaimedBytes")), std::optional<qint64>(12288));
     fixture.start();
     QCOMPARE(fixture.model->reclaimedSoFar(), qint64(12288));
+}
+
+void AppModelReclaimTest::damagedTotalIsTakenForWhatItCanBe()
+{
+    const auto key = QStringLiteral("Quillbrook.reclaimedBytes");
+    constexpr auto most = std::numeric_limits<qint64>::max();
+    Fixture fixture;
+    fixture.defaults.setInteger(key, most - 1);
+    fixture.start();
+    fixture.scan();
+    fixture.model->reclaim({ fixture.finding(logs) }, false);
+    QCOMPARE(fixture.model->reclaimedSoFar(), most);
+    fixture.settled();
+    fixture.defaults.setInteger(key, -5);
+    fixture.start();
+    QCOMPARE(fixture.model->reclaimedSoFar(), qint64(0));
 }
 
 void AppModelReclaimTest::ledgerSurvivesARestartAndTheLogsDoNot()
