@@ -15,7 +15,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <random>
-#include <ranges>
 #include <unordered_set>
 
 namespace Quillbrook {
@@ -146,8 +145,8 @@ int LinuxTrash::moveBack(const Trashed &thing, const std::string &originalPath) 
     if (error == 0)
         dropNote(thing);
     else
-        for (const auto &folder : target.made | std::views::reverse)
-            std::ignore = m_calls.unlinkAt(AT_FDCWD, folder.c_str(), AT_REMOVEDIR);
+        for (auto folder = target.made.rbegin(); folder != target.made.rend(); ++folder)
+            std::ignore = m_calls.unlinkAt(AT_FDCWD, folder->c_str(), AT_REMOVEDIR);
     return error;
 }
 
