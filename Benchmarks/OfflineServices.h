@@ -7,7 +7,11 @@
 #include "Platform/BackupProbe.h"
 #include "Platform/Clock.h"
 #include "Platform/FileRevealer.h"
+#include "Platform/FolderGrants.h"
+#include "Platform/FolderPicker.h"
 #include "Platform/HomeFolder.h"
+#include "Platform/HttpClient.h"
+#include "Platform/LinkOpener.h"
 #include "Platform/Linux/LinuxDirectoryReading.h"
 #include "Platform/Linux/LinuxFileFacts.h"
 #include "Platform/Linux/LinuxFileReading.h"
@@ -18,12 +22,16 @@
 #include "Platform/Linux/LinuxProcessors.h"
 #include "Platform/Linux/LinuxSpaceReserve.h"
 #include "Platform/Linux/LinuxTrash.h"
+#include "Platform/LoginItem.h"
+#include "Platform/Notifier.h"
 #include "Platform/UserDefaults.h"
+#include "Platform/UtilityQueue.h"
 #include "Platform/Volumes.h"
 #include "Removal/HostGuards.h"
 
 #include <QHash>
 #include <QVariant>
+#include <QtFuture>
 
 #include <optional>
 
@@ -60,11 +68,16 @@ public:
     {
         return value<QByteArray>(key);
     }
+    [[nodiscard]] std::optional<QDateTime> date(const QString &key) const override
+    {
+        return value<QDateTime>(key);
+    }
     void setInteger(const QString &key, qint64 value) override { m_values[key] = value; }
     void setBoolean(const QString &key, bool value) override { m_values[key] = value; }
     void setReal(const QString &key, double value) override { m_values[key] = value; }
     void setTexts(const QString &key, const QStringList &value) override { m_values[key] = value; }
     void setData(const QString &key, const QByteArray &value) override { m_values[key] = value; }
+    void setDate(const QString &key, const QDateTime &value) override { m_values[key] = value; }
     void remove(const QString &key) override { m_values.remove(key); }
 
 private:
@@ -99,6 +112,45 @@ public:
     [[nodiscard]] Backups look() const override { return {}; }
 };
 
+/// No network, no desktop, and a watcher that never looks.
+struct NoSurroundings final : HttpClient,
+                              UtilityQueue,
+                              Notifier,
+                              LoginItem,
+                              LinkOpener,
+                              FolderPicker,
+                              FolderGrants
+{
+    QFuture<std::optional<HttpAnswer>> get(const HttpRequest & /*request*/) override
+    {
+        return QtFuture::makeReadyFuture(std::optional<HttpAnswer>());
+    }
+    void async(std::function<void()> /*work*/) override { }
+    void startTimer(const Timer & /*timer*/, std::function<void()> /*handler*/) override { }
+    void stopTimer() override { }
+    void post(const QString & /*title*/, const QString & /*body*/) override { }
+    QFuture<void> requestAuthorisation() override { return QtFuture::makeReadyFuture(); }
+    QFuture<NotificationState> state() override
+    {
+        return QtFuture::makeReadyFuture(NotificationState::denied);
+    }
+    void openSettings() override { }
+    [[nodiscard]] bool isEnabled() const override { return false; }
+    QFuture<std::expected<void, QString>> setEnabled(bool /*enabled*/) override
+    {
+        return QtFuture::makeReadyFuture(std::expected<void, QString>());
+    }
+    void open(const QUrl & /*url*/) override { }
+    std::optional<std::string> pick(const Request & /*request*/) override { return std::nullopt; }
+    std::expected<QByteArray, QString> bookmark(const std::string & /*path*/) override
+    {
+        return std::unexpected(QString());
+    }
+    std::optional<Resolved> resolve(const QByteArray & /*bookmark*/) override { return std::nullopt; }
+    bool startAccessing(const std::string & /*path*/) override { return false; }
+    void stopAccessing(const std::string & /*path*/) override { }
+};
+
 class OfflineServices
 {
 public:
@@ -124,9 +176,16 @@ public:
                      .removal = m_removal,
                      .writing = m_writing,
                      .backups = m_backups,
+                     .http = m_surroundings,
+                     .utility = m_surroundings,
                      .guards = m_guards,
                      .dataFolder = m_dataFolder },
-            .revealer = m_revealer };
+            .revealer = m_revealer,
+            .notifier = m_surroundings,
+            .loginItem = m_surroundings,
+            .links = m_surroundings,
+            .folderPicker = m_surroundings,
+            .folderGrants = m_surroundings };
     }
 
 private:
@@ -148,6 +207,7 @@ private:
     NoBackups m_backups;
     HostGuards m_guards;
     NoRevealer m_revealer;
+    NoSurroundings m_surroundings;
 };
 
 } // namespace Quillbrook::Benchmarks

@@ -28,6 +28,7 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_scanRoot(services.kit.home.realHomeDirectory())
     , m_ledger(LedgerServices::of(services.kit), TrashLedger::standardStore(services.kit.dataFolder))
     , m_reclaimedSoFar(std::max<qint64>(services.kit.defaults.integer(reclaimedBytesKey()).value_or(0), 0))
+    , m_watcher(services.kit)
 {
     m_askingPool.setMaxThreadCount(1);
     m_ticker.setObjectName(QStringLiteral("ticker"));

@@ -5,6 +5,8 @@
 // take and return values and are awaited, and after every wait a task compares its token, so that an old scan
 // ends silently.
 
+#include "Automation/UpdateCheck.h"
+#include "Automation/Watcher.h"
 #include "Catalogue/ReclaimReport.h"
 #include "Core/FindingCollector.h"
 #include "Core/Pane.h"
@@ -35,6 +37,7 @@
 
 namespace Quillbrook {
 
+class Background;
 class CatalogueInHand;
 class ScanInHand;
 struct StorageItem;
@@ -115,6 +118,15 @@ public:
     /// Asks off the main thread whether a backup stands behind a deletion.
     void refreshSafetyNet();
 
+    /// Asks, at most once a day unless a notice is on hand, whether there is a newer version.
+    void checkForUpdate();
+
+    // The watcher.
+    /// Takes its observations from now on, and posts those that are worth it. Both outlive the watching.
+    void configureWatcher(Background &background);
+    /// Switching on gives a reading at once.
+    void setWatching(bool watching);
+
     // The volume. A report's figures go before the live ones.
     void refreshVolume();
     void refreshMenuBarTitle();
@@ -146,6 +158,12 @@ public:
     /// Absent until it is known.
     [[nodiscard]] const std::optional<SafetyNet> &safetyNet() const { return m_safetyNet; }
     [[nodiscard]] const TrashLedger &ledger() const { return m_ledger; }
+    /// What there is newer than this; absent when nothing is known of such.
+    [[nodiscard]] const std::optional<AvailableUpdate> &update() const { return m_update; }
+    [[nodiscard]] bool watching() const { return m_watching; }
+    /// The latest observation; absent before one.
+    [[nodiscard]] const std::optional<Watcher::Observation> &lastWatch() const { return m_lastWatch; }
+    [[nodiscard]] Watcher &watcher() { return m_watcher; }
     [[nodiscard]] Scope scope() const { return m_scope; }
     [[nodiscard]] std::optional<Pane> requestedPane() const { return m_requestedPane; }
     /// Seconds of the last tree scan; 0 before one.
@@ -175,6 +193,9 @@ Q_SIGNALS:
     void freeNowOfferChanged();
     void safetyNetChanged();
     void ledgerChanged();
+    void updateChanged();
+    void watchingChanged();
+    void lastWatchChanged();
     void scopeChanged();
     void requestedPaneChanged();
     void lastScanDurationChanged();
@@ -222,6 +243,8 @@ private:
     void prependLog(const QString &line);
     void offerToFree(qint64 bytes);
     QCoro::Task<> askForSafetyNet();
+    QCoro::Task<> askForUpdate();
+    void takeObservation(const Watcher::Observation &observation, const Background &background);
 
     AppServices m_services;
     Phase m_phase;
@@ -265,6 +288,10 @@ private:
     QStringList m_uninstallLog;
     std::optional<qint64> m_pendingClaim;
     std::optional<qint64> m_freeNowOffer;
+    std::optional<AvailableUpdate> m_update;
+    Watcher m_watcher;
+    bool m_watching = false;
+    std::optional<Watcher::Observation> m_lastWatch;
     /// A thread beside the pool's, so that no scan waits for a backup program to answer. Its end is waited
     /// for.
     QThreadPool m_askingPool;

@@ -4,14 +4,31 @@
 
 #include "Platform/KitServices.h"
 
+#include <QString>
+#include <QUrl>
+
 namespace Quillbrook {
 
 class FileRevealer;
+class FolderGrants;
+class FolderPicker;
+class LinkOpener;
+class LoginItem;
+class Notifier;
 
 struct AppServices
 {
     KitServices kit;
     FileRevealer &revealer;
+    Notifier &notifier;
+    LoginItem &loginItem;
+    LinkOpener &links;
+    FolderPicker &folderPicker;
+    FolderGrants &folderGrants;
+    /// Of the running program.
+    QString version{};
+    /// Where a newer version would be told of.
+    QUrl updateFeed{};
 };
 
 } // namespace Quillbrook

@@ -16,10 +16,12 @@ class FileRemoval;
 class FileWriting;
 class HomeFolder;
 class HostKnowledge;
+class HttpClient;
 class ProcessRunner;
 class Processors;
 class Trash;
 class UserDefaults;
+class UtilityQueue;
 class Volumes;
 struct HostGuards;
 
@@ -39,6 +41,9 @@ struct KitServices
     FileRemoval &removal;
     FileWriting &writing;
     BackupProbe &backups;
+    HttpClient &http;
+    /// The watcher's own.
+    UtilityQueue &utility;
     /// The guards that the machine adds to the built-in ones.
     const HostGuards &guards;
     /// Where programs keep the user's data: absolute, in raw bytes.

@@ -77,6 +77,12 @@ std::optional<QByteArray> SettingsUserDefaults::data(const QString &key) const
     return value.toByteArray();
 }
 
+std::optional<QDateTime> SettingsUserDefaults::date(const QString &key) const
+{
+    const auto moment = QDateTime::fromString(text(key).value_or(QString()), Qt::ISODateWithMs);
+    return moment.isValid() && moment.timeSpec() == Qt::UTC ? std::optional(moment) : std::nullopt;
+}
+
 void SettingsUserDefaults::setInteger(const QString &key, qint64 value)
 {
     m_settings.setValue(key, QString::number(value));
@@ -100,6 +106,11 @@ void SettingsUserDefaults::setTexts(const QString &key, const QStringList &value
 void SettingsUserDefaults::setData(const QString &key, const QByteArray &value)
 {
     m_settings.setValue(key, value);
+}
+
+void SettingsUserDefaults::setDate(const QString &key, const QDateTime &value)
+{
+    m_settings.setValue(key, value.toUTC().toString(Qt::ISODateWithMs));
 }
 
 void SettingsUserDefaults::remove(const QString &key)

@@ -21,11 +21,13 @@ public:
     [[nodiscard]] std::optional<double> real(const QString &key) const override;
     [[nodiscard]] std::optional<QStringList> texts(const QString &key) const override;
     [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
+    [[nodiscard]] std::optional<QDateTime> date(const QString &key) const override;
     void setInteger(const QString &key, qint64 value) override;
     void setBoolean(const QString &key, bool value) override;
     void setReal(const QString &key, double value) override;
     void setTexts(const QString &key, const QStringList &value) override;
     void setData(const QString &key, const QByteArray &value) override;
+    void setDate(const QString &key, const QDateTime &value) override;
     void remove(const QString &key) override;
 
 private:

@@ -5,6 +5,7 @@
 // disk. Main thread only.
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -21,11 +22,14 @@ public:
     [[nodiscard]] virtual std::optional<double> real(const QString &key) const = 0;
     [[nodiscard]] virtual std::optional<QStringList> texts(const QString &key) const = 0;
     [[nodiscard]] virtual std::optional<QByteArray> data(const QString &key) const = 0;
+    /// A moment, in UTC, exact to the millisecond.
+    [[nodiscard]] virtual std::optional<QDateTime> date(const QString &key) const = 0;
     virtual void setInteger(const QString &key, qint64 value) = 0;
     virtual void setBoolean(const QString &key, bool value) = 0;
     virtual void setReal(const QString &key, double value) = 0;
     virtual void setTexts(const QString &key, const QStringList &value) = 0;
     virtual void setData(const QString &key, const QByteArray &value) = 0;
+    virtual void setDate(const QString &key, const QDateTime &value) = 0;
     virtual void remove(const QString &key) = 0;
 };
 

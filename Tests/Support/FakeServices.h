@@ -7,9 +7,9 @@
 #include "Removal/HostGuards.h"
 #include "Support/FakeBackupProbe.h"
 #include "Support/FakeClock.h"
+#include "Support/FakeDesktop.h"
 #include "Support/FakeDirectories.h"
 #include "Support/FakeFileFacts.h"
-#include "Support/FakeFileRevealer.h"
 #include "Support/FakeHomeFolder.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeProcessRunner.h"
@@ -36,7 +36,7 @@ struct FakeServices
     MemoryFiles stored;
     FakeBackupProbe backups;
     HostGuards guards;
-    FakeFileRevealer revealer;
+    FakeDesktop desktop;
 
     AppServices services{
         .kit = { .directories = directories,
@@ -53,9 +53,18 @@ struct FakeServices
             .removal = trash,
             .writing = stored,
             .backups = backups,
+            .http = desktop.http,
+            .utility = desktop.utility,
             .guards = guards,
             .dataFolder = "/home/someone/.local/share" },
-        .revealer = revealer,
+        .revealer = desktop.revealer,
+        .notifier = desktop.notifier,
+        .loginItem = desktop.loginItem,
+        .links = desktop.links,
+        .folderPicker = desktop.folderPicker,
+        .folderGrants = desktop.folderGrants,
+        .version = QStringLiteral("1.0"),
+        .updateFeed = QUrl(QStringLiteral("https://updates.test/version.json")),
     };
 };
 

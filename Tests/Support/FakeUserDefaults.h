@@ -17,11 +17,13 @@ public:
     std::optional<double> real(const QString &key) const override { return value<double>(key); }
     std::optional<QStringList> texts(const QString &key) const override { return value<QStringList>(key); }
     std::optional<QByteArray> data(const QString &key) const override { return value<QByteArray>(key); }
+    std::optional<QDateTime> date(const QString &key) const override { return value<QDateTime>(key); }
     void setInteger(const QString &key, qint64 value) override { values.insert(key, value); }
     void setBoolean(const QString &key, bool value) override { values.insert(key, value); }
     void setReal(const QString &key, double value) override { values.insert(key, value); }
     void setTexts(const QString &key, const QStringList &value) override { values.insert(key, value); }
     void setData(const QString &key, const QByteArray &value) override { values.insert(key, value); }
+    void setDate(const QString &key, const QDateTime &value) override { values.insert(key, value); }
     void remove(const QString &key) override { values.remove(key); }
 
     QHash<QString, QVariant> values;

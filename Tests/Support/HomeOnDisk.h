@@ -14,7 +14,7 @@
 #include "Removal/HostGuards.h"
 #include "Support/FakeBackupProbe.h"
 #include "Support/FakeClock.h"
-#include "Support/FakeFileRevealer.h"
+#include "Support/FakeDesktop.h"
 #include "Support/FakeHomeFolder.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeProcessRunner.h"
@@ -105,7 +105,7 @@ struct HomeOnDisk
     LinuxFileWriting writing{ &reserve };
     FakeBackupProbe backups;
     HostGuards guards;
-    FakeFileRevealer revealer;
+    FakeDesktop desktop;
     std::unique_ptr<AppModel> model;
 
 private:
@@ -125,9 +125,16 @@ private:
                      .removal = removal,
                      .writing = writing,
                      .backups = backups,
+                     .http = desktop.http,
+                     .utility = desktop.utility,
                      .guards = guards,
                      .dataFolder = dataFolder },
-            .revealer = revealer };
+            .revealer = desktop.revealer,
+            .notifier = desktop.notifier,
+            .loginItem = desktop.loginItem,
+            .links = desktop.links,
+            .folderPicker = desktop.folderPicker,
+            .folderGrants = desktop.folderGrants };
     }
 };
 

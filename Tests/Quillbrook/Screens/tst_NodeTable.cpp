@@ -215,7 +215,7 @@ void NodeTableTest::revealShowsTheRawPath()
     fixture.scan();
     fixture.largest.setShown(true);
     fixture.largest.reveal(0);
-    QCOMPARE(fixture.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
+    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
 }
 
 void NodeTableTest::rowOfAnOlderTreeKeepsItsOwnPath()
@@ -228,7 +228,7 @@ void NodeTableTest::rowOfAnOlderTreeKeepsItsOwnPath()
     fixture.addFile("Videos/another.mp4", 900);
     fixture.scan();
     fixture.largest.reveal(0);
-    QCOMPARE(fixture.revealer.revealed, std::vector<std::string>{ fixture.path("Videos/film.mp4") });
+    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("Videos/film.mp4") });
 }
 
 void NodeTableTest::rowsOutsideDoNothing()
@@ -240,7 +240,7 @@ void NodeTableTest::rowsOutsideDoNothing()
     fixture.largest.select(5);
     fixture.largest.reveal(5);
     QVERIFY(!fixture.model.selection());
-    QVERIFY(fixture.revealer.revealed.empty());
+    QVERIFY(fixture.desktop.revealer.revealed.empty());
 }
 
 QTEST_GUILESS_MAIN(NodeTableTest)

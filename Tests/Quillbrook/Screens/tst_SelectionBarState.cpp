@@ -289,7 +289,7 @@ void SelectionBarStateTest::revealShowsTheRawPath()
     fixture.scan();
     fixture.model.setSelection(fixture.model.largestFiles(1).constFirst());
     fixture.bar.reveal();
-    QCOMPARE(fixture.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
+    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
 }
 
 void SelectionBarStateTest::dismissClearsTheSelection()

@@ -244,7 +244,7 @@ void WardenStateTest::revealShowsTheFolder()
     fixture.scan();
     fixture.warden.reveal(fixture.row(fixture.logs));
     fixture.warden.reveal(static_cast<int>(fixture.warden.rows()->rowCount() - 1));
-    QCOMPARE(fixture.revealer.revealed,
+    QCOMPARE(fixture.desktop.revealer.revealed,
         (std::vector<std::string>{ fixture.path(".gradle/daemon"), fixture.path("Downloads") }));
 }
 
@@ -258,7 +258,7 @@ void WardenStateTest::rowsOutsideDoNothing()
         fixture.warden.reveal(row);
     }
     QVERIFY(!fixture.warden.touched());
-    QVERIFY(fixture.revealer.revealed.empty());
+    QVERIFY(fixture.desktop.revealer.revealed.empty());
 }
 
 void WardenStateTest::offerStandsAsLongAsTheScopeIsQuiet()

@@ -1,0 +1,54 @@
+#pragma once
+
+// The right to read the person's home folder. Outside a sandbox the program simply reads; inside one it reads
+// what the person has handed it, and keeps that across starts. Main thread only; the services outlive it.
+
+#include <QObject>
+#include <QString>
+
+#include <optional>
+#include <string>
+
+namespace Quillbrook {
+
+struct AppServices;
+
+class FolderAccess : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Takes up the grant that was kept.
+    explicit FolderAccess(const AppServices &services, QObject *parent = nullptr);
+
+    /// Lets the person pick their home folder; cancelling changes nothing.
+    void request();
+    /// Forgets the grant.
+    void revoke();
+    /// Whether access to the granted folder is open now.
+    bool beginAccess();
+
+    [[nodiscard]] bool isSandboxed() const;
+    /// The gate stands before everything else: in a sandbox, with nothing granted.
+    [[nodiscard]] bool isGated() const { return isSandboxed() && !m_granted; }
+    /// The folder that was handed over; absolute, in raw bytes.
+    [[nodiscard]] const std::optional<std::string> &granted() const { return m_granted; }
+    /// What to scan; empty when there is nothing that may be.
+    [[nodiscard]] QString scanRoot() const;
+    [[nodiscard]] QString grantedName() const;
+    [[nodiscard]] bool grantedIsWrongVolume() const;
+
+Q_SIGNALS:
+    void grantedChanged();
+
+private:
+    void restoreBookmark();
+    void store(const std::string &path);
+    void setGranted(const std::optional<std::string> &path);
+
+    const AppServices &m_services;
+    std::optional<std::string> m_granted;
+    std::optional<std::string> m_accessing;
+};
+
+} // namespace Quillbrook

@@ -1,0 +1,17 @@
+#pragma once
+
+// Opens an address in the person's browser.
+
+#include <QUrl>
+
+namespace Quillbrook {
+
+class LinkOpener
+{
+public:
+    virtual ~LinkOpener() = default;
+    /// Returns at once; where nothing can open it nothing happens. Main thread only.
+    virtual void open(const QUrl &url) = 0;
+};
+
+} // namespace Quillbrook
