@@ -33,7 +33,7 @@ constexpr quint32 over(quint32 below, quint32 above)
 
 quint32 share(double coverage)
 {
-    return static_cast<quint32>(std::clamp(coverage, 0.0, 1.0) * opaque + 0.5);
+    return static_cast<quint32>(qRound(std::clamp(coverage, 0.0, 1.0) * opaque));
 }
 
 // A shape in pixels. A pixel's cover follows from the distance of its middle to the outline, negative inside.

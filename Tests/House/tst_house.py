@@ -195,7 +195,8 @@ class Form(unittest.TestCase):
         self.check([self.tool("desktop-file-validate"), "--warn-kde", str(entry)])
 
     def testFilesEndWithOneLineFeedAndHoldNoTrailingBlanks(self):
-        for path in tracked(".h", ".cpp", ".qml", ".md", ".py", ".sh", ".txt", ".cmake", ".svg"):
+        for path in tracked(".h", ".cpp", ".qml", ".md", ".py", ".sh", ".txt", ".cmake", ".svg", ".xml", ".yml",
+                            ".in", ".desktop"):
             with self.subTest(relative(path)):
                 text = path.read_text(encoding="utf-8")
                 self.assertTrue(text.endswith("\n") and not text.endswith("\n\n"))

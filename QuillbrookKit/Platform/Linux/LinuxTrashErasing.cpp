@@ -127,7 +127,7 @@ std::expected<void, QString> LinuxTrash::restore(
         return std::unexpected(thing.error());
     if (thing->isLeftover)
         return std::unexpected(u"It is being deleted already."_s);
-    if (const auto error = withReserve([&] { return moveBack(*thing, originalPath); }); error != 0)
+    if (const auto error = withReserve([&]() -> int { return moveBack(*thing, originalPath); }); error != 0)
         return std::unexpected(LinuxErrorText::sentence(error));
     return {};
 }
@@ -231,7 +231,7 @@ bool LinuxTrash::mayComeFrom(
     if (!origin)
         return true;
     // The note tells of the path as it was given, or, seen from the top of a volume, as it is without links.
-    const auto isOrigin = [&](const std::string &path) {
+    const auto isOrigin = [&](const std::string &path) -> bool {
         return origin->starts_with('/') ? path == *origin : path.ends_with('/' + *origin);
     };
     return isOrigin(standardisedPath(originalPath, {})) || isOrigin(ResolvedPath::withoutLinks(originalPath));
