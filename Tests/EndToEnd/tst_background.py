@@ -213,10 +213,12 @@ class Background(in_tray.InTray):
         self.assertEqual(self.switches(quillbrook), [WATCH, TELL, LOGIN])
         # The look sees what the last scan of the window has not.
         self.becomes(lambda: self.reclaimable(quillbrook), "42.9 MB can be reclaimed safely")
-        quillbrook.panel_says("Alerts are on.")
         quillbrook.panel_says("Without this, nothing watches after a restart.")
         self.assertEqual(quillbrook.panel().one("push button", "Quit").description,
                          "Quitting stops Quillbrook watching this Mac.")
+        quillbrook.close_panel()
+        self.open_panel(quillbrook, tray)
+        quillbrook.panel_says("Alerts are on.")
         self.turn(quillbrook, WATCH, False)
         quillbrook.panel_says(OFFER)
         self.assertEqual(self.switches(quillbrook), [WATCH])
