@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 namespace Quillbrook {
 
@@ -147,14 +146,14 @@ PortalRequest::PortalRequest(const QDBusConnection &sessionBus)
 }
 
 QFuture<std::optional<PortalRequest::Response>> PortalRequest::call(
-    QDBusMessage message, std::chrono::milliseconds timeout)
+    const QDBusMessage &message, std::chrono::milliseconds timeout)
 {
     // Without a bus a call would never come to an end.
     if (!m_bus.isConnected() || message.arguments().isEmpty())
         return QtFuture::makeReadyFuture(std::optional<Response>());
     auto *question = new PortalQuestion(m_bus, this);
     auto future = question->future();
-    question->ask(std::move(message), timeout);
+    question->ask(message, timeout);
     return future;
 }
 

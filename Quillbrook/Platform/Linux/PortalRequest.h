@@ -35,7 +35,7 @@ public:
     /// has answered within `timeout`; then the portal is told to take its question back. Several calls may be
     /// under way. A question still open when this object ends is taken back too, and its future is cancelled.
     [[nodiscard]] QFuture<std::optional<Response>> call(
-        QDBusMessage message, std::chrono::milliseconds timeout);
+        const QDBusMessage &message, std::chrono::milliseconds timeout);
 
     /// A call of a method of the desktop portal, to be given its arguments.
     [[nodiscard]] static QDBusMessage method(const QString &interface, const QString &name);
