@@ -71,11 +71,13 @@ QtObject {
     readonly property int symbolSmall: 11
     readonly property int symbolSize: 16
     readonly property int symbolLarge: 20
+    readonly property int symbolHuge: 40
 
     // Type, in points that come out as the pixels named.
     readonly property real sectionFont: 10.5 * Theme.pointsPerPixel
     readonly property real tinyFont: 11 * Theme.pointsPerPixel
     readonly property real captionFont: 11.5 * Theme.pointsPerPixel
+    readonly property real warningFont: 12 * Theme.pointsPerPixel
     readonly property real smallFont: 12.5 * Theme.pointsPerPixel
     readonly property real bodyFont: 13 * Theme.pointsPerPixel
     readonly property real messageFont: 13.5 * Theme.pointsPerPixel

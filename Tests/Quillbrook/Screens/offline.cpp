@@ -1,10 +1,14 @@
 // The main window over a made-up machine, for looking at screens that a real one shows only now and then:
 //
-//     quillbrook-offline [ready|scanning|idle|full]
+//     quillbrook-offline [ready|scanning|idle|full|gate|sandbox]
+//
+// "gate" is a sandbox without a folder, where the gate's button grants one on another volume; in "sandbox"
+// one has been granted, and a newer version is out.
 //
 // Nothing of the machine it runs on is read or changed.
 
 #include "Core/AppModel.h"
+#include "Core/Background.h"
 #include "Screens/MainWindowState.h"
 #include "Support/FakeMotionPreference.h"
 #include "Support/FakeServices.h"
@@ -84,6 +88,17 @@ QList<Finding> pretendFindings()
     return findings;
 }
 
+/// A sandbox, a person who always picks the same folder, and a web site that tells of a newer version.
+void pretendSandbox(FakeServices &machine)
+{
+    const QByteArray folder("/Volumes/Backup/a folder with a rather long name/someone");
+    machine.home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+    machine.directories.folder(folder.toStdString(), { FakeDirectories::aFile("scene.glb", 4 * gibi) });
+    machine.desktop.folderPicker.answer = folder.toStdString();
+    machine.desktop.http.answer
+        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0.1", "url": "https://updates.test/2.0.1"})" };
+}
+
 void pretendProgress(ScanProgress &progress)
 {
     progress.setFindings(pretendFindings());
@@ -104,22 +119,29 @@ int main(int argc, char **argv)
     machine.volumes.answer = VolumeCapacity{
         .available = 48 * gibi + gibi / 5, .availableForImportantUsage = 48 * gibi, .total = 233 * gibi
     };
-    if (what == QStringLiteral("full"))
+    if (what == QStringLiteral("full") || what == QStringLiteral("sandbox"))
         machine.volumes.answer = VolumeCapacity{
             .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
         };
+    if (what == QStringLiteral("gate") || what == QStringLiteral("sandbox"))
+        pretendSandbox(machine);
+    if (what == QStringLiteral("sandbox"))
+        machine.defaults.values.insert(QStringLiteral("Quillbrook.homeBookmark"),
+            QByteArray::fromStdString(*machine.desktop.folderPicker.answer));
     std::optional<FolderHold> hold;
     if (what == QStringLiteral("scanning") || what == QStringLiteral("idle"))
         hold.emplace(machine.directories, "/home/someone");
 
     AppModel model(machine.services);
     FakeMotionPreference motion;
-    MainWindowState screens(model, motion);
+    Background background(model.services());
+    MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
     // Before the window's own, which would stay out of most of what the made-up home holds.
-    model.scan({ .scope = Scope::complete });
+    if (what != QStringLiteral("gate"))
+        model.scan({ .scope = Scope::complete });
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
     if (what == QStringLiteral("idle"))
         model.cancelScan();
