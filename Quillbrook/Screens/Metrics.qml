@@ -21,6 +21,8 @@ QtObject {
     readonly property int columnWidth: 620
     readonly property int scanningTop: 88
     readonly property int noticeWidth: 440
+    readonly property int panelWidth: 340
+    readonly property int panelHeight: 470
 
     // The 4-point grid.
     readonly property int space4: 4
@@ -31,6 +33,9 @@ QtObject {
     readonly property int space24: 24
     readonly property int paneInset: 20
     readonly property int sidebarInset: 10
+    readonly property int panelInset: 18
+    readonly property int panelFootInset: 14
+    readonly property int panelGap: 18
 
     // Shapes.
     readonly property int hairlineWidth: 1
@@ -84,6 +89,7 @@ QtObject {
     readonly property real headingFont: 15 * Theme.pointsPerPixel
     readonly property real figureFont: 25 * Theme.pointsPerPixel
     readonly property real sectionTracking: 0.84
+    readonly property real looseLines: 1.15
 
     // States of a control are told by opacity alone.
     readonly property real hoverOpacity: 0.06
@@ -97,4 +103,5 @@ QtObject {
     property bool reducedMotion: false
     readonly property int quickMotion: reducedMotion ? 0 : 120
     readonly property int sheetMotion: reducedMotion ? 0 : 180
+    readonly property int helpDelay: 600
 }
