@@ -6,6 +6,7 @@
 //     FindingsOnce FOLDER START
 
 #include "Core/AppModel.h"
+#include "Core/Background.h"
 #include "OfflineServices.h"
 #include "Platform/Linux/LinuxMotionPreference.h"
 #include "Screens/MainWindowState.h"
@@ -80,7 +81,8 @@ int main(int count, char **texts)
     AppModel model(offline.services());
     noteReport(model, moments);
     LinuxMotionPreference motion;
-    MainWindowState screens(model, motion);
+    Background background(model.services());
+    MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });

@@ -5,6 +5,7 @@
 //     WindowOnce FOLDER
 
 #include "Core/AppModel.h"
+#include "Core/Background.h"
 #include "OfflineServices.h"
 #include "Platform/Linux/LinuxMotionPreference.h"
 #include "Screens/MainWindowState.h"
@@ -34,7 +35,8 @@ int main(int count, char **texts)
     Benchmarks::OfflineServices offline(arguments[1]);
     AppModel model(offline.services());
     LinuxMotionPreference motion;
-    MainWindowState screens(model, motion);
+    Background background(model.services());
+    MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });

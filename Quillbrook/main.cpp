@@ -1,4 +1,5 @@
 #include "Core/AppModel.h"
+#include "Core/Background.h"
 #include "Platform/Clock.h"
 #include "Platform/Linux/LinuxBackupProbe.h"
 #include "Platform/Linux/LinuxDataFolder.h"
@@ -97,7 +98,8 @@ int main(int argc, char **argv)
     // While there is room: on the day the disk is full it is too late.
     machine.reserve.replenish();
     AppModel model(machine.services());
-    MainWindowState screens(model, machine.motion);
+    Background background(model.services());
+    MainWindowState screens(model, background, machine.motion);
 
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));

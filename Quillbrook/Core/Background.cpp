@@ -3,6 +3,7 @@
 #include "Platform/AppServices.h"
 #include "Platform/LoginItem.h"
 #include "Platform/UserDefaults.h"
+#include "WhenAnswered.h"
 
 #include <QDebug>
 
@@ -28,10 +29,12 @@ Background::Background(const AppServices &services, QObject *parent)
 
 void Background::refresh()
 {
-    if (std::exchange(m_launchesAtLogin, m_loginItem.isEnabled()) != m_launchesAtLogin)
+    const bool launches = m_loginItem.isEnabled();
+    if (std::exchange(m_launchesAtLogin, launches) != launches)
         Q_EMIT launchesAtLoginChanged();
-    m_notifier.state().then(this, [this](NotificationState state) {
-        if (std::exchange(m_notificationState, state) != state)
+    // An answer that was overtaken by a later question's is out of date.
+    whenAnswered(m_notifier.state(), this, [this, question = ++m_lastQuestion](NotificationState state) {
+        if (question == m_lastQuestion && std::exchange(m_notificationState, state) != state)
             Q_EMIT notificationStateChanged();
     });
 }
@@ -42,10 +45,15 @@ void Background::setLaunchAtLogin(bool launches)
         refresh();
         return;
     }
-    m_loginItem.setEnabled(launches).then(this, [this](const std::expected<void, QString> &outcome) {
+    using Outcome = std::expected<void, QString>;
+    whenAnswered(m_loginItem.setEnabled(launches), this, [this, launches](const Outcome &outcome) {
         if (!outcome)
             qWarning("Quillbrook: login item change failed — %ls", qUtf16Printable(outcome.error()));
+        const bool before = m_launchesAtLogin;
         refresh();
+        // A switch that stands where it was asked to has to be set back, though nothing changed here.
+        if (m_launchesAtLogin == before && m_launchesAtLogin != launches)
+            Q_EMIT launchesAtLoginChanged();
     });
 }
 

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] bool notificationsWanted() const { return m_notificationsWanted; }
 
 Q_SIGNALS:
+    /// Also when it was asked to change and did not.
     void launchesAtLoginChanged();
     void notificationStateChanged();
     void notificationsWantedChanged();
@@ -42,6 +43,8 @@ private:
     bool m_launchesAtLogin = false;
     NotificationState m_notificationState = NotificationState::notAsked;
     bool m_notificationsWanted = true;
+    /// Counts the questions for the state of notifications.
+    int m_lastQuestion = 0;
 };
 
 } // namespace Quillbrook

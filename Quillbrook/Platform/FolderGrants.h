@@ -33,6 +33,9 @@ public:
     /// Whether the folder can be read from now on.
     [[nodiscard]] virtual bool startAccessing(const std::string &path) = 0;
     virtual void stopAccessing(const std::string &path) = 0;
+    /// Whether the desktop's own places for homes tell that the folder lies on the startup disk; by its path
+    /// alone.
+    [[nodiscard]] virtual bool isOnStartupDisk(const std::string & /*path*/) const { return false; }
 };
 
 } // namespace Quillbrook

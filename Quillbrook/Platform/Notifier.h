@@ -25,7 +25,9 @@ public:
     [[nodiscard]] virtual QFuture<void> requestAuthorisation() = 0;
     /// Asks the desktop anew each time; bounded in time.
     [[nodiscard]] virtual QFuture<NotificationState> state() = 0;
-    /// Opens the desktop's own page of notification settings, where it has one.
+    /// Whether the desktop has a page of notification settings to be opened.
+    [[nodiscard]] virtual bool hasSettings() const { return true; }
+    /// Opens that page, where there is one.
     virtual void openSettings() = 0;
 };
 

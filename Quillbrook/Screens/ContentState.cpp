@@ -1,29 +1,57 @@
 #include "Screens/ContentState.h"
 
-#include "Core/AppModel.h"
-#include "Platform/HomeFolder.h"
+#include "Core/Background.h"
+#include "Core/FolderAccess.h"
 
 namespace Quillbrook {
 
-ContentState::ContentState(AppModel &model, QObject *parent)
+ContentState::ContentState(AppModel &model, FolderAccess &access, Background &background, QObject *parent)
     : QObject(parent)
     , m_model(model)
+    , m_access(access)
+    , m_background(background)
 {
+    connect(&m_access, &FolderAccess::grantedChanged, this, &ContentState::refresh);
     connect(&m_model, &AppModel::phaseChanged, this, &ContentState::refresh);
     connect(&m_model, &AppModel::requestedPaneChanged, this, &ContentState::followRequest);
-    m_shown = shownFor(m_model.phase(), m_pane);
+    m_shown = presentlyShown();
     followRequest();
 }
 
 void ContentState::appear()
 {
     m_model.startRuleClock();
+    m_model.configureWatcher(m_background);
+    m_background.refresh();
     if (m_didStart)
         return;
     m_didStart = true;
+    m_model.checkForUpdate();
     m_model.refreshVolume();
     m_model.refreshSafetyNet();
     startScanning();
+}
+
+// Later, not within the press: the folder window has an event loop of its own, and whoever pressed by way of
+// the accessibility tree would wait until it is closed.
+void ContentState::chooseHomeFolder()
+{
+    const auto choose = [this] {
+        m_access.request();
+        if (m_access.granted())
+            startScanning();
+        // The automatic start is spent when a grant was given up before.
+        if (m_access.granted() && m_model.phase().kind != Phase::Kind::scanning)
+            rescan();
+    };
+    QMetaObject::invokeMethod(this, choose, Qt::QueuedConnection);
+}
+
+void ContentState::rescan()
+{
+    m_model.cancelScan();
+    useGrant();
+    m_model.scan({ .scope = std::nullopt, .automatic = false });
 }
 
 void ContentState::setPane(Pane pane)
@@ -35,19 +63,21 @@ void ContentState::setPane(Pane pane)
     refresh();
 }
 
-ContentState::Shown ContentState::shownFor(const Phase &phase, Pane pane)
+ContentState::Shown ContentState::shownFor(const Circumstances &circumstances)
 {
-    switch (phase.kind) {
+    if (circumstances.isGated)
+        return { .view = View::Gate };
+    switch (circumstances.phase.kind) {
     case Phase::Kind::scanning:
         return { .view = View::Scanning };
     case Phase::Kind::failed:
-        return { .title = tr("Scan failed"), .message = phase.message };
+        return { .title = tr("Scan failed"), .message = circumstances.phase.message };
     case Phase::Kind::idle:
         return { .title = tr("Nothing scanned yet"), .message = tr("Press Rescan to look at this Mac.") };
     case Phase::Kind::ready:
         break;
     }
-    return shownForPane(pane);
+    return shownForPane(circumstances.pane);
 }
 
 ContentState::Shown ContentState::shownForPane(Pane pane)
@@ -72,9 +102,14 @@ ContentState::Shown ContentState::shownForPane(Pane pane)
     return { .title = Quillbrook::title(pane), .message = tr("Not here yet.") };
 }
 
+ContentState::Shown ContentState::presentlyShown() const
+{
+    return shownFor({ .isGated = m_access.isGated(), .phase = m_model.phase(), .pane = m_pane });
+}
+
 void ContentState::refresh()
 {
-    auto shown = shownFor(m_model.phase(), m_pane);
+    auto shown = presentlyShown();
     if (m_shown == shown)
         return;
     m_shown = std::move(shown);
@@ -94,8 +129,17 @@ void ContentState::followRequest()
 
 void ContentState::startScanning()
 {
-    m_model.setScanRoot(m_model.services().kit.home.realHomeDirectory());
+    if (m_access.isGated())
+        return;
+    useGrant();
     m_model.scan({ .scope = Scope::quiet, .automatic = true });
+}
+
+// A folder that can't be opened is scanned all the same, and then found unreadable.
+void ContentState::useGrant()
+{
+    m_access.beginAccess();
+    m_model.setScanRoot(m_access.scanRoot());
 }
 
 } // namespace Quillbrook

@@ -2,8 +2,9 @@
 
 // What the main window shows: which pane is chosen, and what stands on its right side, which is not the same
 // while a scan runs or before there is a tree. It also runs the start action, once, when the window's content
-// first appears. Main thread only; the model outlives it.
+// first appears. Main thread only; what it is made from outlives it.
 
+#include "Core/AppModel.h"
 #include "Core/Pane.h"
 
 #include <QObject>
@@ -12,8 +13,8 @@
 
 namespace Quillbrook {
 
-class AppModel;
-struct Phase;
+class Background;
+class FolderAccess;
 
 class ContentState : public QObject
 {
@@ -30,8 +31,8 @@ class ContentState : public QObject
     Q_PROPERTY(bool asksBelow READ asksBelow NOTIFY paneChanged FINAL)
 
 public:
-    /// The scanning view, a notice, or one of the panes that there are.
-    enum class View { Scanning, Notice, Warden, Map, Largest, Search };
+    /// The gate, the scanning view, a notice, or one of the panes that there are.
+    enum class View { Gate, Scanning, Notice, Warden, Map, Largest, Search };
     Q_ENUM(View)
 
     /// What stands on the right side, with the words of a notice.
@@ -44,12 +45,25 @@ public:
         bool operator==(const Shown &) const = default;
     };
 
-    explicit ContentState(AppModel &model, QObject *parent = nullptr);
-    /// A scan goes before the chosen pane, and so does the lack of anything to show.
-    [[nodiscard]] static Shown shownFor(const Phase &phase, Pane pane);
+    struct Circumstances
+    {
+        /// There is no folder that may be read.
+        bool isGated = false;
+        Phase phase{};
+        Pane pane = Pane::warden;
+    };
+
+    ContentState(AppModel &model, FolderAccess &access, Background &background, QObject *parent = nullptr);
+    /// The gate goes before all else, a scan before the chosen pane, and so does the lack of anything to
+    /// show.
+    [[nodiscard]] static Shown shownFor(const Circumstances &circumstances);
 
     /// To be called whenever the window's content appears; the start action runs the first time only.
     Q_INVOKABLE void appear();
+    /// Lets the person pick their home folder, and measures it then. Returns at once.
+    Q_INVOKABLE void chooseHomeFolder();
+    /// Measures what may be read now, in the present scope, and gives up a scan of what was before.
+    void rescan();
     void setPane(Pane pane);
 
     [[nodiscard]] Pane pane() const { return m_pane; }
@@ -65,11 +79,15 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] static Shown shownForPane(Pane pane);
+    [[nodiscard]] Shown presentlyShown() const;
     void refresh();
     void followRequest();
     void startScanning();
+    void useGrant();
 
     AppModel &m_model;
+    FolderAccess &m_access;
+    Background &m_background;
     Pane m_pane = Pane::warden;
     Shown m_shown;
     bool m_didStart = false;

@@ -11,12 +11,19 @@ RowLayout {
 
     spacing: 0
 
-    Component.onCompleted: screens.content.appear()
+    readonly property bool appears: Window.visibility !== Window.Hidden
+
+    onAppearsChanged: {
+        if (appears)
+            screens.content.appear();
+    }
 
     Sidebar {
         Layout.fillHeight: true
+        folder: root.screens.grantedFolder
         gauge: root.screens.volumeGauge
         rows: root.screens.sidebar
+        update: root.screens.updateLine
     }
 
     Hairline {
@@ -31,6 +38,8 @@ RowLayout {
         TopBar {
             Layout.fillWidth: true
             bar: root.screens.topBar
+            // There is nothing that may be scanned.
+            enabled: root.screens.content.view !== ContentState.Gate
         }
 
         Hairline {
@@ -42,6 +51,8 @@ RowLayout {
             Layout.fillWidth: true
             sourceComponent: {
                 switch (root.screens.content.view) {
+                case ContentState.Gate:
+                    return gate;
                 case ContentState.Scanning:
                     return scanning;
                 case ContentState.Warden:
@@ -69,6 +80,14 @@ RowLayout {
     }
 
     // qmllint disable unqualified
+    Component {
+        id: gate
+
+        PermissionGate {
+            content: root.screens.content
+        }
+    }
+
     Component {
         id: scanning
 

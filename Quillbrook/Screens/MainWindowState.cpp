@@ -5,13 +5,17 @@
 
 namespace Quillbrook {
 
-MainWindowState::MainWindowState(AppModel &model, MotionPreference &motion, QObject *parent)
+MainWindowState::MainWindowState(
+    AppModel &model, Background &background, MotionPreference &motion, QObject *parent)
     : QObject(parent)
     , m_motion(motion)
-    , m_content(model)
+    , m_access(model.services())
+    , m_content(model, m_access, background)
     , m_sidebar(m_content)
     , m_topBar(model)
     , m_volumeGauge(model)
+    , m_grantedFolder(m_access, m_content)
+    , m_updateLine(model)
     , m_warden(model)
     , m_crumbs(model)
     , m_map(model)

@@ -3,10 +3,12 @@
 // Everything the main window observes, made once for it: one state object for each part of it, so that a
 // view gets what it needs and nothing more. Main thread only; what it is made from outlives it.
 
+#include "Core/FolderAccess.h"
 #include "Screens/AskBarState.h"
 #include "Screens/BreadcrumbModel.h"
 #include "Screens/ContentState.h"
 #include "Screens/FreeNowState.h"
+#include "Screens/GrantedFolderState.h"
 #include "Screens/LargestState.h"
 #include "Screens/MapState.h"
 #include "Screens/ScanningState.h"
@@ -14,6 +16,7 @@
 #include "Screens/SelectionBarState.h"
 #include "Screens/SidebarModel.h"
 #include "Screens/TopBarState.h"
+#include "Screens/UpdateLineState.h"
 #include "Screens/VolumeGaugeState.h"
 #include "Screens/WardenState.h"
 
@@ -34,6 +37,8 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::SidebarModel *sidebar READ sidebar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::TopBarState *topBar READ topBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::VolumeGaugeState *volumeGauge READ volumeGauge CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::GrantedFolderState *grantedFolder READ grantedFolder CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::UpdateLineState *updateLine READ updateLine CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::WardenState *warden READ warden CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::BreadcrumbModel *crumbs READ crumbs CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::MapState *map READ map CONSTANT FINAL)
@@ -47,12 +52,15 @@ class MainWindowState : public QObject
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged FINAL)
 
 public:
-    MainWindowState(AppModel &model, MotionPreference &motion, QObject *parent = nullptr);
+    MainWindowState(
+        AppModel &model, Background &background, MotionPreference &motion, QObject *parent = nullptr);
 
     [[nodiscard]] ContentState *content() { return &m_content; }
     [[nodiscard]] SidebarModel *sidebar() { return &m_sidebar; }
     [[nodiscard]] TopBarState *topBar() { return &m_topBar; }
     [[nodiscard]] VolumeGaugeState *volumeGauge() { return &m_volumeGauge; }
+    [[nodiscard]] GrantedFolderState *grantedFolder() { return &m_grantedFolder; }
+    [[nodiscard]] UpdateLineState *updateLine() { return &m_updateLine; }
     [[nodiscard]] WardenState *warden() { return &m_warden; }
     [[nodiscard]] BreadcrumbModel *crumbs() { return &m_crumbs; }
     [[nodiscard]] MapState *map() { return &m_map; }
@@ -71,10 +79,13 @@ private:
     void followPane();
 
     MotionPreference &m_motion;
+    FolderAccess m_access;
     ContentState m_content;
     SidebarModel m_sidebar;
     TopBarState m_topBar;
     VolumeGaugeState m_volumeGauge;
+    GrantedFolderState m_grantedFolder;
+    UpdateLineState m_updateLine;
     WardenState m_warden;
     BreadcrumbModel m_crumbs;
     MapState m_map;

@@ -21,6 +21,8 @@ QtObject {
     readonly property int columnWidth: 620
     readonly property int scanningTop: 88
     readonly property int noticeWidth: 440
+    readonly property int panelWidth: 340
+    readonly property int panelHeight: 470
 
     // The 4-point grid.
     readonly property int space4: 4
@@ -31,6 +33,9 @@ QtObject {
     readonly property int space24: 24
     readonly property int paneInset: 20
     readonly property int sidebarInset: 10
+    readonly property int panelInset: 18
+    readonly property int panelFootInset: 14
+    readonly property int panelGap: 18
 
     // Shapes.
     readonly property int hairlineWidth: 1
@@ -71,17 +76,20 @@ QtObject {
     readonly property int symbolSmall: 11
     readonly property int symbolSize: 16
     readonly property int symbolLarge: 20
+    readonly property int symbolHuge: 40
 
     // Type, in points that come out as the pixels named.
     readonly property real sectionFont: 10.5 * Theme.pointsPerPixel
     readonly property real tinyFont: 11 * Theme.pointsPerPixel
     readonly property real captionFont: 11.5 * Theme.pointsPerPixel
+    readonly property real warningFont: 12 * Theme.pointsPerPixel
     readonly property real smallFont: 12.5 * Theme.pointsPerPixel
     readonly property real bodyFont: 13 * Theme.pointsPerPixel
     readonly property real messageFont: 13.5 * Theme.pointsPerPixel
     readonly property real headingFont: 15 * Theme.pointsPerPixel
     readonly property real figureFont: 25 * Theme.pointsPerPixel
     readonly property real sectionTracking: 0.84
+    readonly property real looseLines: 1.15
 
     // States of a control are told by opacity alone.
     readonly property real hoverOpacity: 0.06
@@ -95,4 +103,5 @@ QtObject {
     property bool reducedMotion: false
     readonly property int quickMotion: reducedMotion ? 0 : 120
     readonly property int sheetMotion: reducedMotion ? 0 : 180
+    readonly property int helpDelay: 600
 }

@@ -4,13 +4,16 @@ import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
-// The list of panes, and below it the figures of the volume. The list is one stop of the Tab key; the arrow
+// The list of panes, and below it the figures of the volume, the folder that was handed over and word of a newer
+// version, where there are such. The list is one stop of the Tab key; the arrow
 // keys choose within it. It grows with fonts whose letters are wide, so that no title is cut.
 FocusScope {
     id: root
 
+    required property GrantedFolderState folder
     required property VolumeGaugeState gauge
     required property SidebarModel rows
+    required property UpdateLineState update
 
     implicitWidth: Math.max(Metrics.sidebarWidth, rowColumn.implicitWidth + 2 * Metrics.space12)
 
@@ -73,12 +76,37 @@ FocusScope {
         }
 
         VolumeGauge {
-            Layout.bottomMargin: Metrics.space16
+            Layout.bottomMargin: Metrics.space12
             Layout.fillWidth: true
             Layout.leftMargin: Metrics.sidebarInset
             Layout.rightMargin: Metrics.sidebarInset
             Layout.topMargin: Metrics.space16
             gauge: root.gauge
+        }
+
+        GrantedFolderRow {
+            Layout.bottomMargin: Metrics.space8
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.sidebarInset
+            Layout.rightMargin: Metrics.sidebarInset
+            folder: root.folder
+            visible: root.folder.isShown
+        }
+
+        // Its words begin where the figures above do.
+        PushButton {
+            Layout.bottomMargin: Metrics.space8
+            Layout.fillWidth: false
+            Layout.leftMargin: Metrics.sidebarInset - Metrics.space4
+            Layout.maximumWidth: parent.width - 2 * (Metrics.sidebarInset - Metrics.space4)
+            kind: PushButton.Link
+            text: root.update.text
+            visible: text !== ""
+            onClicked: root.update.open()
+        }
+
+        Item {
+            implicitHeight: Metrics.space4
         }
     }
 }

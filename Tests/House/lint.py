@@ -14,8 +14,12 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TIDY = ROOT / "build/tidy"
 HEAD = re.compile(r"^\S+:\d+:\d+: (warning|error): |^error: ")
-# Clang 14 takes the destructor of std::expected for a deleted one, where the error type has a destructor.
-NOT_OURS = re.compile(r"attempt to use a deleted function.*destructor of 'expected<", re.S)
+# Clang 14 takes the destructor of std::expected for a deleted one, where the error type has a destructor, and such a
+# value for one that no future can hold. Were it so, the compiler itself would not take the code.
+NOT_OURS = re.compile(
+    r"attempt to use a deleted function.*destructor of 'expected<"
+    r"|static_assert failed due to requirement 'std::is_move_constructible_v<std::expected<"
+    r"|no member named '\w+' in 'Q(Future|Promise)<std::expected<", re.S)
 SECONDS_A_FILE = 300
 
 

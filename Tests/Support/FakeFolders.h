@@ -47,11 +47,16 @@ public:
         return grants;
     }
     void stopAccessing(const std::string &path) override { stopped.push_back(path); }
+    bool isOnStartupDisk(const std::string &path) const override
+    {
+        return startupDiskPrefix && path.starts_with(*startupDiskPrefix);
+    }
 
     bool canBookmark = true;
     bool canResolve = true;
     bool isStale = false;
     bool grants = true;
+    std::optional<std::string> startupDiskPrefix;
     std::vector<std::string> bookmarked;
     std::vector<std::string> started;
     std::vector<std::string> stopped;

@@ -33,10 +33,12 @@ public:
         promise.finish();
         return promise.future();
     }
+    bool hasSettings() const override { return settingsPage; }
     void openSettings() override { ++settingsOpened; }
 
     NotificationState current = NotificationState::notAsked;
     NotificationState afterRequest = NotificationState::allowed;
+    bool settingsPage = true;
     QList<std::pair<QString, QString>> posted;
     int requests = 0;
     int questions = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
 // A message bus of a test's own, on which nothing answers but what the test puts there: no service of the
-// machine is started on demand. It ends with the object.
+// machine is started on demand, only what a test's own folder of services names. It ends with the object.
 
 #include <QDBusConnection>
 #include <QFile>
@@ -15,7 +15,8 @@ namespace Quillbrook {
 class PrivateBus
 {
 public:
-    PrivateBus()
+    explicit PrivateBus(const QString &serviceFolder = {})
+        : m_services(serviceFolder)
     {
         QFile file(m_folder.filePath(QStringLiteral("bus.conf")));
         if (!file.open(QIODevice::WriteOnly) || file.write(configuration()) < 0)
@@ -55,8 +56,10 @@ private:
 <busconfig>
   <type>session</type>
   <listen>unix:dir=)"
-            + m_folder.path().toUtf8() + R"(</listen>
-  <policy context="default">
+            + m_folder.path().toUtf8() + "</listen>\n"
+            + (m_services.isEmpty() ? QByteArray()
+                                    : "  <servicedir>" + m_services.toUtf8() + "</servicedir>\n")
+            + R"(  <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
     <allow own="*"/>
@@ -66,6 +69,7 @@ private:
     }
 
     QTemporaryDir m_folder;
+    QString m_services;
     QProcess m_daemon;
     QString m_address;
     QStringList m_connections;

@@ -59,12 +59,8 @@ std::optional<QString> sandboxHome(const LinuxHomeFolder::Surroundings &surround
             return std::nullopt;
         return realHome + QStringLiteral("/.var/app/") + info.application;
     }
-    // Only under strict confinement does a Snap's HOME become its own data folder.
-    const auto &environment = surroundings.environment;
-    const auto snapData = environment.value(QStringLiteral("SNAP_USER_DATA"));
-    if (environment.contains(QStringLiteral("SNAP")) && snapData.startsWith(u'/')
-        && environment.value(QStringLiteral("HOME")) == snapData)
-        return standardisedPath(snapData, {});
+    if (isStrictSnap(surroundings.environment))
+        return standardisedPath(surroundings.environment.value(QStringLiteral("SNAP_USER_DATA")), {});
     return std::nullopt;
 }
 
@@ -112,6 +108,13 @@ FlatpakInfo parseFlatpakInfo(QByteArrayView text)
     }
     info.seesHome &= !hidesHome;
     return info;
+}
+
+bool isStrictSnap(const QProcessEnvironment &environment)
+{
+    const auto data = environment.value(QStringLiteral("SNAP_USER_DATA"));
+    return environment.contains(QStringLiteral("SNAP")) && data.startsWith(u'/')
+        && environment.value(QStringLiteral("HOME")) == data;
 }
 
 } // namespace Quillbrook

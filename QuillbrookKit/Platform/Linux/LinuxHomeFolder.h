@@ -48,4 +48,8 @@ struct FlatpakInfo
 
 [[nodiscard]] FlatpakInfo parseFlatpakInfo(QByteArrayView text);
 
+/// Whether the environment is that of a Snap under strict confinement: only there HOME is its own data
+/// folder.
+[[nodiscard]] bool isStrictSnap(const QProcessEnvironment &environment);
+
 } // namespace Quillbrook

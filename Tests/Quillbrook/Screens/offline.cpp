@@ -1,17 +1,25 @@
-// The main window over a made-up machine, for looking at screens that a real one shows only now and then:
+// The main window, or the panel in the tray, over a made-up machine, for looking at screens that a real one
+// shows only now and then:
 //
-//     quillbrook-offline [ready|scanning|idle|full]
+//     quillbrook-offline [ready|scanning|idle|full|gate|sandbox]
+//     quillbrook-offline panel [allowed|denied|new|off|scanning]
+//
+// "gate" is a sandbox without a folder, where the gate's button grants one on another volume; in "sandbox"
+// one has been granted, and a newer version is out.
 //
 // Nothing of the machine it runs on is read or changed.
 
 #include "Core/AppModel.h"
+#include "Core/Background.h"
 #include "Screens/MainWindowState.h"
+#include "Screens/MenuBarPanelState.h"
 #include "Support/FakeMotionPreference.h"
 #include "Support/FakeServices.h"
 #include "Support/FolderHold.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQuickWindow>
 #include <QTimer>
 #include <QtQml/QQmlExtensionPlugin>
 
@@ -84,6 +92,17 @@ QList<Finding> pretendFindings()
     return findings;
 }
 
+/// A sandbox, a person who always picks the same folder, and a web site that tells of a newer version.
+void pretendSandbox(FakeServices &machine)
+{
+    const QByteArray folder("/Volumes/Backup/a folder with a rather long name/someone");
+    machine.home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+    machine.directories.folder(folder.toStdString(), { FakeDirectories::aFile("scene.glb", 4 * gibi) });
+    machine.desktop.folderPicker.answer = folder.toStdString();
+    machine.desktop.http.answer
+        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0.1", "url": "https://updates.test/2.0.1"})" };
+}
+
 void pretendProgress(ScanProgress &progress)
 {
     progress.setFindings(pretendFindings());
@@ -92,45 +111,100 @@ void pretendProgress(ScanProgress &progress)
     progress.setFraction(0.31);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int show(QQmlApplicationEngine &engine, const QString &file)
 {
-    QGuiApplication application(argc, argv);
-    const auto what = QGuiApplication::arguments().value(1, QStringLiteral("ready"));
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/") + file));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+    qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst())->show();
+    return QGuiApplication::exec();
+}
 
-    FakeServices machine;
+int showWindow(FakeServices &machine, const QString &what)
+{
     const PretendHome home(machine.directories);
-    machine.volumes.answer = VolumeCapacity{
-        .available = 48 * gibi + gibi / 5, .availableForImportantUsage = 48 * gibi, .total = 233 * gibi
-    };
-    if (what == QStringLiteral("full"))
+    if (what == QStringLiteral("full") || what == QStringLiteral("sandbox"))
         machine.volumes.answer = VolumeCapacity{
             .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
         };
+    if (what == QStringLiteral("gate") || what == QStringLiteral("sandbox"))
+        pretendSandbox(machine);
+    if (what == QStringLiteral("sandbox"))
+        machine.defaults.values.insert(QStringLiteral("Quillbrook.homeBookmark"),
+            QByteArray::fromStdString(*machine.desktop.folderPicker.answer));
     std::optional<FolderHold> hold;
     if (what == QStringLiteral("scanning") || what == QStringLiteral("idle"))
         hold.emplace(machine.directories, "/home/someone");
 
     AppModel model(machine.services);
     FakeMotionPreference motion;
-    MainWindowState screens(model, motion);
+    Background background(model.services());
+    MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
     // Before the window's own, which would stay out of most of what the made-up home holds.
-    model.scan({ .scope = Scope::complete });
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
+    if (what != QStringLiteral("gate"))
+        model.scan({ .scope = Scope::complete });
     if (what == QStringLiteral("idle"))
-        model.cancelScan();
+        QTimer::singleShot(0, &model, &AppModel::cancelScan);
     // The model's own clock tells of a scan that is held every second.
     QTimer pretending;
     QObject::connect(&pretending, &QTimer::timeout, [&model] { pretendProgress(model.scanProgress()); });
     if (what == QStringLiteral("scanning"))
         pretending.start(50);
 
-    const auto result = engine.rootObjects().isEmpty() ? 1 : QGuiApplication::exec();
+    const auto result = show(engine, QStringLiteral("Main.qml"));
     if (hold)
         hold->release();
     return result;
+}
+
+int showPanel(FakeServices &machine, const QString &what)
+{
+    const std::string place = "/home/someone/.npm/_cacache";
+    machine.directories.folder("/home/someone", { FakeDirectories::aFolder(".npm") });
+    machine.directories.folder("/home/someone/.npm", { FakeDirectories::aFolder("_cacache") });
+    machine.directories.folder(place, { FakeDirectories::aFile("content", 63 * gibi / 5) });
+    machine.files.entries[place] = {};
+    if (what == QStringLiteral("denied"))
+        machine.desktop.notifier.afterRequest = NotificationState::denied;
+    if (what == QStringLiteral("new"))
+        machine.desktop.notifier.afterRequest = NotificationState::notAsked;
+
+    AppModel model(machine.services);
+    Background background(machine.services);
+    MenuBarPanelState panel(model, background);
+    model.configureWatcher(background);
+    QObject::connect(
+        &panel, &MenuBarPanelState::quitRequested, qApp, &QGuiApplication::quit, Qt::QueuedConnection);
+    panel.setWatching(what != QStringLiteral("off"));
+    machine.desktop.utility.run();
+    std::optional<FolderHold> hold;
+    if (what == QStringLiteral("scanning"))
+        hold.emplace(machine.directories, "/home/someone");
+
+    QQmlApplicationEngine engine;
+    engine.setInitialProperties({ { QStringLiteral("panel"), QVariant::fromValue(&panel) } });
+    const auto result = show(engine, QStringLiteral("MenuBarPanel.qml"));
+    if (hold)
+        hold->release();
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    const auto arguments = QGuiApplication::arguments();
+    const auto what = arguments.value(1, QStringLiteral("ready"));
+
+    FakeServices machine;
+    machine.volumes.answer = VolumeCapacity{
+        .available = 48 * gibi + gibi / 5, .availableForImportantUsage = 48 * gibi, .total = 233 * gibi
+    };
+    if (what == QStringLiteral("panel"))
+        return showPanel(machine, arguments.value(2, QStringLiteral("allowed")));
+    return showWindow(machine, what);
 }

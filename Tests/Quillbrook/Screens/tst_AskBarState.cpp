@@ -1,7 +1,6 @@
-#include "Core/AppModel.h"
 #include "Screens/AskBarState.h"
-#include "Screens/ContentState.h"
 #include "Support/FakeServices.h"
+#include "Support/WindowContent.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -32,7 +31,8 @@ void AskBarStateTest::blankDraftDoesNothing()
     QFETCH(QString, draft);
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     AskBarState ask(content);
     ask.setDraft(draft);
     QVERIFY(!ask.submit());
@@ -44,7 +44,8 @@ void AskBarStateTest::submittingEmptiesTheDraftAndOpensTheConversation()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     AskBarState ask(content);
     QSignalSpy drafts(&ask, &AskBarState::draftChanged);
     ask.setDraft(QStringLiteral("  What fills the disk? "));
@@ -58,7 +59,8 @@ void AskBarStateTest::historyOpensTheConversationAndKeepsTheDraft()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     AskBarState ask(content);
     ask.setDraft(QStringLiteral("half a que"));
     ask.openConversation();

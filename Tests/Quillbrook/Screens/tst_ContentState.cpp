@@ -1,7 +1,6 @@
-#include "Core/AppModel.h"
-#include "Screens/ContentState.h"
 #include "Support/FakeServices.h"
 #include "Support/FolderHold.h"
+#include "Support/WindowContent.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -9,11 +8,30 @@
 using namespace Quillbrook;
 using View = ContentState::View;
 
+namespace {
+
+const auto bookmarkKey = QStringLiteral("Quillbrook.homeBookmark");
+
+struct Sandbox : FakeServices
+{
+    Sandbox()
+    {
+        home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+        directories.folder("/home/someone", { FakeDirectories::aFile("a", 4096) });
+    }
+
+    void keep(const char *path) { defaults.values.insert(bookmarkKey, QByteArray(path)); }
+    [[nodiscard]] int questions() const { return int(desktop.folderPicker.requests.size()); }
+};
+
+} // namespace
+
 class ContentStateTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void gateGoesBeforeEverything();
     void scanningGoesBeforeEveryPane();
     void noticeTellsWhyThereIsNothing_data();
     void noticeTellsWhyThereIsNothing();
@@ -21,7 +39,17 @@ private Q_SLOTS:
     void appearingStartsTheScanOfTheHomeFolder();
     void appearingAgainStartsNothing();
     void appearingAfterTheUserScannedStartsNothing();
-    void homeIsTheRealOneInsideASandbox();
+    void appearingAsksWhatHoldsWithoutAWindow();
+    void startActionGoesInItsOrder();
+    void gateStandsAndNothingIsScanned();
+    void keptGrantIsScannedByItself();
+    void refusedFolderIsScannedAllTheSame();
+    void gateLetsTheHomeFolderBeChosen();
+    void gateStaysWhenTheChoiceIsCancelled();
+    void folderOnAnotherVolumeIsScanned();
+    void folderIsMeasuredWhenAnEarlierOneWasTakenBack();
+    void gateNeverStandsOutsideASandbox();
+    void rescanTakesThePresentScopeAndFolder();
     void paneChangesDuringAScanButNotWhatIsShown();
     void stoppingBeforeTheFirstTreeShowsTheNotice();
     void requestedPaneIsChosenAndThenCleared();
@@ -34,10 +62,22 @@ private:
     static Phase phaseOf(Phase::Kind kind, const QString &message = {}) { return { kind, message }; }
 };
 
+void ContentStateTest::gateGoesBeforeEverything()
+{
+    const ContentState::Shown expected{ .view = View::Gate };
+    for (const auto kind :
+        { Phase::Kind::idle, Phase::Kind::scanning, Phase::Kind::ready, Phase::Kind::failed })
+        for (const auto pane : allPanes)
+            QVERIFY(ContentState::shownFor(
+                        { .isGated = true, .phase = phaseOf(kind, QStringLiteral("gone")), .pane = pane })
+                == expected);
+}
+
 void ContentStateTest::scanningGoesBeforeEveryPane()
 {
     for (const auto pane : allPanes)
-        QCOMPARE(ContentState::shownFor(phaseOf(Phase::Kind::scanning), pane).view, View::Scanning);
+        QCOMPARE(ContentState::shownFor({ .phase = phaseOf(Phase::Kind::scanning), .pane = pane }).view,
+            View::Scanning);
 }
 
 void ContentStateTest::noticeTellsWhyThereIsNothing_data()
@@ -62,14 +102,16 @@ void ContentStateTest::noticeTellsWhyThereIsNothing()
     QFETCH(QString, message);
     const ContentState::Shown expected{ .view = View::Notice, .title = title, .message = message };
     for (const auto pane : allPanes)
-        QVERIFY(ContentState::shownFor(phaseOf(Phase::Kind(kind), payload), pane) == expected);
+        QVERIFY(ContentState::shownFor({ .phase = phaseOf(Phase::Kind(kind), payload), .pane = pane })
+            == expected);
 }
 
 void ContentStateTest::startsAtWardenWithNothingScanned()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    const ContentState content(model);
+    WindowContent window(model);
+    const auto &content = window.content;
     QCOMPARE(content.pane(), Pane::warden);
     QVERIFY(!content.didStart());
     QCOMPARE(content.view(), View::Notice);
@@ -83,7 +125,8 @@ void ContentStateTest::appearingStartsTheScanOfTheHomeFolder()
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
     model.setScanRoot(QStringLiteral("/somewhere/else"));
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
 
     content.appear();
     QVERIFY(content.didStart());
@@ -99,7 +142,8 @@ void ContentStateTest::appearingAgainStartsNothing()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     content.appear();
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
 
@@ -112,7 +156,8 @@ void ContentStateTest::appearingAfterTheUserScannedStartsNothing()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     model.scan({ .scope = Scope::complete });
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
 
@@ -121,15 +166,205 @@ void ContentStateTest::appearingAfterTheUserScannedStartsNothing()
     QVERIFY(model.scope() == Scope::complete);
 }
 
-void ContentStateTest::homeIsTheRealOneInsideASandbox()
+void ContentStateTest::appearingAsksWhatHoldsWithoutAWindow()
 {
     FakeServices machine;
-    machine.home.home = QStringLiteral("/home/someone/.sandbox/data");
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    const auto before = machine.desktop.notifier.questions;
+    window.content.appear();
+    QCOMPARE(machine.desktop.notifier.questions, before + 1);
+    QCOMPARE(machine.desktop.http.requests.size(), 1);
+
+    machine.desktop.loginItem.enabled = true;
+    window.content.appear();
+    QCOMPARE(machine.desktop.notifier.questions, before + 2);
+    QVERIFY(window.background.launchesAtLogin());
+    QCOMPARE(machine.desktop.http.requests.size(), 1);
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+}
+
+void ContentStateTest::startActionGoesInItsOrder()
+{
+    FakeServices machine;
+    machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
+    AppModel model(machine.services);
+    model.setScanRoot(QStringLiteral("/somewhere/else"));
+    FolderAccess access(machine.services);
+    Background background(machine.services);
+    machine.desktop.loginItem.enabled = true;
+    ContentState content(model, access, background);
+    // At each step, whether the version had been asked for by then.
+    QStringList steps;
+    const auto note = [&](const char *step) {
+        steps.append(QString::fromLatin1(step) + QString::number(machine.desktop.http.requests.size()));
+    };
+    connect(&background, &Background::launchesAtLoginChanged, this, [&] { note("background "); });
+    connect(&model, &AppModel::volumeChanged, this, [&] { note("volume "); });
+    connect(&model, &AppModel::scanRootChanged, this, [&] { note("root "); });
+    connect(&model, &AppModel::phaseChanged, this, [&] { note("scan "); });
     content.appear();
+    QCOMPARE(steps,
+        QStringList({ QStringLiteral("background 0"), QStringLiteral("volume 1"), QStringLiteral("root 1"),
+            QStringLiteral("scan 1") }));
+    QTRY_VERIFY(model.safetyNet());
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+}
+
+void ContentStateTest::gateStandsAndNothingIsScanned()
+{
+    Sandbox machine;
+    machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
+    AppModel model(machine.services);
+    WindowContent window(model);
+    QCOMPARE(window.content.view(), View::Gate);
+    window.content.appear();
+    QVERIFY(window.content.didStart());
+    QCOMPARE(model.liveFree(), 25);
+    QTRY_VERIFY(model.safetyNet());
+    QCOMPARE(window.content.view(), View::Gate);
+    QVERIFY(model.phase().kind == Phase::Kind::idle);
+    QCOMPARE(machine.directories.sessionsMade(), 0);
+    QCOMPARE(machine.questions(), 0);
+
+    for (const auto pane : allPanes) {
+        window.content.setPane(pane);
+        QCOMPARE(window.content.view(), View::Gate);
+    }
+}
+
+void ContentStateTest::keptGrantIsScannedByItself()
+{
+    Sandbox machine;
+    machine.keep("/home/someone");
+    AppModel model(machine.services);
+    WindowContent window(model);
+    QCOMPARE(window.content.view(), View::Notice);
+    window.content.appear();
+    QCOMPARE(window.content.view(), View::Scanning);
+    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QVERIFY(model.scope() == Scope::quiet);
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(machine.questions(), 0);
+    QCOMPARE(machine.desktop.folderGrants.started.size(), 1U);
+}
+
+void ContentStateTest::refusedFolderIsScannedAllTheSame()
+{
+    Sandbox machine;
+    machine.keep("/home/gone");
+    machine.desktop.folderGrants.grants = false;
+    AppModel model(machine.services);
+    WindowContent window(model);
+    window.content.appear();
+    QCOMPARE(model.scanRoot(), QStringLiteral("/home/gone"));
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(machine.directories.sessionsMade(), 1);
+    QCOMPARE(model.scannedFileCount(), 0);
+}
+
+void ContentStateTest::gateLetsTheHomeFolderBeChosen()
+{
+    Sandbox machine;
+    machine.desktop.folderPicker.answer = "/home/someone";
+    AppModel model(machine.services);
+    WindowContent window(model);
+    window.content.appear();
+    QSignalSpy views(&window.content, &ContentState::viewChanged);
+    window.content.chooseHomeFolder();
+    // The press comes to its end before the desktop's window opens.
+    QCOMPARE(machine.questions(), 0);
+    QTRY_COMPARE(machine.questions(), 1);
+    QTRY_COMPARE(window.content.view(), View::Scanning);
+    QVERIFY(views.count() > 0);
+    QVERIFY(model.scope() == Scope::quiet);
     QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(window.content.view(), View::Warden);
+    QCOMPARE(machine.directories.sessionsMade(), 1);
+    QCOMPARE(model.scannedFileCount(), 1);
+}
+
+void ContentStateTest::gateStaysWhenTheChoiceIsCancelled()
+{
+    Sandbox machine;
+    AppModel model(machine.services);
+    WindowContent window(model);
+    window.content.appear();
+    for (int times = 1; times <= 2; ++times) {
+        window.content.chooseHomeFolder();
+        QTRY_COMPARE(machine.questions(), times);
+        QCOMPARE(window.content.view(), View::Gate);
+    }
+    QVERIFY(model.phase().kind == Phase::Kind::idle);
+    QCOMPARE(machine.directories.sessionsMade(), 0);
+}
+
+void ContentStateTest::folderOnAnotherVolumeIsScanned()
+{
+    Sandbox machine;
+    machine.directories.folder("/Volumes/Backup/someone", { FakeDirectories::aFile("a", 4096) });
+    machine.desktop.folderPicker.answer = "/Volumes/Backup/someone";
+    AppModel model(machine.services);
+    WindowContent window(model);
+    window.content.appear();
+    window.content.chooseHomeFolder();
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(model.scanRoot(), QStringLiteral("/Volumes/Backup/someone"));
+    QCOMPARE(model.scannedFileCount(), 1);
+    QVERIFY(window.access.grantedIsWrongVolume());
+}
+
+void ContentStateTest::folderIsMeasuredWhenAnEarlierOneWasTakenBack()
+{
+    Sandbox machine;
+    machine.keep("/home/someone");
+    machine.directories.folder("/home/another", {});
+    AppModel model(machine.services);
+    WindowContent window(model);
+    window.content.appear();
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    window.access.revoke();
+    QCOMPARE(window.content.view(), View::Gate);
+
+    machine.desktop.folderPicker.answer = "/home/another";
+    window.content.chooseHomeFolder();
+    QTRY_COMPARE(window.content.view(), View::Scanning);
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(machine.directories.sessionsMade(), 2);
+    QCOMPARE(model.scannedFileCount(), 0);
+}
+
+void ContentStateTest::gateNeverStandsOutsideASandbox()
+{
+    FakeServices machine;
+    machine.defaults.values.insert(bookmarkKey, QByteArray("/kept/from/elsewhere"));
+    machine.desktop.folderGrants.canResolve = false;
+    AppModel model(machine.services);
+    WindowContent window(model);
+    QCOMPARE(window.content.view(), View::Notice);
+    window.content.appear();
+    QCOMPARE(window.content.view(), View::Scanning);
+    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QVERIFY(machine.desktop.folderGrants.started.empty());
+    QCOMPARE(machine.defaults.values.value(bookmarkKey).toByteArray(), QByteArray("/kept/from/elsewhere"));
+}
+
+void ContentStateTest::rescanTakesThePresentScopeAndFolder()
+{
+    Sandbox machine;
+    machine.keep("/home/someone");
+    AppModel model(machine.services);
+    WindowContent window(model);
+    model.scan({ .scope = Scope::complete });
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    window.content.rescan();
+    QVERIFY(model.phase().kind == Phase::Kind::scanning);
+    QVERIFY(model.scope() == Scope::complete);
+    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(machine.directories.sessionsMade(), 2);
 }
 
 void ContentStateTest::paneChangesDuringAScanButNotWhatIsShown()
@@ -138,7 +373,8 @@ void ContentStateTest::paneChangesDuringAScanButNotWhatIsShown()
     machine.directories.folder("/home/someone", {});
     FolderHold hold(machine.directories, "/home/someone");
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     content.appear();
     QTRY_VERIFY(hold.isHolding());
 
@@ -165,7 +401,8 @@ void ContentStateTest::stoppingBeforeTheFirstTreeShowsTheNotice()
     machine.directories.folder("/home/someone", {});
     FolderHold hold(machine.directories, "/home/someone");
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     content.appear();
     QTRY_VERIFY(hold.isHolding());
 
@@ -180,7 +417,8 @@ void ContentStateTest::requestedPaneIsChosenAndThenCleared()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     model.setRequestedPane(Pane::map);
     QCOMPARE(content.pane(), Pane::map);
     QCOMPARE(model.requestedPane(), Pane::map);
@@ -192,7 +430,8 @@ void ContentStateTest::requestForThePresentPaneIsClearedToo()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     QSignalSpy panes(&content, &ContentState::paneChanged);
     model.setRequestedPane(Pane::warden);
     QTRY_VERIFY(!model.requestedPane());
@@ -205,7 +444,8 @@ void ContentStateTest::requestMadeBeforeTheWindowIsFollowed()
     FakeServices machine;
     AppModel model(machine.services);
     model.setRequestedPane(Pane::search);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     QCOMPARE(content.pane(), Pane::search);
     QTRY_VERIFY(!model.requestedPane());
 }
@@ -214,7 +454,8 @@ void ContentStateTest::questionFieldStandsUnderEveryPaneButTheConversation()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     for (const auto pane : allPanes) {
         content.setPane(pane);
         QCOMPARE(content.asksBelow(), pane != Pane::advisor);
@@ -225,7 +466,8 @@ void ContentStateTest::choosingTheSamePaneAgainTellsNobody()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    ContentState content(model);
+    WindowContent window(model);
+    auto &content = window.content;
     QSignalSpy panes(&content, &ContentState::paneChanged);
     content.setPane(Pane::warden);
     QCOMPARE(panes.count(), 0);

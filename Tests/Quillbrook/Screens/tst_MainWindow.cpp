@@ -1,6 +1,7 @@
 // The main window as a person meets it, on a made-up machine: what can be read, pressed and reached.
 
 #include "Core/AppModel.h"
+#include "Core/Background.h"
 #include "Screens/MainWindowState.h"
 #include "Support/FakeMotionPreference.h"
 #include "Support/FakeServices.h"
@@ -61,6 +62,15 @@ private Q_SLOTS:
     void blankQuestionKeepsThePane();
     void nothingIsCutAtTheMinimumSize();
     void gaugeNamesTheVolume();
+    void startChecksRunAgainWhenTheWindowComesBack();
+    void gateAsksForTheHomeFolder();
+    void gateCanBeReachedAndPressedByKeys();
+    void grantedFolderIsToldOnlyInASandbox();
+    void grantedFolderCanBeChanged();
+    void wrongVolumeIsWarnedOf();
+    void newerVersionIsTold();
+    void fullSidebarIsNotCut_data();
+    void fullSidebarIsNotCut();
     void nothingMovesWhereTheDesktopAsksForThat();
 
 private:
@@ -75,11 +85,16 @@ private:
         return shows(title) && item(Role::ProgressBar, title);
     }
     [[nodiscard]] Pane pane() const { return m_screens->content()->pane(); }
+    void open();
+    void close();
+    void openInSandbox(const QByteArray &granted = {});
     void finishScan();
+    void nothingIsCut(const QSize &size) const;
 
     QStringList m_warnings;
     std::unique_ptr<Machine> m_machine;
     std::unique_ptr<AppModel> m_model;
+    std::unique_ptr<Background> m_background;
     std::unique_ptr<MainWindowState> m_screens;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     QQuickWindow *m_window = nullptr;
@@ -94,8 +109,14 @@ void MainWindowTest::init()
 
     m_machine = std::make_unique<Machine>();
     m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
+    open();
+}
+
+void MainWindowTest::open()
+{
     m_model = std::make_unique<AppModel>(m_machine->services);
-    m_screens = std::make_unique<MainWindowState>(*m_model, m_machine->motion);
+    m_background = std::make_unique<Background>(m_machine->services);
+    m_screens = std::make_unique<MainWindowState>(*m_model, *m_background, m_machine->motion);
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
     m_engine->setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(m_screens.get()) } });
@@ -106,12 +127,29 @@ void MainWindowTest::init()
     QVERIFY(QTest::qWaitForWindowActive(m_window));
 }
 
-void MainWindowTest::cleanup()
+void MainWindowTest::close()
 {
     m_machine->hold.release();
     m_engine.reset();
     m_screens.reset();
     m_model.reset();
+    m_background.reset();
+}
+
+// As a start in a sandbox, where `granted` was handed over before.
+void MainWindowTest::openInSandbox(const QByteArray &granted)
+{
+    close();
+    m_machine->home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+    m_machine->desktop.folderGrants.startupDiskPrefix = "/home/";
+    if (!granted.isEmpty())
+        m_machine->defaults.values.insert(QStringLiteral("Quillbrook.homeBookmark"), granted);
+    open();
+}
+
+void MainWindowTest::cleanup()
+{
+    close();
     m_machine.reset();
     qInstallMessageHandler(nullptr);
     warnings = nullptr;
@@ -300,9 +338,14 @@ void MainWindowTest::blankQuestionKeepsThePane()
 void MainWindowTest::nothingIsCutAtTheMinimumSize()
 {
     finishScan();
-    m_window->resize(m_window->minimumSize());
-    QTRY_COMPARE(m_window->contentItem()->width(), 1040.0);
-    const QRectF whole(0, 0, 1040, 680);
+    nothingIsCut(m_window->minimumSize());
+}
+
+void MainWindowTest::nothingIsCut(const QSize &size) const
+{
+    m_window->resize(size);
+    QTRY_COMPARE(m_window->contentItem()->width(), qreal(size.width()));
+    const QRectF whole(QPointF(), size);
     for (auto *part : visibleItemsBelow(*m_window->contentItem())) {
         if (accessibleName(part).isEmpty())
             continue;
@@ -327,6 +370,141 @@ void MainWindowTest::gaugeNamesTheVolume()
     QVERIFY(note->isVisible());
     QVERIFY(shows(
         QStringLiteral("Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use.")));
+}
+
+void MainWindowTest::startChecksRunAgainWhenTheWindowComesBack()
+{
+    const auto &questions = m_machine->desktop.notifier.questions;
+    const auto before = questions;
+    m_window->hide();
+    QTest::qWait(0);
+    QCOMPARE(questions, before);
+    m_window->show();
+    QTRY_COMPARE(questions, before + 1);
+    QCOMPARE(m_machine->desktop.http.requests.size(), 1);
+}
+
+void MainWindowTest::gateAsksForTheHomeFolder()
+{
+    openInSandbox();
+    const auto scans = m_machine->directories.sessionsMade();
+    QVERIFY(shows(QStringLiteral("Quillbrook needs to see your files to measure them")));
+    QVERIFY(shows(
+        QStringLiteral("It reads names, sizes and dates — never the contents of a file. Choose your home "
+                       "folder and it will not ask again.")));
+    QVERIFY(!item(Role::Button, QStringLiteral("Rescan"))->isEnabled());
+    QVERIFY(!showsTheScan());
+    for (const auto chosen : allPanes) {
+        m_screens->content()->setPane(chosen);
+        QVERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    }
+    m_screens->content()->setPane(Pane::warden);
+    auto *choose = item(Role::Button, QStringLiteral("Choose my home folder…"));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*choose));
+    QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
+    QVERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QCOMPARE(m_machine->directories.sessionsMade(), scans);
+
+    m_machine->desktop.folderPicker.answer = "/home/someone";
+    pressAccessibly(choose);
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(!item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QVERIFY(item(Role::Button, QStringLiteral("Rescan"))->isEnabled());
+    QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
+    QCOMPARE(m_machine->directories.sessionsMade(), scans + 1);
+}
+
+void MainWindowTest::gateCanBeReachedAndPressedByKeys()
+{
+    openInSandbox();
+    auto *choose = item(Role::Button, QStringLiteral("Choose my home folder…"));
+    QVERIFY(choose);
+    for (int i = 0; i < 10 && !choose->hasActiveFocus(); ++i)
+        QTest::keyClick(m_window, Qt::Key_Tab);
+    QVERIFY(choose->hasActiveFocus());
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
+}
+
+void MainWindowTest::grantedFolderIsToldOnlyInASandbox()
+{
+    QVERIFY(!item(Role::Button, QStringLiteral("Change")));
+    openInSandbox("/home/someone");
+    QVERIFY(item(Role::Button, QStringLiteral("Change")));
+    QVERIFY(shows(QStringLiteral("/home/someone")));
+    QVERIFY(!shows(QStringLiteral("That is not this Mac's startup disk")));
+    QVERIFY(!item(Role::Button, QStringLiteral("Choose my home folder…")));
+}
+
+void MainWindowTest::grantedFolderCanBeChanged()
+{
+    openInSandbox("/home/someone");
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    m_machine->desktop.folderPicker.answer = "/media/backup";
+    auto *change = item(Role::Button, QStringLiteral("Change"));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
+    QTRY_VERIFY(shows(QStringLiteral("/media/backup")));
+    QVERIFY(shows(QStringLiteral("That is not this Mac's startup disk")));
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QCOMPARE(m_model->scanRoot(), QStringLiteral("/media/backup"));
+
+    m_machine->desktop.folderPicker.answer.reset();
+    pressAccessibly(change);
+    QTRY_VERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QVERIFY(shows(QStringLiteral("not chosen")));
+}
+
+void MainWindowTest::wrongVolumeIsWarnedOf()
+{
+    openInSandbox("/Volumes/Backup/someone");
+    QVERIFY(shows(QStringLiteral("That is not this Mac's startup disk")));
+    QVERIFY(shows(QStringLiteral("Freeing space there will not help a full internal disk.")));
+}
+
+void MainWindowTest::newerVersionIsTold()
+{
+    const auto line = QStringLiteral("Quillbrook 2.0 is out");
+    QTRY_COMPARE(m_machine->desktop.http.requests.size(), 1);
+    QVERIFY(!item(Role::Button, line));
+    m_machine->defaults.values.remove(QStringLiteral("Quillbrook.updateCheckedAt"));
+    m_machine->desktop.http.answer
+        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
+    QTRY_VERIFY(m_model->phase().kind != Phase::Kind::idle);
+    m_model->checkForUpdate();
+    QTRY_VERIFY(item(Role::Button, line));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
+    const QUrl page(QStringLiteral("https://updates.test/2.0"));
+    QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
+    pressAccessibly(item(Role::Button, line));
+    QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
+}
+
+void MainWindowTest::fullSidebarIsNotCut_data()
+{
+    QTest::addColumn<bool>("isGated");
+    QTest::newRow("granted") << false;
+    QTest::newRow("gate") << true;
+}
+
+// Everything that the foot of the sidebar can hold at once.
+void MainWindowTest::fullSidebarIsNotCut()
+{
+    QFETCH(bool, isGated);
+    const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+    m_machine->volumes.answer = VolumeCapacity{
+        .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
+    };
+    m_machine->desktop.http.answer
+        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
+    m_machine->defaults.values.remove(QStringLiteral("Quillbrook.updateCheckedAt"));
+    openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
+    QTRY_VERIFY(item(Role::Button, QStringLiteral("Quillbrook 2.0 is out")));
+    if (!isGated)
+        QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    nothingIsCut(m_window->minimumSize());
+    const auto *rows = item(Role::ListItem, QStringLiteral("Past answers"));
+    const auto *gauge = m_window->findChild<QQuickItem *>(QStringLiteral("usedBar"));
+    QVERIFY(rows->mapToScene({ 0, rows->height() }).y() < gauge->mapToScene({}).y());
 }
 
 void MainWindowTest::nothingMovesWhereTheDesktopAsksForThat()

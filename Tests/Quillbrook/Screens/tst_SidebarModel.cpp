@@ -1,7 +1,6 @@
-#include "Core/AppModel.h"
-#include "Screens/ContentState.h"
 #include "Screens/SidebarModel.h"
 #include "Support/FakeServices.h"
+#include "Support/WindowContent.h"
 
 #include <QAbstractItemModelTester>
 #include <QKeySequence>
@@ -35,7 +34,8 @@ private:
 
     std::unique_ptr<FakeServices> m_machine;
     std::unique_ptr<AppModel> m_model;
-    std::unique_ptr<ContentState> m_content;
+    std::unique_ptr<WindowContent> m_window;
+    ContentState *m_content = nullptr;
     std::unique_ptr<SidebarModel> m_rows;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
 };
@@ -44,7 +44,8 @@ void SidebarModelTest::init()
 {
     m_machine = std::make_unique<FakeServices>();
     m_model = std::make_unique<AppModel>(m_machine->services);
-    m_content = std::make_unique<ContentState>(*m_model);
+    m_window = std::make_unique<WindowContent>(*m_model);
+    m_content = &m_window->content;
     m_rows = std::make_unique<SidebarModel>(*m_content);
     m_tester = std::make_unique<QAbstractItemModelTester>(
         m_rows.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -54,7 +55,7 @@ void SidebarModelTest::cleanup()
 {
     m_tester.reset();
     m_rows.reset();
-    m_content.reset();
+    m_window.reset();
     m_model.reset();
     m_machine.reset();
 }

@@ -98,6 +98,20 @@ Rectangle {
                         text: "The screen's own"
                     }
 
+                    PushButton {
+                        id: helped
+
+                        Accessible.description: help.text
+                        text: "With help"
+
+                        HelpTip {
+                            id: help
+
+                            shown: helped.hovered || helped.visualFocus
+                            text: "What pressing it means, in a sentence."
+                        }
+                    }
+
                     SymbolButton {
                         symbol: "xmark"
                         text: "Close"

@@ -1,0 +1,170 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// The small window that drops from the tray: how much is free and how much could be, the watcher's switches,
+// and the ways back. Who shows it also hides it when it loses the keyboard. Its corners are square: without a
+// compositor no window has others.
+Window {
+    id: root
+
+    required property MenuBarPanelState panel
+
+    readonly property color summaryTone: panel.isReclaimable ? Theme.safe : Theme.label
+
+    color: Qt.tint(Theme.page, Theme.faded(Theme.surface, Metrics.faintOpacity))
+    flags: Qt.Tool | Qt.FramelessWindowHint
+    // The same for all states that fit, so that it stays in its place while switches are pressed.
+    height: Math.max(Metrics.panelHeight, column.implicitHeight + 2 * Metrics.hairlineWidth)
+    title: "Quillbrook"
+    width: Metrics.panelWidth
+
+    onVisibleChanged: {
+        if (visible)
+            panel.appear();
+        else
+            panel.disappear();
+    }
+
+    Shortcut {
+        sequence: "Esc"
+        onActivated: root.close()
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        border.color: Theme.hairline
+        border.width: Metrics.hairlineWidth
+        color: "transparent"
+    }
+
+    ColumnLayout {
+        id: column
+
+        anchors.fill: parent
+        anchors.margins: Metrics.hairlineWidth
+        spacing: 0
+
+        Row {
+            Layout.leftMargin: Metrics.panelInset
+            Layout.topMargin: Metrics.space20
+            spacing: Metrics.space4
+
+            FigureText {
+                id: figure
+
+                text: root.panel.freeText
+            }
+
+            BodyText {
+                anchors.baseline: figure.baseline
+                color: Theme.label
+                text: "free"
+            }
+        }
+
+        BodyText {
+            Layout.bottomMargin: Metrics.space12
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.panelInset
+            Layout.rightMargin: Metrics.panelInset
+            color: root.summaryTone
+            text: root.panel.summary
+            wrapMode: Text.Wrap
+        }
+
+        Hairline {
+            Layout.fillWidth: true
+        }
+
+        PanelSwitch {
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.panelInset
+            Layout.rightMargin: Metrics.panelInset
+            Layout.topMargin: Metrics.space24
+            line: root.panel.watchingLine
+            on: root.panel.watching
+            title: "Keep watching this Mac"
+            onAsked: wanted => root.panel.setWatching(wanted)
+        }
+
+        PanelSwitch {
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.panelInset
+            Layout.rightMargin: Metrics.panelInset
+            Layout.topMargin: Metrics.panelGap
+            line: root.panel.notificationsLine
+            on: root.panel.notificationsWanted
+            title: "Tell me when space runs low"
+            visible: root.panel.watching
+            onAsked: wanted => root.panel.setNotificationsWanted(wanted)
+
+            PushButton {
+                kind: PushButton.Link
+                text: "Open Settings"
+                visible: root.panel.offersSettings
+                onClicked: root.panel.openSettings()
+            }
+        }
+
+        PanelSwitch {
+            Layout.fillWidth: true
+            Layout.leftMargin: Metrics.panelInset
+            Layout.rightMargin: Metrics.panelInset
+            Layout.topMargin: Metrics.panelGap
+            line: root.panel.loginLine
+            on: root.panel.launchesAtLogin
+            title: "Keep watching after I restart"
+            visible: root.panel.watching
+            onAsked: wanted => root.panel.setLaunchAtLogin(wanted)
+        }
+
+        Item {
+            Layout.fillHeight: true
+            Layout.minimumHeight: Metrics.space24
+        }
+
+        Hairline {
+            Layout.fillWidth: true
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.bottomMargin: Metrics.space8
+            Layout.leftMargin: Metrics.panelFootInset
+            Layout.rightMargin: Metrics.panelFootInset
+            Layout.topMargin: Metrics.space12
+            spacing: Metrics.space8
+
+            PushButton {
+                kind: PushButton.Prominent
+                text: "Open"
+                onClicked: root.panel.open()
+            }
+
+            PushButton {
+                text: "Check now"
+                onClicked: root.panel.checkNow()
+            }
+
+            Item {
+                Layout.fillWidth: true
+            }
+
+            PushButton {
+                id: quit
+
+                Accessible.description: root.panel.quitHelp
+                text: "Quit"
+                onClicked: root.panel.quit()
+
+                HelpTip {
+                    shown: quit.hovered || quit.visualFocus
+                    text: root.panel.quitHelp
+                }
+            }
+        }
+    }
+}
