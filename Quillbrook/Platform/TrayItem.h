@@ -2,6 +2,7 @@
 
 // The program's item in the desktop's tray. Main thread only.
 
+#include <QByteArray>
 #include <QObject>
 #include <QPoint>
 #include <QString>
@@ -33,6 +34,9 @@ public:
     virtual void show(const Appearance &appearance) = 0;
     /// Whether there is a tray that shows it now.
     [[nodiscard]] virtual bool isShown() const = 0;
+    /// What lets a window come to the front after the last press, where the desktop asks for such; taken
+    /// once.
+    [[nodiscard]] virtual QByteArray takeActivationToken() { return {}; }
 
 Q_SIGNALS:
     /// It was pressed: where on the screen, where the desktop tells.

@@ -1,0 +1,82 @@
+#include "Platform/Linux/XEmbedTrayItem.h"
+
+#include "Platform/Linux/TrayPicture.h"
+#include "Platform/Linux/TrayTexts.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QPixmap>
+
+#include <chrono>
+#include <utility>
+
+namespace Quillbrook {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+QIcon icon(const TrayPicture::Look &look)
+{
+    QIcon result;
+    for (const auto &image : TrayPicture::drawAll(look))
+        result.addPixmap(QPixmap::fromImage(image));
+    return result;
+}
+
+} // namespace
+
+XEmbedTrayItem::XEmbedTrayItem()
+    : m_open(TrayTexts::open())
+    , m_check(TrayTexts::checkNow())
+    , m_quit(TrayTexts::quit())
+{
+    m_figure.setEnabled(false);
+    m_menu.addAction(&m_figure);
+    m_menu.addSeparator();
+    m_menu.addActions({ &m_open, &m_check, &m_quit });
+    m_icon.setContextMenu(&m_menu);
+    connect(&m_open, &QAction::triggered, this, &TrayItem::openChosen);
+    connect(&m_check, &QAction::triggered, this, &TrayItem::checkChosen);
+    connect(&m_quit, &QAction::triggered, this, &TrayItem::quitChosen);
+    connect(&m_icon, &QSystemTrayIcon::activated, this, &XEmbedTrayItem::press);
+    m_clock.setTimerType(Qt::VeryCoarseTimer);
+    m_clock.setInterval(5s);
+    connect(&m_clock, &QTimer::timeout, this, &XEmbedTrayItem::look);
+}
+
+std::unique_ptr<TrayItem> XEmbedTrayItem::make()
+{
+    const auto isPossible = qobject_cast<QApplication *>(QCoreApplication::instance())
+        && QGuiApplication::platformName() == QStringLiteral("xcb");
+    return isPossible ? std::make_unique<XEmbedTrayItem>() : nullptr;
+}
+
+void XEmbedTrayItem::show(const Appearance &appearance)
+{
+    // An ampersand would mark the next letter as the entry's key.
+    m_figure.setText(TrayTexts::free(appearance.title).replace(u'&', QStringLiteral("&&")));
+    m_icon.setToolTip(TrayTexts::whole(appearance.title));
+    m_icon.setIcon(icon(TrayPicture::look(appearance.usedShare, appearance.isDanger)));
+    m_icon.show();
+    m_clock.start();
+    look();
+}
+
+void XEmbedTrayItem::press(QSystemTrayIcon::ActivationReason reason)
+{
+    const auto place = m_icon.geometry();
+    if (reason == QSystemTrayIcon::Trigger)
+        Q_EMIT activated(place.isEmpty() ? std::nullopt : std::optional(place.center()));
+    else if (reason == QSystemTrayIcon::MiddleClick)
+        Q_EMIT openChosen();
+}
+
+void XEmbedTrayItem::look()
+{
+    const auto isShown = m_icon.isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
+    if (std::exchange(m_isShown, isShown) != m_isShown)
+        Q_EMIT shownChanged();
+}
+
+} // namespace Quillbrook
