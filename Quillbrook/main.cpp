@@ -157,7 +157,7 @@ int main(int argc, char **argv)
     AppModel model(machine.services());
     Background background(model.services());
     MainWindowState screens(model, background, machine.motion);
-    MenuBarPanelState panel(model, background);
+    MenuBarPanelState panel(model, background, screens.access());
     LinuxTrayItem tray;
 
     QQmlEngine engine;

@@ -1,5 +1,6 @@
 #include "Core/FolderAccess.h"
 
+#include "Core/AppModel.h"
 #include "Platform/AppServices.h"
 #include "Platform/FolderGrants.h"
 #include "Platform/FolderPicker.h"
@@ -78,6 +79,16 @@ bool FolderAccess::beginAccess()
     if (!m_services.folderGrants.startAccessing(*m_granted))
         return false;
     m_accessing = m_granted;
+    return true;
+}
+
+// A folder that can't be opened is scanned all the same, and then found unreadable.
+bool FolderAccess::prepare(AppModel &model)
+{
+    if (isGated())
+        return false;
+    beginAccess();
+    model.setScanRoot(scanRoot());
     return true;
 }
 

@@ -11,6 +11,7 @@
 
 namespace Quillbrook {
 
+class AppModel;
 struct AppServices;
 
 class FolderAccess : public QObject
@@ -27,6 +28,8 @@ public:
     void revoke();
     /// Whether access to the granted folder is open now.
     bool beginAccess();
+    /// Has the model scan what may be read. False, with nothing changed, while the gate stands.
+    [[nodiscard]] bool prepare(AppModel &model);
 
     [[nodiscard]] bool isSandboxed() const;
     /// The gate stands before everything else: in a sandbox, with nothing granted.

@@ -50,8 +50,8 @@ void ContentState::chooseHomeFolder()
 void ContentState::rescan()
 {
     m_model.cancelScan();
-    useGrant();
-    m_model.scan({ .scope = std::nullopt, .automatic = false });
+    if (m_access.prepare(m_model))
+        m_model.scan({ .scope = std::nullopt, .automatic = false });
 }
 
 void ContentState::setPane(Pane pane)
@@ -129,17 +129,8 @@ void ContentState::followRequest()
 
 void ContentState::startScanning()
 {
-    if (m_access.isGated())
-        return;
-    useGrant();
-    m_model.scan({ .scope = Scope::quiet, .automatic = true });
-}
-
-// A folder that can't be opened is scanned all the same, and then found unreadable.
-void ContentState::useGrant()
-{
-    m_access.beginAccess();
-    m_model.setScanRoot(m_access.scanRoot());
+    if (m_access.prepare(m_model))
+        m_model.scan({ .scope = Scope::quiet, .automatic = true });
 }
 
 } // namespace Quillbrook

@@ -83,7 +83,6 @@ private:
     void refresh();
     void followRequest();
     void startScanning();
-    void useGrant();
 
     AppModel &m_model;
     FolderAccess &m_access;

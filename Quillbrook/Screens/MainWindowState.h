@@ -55,6 +55,8 @@ public:
     MainWindowState(
         AppModel &model, Background &background, MotionPreference &motion, QObject *parent = nullptr);
 
+    /// The right to read the home folder, which the panel in the tray shares.
+    [[nodiscard]] FolderAccess &access() { return m_access; }
     [[nodiscard]] ContentState *content() { return &m_content; }
     [[nodiscard]] SidebarModel *sidebar() { return &m_sidebar; }
     [[nodiscard]] TopBarState *topBar() { return &m_topBar; }

@@ -2,6 +2,7 @@
 
 #include "Core/AppModel.h"
 #include "Core/Background.h"
+#include "Core/FolderAccess.h"
 #include "Platform/Clock.h"
 #include "Scan/Format.h"
 
@@ -15,10 +16,12 @@ using namespace std::chrono_literals;
 
 } // namespace
 
-MenuBarPanelState::MenuBarPanelState(AppModel &model, Background &background, QObject *parent)
+MenuBarPanelState::MenuBarPanelState(
+    AppModel &model, Background &background, FolderAccess &access, QObject *parent)
     : QObject(parent)
     , m_model(model)
     , m_background(background)
+    , m_access(access)
 {
     m_ageClock.setObjectName(QStringLiteral("ageClock"));
     m_ageClock.setParent(this);
@@ -48,7 +51,7 @@ void MenuBarPanelState::appear()
     m_model.refreshVolume();
     // The person may come from the desktop's settings.
     m_background.refresh();
-    if (!m_model.report())
+    if (!m_model.report() && m_access.prepare(m_model))
         m_model.scan({ .scope = Scope::quiet, .automatic = true });
     m_ageClock.start();
     Q_EMIT changed();

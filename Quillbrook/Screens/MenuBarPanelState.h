@@ -15,6 +15,7 @@ namespace Quillbrook {
 
 class AppModel;
 class Background;
+class FolderAccess;
 
 class MenuBarPanelState : public QObject
 {
@@ -42,7 +43,8 @@ class MenuBarPanelState : public QObject
     Q_PROPERTY(QString quitHelp READ quitHelp NOTIFY changed FINAL)
 
 public:
-    MenuBarPanelState(AppModel &model, Background &background, QObject *parent = nullptr);
+    MenuBarPanelState(
+        AppModel &model, Background &background, FolderAccess &access, QObject *parent = nullptr);
 
     /// The words for so many bytes; absent before any measurement.
     [[nodiscard]] static QString summaryOf(const std::optional<qint64> &reclaimable);
@@ -92,6 +94,7 @@ private:
 
     AppModel &m_model;
     Background &m_background;
+    FolderAccess &m_access;
     /// Ages grow while the panel is looked at.
     QTimer m_ageClock;
 };

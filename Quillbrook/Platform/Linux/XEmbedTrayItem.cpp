@@ -7,14 +7,11 @@
 #include <QIcon>
 #include <QPixmap>
 
-#include <chrono>
 #include <utility>
 
 namespace Quillbrook {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 QIcon icon(const TrayPicture::Look &look)
 {
@@ -40,9 +37,6 @@ XEmbedTrayItem::XEmbedTrayItem()
     connect(&m_check, &QAction::triggered, this, &TrayItem::checkChosen);
     connect(&m_quit, &QAction::triggered, this, &TrayItem::quitChosen);
     connect(&m_icon, &QSystemTrayIcon::activated, this, &XEmbedTrayItem::press);
-    m_clock.setTimerType(Qt::VeryCoarseTimer);
-    m_clock.setInterval(5s);
-    connect(&m_clock, &QTimer::timeout, this, &XEmbedTrayItem::look);
 }
 
 std::unique_ptr<TrayItem> XEmbedTrayItem::make()
@@ -59,7 +53,6 @@ void XEmbedTrayItem::show(const Appearance &appearance)
     m_icon.setToolTip(TrayTexts::whole(appearance.title));
     m_icon.setIcon(icon(TrayPicture::look(appearance.usedShare, appearance.isDanger)));
     m_icon.show();
-    m_clock.start();
     look();
 }
 

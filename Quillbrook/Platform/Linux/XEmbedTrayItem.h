@@ -9,7 +9,6 @@
 #include <QAction>
 #include <QMenu>
 #include <QSystemTrayIcon>
-#include <QTimer>
 
 #include <memory>
 
@@ -30,6 +29,7 @@ public:
 
 private:
     void press(QSystemTrayIcon::ActivationReason reason);
+    /// Nobody tells when such a tray comes or goes: it is looked for whenever the figure changes.
     void look();
 
     QMenu m_menu;
@@ -38,8 +38,6 @@ private:
     QAction m_check;
     QAction m_quit;
     QSystemTrayIcon m_icon;
-    /// Nobody tells when such a tray comes or goes.
-    QTimer m_clock;
     bool m_isShown = false;
 };
 

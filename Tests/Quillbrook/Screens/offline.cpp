@@ -11,6 +11,7 @@
 
 #include "Core/AppModel.h"
 #include "Core/Background.h"
+#include "Core/FolderAccess.h"
 #include "Screens/MainWindowState.h"
 #include "Screens/MenuBarPanelState.h"
 #include "Support/FakeMotionPreference.h"
@@ -174,7 +175,8 @@ int showPanel(FakeServices &machine, const QString &what)
 
     AppModel model(machine.services);
     Background background(machine.services);
-    MenuBarPanelState panel(model, background);
+    FolderAccess access(machine.services);
+    MenuBarPanelState panel(model, background, access);
     model.configureWatcher(background);
     QObject::connect(
         &panel, &MenuBarPanelState::quitRequested, qApp, &QGuiApplication::quit, Qt::QueuedConnection);

@@ -2,6 +2,7 @@
 
 #include "Core/AppModel.h"
 #include "Core/Background.h"
+#include "Core/FolderAccess.h"
 #include "Screens/MenuBarPanelState.h"
 #include "Support/FolderHold.h"
 #include "Support/QuickItems.h"
@@ -50,7 +51,8 @@ struct Machine : ScannedHome
     }
 
     Background background{ services };
-    MenuBarPanelState panel{ model, background };
+    FolderAccess access{ services };
+    MenuBarPanelState panel{ model, background, access };
 };
 
 } // namespace

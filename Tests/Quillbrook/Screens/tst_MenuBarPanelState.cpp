@@ -1,4 +1,5 @@
 #include "Core/Background.h"
+#include "Core/FolderAccess.h"
 #include "Screens/MenuBarPanelState.h"
 #include "Support/FolderHold.h"
 #include "Support/ScannedHome.h"
@@ -43,7 +44,8 @@ struct Fixture : ScannedHome
     }
 
     Background background{ services };
-    MenuBarPanelState panel{ model, background };
+    FolderAccess access{ services };
+    MenuBarPanelState panel{ model, background, access };
 };
 
 } // namespace
@@ -81,6 +83,7 @@ private Q_SLOTS:
     void appearingRefreshesWhatChangedOutside();
     void appearingStartsTheFirstScan();
     void appearingScansNothingTwice();
+    void nothingIsScannedBeforeTheGrant();
     void ageIsToldAgainEveryMinuteWhileVisible();
 };
 
@@ -135,7 +138,8 @@ void MenuBarPanelStateTest::reportTellsWhatIsSafe()
 
     ScannedHome bare;
     Background background(bare.services);
-    const MenuBarPanelState panel(bare.model, background);
+    FolderAccess access(bare.services);
+    const MenuBarPanelState panel(bare.model, background, access);
     bare.scan();
     QCOMPARE(panel.summary(), u"Nothing safe left to reclaim"_s);
     QVERIFY(!panel.isReclaimable());
@@ -378,6 +382,23 @@ void MenuBarPanelStateTest::appearingScansNothingTwice()
     QVERIFY(!stopped.model.report());
     stopped.panel.appear();
     QCOMPARE(stopped.model.phase().kind, Phase::Kind::idle);
+}
+
+void MenuBarPanelStateTest::nothingIsScannedBeforeTheGrant()
+{
+    Fixture fixture;
+    fixture.home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
+    fixture.panel.appear();
+    QCOMPARE(fixture.model.phase().kind, Phase::Kind::idle);
+    QCOMPARE(fixture.panel.summary(), u"Not measured yet"_s);
+
+    // The first scan is still to come, and then of what was handed over.
+    fixture.desktop.folderPicker.answer = "/Volumes/Backup/someone";
+    fixture.access.request();
+    fixture.panel.appear();
+    QCOMPARE(fixture.model.phase().kind, Phase::Kind::scanning);
+    QCOMPARE(fixture.model.scanRoot(), u"/Volumes/Backup/someone"_s);
+    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
 }
 
 void MenuBarPanelStateTest::ageIsToldAgainEveryMinuteWhileVisible()
