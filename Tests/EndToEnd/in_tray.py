@@ -2,6 +2,8 @@
 
 import re
 
+from gi.repository import Gio, GLib
+
 import accessibility
 import case
 import desktop
@@ -34,6 +36,13 @@ class InTray(case.Case):
     def _kept(self, part):
         self.addCleanup(part.stop)
         return part
+
+    def is_running_once(self):
+        """Waits until the program has taken its place in the session, where a further start finds it."""
+        session = Gio.bus_get_sync(Gio.BusType.SESSION, None)
+        waiting.until("the program's name on the bus", lambda: session.call_sync(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+            GLib.Variant("(s)", ("com.tarnwick.Quillbrook",)), None, Gio.DBusCallFlags.NONE, 5000, None).unpack()[0])
 
     def open_panel(self, quillbrook, tray, place=PLACE):
         """Presses the item, and answers with the panel."""

@@ -102,10 +102,10 @@ class Background(in_tray.InTray):
             with self.subTest(width):
                 self.assertEqual(width, height)
                 self.assertEqual(len(pixels), width * height)
-                drawn = [pixel for pixel in pixels if pixel[0] > 128]
-                # An outline: neither nothing nor a block.
-                self.assertGreater(len(drawn), width)
-                self.assertLess(len(drawn), width * height * 3 // 4)
+                # A disk: nothing in the corners, something in the middle, and a level in it.
+                self.assertEqual({pixels[place][0] for place in (0, width - 1, -width, -1)}, {0})
+                self.assertEqual(pixels[len(pixels) // 2 + width // 2][0], 255)
+                self.assertGreater(len({pixel for pixel in pixels if pixel[0] == 255}), 2)
 
     def testTheMenuOpensChecksAndQuits(self):
         tray = self.tray()

@@ -127,6 +127,7 @@ class Login(in_tray.InTray):
     def testAQuietStartWithoutATrayStaysAndCanBeOpened(self):
         self.host.stop()
         quillbrook = self.start(arguments=QUIET)
+        self.is_running_once()
         again = self.start()
         self.assertEqual(again.exited(10), 0)
         self.comes_back(quillbrook)

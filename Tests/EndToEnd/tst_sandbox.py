@@ -53,7 +53,6 @@ class Sandbox(case.Case):
         quillbrook.says(GATE)
         words = quillbrook.words()
         self.assertIn(CHOOSE, words)
-        self.assertNotIn("Rescan", quillbrook.window().names("push button"))
         self.assertFalse([text for text in words if text.startswith("scanned ")])
 
     def testOutsideASandboxThereIsNoGate(self):
@@ -66,7 +65,16 @@ class Sandbox(case.Case):
     def testTheGateStandsBeforeEverythingAndMeasuresNothing(self):
         quillbrook = self.confined()
         quillbrook.says(PROMISE)
+        quillbrook.says("not chosen")
         self.assertGated(quillbrook)
+        quillbrook.press("Rescan")
+        quillbrook.activate()
+        desktop.keys("ctrl+2")
+        quillbrook.selected("What's using space")
+        with self.assertRaises(waiting.Late):
+            quillbrook.scanned(1)
+        self.assertGated(quillbrook)
+        self.assertEqual(self.portal.asked(), [])
 
     def testTheFolderThatIsPickedIsMeasured(self):
         quillbrook = self.confined()
