@@ -152,6 +152,21 @@ class Background(in_tray.InTray):
         quillbrook.panel_says("free")
         self.assertNear(panel, (x + width // 2, y + height // 2))
 
+    def testAnOlderTrayThatComesUpAfterTheProgramGetsTheIcon(self):
+        quillbrook = self.started()
+        tray = self.system_tray()
+        tray.icon(quillbrook.pid)
+
+    def testWhereBothKindsOfTrayAreTheNewerHasTheItem(self):
+        older = self.system_tray()
+        quillbrook = self.started()
+        older.icon(quillbrook.pid)
+        newer = self.tray()
+        self.assertEqual(newer.item().pid, quillbrook.pid)
+        waiting.until("no icon in the older tray", lambda: not older.icons(quillbrook.pid))
+        newer.stop()
+        older.icon(quillbrook.pid)
+
     # The panel
 
     def assertNear(self, panel, place):
@@ -280,6 +295,27 @@ class Background(in_tray.InTray):
             waiting.until("the keyboard in the panel", lambda: panel.has(accessibility.ACTIVE))
             quillbrook.close_panel()
         self.assertTrue(quillbrook.running)
+
+    def testAnotherPressOnTheItemClosesThePanel(self):
+        tray = self.tray()
+        quillbrook = self.started()
+        for press in (tray.item().activate, tray.item().context_menu):
+            for is_open in (True, False):
+                press(*PLACE)
+                self.becomes(lambda: len(quillbrook.open_panels()), int(is_open))
+
+    def testWindowsThatComeAndGoLeaveNothingBehind(self):
+        tray = self.tray()
+        quillbrook = self.started()
+        descriptors = []
+        for _ in range(6):
+            self.open_panel(quillbrook, tray)
+            self.press(quillbrook, "Open")
+            self.comes_back(quillbrook)
+            self.assertEqual(quillbrook.open_panels(), [])
+            quillbrook.close_window()
+            descriptors.append(quillbrook.descriptor_count())
+        self.assertEqual(descriptors[1:], descriptors[1:2] * 5)
 
     def testThePanelGoesWhenAnotherWindowGetsTheKeyboard(self):
         tray = self.tray()
