@@ -30,6 +30,7 @@ DISPLAY = (1280, 900)
 INSIDE = (100, 100, 1180, 800)
 # A window that is there and has not drawn yet is of one colour.
 DRAWN = 4
+FILES_IN_A_FOLDER = 100
 # Long enough for the work of a closing window to be over.
 SETTLING = 10
 
@@ -56,7 +57,7 @@ class Screen:
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--program", required=True, type=pathlib.Path)
-    parser.add_argument("--home", type=pathlib.Path, help="the home folder that is measured; a small made one without")
+    parser.add_argument("--files", type=int, default=0, help="so many more in the home that is measured")
     parser.add_argument("--starts", type=int, default=9)
     parser.add_argument("--idle", type=float, default=300, metavar="SECONDS", help="0 leaves the time in the tray out")
     arguments = parser.parse_args()
@@ -67,7 +68,7 @@ def main():
     try:
         desk.start()
         tray = tray_host.TrayHost(folder)
-        home = make_home(folder, arguments.home)
+        home = make_home(folder, arguments.files)
         figures = {"starts": starts(arguments, folder, home), "memory": memory(arguments, folder, home)}
         if arguments.idle > 0:
             figures["idle"] = idle(arguments, folder, home, tray)
@@ -82,14 +83,15 @@ def main():
         shutil.rmtree(folder, ignore_errors=True)
 
 
-def make_home(folder, measured):
+def make_home(folder, files):
     home = homes.Home(folder)
-    if measured:
-        home.path.rmdir()
-        home.path.symlink_to(measured)
-    else:
-        home.file(".cache/pip/wheel.whl", 3_000_000)
-        home.file("report.pdf", 300_000)
+    home.file(".cache/pip/wheel.whl", 3_000_000)
+    home.file("report.pdf", 300_000)
+    for first in range(0, files, FILES_IN_A_FOLDER):
+        below = home.path / "development" / f"folder {first}"
+        below.mkdir(parents=True)
+        for number in range(first, min(first + FILES_IN_A_FOLDER, files)):
+            (below / f"file {number}.txt").touch()
     return home
 
 
@@ -119,8 +121,8 @@ def memory(arguments, folder, home):
     home.settings.unlink(missing_ok=True)
     started = program.Program(arguments.program.resolve(), plain(home), folder / "program.log")
     window = started.window_id(60)
-    waiting.until("the end of the first scan", lambda: home.settings.exists()
-                  and "Quillbrook.lastFileCount=" in home.settings.read_text(encoding="utf-8"), 600)
+    files = waiting.until("the end of the first scan", lambda: home.settings.exists() and re.search(
+        r"^Quillbrook\.lastFileCount=(\d+)$", home.settings.read_text(encoding="utf-8"), re.M), 600)
     open_window = resident(started.pid)
     desktop.close_window(window)
     waiting.until("no window", lambda: not desktop.windows_of(started.pid), 20)
@@ -129,7 +131,7 @@ def memory(arguments, folder, home):
         raise AssertionError(f"the program ended with {started.process.returncode}: {started.output()}")
     closed = resident(started.pid)
     end(started)
-    return {"open": open_window, "closed": closed}
+    return {"open": open_window, "closed": closed, "files": int(files.group(1))}
 
 
 def idle(arguments, folder, home, tray):
