@@ -29,9 +29,9 @@
 #include "Platform/Volumes.h"
 #include "Removal/HostGuards.h"
 
+#include <QFuture>
 #include <QHash>
 #include <QVariant>
-#include <QtFuture>
 
 #include <optional>
 
