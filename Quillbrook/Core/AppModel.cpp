@@ -2,11 +2,11 @@
 
 #include "Core/CatalogueInHand.h"
 #include "Core/ReleaseOnPool.h"
-#include "Core/ScanInHand.h"
 #include "Core/TreeStageEstimate.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/UserDefaults.h"
 #include "Scan/Format.h"
+#include "Scan/ScanInHand.h"
 
 #include <algorithm>
 #include <chrono>

@@ -244,7 +244,7 @@ private:
     void offerToFree(qint64 bytes);
     QCoro::Task<> askForSafetyNet();
     QCoro::Task<> askForUpdate();
-    void takeObservation(const Watcher::Observation &observation, const Background &background);
+    void takeObservation(const Watcher::Observation &observation);
 
     AppServices m_services;
     Phase m_phase;
@@ -290,6 +290,7 @@ private:
     std::optional<qint64> m_freeNowOffer;
     std::optional<AvailableUpdate> m_update;
     Watcher m_watcher;
+    QPointer<Background> m_background;
     bool m_watching = false;
     std::optional<Watcher::Observation> m_lastWatch;
     /// A thread beside the pool's, so that no scan waits for a backup program to answer. Its end is waited

@@ -1,9 +1,9 @@
 #include "Core/AppModel.h"
 #include "Core/CatalogueInHand.h"
 #include "Core/ReleaseOnPool.h"
-#include "Core/ScanInHand.h"
 #include "Core/TreeStageEstimate.h"
 #include "Platform/HomeFolder.h"
+#include "Scan/ScanInHand.h"
 
 #include <QCoroFuture>
 #include <QCoroTimer>

@@ -1,20 +1,15 @@
 #include "Core/ScanFences.h"
 
-#include "Catalogue/HostKnowledge.h"
+#include "Catalogue/QuietFences.h"
 
 namespace Quillbrook {
 
 ScanFences ScanFences::of(Scope scope, const QString &root, const HostFacts &host)
 {
-    ScanFences fences{ .exclusions = FastScanner::defaultExclusions() };
     if (scope == Scope::complete)
-        return fences;
-    fences.skipping = FastScanner::tccProtectedPaths(root) + host.protectedPaths;
-    fences.exclusions.unite(fences.skipping);
-    fences.allowlist = FastScanner::quietAllowlist(root);
-    for (const auto &[folder, children] : host.quietAllowlist.asKeyValueRange())
-        fences.allowlist[folder].unite(children);
-    return fences;
+        return { .exclusions = FastScanner::defaultExclusions() };
+    const auto quiet = QuietFences::of(root, host);
+    return { .exclusions = quiet.exclusions, .allowlist = quiet.allowlist, .skipping = quiet.skipping };
 }
 
 } // namespace Quillbrook

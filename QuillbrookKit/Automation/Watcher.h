@@ -55,7 +55,8 @@ public:
     using Observer = std::function<void(const Observation &)>;
 
     /// The services outlive it, and so does the queue. Main thread only, but for `check`.
-    Watcher(const KitServices &kit, const Settings &settings = {});
+    explicit Watcher(const KitServices &kit);
+    Watcher(const KitServices &kit, const Settings &settings);
     ~Watcher();
     Watcher(const Watcher &) = delete;
     Watcher &operator=(const Watcher &) = delete;

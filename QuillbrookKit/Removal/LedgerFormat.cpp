@@ -1,16 +1,16 @@
 #include "Removal/LedgerFormat.h"
 
+#include "JsonValues.h"
+
 #include <QUtf8StringView>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
-#include <nlohmann/json.hpp>
 
 namespace Quillbrook::LedgerFormat {
 
-using Json = nlohmann::ordered_json;
+using namespace JsonValues;
 
 namespace {
 
@@ -74,18 +74,6 @@ Json row(const TrashedItem &item)
     return row;
 }
 
-const Json *member(const Json &row, const char *key)
-{
-    const auto found = row.find(key);
-    return found == row.end() ? nullptr : &*found;
-}
-
-std::optional<std::string> text(const Json &row, const char *key)
-{
-    const auto *value = member(row, key);
-    return value != nullptr && value->is_string() ? std::optional(value->get<std::string>()) : std::nullopt;
-}
-
 // The bytes count only where they are those of the text beside them; else somebody has changed the text, and
 // means it.
 std::optional<std::string> path(const Json &row, const PathKeys &keys)
@@ -100,38 +88,21 @@ std::optional<std::string> path(const Json &row, const PathKeys &keys)
     return repaired(bytes) == *readable ? bytes : *readable;
 }
 
-// A whole number, however it is written: 5, 5.0 and 5e0 are the same, as far as a double tells them from
-// their neighbours.
-std::optional<qint64> wholeNumber(const Json *value)
-{
-    if (value == nullptr || !value->is_number())
-        return std::nullopt;
-    if (value->is_number_unsigned() && value->get<quint64>() > quint64{ std::numeric_limits<qint64>::max() })
-        return std::nullopt;
-    if (!value->is_number_float())
-        return value->get<qint64>();
-    constexpr double limit = 9007199254740992.0;
-    const auto number = value->get<double>();
-    if (std::trunc(number) != number || std::abs(number) > limit)
-        return std::nullopt;
-    return static_cast<qint64>(number);
-}
-
 std::optional<TrashedItem> item(const Json &row)
 {
     if (!row.is_object())
         return std::nullopt;
     const auto id = text(row, "id");
     const auto label = text(row, "label");
-    const auto bytes = wholeNumber(member(row, "bytes"));
-    const auto *movedAt = member(row, "movedAt");
+    const auto bytes = wholeNumber(row, "bytes");
+    const auto movedAt = number(row, "movedAt");
     const auto *byRule = member(row, "byRule");
-    if (!id || !label || !bytes || movedAt == nullptr || !movedAt->is_number())
+    if (!id || !label || !bytes || !movedAt)
         return std::nullopt;
     TrashedItem item{ .id = QString::fromStdString(*id),
         .label = QString::fromStdString(*label),
         .bytes = *bytes,
-        .movedAt = moment(movedAt->get<double>()) };
+        .movedAt = moment(*movedAt) };
     for (const auto &keys : pathKeys) {
         const auto read = path(row, keys);
         if (!read)
@@ -139,9 +110,9 @@ std::optional<TrashedItem> item(const Json &row)
         item.*keys.path = *read;
     }
     if (byRule != nullptr && !byRule->is_null()) {
-        if (!byRule->is_boolean())
+        item.byRule = boolean(row, "byRule");
+        if (!item.byRule)
             return std::nullopt;
-        item.byRule = byRule->get<bool>();
     }
     return item;
 }

@@ -1,11 +1,14 @@
 #pragma once
 
-// Answers each question with what the test has put there, and remembers the questions.
+// Answers each question with what the test has put there, at once or when the test says so, and remembers the
+// questions.
 
 #include "Platform/HttpClient.h"
 
 #include <QPromise>
-#include <QtFuture>
+
+#include <utility>
+#include <vector>
 
 namespace Quillbrook {
 
@@ -17,13 +20,29 @@ public:
         requests.append(request);
         QPromise<std::optional<HttpAnswer>> promise;
         promise.start();
-        promise.addResult(answer);
-        promise.finish();
-        return promise.future();
+        const auto future = promise.future();
+        m_open.push_back(std::move(promise));
+        if (!isSlow)
+            release();
+        return future;
+    }
+
+    /// Answers what has not been answered.
+    void release()
+    {
+        for (auto promises = std::exchange(m_open, {}); auto &promise : promises) {
+            promise.addResult(answer);
+            promise.finish();
+        }
     }
 
     std::optional<HttpAnswer> answer;
     QList<HttpRequest> requests;
+    /// Answers wait for `release`.
+    bool isSlow = false;
+
+private:
+    std::vector<QPromise<std::optional<HttpAnswer>>> m_open;
 };
 
 } // namespace Quillbrook

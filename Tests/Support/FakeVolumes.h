@@ -1,10 +1,12 @@
 #pragma once
 
-// Volumes that answer what a test sets, the same for every path.
+// Volumes that answer what a test sets, the same for every path. What was asked is read while nobody asks.
 
 #include "Platform/Volumes.h"
 
 #include <QStringList>
+
+#include <mutex>
 
 namespace Quillbrook {
 
@@ -13,12 +15,16 @@ class FakeVolumes final : public Volumes
 public:
     std::optional<VolumeCapacity> capacity(const QString &path) const override
     {
+        const std::lock_guard guard(m_lock);
         askedPaths.append(path);
         return answer;
     }
 
     std::optional<VolumeCapacity> answer{};
     mutable QStringList askedPaths;
+
+private:
+    mutable std::mutex m_lock;
 };
 
 } // namespace Quillbrook

@@ -66,6 +66,10 @@ private Q_SLOTS:
     void textListsComeBack();
     void dataComesBack_data();
     void dataComesBack();
+    void datesComeBack_data();
+    void datesComeBack();
+    void whatIsNoMomentIsNoDate_data();
+    void whatIsNoMomentIsNoDate();
     void laterValueReplacesTheEarlier();
     void removedValueIsGone();
     void valueOfAnotherTypeIsAbsent();
@@ -92,6 +96,7 @@ void TestSettingsUserDefaults::nothingIsThereAtFirst()
     QVERIFY(!defaults.real(key));
     QVERIFY(!defaults.texts(key));
     QVERIFY(!defaults.data(key));
+    QVERIFY(!defaults.date(key));
 }
 
 void TestSettingsUserDefaults::liesInTheProgramsSettingsFile()
@@ -211,6 +216,53 @@ void TestSettingsUserDefaults::dataComesBack()
     QCOMPARE(inAnotherProcess(folder).data(key), std::optional(value));
 }
 
+void TestSettingsUserDefaults::datesComeBack_data()
+{
+    QTest::addColumn<QDateTime>("value");
+    const QDateTime noon(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC);
+    QTest::newRow("whole") << noon;
+    QTest::newRow("to the millisecond") << noon.addMSecs(7);
+    QTest::newRow("the last one of a second") << noon.addMSecs(999);
+    QTest::newRow("before 1970") << QDateTime(QDate(1912, 1, 1), QTime(0, 0, 0, 1), Qt::UTC);
+    QTest::newRow("elsewhere") << QDateTime(QDate(2024, 6, 15), QTime(23, 30), Qt::OffsetFromUTC, -5 * 3600);
+    QTest::newRow("by the clock on the wall") << QDateTime(QDate(2024, 6, 15), QTime(12, 0), Qt::LocalTime);
+}
+
+void TestSettingsUserDefaults::datesComeBack()
+{
+    QFETCH(QDateTime, value);
+    const TempTree folder;
+    {
+        SettingsUserDefaults defaults(folder.text("settings"));
+        defaults.setDate(key, value);
+        QVERIFY(defaults.date(key) == value);
+    }
+    const auto read = inAnotherProcess(folder).date(key);
+    QVERIFY(read == value);
+    QCOMPARE(read->timeSpec(), Qt::UTC);
+}
+
+void TestSettingsUserDefaults::whatIsNoMomentIsNoDate_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("words") << QByteArray("yesterday");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("a number") << QByteArray("739801234");
+    QTest::newRow("a day") << QByteArray("2024-06-15");
+    QTest::newRow("of no known place") << QByteArray("2024-06-15T12:00:00.000");
+    QTest::newRow("no day") << QByteArray("2024-02-30T12:00:00.000Z");
+    QTest::newRow("two") << QByteArray("2024-06-15T12:00:00.000Z, 2024-06-15T12:00:00.000Z");
+    QTest::newRow("and more") << QByteArray("2024-06-15T12:00:00.000Z or so");
+}
+
+void TestSettingsUserDefaults::whatIsNoMomentIsNoDate()
+{
+    QFETCH(QByteArray, text);
+    const TempTree folder;
+    folder.fileWith("settings", "[General]\nQuillbrook.something=" + text.toStdString() + "\n");
+    QVERIFY(!SettingsUserDefaults(folder.text("settings")).date(key));
+}
+
 void TestSettingsUserDefaults::laterValueReplacesTheEarlier()
 {
     const TempTree folder;
@@ -247,11 +299,21 @@ void TestSettingsUserDefaults::valueOfAnotherTypeIsAbsent()
     QVERIFY(!defaults.boolean(key));
     QVERIFY(!defaults.real(key));
     QVERIFY(!defaults.data(key));
+    QVERIFY(!defaults.date(key));
     defaults.setData(key, "\x01\x02");
     QVERIFY(!defaults.integer(key));
     QVERIFY(!defaults.texts(key));
+    QVERIFY(!defaults.date(key));
     defaults.setBoolean(key, true);
     QVERIFY(!defaults.integer(key));
+    QVERIFY(!defaults.real(key));
+    QVERIFY(!defaults.data(key));
+    QVERIFY(!defaults.date(key));
+    defaults.setInteger(key, 12);
+    QVERIFY(!defaults.date(key));
+    defaults.setDate(key, QDateTime(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC));
+    QVERIFY(!defaults.integer(key));
+    QVERIFY(!defaults.boolean(key));
     QVERIFY(!defaults.real(key));
     QVERIFY(!defaults.data(key));
 }

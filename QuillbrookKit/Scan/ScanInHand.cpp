@@ -1,4 +1,4 @@
-#include "Core/ScanInHand.h"
+#include "Scan/ScanInHand.h"
 
 namespace Quillbrook {
 
