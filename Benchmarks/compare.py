@@ -12,7 +12,7 @@ import os
 import sys
 from pathlib import Path
 
-from comparison import application, catalogue, machine, peers, removal, scanning
+from comparison import application, background, catalogue, machine, peers, removal, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -26,6 +26,7 @@ MEASURES = {
     "sizes": peers.sizes,
     "window": application.window,
     "model": application.model,
+    "background": background.background,
     "catalogue": catalogue.catalogue,
     "removal": removal.removal,
     "growth": scanning.growth,

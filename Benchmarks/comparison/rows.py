@@ -52,6 +52,10 @@ def mebibytes(value):
     return f"{value / 2**20:.1f} MiB"
 
 
+def percent(value):
+    return f"{value:.3f} %"
+
+
 def whole(value):
     return f"{value:,.0f}"
 

@@ -9,7 +9,7 @@ ROOT = "/org/a11y/atspi/accessible/root"
 _MILLISECONDS = 8000
 
 # Bits of a state set.
-ENABLED, FOCUSABLE, FOCUSED, SELECTED, SHOWING, VISIBLE, CHECKED = 8, 11, 12, 23, 25, 30, 4
+ACTIVE, CHECKED, ENABLED, FOCUSABLE, FOCUSED, SELECTED, SHOWING, VISIBLE = 1, 4, 8, 11, 12, 23, 25, 30
 
 
 class Gone(Exception):

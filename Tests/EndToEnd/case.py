@@ -63,10 +63,10 @@ class Case(unittest.TestCase):
         self.home = homes.Home(self.folder)
         self._programs = []
 
-    def start(self, preload=(), **environment):
+    def start(self, preload=(), arguments=(), **environment):
         """Starts the program on the made-up home; a second start gets the same home."""
         started = program.Program(Run.program, self.home.environment(preload) | environment,
-                                  self.folder / f"program-{len(self._programs)}.log", self.through)
+                                  self.folder / f"program-{len(self._programs)}.log", self.through, arguments)
         self._programs.append(started)
         self.addCleanup(self._end, started)
         return started

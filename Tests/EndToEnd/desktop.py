@@ -123,9 +123,23 @@ def point(x, y):
 
 
 def windows_of(pid):
-    """Ids of the visible windows of that process."""
-    answer = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid), "--name", "."],
-                            capture_output=True, text=True, timeout=20, check=False)
+    """Ids of the visible windows of that process that have a title."""
+    return _search("--pid", str(pid), "--name", ".")
+
+
+def all_windows_of(pid):
+    """The same with those that have none, such as an icon in a tray."""
+    return _search("--pid", str(pid))
+
+
+def windows_of_class(name):
+    """Ids of the visible windows of programs of that name."""
+    return _search("--class", f"^{name}$")
+
+
+def _search(*conditions):
+    answer = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", *conditions], capture_output=True, text=True,
+                            timeout=20, check=False)
     return answer.stdout.split()
 
 
@@ -137,8 +151,20 @@ def window_geometry(window):
     return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
 
+def width_of(window):
+    """0 when it has gone meanwhile."""
+    try:
+        return window_geometry(window)[2]
+    except subprocess.CalledProcessError:
+        return 0
+
+
 def activate(window):
     _xdotool("windowactivate", "--sync", window)
+
+
+def minimise(window):
+    _xdotool("windowminimize", "--sync", window)
 
 
 class _ClientMessage(ctypes.Structure):

@@ -12,15 +12,18 @@ import waiting
 
 SCANNED = re.compile(r"^scanned ([\d,]+) files in ([\d.]+)s$")
 
+# No window is as narrow as the panel, and no panel as wide as a window. Pixels.
+PANEL_LIMIT = 600
+
 
 class Program:
     """`environment` is the whole environment it gets; its output goes to `log`. `through` is a command that turns into
     the one it is given."""
 
-    def __init__(self, path, environment, log, through=()):
+    def __init__(self, path, environment, log, through=(), arguments=()):
         self.log = log
         with open(log, "ab") as output:
-            self.process = processes.start([*through, path], env=environment, stdout=output, stderr=output)
+            self.process = processes.start([*through, path, *arguments], env=environment, stdout=output, stderr=output)
         self.pid = self.process.pid
         self._bus = accessibility.Bus()
 
@@ -33,18 +36,50 @@ class Program:
 
     def window(self, seconds=30.0):
         """The window in the accessibility tree, once it is there."""
-        def look():
-            if not self.running:
-                raise AssertionError(f"the program ended with {self.process.returncode}: {self.output()}")
+        return waiting.until("window of the program", lambda: next(iter(self._windows(False)), None), seconds)
+
+    def panel(self, seconds=20.0):
+        """The small window that drops from the tray, once it is open."""
+        return waiting.until("the panel", lambda: next(iter(self.open_panels()), None), seconds)
+
+    def open_panels(self):
+        try:
+            return [panel for panel in self._windows(True) if panel.has(accessibility.SHOWING)]
+        except accessibility.Gone:
+            return []
+
+    def _windows(self, narrow):
+        """Those in the accessibility tree, hidden ones among them. Both kinds have the same title; their width tells
+        them apart."""
+        if not self.running:
+            raise AssertionError(f"the program ended with {self.process.returncode}: {self.output()}")
+        try:
             application = self.application()
-            try:
-                return application and next(iter(application.children), None)
-            except accessibility.Gone:
-                return None
-        return waiting.until("window of the program", look, seconds)
+            children = application.children if application else []
+            return [window for window in children if (window.extents[2] < PANEL_LIMIT) == narrow]
+        except accessibility.Gone:
+            return []
+
+    def window_ids(self):
+        """Ids of its open windows on the display, the panel left out."""
+        return [window for window in desktop.windows_of(self.pid) if desktop.width_of(window) >= PANEL_LIMIT]
 
     def window_id(self, seconds=20.0):
-        return waiting.until("window on the display", lambda: next(iter(desktop.windows_of(self.pid)), None), seconds)
+        return waiting.until("window on the display", lambda: next(iter(self.window_ids()), None), seconds)
+
+    def close_window(self):
+        """Closes the window as its frame's button does, and waits until it is gone."""
+        desktop.close_window(self.window_id())
+        waiting.until("no window on the display", lambda: not self.window_ids())
+
+    def close_panel(self):
+        desktop.keys("Escape")
+        waiting.until("the panel closed", lambda: not self.open_panels())
+
+    def exited(self, seconds=20.0):
+        """Its exit code, once it has ended by itself."""
+        waiting.until("the end of the program", lambda: not self.running, seconds)
+        return self.process.returncode
 
     def activate(self):
         """Gives the window the keyboard."""
@@ -56,9 +91,11 @@ class Program:
 
     def says(self, words, seconds=20.0):
         """Waits until these words stand in the window; `words` is the whole text, or a pattern that matches it."""
-        matches = words.search if hasattr(words, "search") else (lambda text: text == words)
-        return waiting.until(f"the window says {words!r}",
-                             lambda: next((text for text in self.words() if matches(text)), None), seconds)
+        return _until_said("the window", self.words, words, seconds)
+
+    def panel_says(self, words, seconds=20.0):
+        """The same of the panel."""
+        return _until_said("the panel", lambda: self.panel().names(), words, seconds)
 
     def scanned(self, seconds=30.0, unlike=None):
         """(files, seconds) of the top bar, once a scan has ended and its button says so; with `unlike`, once the
@@ -116,3 +153,8 @@ class Program:
 
     def descriptor_count(self):
         return len(os.listdir(f"/proc/{self.pid}/fd"))
+
+
+def _until_said(who, ask, words, seconds):
+    matches = words.search if hasattr(words, "search") else (lambda text: text == words)
+    return waiting.until(f"{who} says {words!r}", lambda: next((text for text in ask() if matches(text)), None), seconds)

@@ -105,20 +105,27 @@ class Scanning(case.Case):
 
     def testAClosedWindowOpensAgain(self):
         made_home.fill(self.home)
-        first = self.start()
-        first.scanned()
-        desktop.close_window(first.window_id())
-        waiting.until("the end of the program", lambda: not first.running)
-        self.assertEqual(first.process.returncode, 0, first.output())
+        quillbrook = self.start()
+        quillbrook.scanned()
+        quillbrook.close_window()
         self.home.file("go/new.bin", 200 * KB)
-        again = self.start()
-        self.assertEqual(again.scanned()[0], made_home.FILE_COUNT + 1)
-        again.open_pane("2", MAP)
-        again.window().one("list", MAP).one("list item", "new.bin, 200 KB")
+        self.assertEqual(self.start().exited(), 0)
+        quillbrook.window_id()
+        quillbrook.scanned()
+        quillbrook.press("Rescan")
+        self.becomes(lambda: quillbrook.scanned()[0], made_home.FILE_COUNT + 1)
+        quillbrook.open_pane("2", MAP)
+        quillbrook.window().one("list", MAP).one("list item", "new.bin, 200 KB")
+
+    def testAScanGoesOnWithoutItsWindow(self):
+        quillbrook = self.startOnASlowDisk(milliseconds=3)
+        quillbrook.says(MEASURING)
+        quillbrook.close_window()
+        self.assertEqual(self.start().exited(), 0)
+        self.assertEqual(quillbrook.scanned(60)[0], FOLDERS)
 
     def testEndingInTheMiddleOfAScanIsClean(self):
         quillbrook = self.startOnASlowDisk()
         quillbrook.says(MEASURING)
-        desktop.close_window(quillbrook.window_id())
-        waiting.until("the end of the program", lambda: not quillbrook.running)
+        self.assertTrue(quillbrook.quit())
         self.assertEqual(quillbrook.process.returncode, 0, quillbrook.output())
