@@ -40,5 +40,5 @@ def _idle(figures):
     minutes = figures["seconds"] / MINUTE
     yield Row("tray_processor", "processor time in the tray, of one core",
               100 * figures["processor_seconds"] / figures["seconds"], percent, AtMost(0.1),
-              f"{figures['processor_seconds']:.2f} s in {minutes:.1f} minutes, watching", figures)
+              f"{figures['processor_seconds']:.3f} s in {minutes:.1f} minutes, watching", figures)
     yield Row("tray_wake_ups", "wake-ups a minute in the tray", figures["wake_ups"] / minutes, whole)
