@@ -162,7 +162,8 @@ QString MenuBarPanelState::notificationsLine() const
 
 bool MenuBarPanelState::offersSettings() const
 {
-    return m_background.notificationState() == NotificationState::denied;
+    return m_background.notificationState() == NotificationState::denied
+        && m_model.services().notifier.hasSettings();
 }
 
 bool MenuBarPanelState::launchesAtLogin() const

@@ -167,6 +167,9 @@ class _Watcher:
             self._emit("StatusNotifierHostUnregistered")
 
     def _emit(self, signal, arguments=None):
+        # The bus may end before this does; there is nobody to tell then.
+        if self._connection.is_closed():
+            return
         self._connection.emit_signal(None, _PATH, _NAME, signal, arguments)
 
 

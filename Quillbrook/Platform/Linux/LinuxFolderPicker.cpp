@@ -51,9 +51,13 @@ std::optional<std::string> pickByDialog(const FolderPicker::Request &request)
     dialog.setDirectory(request.directory);
     dialog.setWindowTitle(request.message);
     dialog.setLabelText(QFileDialog::Accept, request.prompt);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    // Taken at the press itself: afterwards the dialog goes on loading folders, and forgets.
+    QString picked;
+    QObject::connect(
+        &dialog, &QFileDialog::fileSelected, &dialog, [&picked](const QString &path) { picked = path; });
+    if (dialog.exec() != QDialog::Accepted || picked.isEmpty())
         return std::nullopt;
-    return QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
+    return QFile::encodeName(picked).toStdString();
 }
 
 } // namespace

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void notificationsAreToldByState_data();
     void notificationsAreToldByState();
     void wishForNotificationsIsKept();
+    void settingsAreOfferedWhereTheDesktopHasThem();
     void deniedNotificationsCanStillBeSwitched();
     void settingsAreOpened();
 
@@ -256,6 +257,14 @@ void MenuBarPanelStateTest::notificationsAreToldByState()
     fixture.isTold(state);
     QTEST(fixture.panel.notificationsLine(), "line");
     QTEST(fixture.panel.offersSettings(), "offersSettings");
+}
+
+void MenuBarPanelStateTest::settingsAreOfferedWhereTheDesktopHasThem()
+{
+    Fixture fixture;
+    fixture.desktop.notifier.settingsPage = false;
+    fixture.isTold(NotificationState::denied);
+    QVERIFY(!fixture.panel.offersSettings());
 }
 
 void MenuBarPanelStateTest::wishForNotificationsIsKept()
