@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QPixmap>
+#include <QScreen>
 
 #include <utility>
 
@@ -19,6 +20,17 @@ QIcon icon(const TrayPicture::Look &look)
     for (const auto &image : TrayPicture::drawAll(look))
         result.addPixmap(QPixmap::fromImage(image));
     return result;
+}
+
+/// The end of the item that faces the middle of its screen: the panel then stands beside it and not over it.
+std::optional<QPoint> innerEnd(const QRect &item)
+{
+    if (item.isEmpty())
+        return std::nullopt;
+    const auto middle = item.center();
+    const auto *screen = QGuiApplication::screenAt(middle);
+    const auto isInUpperHalf = screen && middle.y() < screen->geometry().center().y();
+    return QPoint(middle.x(), isInUpperHalf ? item.bottom() : item.top());
 }
 
 } // namespace
@@ -58,9 +70,8 @@ void XEmbedTrayItem::show(const Appearance &appearance)
 
 void XEmbedTrayItem::press(QSystemTrayIcon::ActivationReason reason)
 {
-    const auto place = m_icon.geometry();
     if (reason == QSystemTrayIcon::Trigger)
-        Q_EMIT activated(place.isEmpty() ? std::nullopt : std::optional(place.center()));
+        Q_EMIT activated(innerEnd(m_icon.geometry()));
     else if (reason == QSystemTrayIcon::MiddleClick)
         Q_EMIT openChosen();
 }
