@@ -52,13 +52,13 @@ std::optional<QString> biggestSafe(const ReclaimReport &report)
 
 QString headlineOf(const Watcher::Observation &observation, bool low, bool worthMentioning)
 {
-    const auto free = Format::bytes(observation.freeBytes) + QStringLiteral(" free");
-    if (!low)
-        return free;
-    if (!worthMentioning)
-        return free + QStringLiteral(" · nothing safe left to reclaim");
-    return free + QStringLiteral(" · ") + Format::bytes(observation.reclaimableBytes)
-        + QStringLiteral(" can be reclaimed");
+    auto headline = Format::bytes(observation.freeBytes) + QStringLiteral(" free");
+    if (low && worthMentioning)
+        headline += QStringLiteral(" · ") + Format::bytes(observation.reclaimableBytes)
+            + QStringLiteral(" can be reclaimed");
+    else if (low)
+        headline += QStringLiteral(" · nothing safe left to reclaim");
+    return headline;
 }
 
 } // namespace

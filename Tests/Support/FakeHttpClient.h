@@ -20,7 +20,7 @@ public:
         requests.append(request);
         QPromise<std::optional<HttpAnswer>> promise;
         promise.start();
-        const auto future = promise.future();
+        auto future = promise.future();
         m_open.push_back(std::move(promise));
         if (!isSlow)
             release();

@@ -104,7 +104,7 @@ bool LinuxAppInstance::claimName()
     return false;
 }
 
-LinuxAppInstance::Answer LinuxAppInstance::activateOwner()
+LinuxAppInstance::Answer LinuxAppInstance::activateOwner() const
 {
     QVariantMap platformData;
     if (!m_options.tokens.activationToken.isEmpty())

@@ -65,7 +65,7 @@ private:
 
     [[nodiscard]] bool claimName();
     [[nodiscard]] bool claimLock();
-    [[nodiscard]] Answer activateOwner();
+    [[nodiscard]] Answer activateOwner() const;
 
     Options m_options;
     FileDescriptor m_lock;

@@ -15,7 +15,7 @@ namespace {
 
 const auto flatpakInfoPath = QStringLiteral("/.flatpak-info");
 constexpr size_t smallestEntry = 1024;
-constexpr size_t largestEntry = 1024 * 1024;
+constexpr size_t largestEntry = 1024 * smallestEntry;
 
 std::optional<QString> accountHome()
 {

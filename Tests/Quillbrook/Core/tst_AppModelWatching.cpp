@@ -20,7 +20,7 @@ struct FullDisk : ScannedHome
 {
     FullDisk()
     {
-        addPlace(".npm/_cacache", 3 * 1024);
+        addPlace(".npm/_cacache", 3072);
         addPlace(".gradle/daemon", 1024);
         volumes.answer = { .available = gibibyte, .total = 500 * gibibyte };
         model.configureWatcher(background);

@@ -20,7 +20,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 packageBytes = 5 * 1024 * 1024;
+constexpr qint64 mebibyte = 1'048'576;
+constexpr qint64 packageBytes = 5 * mebibyte;
 
 // A real home folder with two things that are safe to clear.
 struct Home
@@ -28,7 +29,7 @@ struct Home
     Home()
     {
         tree.file("home/.npm/_cacache/content", packageBytes);
-        tree.file("home/.gradle/daemon/log", 1024 * 1024);
+        tree.file("home/.gradle/daemon/log", mebibyte);
         tree.file("home/Documents/letter", 1024);
         kit.volumes.answer = VolumeCapacity{ .available = 1024, .total = qint64(1) << 40 };
         directories.beforeOpen = [this](const std::string &path) {
@@ -136,7 +137,7 @@ void TestWatcherLooks::looksAtTheHomeFolder()
 void TestWatcherLooks::looksAtTheHomeOfTheProcess()
 {
     Home home;
-    home.tree.file("sandbox/.npm/_cacache/content", 1024 * 1024);
+    home.tree.file("sandbox/.npm/_cacache/content", mebibyte);
     home.kit.home.home = home.tree.text("sandbox");
     Watcher watcher(home.kit.services);
     watcher.check(false);

@@ -139,6 +139,7 @@ void TestLinuxUtilityQueue::worksFromManyThreadsRunOneByOne()
     std::atomic<bool> overlapped = false;
     LinuxUtilityQueue queue;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread)
         threads.emplace_back([&, thread] {
             for (int number = 0; number < 50; ++number)
