@@ -30,6 +30,8 @@ def translated_commands():
     for entry in commands:
         entry["command"] = (entry["command"].replace("-std=c++23", "-std=c++2b").replace(" -fcoroutines ", " ")
                             .replace(" -Werror ", " -D__cpp_concepts=202002L "))
+        # What GCC has compiled of headers beforehand is nothing to clang.
+        entry["command"] = re.sub(r" -include \S+/cmake_pch\.hxx", "", entry["command"])
     return commands
 
 
