@@ -2,15 +2,15 @@
 
 // The catalogue's surroundings on this machine, and made-up trees of a million nodes for it to read.
 
+#include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Platform/Clock.h"
-#include "Platform/Linux/LinuxCatalogue.h"
-#include "Platform/Linux/LinuxDirectoryReading.h"
-#include "Platform/Linux/LinuxFileFacts.h"
-#include "Platform/Linux/LinuxFileReading.h"
-#include "Platform/Linux/LinuxProcessRunner.h"
-#include "Platform/Linux/LinuxProcessors.h"
-#include "Platform/Linux/LinuxVolumes.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
+#include "Platform/Linux/Folders/LinuxVolumes.h"
+#include "Platform/Linux/Processes/LinuxProcessRunner.h"
+#include "Platform/Linux/Processes/LinuxProcessors.h"
 #include "Scan/FileTree.h"
 
 #include <map>

@@ -8,8 +8,8 @@
 #include "Core/AppModel.h"
 #include "Core/Background.h"
 #include "OfflineServices.h"
-#include "Platform/Linux/LinuxMotionPreference.h"
-#include "Screens/MainWindowState.h"
+#include "Platform/Linux/Session/LinuxMotionPreference.h"
+#include "Screens/Window/MainWindowState.h"
 
 #include <QApplication>
 #include <QJsonDocument>
@@ -86,7 +86,7 @@ int main(int count, char **texts)
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")));
     auto *window = engine.rootObjects().isEmpty()
         ? nullptr
         : qobject_cast<QQuickWindow *>(engine.rootObjects().first());

@@ -5,9 +5,9 @@
 //     RemovalOnce count FOLDER CAP       counts what is in it
 
 #include "Platform/Clock.h"
-#include "Platform/Linux/LinuxFileRemoval.h"
-#include "Platform/Linux/LinuxSpaceReserve.h"
-#include "Platform/Linux/LinuxTrash.h"
+#include "Platform/Linux/Files/LinuxSpaceReserve.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Platform/Linux/Trash/LinuxTrash.h"
 #include "Removal/PathRemoval.h"
 
 #include <QJsonDocument>

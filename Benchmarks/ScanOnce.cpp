@@ -7,8 +7,8 @@
 // With --layouts the tree's root is laid out that often as a treemap of 1000 by 600 points.
 
 #include "MadeUpDirectories.h"
-#include "Platform/Linux/LinuxDirectoryReading.h"
-#include "Platform/Linux/LinuxProcessors.h"
+#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
+#include "Platform/Linux/Processes/LinuxProcessors.h"
 #include "Platform/Linux/ResidentMemory.h"
 #include "Scan/FastScanner.h"
 #include "Scan/Treemap.h"

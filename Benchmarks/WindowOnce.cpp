@@ -7,8 +7,8 @@
 #include "Core/AppModel.h"
 #include "Core/Background.h"
 #include "OfflineServices.h"
-#include "Platform/Linux/LinuxMotionPreference.h"
-#include "Screens/MainWindowState.h"
+#include "Platform/Linux/Session/LinuxMotionPreference.h"
+#include "Screens/Window/MainWindowState.h"
 #include "WatchedScans.h"
 
 #include <QApplication>
@@ -40,7 +40,7 @@ int main(int count, char **texts)
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")));
     if (engine.rootObjects().isEmpty())
         return 1;
     Benchmarks::WatchedScans scans(model, { Pane::map, Pane::largest, Pane::search, Pane::map });

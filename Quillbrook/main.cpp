@@ -1,39 +1,39 @@
 #include "AppDelegate.h"
 #include "Automation/UpdateCheck.h"
+#include "Catalogue/Linux/LinuxHostKnowledge.h"
 #include "Core/AppModel.h"
 #include "Core/Background.h"
 #include "Platform/Clock.h"
-#include "Platform/Linux/DesktopSession.h"
-#include "Platform/Linux/LinuxAppInstance.h"
-#include "Platform/Linux/LinuxBackupProbe.h"
-#include "Platform/Linux/LinuxDataFolder.h"
-#include "Platform/Linux/LinuxDirectoryReading.h"
-#include "Platform/Linux/LinuxFileFacts.h"
-#include "Platform/Linux/LinuxFileReading.h"
-#include "Platform/Linux/LinuxFileRemoval.h"
-#include "Platform/Linux/LinuxFileRevealer.h"
-#include "Platform/Linux/LinuxFileWriting.h"
-#include "Platform/Linux/LinuxFolderGrants.h"
-#include "Platform/Linux/LinuxFolderPicker.h"
-#include "Platform/Linux/LinuxGuards.h"
-#include "Platform/Linux/LinuxHomeFolder.h"
-#include "Platform/Linux/LinuxHostKnowledge.h"
-#include "Platform/Linux/LinuxLinkOpener.h"
-#include "Platform/Linux/LinuxLoginItem.h"
-#include "Platform/Linux/LinuxMotionPreference.h"
-#include "Platform/Linux/LinuxNotifier.h"
-#include "Platform/Linux/LinuxProcessRunner.h"
-#include "Platform/Linux/LinuxProcessors.h"
-#include "Platform/Linux/LinuxQuitSignals.h"
-#include "Platform/Linux/LinuxSpaceReserve.h"
-#include "Platform/Linux/LinuxTrash.h"
-#include "Platform/Linux/LinuxTrayItem.h"
-#include "Platform/Linux/LinuxUtilityQueue.h"
-#include "Platform/Linux/LinuxVolumes.h"
+#include "Platform/Linux/Backups/LinuxBackupProbe.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileWriting.h"
+#include "Platform/Linux/Files/LinuxSpaceReserve.h"
+#include "Platform/Linux/Folders/LinuxDataFolder.h"
+#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
+#include "Platform/Linux/Folders/LinuxHomeFolder.h"
+#include "Platform/Linux/Folders/LinuxVolumes.h"
+#include "Platform/Linux/Notifications/LinuxNotifier.h"
+#include "Platform/Linux/Opening/LinuxFileRevealer.h"
+#include "Platform/Linux/Opening/LinuxLinkOpener.h"
+#include "Platform/Linux/Processes/LinuxProcessRunner.h"
+#include "Platform/Linux/Processes/LinuxProcessors.h"
+#include "Platform/Linux/Processes/LinuxUtilityQueue.h"
+#include "Platform/Linux/Sandbox/LinuxFolderGrants.h"
+#include "Platform/Linux/Sandbox/LinuxFolderPicker.h"
+#include "Platform/Linux/Session/DesktopSession.h"
+#include "Platform/Linux/Session/LinuxAppInstance.h"
+#include "Platform/Linux/Session/LinuxLoginItem.h"
+#include "Platform/Linux/Session/LinuxMotionPreference.h"
+#include "Platform/Linux/Session/LinuxQuitSignals.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Platform/Linux/Trash/LinuxTrash.h"
+#include "Platform/Linux/Tray/LinuxTrayItem.h"
 #include "Platform/NetworkHttpClient.h"
 #include "Platform/SettingsUserDefaults.h"
-#include "Screens/MainWindowState.h"
-#include "Screens/MenuBarPanelState.h"
+#include "Removal/Linux/LinuxGuards.h"
+#include "Screens/Panel/MenuBarPanelState.h"
+#include "Screens/Window/MainWindowState.h"
 
 #include <QApplication>
 #include <QFile>
@@ -129,9 +129,9 @@ struct Machine
 
 AppDelegate::Windows windows(MainWindowState &screens, MenuBarPanelState &panel)
 {
-    return { .main = QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Main.qml")),
+    return { .main = QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")),
         .mainProperties = { { QStringLiteral("screens"), QVariant::fromValue(&screens) } },
-        .panel = QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/MenuBarPanel.qml")),
+        .panel = QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Panel/MenuBarPanel.qml")),
         .panelProperties = { { QStringLiteral("panel"), QVariant::fromValue(&panel) } } };
 }
 

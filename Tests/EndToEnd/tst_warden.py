@@ -15,7 +15,7 @@ import homes
 import waiting
 
 TESTS = pathlib.Path(__file__).resolve().parent.parent
-LISTINGS = ("QuillbrookKit/Catalogue/rules.txt", "QuillbrookKit/Platform/Linux/rules.txt")
+LISTINGS = ("QuillbrookKit/Catalogue/rules.txt", "QuillbrookKit/Catalogue/Linux/rules.txt")
 # What a first scan leaves alone because it is a person's own.
 LEFT_OUT = {"Downloads", "Pictures", "Videos", "Zotero", "Nextcloud"}
 SECTIONS = {"safe": "Safe to remove", "careful": "Worth a thought", "reportOnly": "Never suggested"}

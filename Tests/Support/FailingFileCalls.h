@@ -2,7 +2,7 @@
 
 // The system's own calls, of which one can be made to fail, and between which a test can do something else.
 
-#include "Platform/Linux/FileCalls.h"
+#include "Platform/Linux/Trash/FileCalls.h"
 
 #include <cerrno>
 #include <functional>

@@ -4,7 +4,7 @@
 // takes from the real disk.
 
 #include "Platform/KitServices.h"
-#include "Platform/Linux/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Removal/HostGuards.h"
 #include "Support/FakeBackupProbe.h"
 #include "Support/FakeClock.h"

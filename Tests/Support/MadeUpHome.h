@@ -4,9 +4,9 @@
 // dates, a clock and a volume that the test sets, and no tool to run unless it gives one.
 
 #include "Catalogue/CatalogueServices.h"
-#include "Platform/Linux/LinuxDirectoryReading.h"
-#include "Platform/Linux/LinuxFileFacts.h"
-#include "Platform/Linux/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
 #include "Scan/FastScanner.h"
 #include "Support/FakeClock.h"
 #include "Support/FakeProcessRunner.h"

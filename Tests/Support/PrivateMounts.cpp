@@ -1,6 +1,6 @@
 #include "Support/PrivateMounts.h"
 
-#include "Platform/Linux/MountTable.h"
+#include "Platform/Linux/Folders/MountTable.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 
 // A home folder in a temporary folder with a trash of its own, and ways to look at both.
 
-#include "Platform/Linux/LinuxTrash.h"
+#include "Platform/Linux/Trash/LinuxTrash.h"
 #include "Support/FailingFileCalls.h"
 #include "Support/FakeClock.h"
 #include "Support/FakeSpaceReserve.h"

@@ -5,7 +5,7 @@
 #include "Core/AppModel.h"
 #include "Core/Background.h"
 #include "Core/FolderAccess.h"
-#include "Screens/ContentState.h"
+#include "Screens/Window/ContentState.h"
 
 namespace Quillbrook {
 

@@ -1,6 +1,6 @@
 #include "Automation/Watcher.h"
-#include "Platform/Linux/LinuxDirectoryReading.h"
-#include "Platform/Linux/LinuxUtilityQueue.h"
+#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
+#include "Platform/Linux/Processes/LinuxUtilityQueue.h"
 #include "Support/FakeDirectories.h"
 #include "Support/FakeKit.h"
 #include "Support/FolderHold.h"

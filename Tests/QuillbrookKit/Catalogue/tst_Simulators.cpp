@@ -1,5 +1,5 @@
 #include "Catalogue/Simulators.h"
-#include "Platform/Linux/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/PropertyListBytes.h"
 #include "Support/TempTree.h"

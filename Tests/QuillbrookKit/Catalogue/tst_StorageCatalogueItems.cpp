@@ -1,5 +1,5 @@
 #include "Catalogue/StorageCatalogue.h"
-#include "Platform/Linux/LinuxProcessRunner.h"
+#include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Support/MadeUpHome.h"
 #include "Support/PropertyListBytes.h"
 

@@ -1,7 +1,7 @@
 // The ledger on a small disk that is filled to the last byte.
 
-#include "Platform/Linux/LinuxFileReading.h"
-#include "Platform/Linux/LinuxFileWriting.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileWriting.h"
 #include "Removal/TrashLedger.h"
 #include "Support/FakeTrash.h"
 #include "Support/SmallDisk.h"

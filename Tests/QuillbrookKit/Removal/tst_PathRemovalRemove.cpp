@@ -1,8 +1,8 @@
 // Removing what a person picked: guards first, then the Trash or nothing, on real files as an ordinary user.
 
-#include "Platform/Linux/LinuxFileFacts.h"
-#include "Platform/Linux/LinuxFileRemoval.h"
-#include "Platform/Linux/LinuxGuards.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathRemoval.h"
 #include "Removal/RemovalServices.h"
 #include "Support/RootGivenUp.h"

@@ -1,10 +1,10 @@
 // The reclaimer and the ledger on real files, with the desktop's real Trash in a made-up home folder, as an
 // ordinary user.
 
-#include "Platform/Linux/LinuxFileFacts.h"
-#include "Platform/Linux/LinuxFileReading.h"
-#include "Platform/Linux/LinuxFileRemoval.h"
-#include "Platform/Linux/LinuxFileWriting.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileWriting.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
 #include "Removal/Reclaimer.h"
 #include "Removal/TrashLedger.h"
 #include "Support/RootGivenUp.h"

@@ -1,9 +1,9 @@
 // Clearing findings, and the Trash after them, on a disk on which nothing is free.
 
-#include "Platform/Linux/LinuxFileFacts.h"
-#include "Platform/Linux/LinuxFileReading.h"
-#include "Platform/Linux/LinuxFileRemoval.h"
-#include "Platform/Linux/LinuxFileWriting.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileWriting.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
 #include "Removal/Reclaimer.h"
 #include "Removal/TrashLedger.h"
 #include "Support/SmallDisk.h"

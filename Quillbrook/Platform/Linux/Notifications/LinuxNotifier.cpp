@@ -1,0 +1,225 @@
+#include "Platform/Linux/Notifications/LinuxNotifier.h"
+
+#include "Platform/Linux/Notifications/NotificationSettingsPage.h"
+#include "Platform/Linux/Notifications/NotificationSwitches.h"
+#include "Platform/UserDefaults.h"
+#include "WhenAnswered.h"
+
+#include <QDBusArgument>
+#include <QDBusPendingCallWatcher>
+#include <QProcess>
+#include <QPromise>
+#include <QUuid>
+#include <QVariantMap>
+#include <QtConcurrent>
+
+#include <memory>
+#include <utility>
+
+namespace Quillbrook {
+
+namespace {
+
+const auto application = QStringLiteral("com.tarnwick.Quillbrook");
+const auto askedKey = QStringLiteral("Quillbrook.notificationsAsked");
+const auto serverName = QStringLiteral("org.freedesktop.Notifications");
+const auto portalName = QStringLiteral("org.freedesktop.portal.Desktop");
+constexpr uchar normalUrgency = 1;
+
+QDBusMessage serverCall(const QString &method)
+{
+    return QDBusMessage::createMethodCall(
+        serverName, QStringLiteral("/org/freedesktop/Notifications"), serverName, method);
+}
+
+QDBusMessage busCall(const QString &method)
+{
+    const auto bus = QStringLiteral("org.freedesktop.DBus");
+    return QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, method);
+}
+
+// As the server would show it where it takes the body for markup.
+QString escaped(QString body)
+{
+    return body.replace(u'&', QStringLiteral("&amp;"))
+        .replace(u'<', QStringLiteral("&lt;"))
+        .replace(u'>', QStringLiteral("&gt;"));
+}
+
+QDBusMessage notification(const QString &title, const QString &body)
+{
+    auto message = serverCall(QStringLiteral("Notify"));
+    message << QStringLiteral("Quillbrook") << uint(0) << application << title << body << QStringList()
+            << QVariantMap{
+                   { QStringLiteral("desktop-entry"), application },
+                   { QStringLiteral("suppress-sound"), true },
+                   { QStringLiteral("urgency"), QVariant::fromValue(normalUrgency) },
+               }
+            << -1;
+    return message;
+}
+
+// The store's own words for the applications: of each, what it is granted.
+bool isKeptBack(const QDBusMessage &reply, const QString &name)
+{
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QStringLiteral("a{sas}v"))
+        return false;
+    const auto permissions = qdbus_cast<QMap<QString, QStringList>>(reply.arguments().constFirst());
+    return permissions.value(name) == QStringList(QStringLiteral("no"));
+}
+
+} // namespace
+
+LinuxNotifier::LinuxNotifier(
+    const Needs &needs, const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
+    : m_needs(needs)
+    , m_bus(sessionBus)
+    , m_timeout(static_cast<int>(timeout.count()))
+{
+    m_worker.setMaxThreadCount(1);
+    if (!m_needs.start)
+        m_needs.start = [](const QString &program, const QStringList &arguments) {
+            QProcess::startDetached(program, arguments);
+        };
+}
+
+void LinuxNotifier::post(const QString &title, const QString &body)
+{
+    rememberAsking();
+    if (isSandboxed())
+        postToPortal(title, body);
+    else
+        postToServer(title, body);
+}
+
+QFuture<void> LinuxNotifier::requestAuthorisation()
+{
+    rememberAsking();
+    if (isSandboxed() || !m_bus.isConnected())
+        return QtFuture::makeReadyFuture();
+    // Any question starts the server, so that `state` finds it.
+    const auto promise = std::make_shared<QPromise<void>>();
+    promise->start();
+    ask(serverCall(QStringLiteral("GetCapabilities")),
+        [promise](const QDBusMessage &) { promise->finish(); });
+    return promise->future();
+}
+
+QFuture<NotificationState> LinuxNotifier::state()
+{
+    const auto promise = std::make_shared<QPromise<NotificationState>>();
+    promise->start();
+    const Answer answer = [promise](NotificationState state) {
+        promise->addResult(state);
+        promise->finish();
+    };
+    lookForService(isSandboxed() ? portalName : serverName, [this, answer](bool isThere) {
+        if (!isThere)
+            answer(NotificationState::denied);
+        else if (isSandboxed())
+            askPermissionStore(answer);
+        else
+            askSwitches(answer);
+    });
+    return promise->future();
+}
+
+bool LinuxNotifier::hasSettings() const
+{
+    return NotificationSettingsPage::of(m_needs.session).has_value();
+}
+
+void LinuxNotifier::openSettings()
+{
+    if (const auto page = NotificationSettingsPage::of(m_needs.session))
+        m_needs.start(page->program, page->arguments);
+}
+
+void LinuxNotifier::postToPortal(const QString &title, const QString &body)
+{
+    auto message
+        = QDBusMessage::createMethodCall(portalName, QStringLiteral("/org/freedesktop/portal/desktop"),
+            QStringLiteral("org.freedesktop.portal.Notification"), QStringLiteral("AddNotification"));
+    message << QUuid::createUuid().toString(QUuid::WithoutBraces)
+            << QVariantMap{ { QStringLiteral("title"), title }, { QStringLiteral("body"), body } };
+    ask(message, [](const QDBusMessage &) {});
+}
+
+void LinuxNotifier::postToServer(const QString &title, const QString &body)
+{
+    // Asked each time, as the server may have become another one.
+    ask(serverCall(QStringLiteral("GetCapabilities")), [this, title, body](const QDBusMessage &reply) {
+        const bool isKnown = reply.type() == QDBusMessage::ReplyMessage;
+        const bool takesMarkup
+            = !isKnown || reply.arguments().value(0).toStringList().contains(QStringLiteral("body-markup"));
+        ask(notification(title, takesMarkup ? escaped(body) : body), [](const QDBusMessage &) {});
+    });
+}
+
+void LinuxNotifier::ask(const QDBusMessage &question, std::function<void(const QDBusMessage &)> take)
+{
+    // Without a bus a call would never come to an end.
+    if (!m_bus.isConnected()) {
+        take(QDBusMessage());
+        return;
+    }
+    auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(question, m_timeout), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [call, take = std::move(take)] {
+        call->deleteLater();
+        take(call->reply());
+    });
+}
+
+// A service is there that runs, or that the bus would start.
+void LinuxNotifier::lookForService(const QString &name, std::function<void(bool)> take)
+{
+    ask(busCall(QStringLiteral("NameHasOwner")) << name,
+        [this, name, take = std::move(take)](const QDBusMessage &owner) {
+            if (owner.arguments().value(0) == QVariant(true)) {
+                take(true);
+                return;
+            }
+            ask(busCall(QStringLiteral("ListActivatableNames")), [name, take](const QDBusMessage &names) {
+                take(names.type() == QDBusMessage::ReplyMessage
+                    && names.arguments().value(0).toStringList().contains(name));
+            });
+        });
+}
+
+void LinuxNotifier::askPermissionStore(const Answer &answer)
+{
+    // Most sandboxes can't see the store; then it keeps nothing back.
+    auto question
+        = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.impl.portal.PermissionStore"),
+            QStringLiteral("/org/freedesktop/impl/portal/PermissionStore"),
+            QStringLiteral("org.freedesktop.impl.portal.PermissionStore"), QStringLiteral("Lookup"));
+    question << QStringLiteral("notifications") << QStringLiteral("notification");
+    ask(question, [this, answer](const QDBusMessage &reply) {
+        answer(isKeptBack(reply, m_needs.session.sandbox.application) ? NotificationState::denied
+                                                                      : stateByMemory());
+    });
+}
+
+void LinuxNotifier::askSwitches(const Answer &answer)
+{
+    const auto question
+        = [session = m_needs.session, processes = &m_needs.processes, reading = &m_needs.reading] {
+              return NotificationSwitches::areOff(session, *processes, *reading);
+          };
+    whenAnswered(QtConcurrent::run(&m_worker, question), this,
+        [this, answer](bool areOff) { answer(areOff ? NotificationState::denied : stateByMemory()); });
+}
+
+NotificationState LinuxNotifier::stateByMemory() const
+{
+    return m_needs.defaults.boolean(askedKey).value_or(false) ? NotificationState::allowed
+                                                              : NotificationState::notAsked;
+}
+
+void LinuxNotifier::rememberAsking()
+{
+    if (!m_needs.defaults.boolean(askedKey).value_or(false))
+        m_needs.defaults.setBoolean(askedKey, true);
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,94 @@
+#include "Platform/Linux/Opening/LinuxFileRevealer.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusUnixFileDescriptor>
+#include <QDesktopServices>
+#include <QStringList>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace Quillbrook {
+
+namespace {
+
+std::string parentFolder(const std::string &path)
+{
+    const auto slash = path.find_last_of('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+QDBusMessage showItems(const std::string &path)
+{
+    auto message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("ShowItems"));
+    message << QStringList{ fileUri(path) } << QString();
+    return message;
+}
+
+QDBusMessage openDirectory(int file)
+{
+    auto message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
+        QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.OpenURI"),
+        QStringLiteral("OpenDirectory"));
+    message << QString() << QVariant::fromValue(QDBusUnixFileDescriptor(file)) << QVariantMap();
+    return message;
+}
+
+} // namespace
+
+LinuxFileRevealer::LinuxFileRevealer(const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
+    : m_bus(sessionBus)
+    , m_timeout(static_cast<int>(timeout.count()))
+{
+}
+
+void LinuxFileRevealer::reveal(const std::string &path)
+{
+    // Without a bus a call would never come to an end.
+    if (!m_bus.isConnected()) {
+        openFolder(path);
+        return;
+    }
+    auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(showItems(path), m_timeout), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, path] {
+        call->deleteLater();
+        if (call->isError())
+            askPortal(path);
+    });
+}
+
+void LinuxFileRevealer::askPortal(const std::string &path)
+{
+    // The portal is told by a handle that can't read, and opens the folder that holds what the handle names.
+    const auto file = ::open(path.c_str(), O_PATH | O_CLOEXEC);
+    if (file < 0) {
+        openFolder(path);
+        return;
+    }
+    auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(openDirectory(file), m_timeout), this);
+    ::close(file);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, path] {
+        call->deleteLater();
+        if (call->isError())
+            openFolder(path);
+    });
+}
+
+void LinuxFileRevealer::openFolder(const std::string &path)
+{
+    QDesktopServices::openUrl(QUrl(fileUri(parentFolder(path)), QUrl::StrictMode));
+}
+
+QString fileUri(const std::string &path)
+{
+    return QStringLiteral("file://")
+        + QString::fromLatin1(
+            QByteArray::fromRawData(path.data(), static_cast<qsizetype>(path.size())).toPercentEncoding("/"));
+}
+
+} // namespace Quillbrook

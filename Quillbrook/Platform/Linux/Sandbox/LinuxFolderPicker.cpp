@@ -1,0 +1,145 @@
+#include "Platform/Linux/Sandbox/LinuxFolderPicker.h"
+
+#include "Platform/Linux/Sandbox/PortalRequest.h"
+
+#include <QApplication>
+#include <QDBusPendingCallWatcher>
+#include <QDBusReply>
+#include <QDBusServiceWatcher>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileDialog>
+#include <QFutureWatcher>
+#include <QScopedValueRollback>
+#include <QWindow>
+
+namespace Quillbrook {
+
+namespace {
+
+const auto portalName = QStringLiteral("org.freedesktop.portal.Desktop");
+const auto chooser = QStringLiteral("org.freedesktop.portal.FileChooser");
+
+/// The first version of the portal's interface that picks folders.
+constexpr uint firstWithFolders = 3;
+
+// The window that the portal's own belongs to. On Wayland it stands alone.
+QString parentWindow()
+{
+    const auto *window = QGuiApplication::focusWindow();
+    if (!window || QGuiApplication::platformName() != QStringLiteral("xcb"))
+        return {};
+    return QStringLiteral("x11:") + QString::number(window->winId(), 16);
+}
+
+// Ends with a zero, as the portal wants it.
+QByteArray zeroTerminated(const QString &path)
+{
+    return QFile::encodeName(path) + '\0';
+}
+
+std::optional<std::string> pickByDialog(const FolderPicker::Request &request)
+{
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
+        return std::nullopt;
+    QFileDialog dialog;
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    // Nothing is made, renamed or deleted there.
+    dialog.setOption(QFileDialog::ReadOnly);
+    dialog.setFilter(QDir::Dirs | QDir::Drives | QDir::NoDotAndDotDot);
+    dialog.setDirectory(request.directory);
+    dialog.setWindowTitle(request.message);
+    dialog.setLabelText(QFileDialog::Accept, request.prompt);
+    // Taken at the press itself: afterwards the dialog goes on loading folders, and forgets.
+    QString picked;
+    QObject::connect(
+        &dialog, &QFileDialog::fileSelected, &dialog, [&picked](const QString &path) { picked = path; });
+    if (dialog.exec() != QDialog::Accepted || picked.isEmpty())
+        return std::nullopt;
+    return QFile::encodeName(picked).toStdString();
+}
+
+} // namespace
+
+LinuxFolderPicker::LinuxFolderPicker(Surroundings surroundings, const QDBusConnection &sessionBus)
+    : m_surroundings(surroundings)
+    , m_bus(sessionBus)
+{
+}
+
+std::optional<std::string> LinuxFolderPicker::pick(const Request &request)
+{
+    if (m_isPicking)
+        return std::nullopt;
+    const QScopedValueRollback<bool> picking(m_isPicking, true);
+    return m_surroundings.isSandboxed && hasPortal() ? pickByPortal(request) : pickByDialog(request);
+}
+
+bool LinuxFolderPicker::hasPortal() const
+{
+    // Without a bus a call would never come to an end.
+    if (!m_bus.isConnected())
+        return false;
+    auto question
+        = QDBusMessage::createMethodCall(portalName, QStringLiteral("/org/freedesktop/portal/desktop"),
+            QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    question << chooser << QStringLiteral("version");
+    QEventLoop loop;
+    const QDBusPendingCallWatcher call(
+        m_bus.asyncCall(question, static_cast<int>(m_surroundings.patience.count())));
+    QObject::connect(&call, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+    if (!call.isFinished())
+        loop.exec();
+    if (!call.isFinished())
+        return false;
+    const QDBusReply<QDBusVariant> version = call.reply();
+    return version.isValid() && version.value().variant().toUInt() >= firstWithFolders;
+}
+
+std::optional<std::string> LinuxFolderPicker::pickByPortal(const Request &request) const
+{
+    auto question = PortalRequest::method(chooser, QStringLiteral("OpenFile"));
+    question << parentWindow() << request.message
+             << QVariantMap{ { QStringLiteral("directory"), true }, { QStringLiteral("modal"), true },
+                    { QStringLiteral("accept_label"), request.prompt },
+                    { QStringLiteral("current_folder"), zeroTerminated(request.directory) } };
+
+    // What is left open when the loop ends is taken back as this object goes.
+    PortalRequest portal(m_bus);
+    QEventLoop loop;
+    const QDBusServiceWatcher presence(portalName, m_bus, QDBusServiceWatcher::WatchForUnregistration);
+    QObject::connect(&presence, &QDBusServiceWatcher::serviceUnregistered, &loop, &QEventLoop::quit);
+    QFutureWatcher<std::optional<PortalRequest::Response>> answer;
+    QObject::connect(&answer, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    const auto future = portal.call(question, m_surroundings.leisure);
+    answer.setFuture(future);
+    loop.exec();
+
+    if (!future.isFinished() || future.resultCount() == 0)
+        return std::nullopt;
+    const auto response = future.result();
+    if (!response || response->code != PortalRequest::Response::granted)
+        return std::nullopt;
+    const auto uris = response->results.value(QStringLiteral("uris")).toStringList();
+    return uris.isEmpty() ? std::nullopt : pathOfFileUri(uris.constFirst());
+}
+
+std::optional<std::string> pathOfFileUri(const QString &uri)
+{
+    const auto scheme = QStringLiteral("file://");
+    if (!uri.startsWith(scheme, Qt::CaseInsensitive))
+        return std::nullopt;
+    auto rest = uri.sliced(scheme.size());
+    const auto localHost = QStringLiteral("localhost/");
+    if (rest.startsWith(localHost, Qt::CaseInsensitive))
+        rest.remove(0, localHost.size() - 1);
+    auto path = QByteArray::fromPercentEncoding(rest.toUtf8());
+    if (!path.startsWith('/') || path.contains('\0'))
+        return std::nullopt;
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    return path.toStdString();
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,49 @@
+#include "Platform/Linux/Session/DesktopSession.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+namespace Quillbrook {
+
+namespace {
+
+QStringList listOf(const QProcessEnvironment &environment, const QString &name)
+{
+    return environment.value(name).split(u':', Qt::SkipEmptyParts);
+}
+
+// A relative path in one of these means nothing.
+QStringList foldersOf(const QProcessEnvironment &environment, const QString &name)
+{
+    auto folders = listOf(environment, name);
+    folders.removeIf([](const QString &folder) { return !folder.startsWith(u'/'); });
+    return folders;
+}
+
+} // namespace
+
+DesktopSession DesktopSession::of(
+    const QProcessEnvironment &environment, const QString &home, const QString &root)
+{
+    const auto configFolder = environment.value(QStringLiteral("XDG_CONFIG_HOME"));
+    DesktopSession session{ .sandbox = Sandbox::detect(root, environment),
+        .desktops = listOf(environment, QStringLiteral("XDG_CURRENT_DESKTOP")),
+        .configFolder
+        = configFolder.startsWith(u'/') ? configFolder : QDir(home).filePath(QStringLiteral(".config")),
+        .systemConfigFolders = foldersOf(environment, QStringLiteral("XDG_CONFIG_DIRS")),
+        .programFolders = foldersOf(environment, QStringLiteral("PATH")) };
+    if (session.systemConfigFolders.isEmpty())
+        session.systemConfigFolders.append(QStringLiteral("/etc/xdg"));
+    return session;
+}
+
+QString DesktopSession::findProgram(const QString &name) const
+{
+    // Without folders the search would take those of this process.
+    const bool isPath = name.startsWith(u'/');
+    if (name.isEmpty() || (!isPath && (programFolders.isEmpty() || name.contains(u'/'))))
+        return {};
+    return QStandardPaths::findExecutable(name, programFolders);
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,143 @@
+#include "Platform/Linux/Session/LinuxLoginItem.h"
+
+#include "Platform/FileReading.h"
+#include "Platform/FileWriting.h"
+#include "Platform/Linux/Files/LinuxErrorText.h"
+#include "Platform/Linux/Session/AutostartEntry.h"
+#include "Platform/UserDefaults.h"
+#include "WhenAnswered.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QPromise>
+
+#include <cerrno>
+#include <memory>
+#include <unistd.h>
+
+namespace Quillbrook {
+
+namespace {
+
+const auto rememberedKey = QStringLiteral("Quillbrook.launchesAtLogin");
+const auto entryName = QStringLiteral("/autostart/com.tarnwick.Quillbrook.desktop");
+const auto autostartKey = QStringLiteral("autostart");
+constexpr qsizetype entryLimit = qsizetype{ 64 } * 1024;
+
+std::string bytes(const QString &path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+} // namespace
+
+LinuxLoginItem::LinuxLoginItem(
+    const Needs &needs, const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
+    : m_needs(needs)
+    , m_timeout(timeout)
+    , m_portal(sessionBus)
+{
+}
+
+bool LinuxLoginItem::isEnabled() const
+{
+    if (!m_needs.session.sandbox.isNone())
+        return m_needs.defaults.boolean(rememberedKey).value_or(false);
+    return startsFrom(QStringList(m_needs.session.configFolder) + m_needs.session.systemConfigFolders);
+}
+
+QFuture<LinuxLoginItem::Outcome> LinuxLoginItem::setEnabled(bool enabled)
+{
+    if (!m_needs.session.sandbox.isNone())
+        return askPortal(enabled);
+    if (enabled)
+        return QtFuture::makeReadyFuture(write(false));
+    // What the system brings for everyone can only be hidden.
+    const bool wouldStartYet = startsFrom(m_needs.session.systemConfigFolders);
+    return QtFuture::makeReadyFuture(wouldStartYet ? write(true) : remove());
+}
+
+QString LinuxLoginItem::programToStart(const QProcessEnvironment &environment, const QString &applicationFile)
+{
+    // A program that an AppImage has started inherits its variables, but does not lie in its folder.
+    const auto image = environment.value(QStringLiteral("APPIMAGE"));
+    const auto folder = environment.value(QStringLiteral("APPDIR"));
+    const bool isFromImage = folder.startsWith(u'/') && applicationFile.startsWith(folder + u'/');
+    return isFromImage && image.startsWith(u'/') ? image : applicationFile;
+}
+
+// Of several entries of the name only the first counts, whatever it says.
+bool LinuxLoginItem::startsFrom(const QStringList &configFolders) const
+{
+    for (const auto &folder : configFolders) {
+        const auto path = folder + entryName;
+        if (!QFileInfo::exists(path))
+            continue;
+        const auto text = m_needs.reading.contents(bytes(path), entryLimit);
+        const auto entry = text ? AutostartEntry::parse(*text) : std::nullopt;
+        return entry && entry->isFor(m_needs.session.desktops)
+            && (entry->tryExec.isEmpty() || !m_needs.session.findProgram(entry->tryExec).isEmpty());
+    }
+    return false;
+}
+
+LinuxLoginItem::Outcome LinuxLoginItem::write(bool isHidden) const
+{
+    // An entry is text; a name of other bytes would make it start something else.
+    if (!m_needs.program.startsWith(u'/') || m_needs.program.contains(QChar::ReplacementCharacter))
+        return std::unexpected(QStringLiteral("The program's own path can't be written down."));
+    return m_needs.writing.replace(
+        bytes(m_needs.session.configFolder + entryName), autostartFile(m_needs.program, isHidden));
+}
+
+LinuxLoginItem::Outcome LinuxLoginItem::remove() const
+{
+    // A link goes as a link.
+    if (::unlink(bytes(m_needs.session.configFolder + entryName).c_str()) == 0 || errno == ENOENT)
+        return {};
+    return std::unexpected(LinuxErrorText::sentence(errno));
+}
+
+QFuture<LinuxLoginItem::Outcome> LinuxLoginItem::askPortal(bool enabled)
+{
+    auto message = PortalRequest::method(
+        QStringLiteral("org.freedesktop.portal.Background"), QStringLiteral("RequestBackground"));
+    message << QString()
+            << QVariantMap{
+                   { QStringLiteral("reason"),
+                       QStringLiteral("Quillbrook watches the disk in the background and tells you before it "
+                                      "fills up.") },
+                   { autostartKey, enabled },
+                   { QStringLiteral("commandline"),
+                       QStringList{ QStringLiteral("quillbrook"), QStringLiteral("--background") } },
+               };
+    const auto promise = std::make_shared<QPromise<Outcome>>();
+    promise->start();
+    using Response = std::optional<PortalRequest::Response>;
+    whenAnswered(m_portal.call(message, m_timeout), this, [this, promise, enabled](const Response &response) {
+        promise->addResult(takeAnswer(enabled, response));
+        promise->finish();
+    });
+    return promise->future();
+}
+
+LinuxLoginItem::Outcome LinuxLoginItem::takeAnswer(
+    bool enabled, const std::optional<PortalRequest::Response> &response)
+{
+    if (!response)
+        return std::unexpected(QStringLiteral("The desktop portal gave no answer."));
+    // A refusal tells how it stands as well.
+    const auto starts = response->results.value(autostartKey);
+    const bool isGranted = response->code == PortalRequest::Response::granted;
+    if (starts.metaType() == QMetaType::fromType<bool>())
+        m_needs.defaults.setBoolean(rememberedKey, starts.toBool());
+    else if (isGranted)
+        m_needs.defaults.setBoolean(rememberedKey, enabled);
+    if (!isGranted)
+        return std::unexpected(QStringLiteral("The request was turned down."));
+    if (isEnabled() != enabled)
+        return std::unexpected(QStringLiteral("The desktop did not change it."));
+    return {};
+}
+
+} // namespace Quillbrook

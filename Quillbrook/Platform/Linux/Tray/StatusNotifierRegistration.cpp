@@ -1,0 +1,120 @@
+#include "Platform/Linux/Tray/StatusNotifierRegistration.h"
+
+#include <QCoreApplication>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <utility>
+
+namespace Quillbrook {
+
+namespace {
+
+const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+QDBusMessage registering(const QString &item)
+{
+    auto message = QDBusMessage::createMethodCall(
+        watcherName, watcherPath, watcherName, QStringLiteral("RegisterStatusNotifierItem"));
+    message.setAutoStartService(false);
+    message << item;
+    return message;
+}
+
+QDBusMessage panelQuestion()
+{
+    auto message = QDBusMessage::createMethodCall(
+        watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    message.setAutoStartService(false);
+    message << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
+    return message;
+}
+
+} // namespace
+
+StatusNotifierRegistration::StatusNotifierRegistration(const QDBusConnection &bus, QObject *parent)
+    : QObject(parent)
+    , m_bus(bus)
+{
+}
+
+StatusNotifierRegistration::~StatusNotifierRegistration()
+{
+    if (m_ownsName)
+        m_bus.unregisterService(m_name);
+}
+
+void StatusNotifierRegistration::start()
+{
+    if (!m_name.isEmpty() || !m_bus.isConnected())
+        return;
+    takeName();
+    m_watch.setConnection(m_bus);
+    m_watch.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    m_watch.addWatchedService(watcherName);
+    connect(&m_watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](const QString &, const QString &, const QString &owner) {
+            startOver();
+            if (!owner.isEmpty())
+                enlist();
+        });
+    for (const auto &signal :
+        { QStringLiteral("StatusNotifierHostRegistered"), QStringLiteral("StatusNotifierHostUnregistered") })
+        m_bus.connect(watcherName, watcherPath, watcherName, signal, this, SLOT(askForPanel()));
+    enlist();
+}
+
+void StatusNotifierRegistration::takeName()
+{
+    m_name = QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    m_ownsName = m_bus.registerService(m_name);
+    // Inside a sandbox the name may be refused. The connection's own serves as well.
+    if (!m_ownsName)
+        m_name = m_bus.baseService();
+}
+
+void StatusNotifierRegistration::enlist()
+{
+    auto *call = new QDBusPendingCallWatcher(
+        m_bus.asyncCall(registering(m_name), static_cast<int>(patience.count())), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, generation = m_generation] {
+        call->deleteLater();
+        if (call->isError() || generation != m_generation)
+            return;
+        m_isKnown = true;
+        askForPanel();
+    });
+}
+
+void StatusNotifierRegistration::askForPanel()
+{
+    if (!m_isKnown)
+        return;
+    auto *call = new QDBusPendingCallWatcher(
+        m_bus.asyncCall(panelQuestion(), static_cast<int>(patience.count())), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, generation = m_generation] {
+        call->deleteLater();
+        if (generation != m_generation)
+            return;
+        const QDBusPendingReply<QVariant> reply = *call;
+        // A watcher that took the item but can't tell of panels is itself one.
+        setShown(reply.isError() || reply.value().toBool());
+    });
+}
+
+void StatusNotifierRegistration::startOver()
+{
+    ++m_generation;
+    m_isKnown = false;
+    setShown(false);
+}
+
+void StatusNotifierRegistration::setShown(bool isShown)
+{
+    if (std::exchange(m_isShown, isShown) != m_isShown)
+        Q_EMIT shownChanged();
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,73 @@
+#include "Screens/Lists/NodeTableState.h"
+
+#include "Core/AppModel.h"
+#include "Platform/FileRevealer.h"
+#include "Platform/HomeFolder.h"
+
+namespace Quillbrook {
+
+NodeTableState::NodeTableState(AppModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+{
+    connect(&m_model, &AppModel::phaseChanged, this, &NodeTableState::followTree);
+    connect(&m_model, &AppModel::treeChanged, this, &NodeTableState::followTree);
+    connect(&m_model, &AppModel::selectionChanged, this, &NodeTableState::refreshSelectedRow);
+}
+
+void NodeTableState::setShown(bool shown)
+{
+    if (m_shown == shown)
+        return;
+    m_shown = shown;
+    reloadIfNeeded();
+    Q_EMIT shownChanged();
+}
+
+void NodeTableState::invalidateRows()
+{
+    m_stale = true;
+    reloadIfNeeded();
+}
+
+// The end of a scan tells of several changes one after the other; the rows are fetched at the first of them
+// that shows the new tree.
+void NodeTableState::followTree()
+{
+    if (m_source.lock() != m_model.tree())
+        invalidateRows();
+}
+
+void NodeTableState::reloadIfNeeded()
+{
+    if (!m_shown || !m_stale)
+        return;
+    m_stale = false;
+    m_source = m_model.tree();
+    m_rows.setRows(fetch(), m_model.services().kit.home.homeDirectory());
+    refreshSelectedRow();
+}
+
+void NodeTableState::refreshSelectedRow()
+{
+    const auto &selection = m_model.selection();
+    const auto row = selection ? static_cast<int>(m_rows.rows().indexOf(*selection)) : -1;
+    if (m_selectedRow == row)
+        return;
+    m_selectedRow = row;
+    Q_EMIT selectedRowChanged();
+}
+
+void NodeTableState::select(int row)
+{
+    if (row >= 0 && row < m_rows.rowCount())
+        m_model.setSelection(m_rows.rows().at(row));
+}
+
+void NodeTableState::reveal(int row)
+{
+    if (row >= 0 && row < m_rows.rowCount())
+        m_model.services().revealer.reveal(m_model.rawPath(m_rows.rows().at(row)));
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,40 @@
+#include "Screens/Warden/FreeNowState.h"
+
+#include "Core/AppModel.h"
+#include "Scan/Format.h"
+
+namespace Quillbrook {
+
+FreeNowState::FreeNowState(AppModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+{
+    connect(&m_model, &AppModel::freeNowOfferChanged, this, &FreeNowState::changed);
+}
+
+bool FreeNowState::asked() const
+{
+    return m_model.freeNowOffer().has_value();
+}
+
+QString FreeNowState::title() const
+{
+    return asked()
+        ? tr("Moved %1 to the Trash. Free the space now?").arg(Format::bytes(*m_model.freeNowOffer()))
+        : QString();
+}
+
+void FreeNowState::free()
+{
+    if (!asked())
+        return;
+    m_model.clearFreeNowOffer();
+    m_model.finishRemoving();
+}
+
+void FreeNowState::keep()
+{
+    m_model.clearFreeNowOffer();
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,17 @@
+#include "Screens/Warden/WardenRow.h"
+
+#include <QStringList>
+
+namespace Quillbrook {
+
+QString WardenRow::spoken() const
+{
+    QStringList words{ title };
+    if (!size.isEmpty())
+        words.append(size);
+    if (kind == WardenLines::Kind::Heading && !note.isEmpty())
+        words.append(note);
+    return words.join(QStringLiteral(", "));
+}
+
+} // namespace Quillbrook

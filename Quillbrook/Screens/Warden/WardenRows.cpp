@@ -1,0 +1,199 @@
+#include "Screens/Warden/WardenRows.h"
+
+#include "Scan/Format.h"
+#include "Screens/SingleLine.h"
+#include "Screens/Theme.h"
+
+#include <QCoreApplication>
+
+#include <array>
+
+namespace Quillbrook::WardenRows {
+
+namespace {
+
+constexpr std::array sections{ Safety::safe, Safety::careful, Safety::reportOnly };
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("WardenRows", text);
+}
+
+QColor tone(Safety safety)
+{
+    switch (safety) {
+    case Safety::safe:
+        return Theme::safe();
+    case Safety::careful:
+        return Theme::careful();
+    case Safety::reportOnly:
+        break;
+    }
+    return Theme::label();
+}
+
+WardenRow netBanner()
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = safetyNetBanner,
+        .title = tr("This Mac has no backup"),
+        .tone = Theme::careful(),
+        .symbol = QStringLiteral("exclamationmark.shield.fill"),
+        .tinted = true,
+        .what
+        = tr("No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
+             "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On a "
+             "modern Mac, no recovery tool can bring it back.") };
+}
+
+WardenRow banner(const Verification &verification)
+{
+    const auto went = tr("Free space went %1 → %2.")
+                          .arg(Format::bytes(verification.freeBefore), Format::bytes(verification.freeAfter));
+    WardenRow row{ .kind = WardenLines::Kind::Banner, .id = verificationBanner, .action = tr("Dismiss") };
+    if (verification.isGood()) {
+        row.title
+            = tr("%1 actually freed").arg(Format::bytes(verification.freeAfter - verification.freeBefore));
+        row.what = went + tr(" Measured, not estimated.");
+        row.symbol = QStringLiteral("checkmark.seal.fill");
+        row.tone = Theme::safe();
+    } else {
+        row.title
+            = tr("Removed %1, but free space barely moved").arg(Format::bytes(verification.claimedBytes));
+        row.what = went
+            + tr(" Either it is still in the Trash, or something else wrote to the disk at the same time — a "
+                 "build "
+                 "running in the background will do it. Rescan to see the current picture.");
+        row.symbol = QStringLiteral("questionmark.circle");
+        row.tone = Theme::careful();
+    }
+    return row;
+}
+
+WardenRow banner(const TrashLedger::Pending &pending)
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = pendingTrashBanner,
+        .title = tr("%1 is in the Trash, still taking up space").arg(Format::bytes(pending.bytes)),
+        .tone = Theme::accent(),
+        .symbol = QStringLiteral("trash"),
+        .action = tr("Finish removing"),
+        .what
+        = tr("The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
+             "will remove only the %1 items it moved — never anything else you have thrown away.")
+              .arg(QString::number(pending.count)) };
+}
+
+WardenRow scanOffer()
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = completeScanOffer,
+        .title = tr("Photos, Music, Documents and other apps' data weren't measured"),
+        .tone = Theme::label(),
+        .symbol = QStringLiteral("lock.circle"),
+        .action = tr("Include them"),
+        .what
+        = tr("Photos, Music, Documents and other apps' files are protected by macOS, so Quillbrook has not "
+             "looked at them. Including them shows you the whole disk — your Mac will ask your permission "
+             "once "
+             "for each one.") };
+}
+
+QList<WardenRow> banners(const Input &input)
+{
+    QList<WardenRow> rows;
+    if (input.safetyNet && input.safetyNet->isUnprotected())
+        rows.append(netBanner());
+    if (input.verification)
+        rows.append(banner(*input.verification));
+    if (input.pending.bytes > 0)
+        rows.append(banner(input.pending));
+    if (input.offersCompleteScan)
+        rows.append(scanOffer());
+    return rows;
+}
+
+WardenRow heading(const ReclaimReport &report, Safety safety)
+{
+    return { .kind = WardenLines::Kind::Heading,
+        .title = label(safety),
+        .size = Format::bytes(report.bytes(safety)),
+        .note = safety == Safety::reportOnly ? tr("· Quillbrook never picks these") : QString(),
+        .tone = tone(safety) };
+}
+
+WardenRow row(const Finding &finding, const Input &input)
+{
+    const bool selectable = isSelectable(finding);
+    return { .kind = WardenLines::Kind::Finding,
+        .id = finding.id,
+        .title = finding.displayTitle(),
+        .size = Format::bytes(finding.bytes),
+        .note = finding.redirectedOffVolume
+            ? tr("This folder actually lives on another drive, so clearing it frees nothing here.")
+            : QString(),
+        .ages
+        = tr("Created %1 · last used %2")
+              .arg(Format::age(finding.created, input.now), Format::age(finding.lastModified, input.now)),
+        .what = finding.rule.what,
+        .regenerates = finding.rule.regenerates,
+        .path = finding.friendlyPath(input.home),
+        .selectable = selectable,
+        .ticked = selectable && input.chosen.contains(finding.id),
+        .pathShown = input.pathShown.contains(finding.id) };
+}
+
+void addSection(QList<WardenRow> &rows, const QList<Finding> &findings, Safety safety, const Input &input)
+{
+    const auto before = rows.size();
+    for (const auto &finding : findings)
+        if (finding.rule.safety == safety)
+            rows.append(row(finding, input));
+    if (rows.size() == before)
+        return;
+    rows[before].first = true;
+    rows.last().last = true;
+    rows.insert(before, heading(*input.report, safety));
+}
+
+} // namespace
+
+QList<WardenRow> rows(const Input &input)
+{
+    auto rows = banners(input);
+    if (input.report) {
+        const auto findings = input.report->deletable();
+        for (const auto safety : sections)
+            addSection(rows, findings, safety, input);
+    }
+    if (!input.log.isEmpty())
+        rows.append(WardenRow{ .kind = WardenLines::Kind::LogHeading, .title = tr("Activity") });
+    for (const auto &line : input.log)
+        rows.append(WardenRow{ .kind = WardenLines::Kind::LogLine, .title = singleLine(line) });
+    return rows;
+}
+
+bool isSelectable(const Finding &finding)
+{
+    return finding.rule.safety != Safety::reportOnly && !finding.redirectedOffVolume;
+}
+
+QList<Finding> actionable(const std::optional<ReclaimReport> &report)
+{
+    if (!report)
+        return {};
+    auto findings = report->deletable();
+    findings.removeIf([](const Finding &finding) { return !isSelectable(finding); });
+    return findings;
+}
+
+QSet<QString> defaultSelection(const std::optional<ReclaimReport> &report)
+{
+    QSet<QString> ids;
+    for (const auto &finding : actionable(report))
+        if (finding.rule.safety == Safety::safe)
+            ids.insert(finding.id);
+    return ids;
+}
+
+} // namespace Quillbrook::WardenRows

@@ -1,0 +1,212 @@
+#include "Screens/Warden/WardenState.h"
+
+#include "Core/AppModel.h"
+#include "Platform/Clock.h"
+#include "Platform/FileRevealer.h"
+#include "Platform/HomeFolder.h"
+#include "Scan/Format.h"
+#include "Screens/Warden/WardenRows.h"
+
+#include <QFile>
+
+#include <utility>
+
+namespace Quillbrook {
+
+namespace {
+
+qint64 sum(const QList<Finding> &findings)
+{
+    qint64 bytes = 0;
+    for (const auto &finding : findings)
+        bytes += finding.bytes;
+    return bytes;
+}
+
+void flip(QSet<QString> &ids, const QString &id)
+{
+    if (!ids.remove(id))
+        ids.insert(id);
+}
+
+} // namespace
+
+WardenState::WardenState(AppModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+{
+    connect(&m_model, &AppModel::phaseChanged, this, &WardenState::followPhase);
+    connect(&m_model, &AppModel::reportChanged, this, &WardenState::refresh);
+    connect(&m_model, &AppModel::scopeChanged, this, &WardenState::refresh);
+    connect(&m_model, &AppModel::reclaimLogChanged, this, &WardenState::refresh);
+    connect(&m_model, &AppModel::lastVerificationChanged, this, &WardenState::refresh);
+    connect(&m_model, &AppModel::safetyNetChanged, this, &WardenState::refresh);
+    connect(&m_model, &AppModel::ledgerChanged, this, &WardenState::lookAgain);
+    lookAgain();
+}
+
+void WardenState::appear()
+{
+    m_chosen = WardenRows::defaultSelection(m_model.report());
+    lookAgain();
+}
+
+// The ledger asks the disk about each of its things, which is too much for every tick.
+void WardenState::lookAgain()
+{
+    m_pending = m_model.ledger().pending();
+    Q_EMIT pendingChanged();
+    refresh();
+}
+
+// New findings arrive ticked until the person has shown a will of their own. What lies in the Trash may have
+// left it during the scan either way.
+void WardenState::followPhase()
+{
+    if (m_model.phase().kind != Phase::Kind::ready)
+        return;
+    if (m_touched)
+        lookAgain();
+    else
+        appear();
+}
+
+QList<Finding> WardenState::chosenFindings() const
+{
+    auto findings = WardenRows::actionable(m_model.report());
+    findings.removeIf([this](const Finding &finding) { return !m_chosen.contains(finding.id); });
+    return findings;
+}
+
+void WardenState::toggle(int row)
+{
+    const auto *line = m_rows.at(row);
+    if (!line || !line->selectable)
+        return;
+    flip(m_chosen, line->id);
+    m_touched = true;
+    refresh();
+}
+
+void WardenState::togglePath(int row)
+{
+    const auto *line = m_rows.at(row);
+    if (!line || line->kind != WardenLines::Kind::Finding)
+        return;
+    flip(m_pathShown, line->id);
+    refresh();
+}
+
+void WardenState::reveal(int row)
+{
+    const auto *line = m_rows.at(row);
+    if (!line || !m_model.report())
+        return;
+    for (const auto &finding : m_model.report()->findings)
+        if (finding.id == line->id)
+            return m_model.services().revealer.reveal(QFile::encodeName(finding.path).toStdString());
+}
+
+void WardenState::act(int row)
+{
+    const auto *line = m_rows.at(row);
+    if (!line || line->kind != WardenLines::Kind::Banner)
+        return;
+    if (line->id == WardenRows::verificationBanner)
+        m_model.dismissVerification();
+    else if (line->id == WardenRows::pendingTrashBanner)
+        Q_EMIT finishAsked();
+    else if (line->id == WardenRows::completeScanOffer)
+        m_model.scan({ .scope = Scope::complete });
+}
+
+void WardenState::askToReclaim()
+{
+    m_asked = chosenFindings();
+    Q_EMIT confirmChanged();
+    if (!m_asked.isEmpty())
+        Q_EMIT reclaimAsked();
+}
+
+void WardenState::reclaim(bool permanently)
+{
+    const auto asked = std::exchange(m_asked, {});
+    if (asked.isEmpty())
+        return;
+    m_chosen.clear();
+    m_model.reclaim(asked, permanently);
+    refresh();
+}
+
+void WardenState::finishRemoving()
+{
+    m_model.finishRemoving();
+}
+
+QString WardenState::confirmTitle() const
+{
+    return tr("Move %1 to the Trash?").arg(Format::bytes(sum(m_asked)));
+}
+
+QString WardenState::confirmMessage() const
+{
+    auto message
+        = tr("Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
+             "Quillbrook will offer to finish the job.");
+    if (m_model.safetyNet() && m_model.safetyNet()->isUnprotected())
+        message += tr(" This Mac has no backup, so deleting permanently is final.");
+    return message;
+}
+
+QString WardenState::confirmAction() const
+{
+    return tr("Move %1 items to Trash").arg(QString::number(m_asked.size()));
+}
+
+QString WardenState::finishTitle() const
+{
+    return tr("Permanently remove %1?").arg(Format::bytes(m_pending.bytes));
+}
+
+void WardenState::refresh()
+{
+    m_rows.setRows(WardenRows::rows({ .report = m_model.report(),
+        .chosen = m_chosen,
+        .pathShown = m_pathShown,
+        .safetyNet = m_model.safetyNet(),
+        .verification = m_model.lastVerification(),
+        .pending = m_pending,
+        .offersCompleteScan = m_model.scope() == Scope::quiet,
+        .log = m_model.reclaimLog(),
+        .home = m_model.services().kit.home.homeDirectory(),
+        .now = m_model.services().kit.clock.now() }));
+    setSums();
+    setEmptyMessage();
+}
+
+void WardenState::setSums()
+{
+    const auto chosen = chosenFindings();
+    auto total = tr("%1 selected").arg(Format::bytes(sum(chosen)));
+    auto counts = tr("%1 of %2 reclaimable items")
+                      .arg(Format::count(chosen.size()),
+                          Format::count(WardenRows::actionable(m_model.report()).size()));
+    if (m_total == total && m_counts == counts)
+        return;
+    m_total = std::move(total);
+    m_counts = std::move(counts);
+    m_canReclaim = !chosen.isEmpty();
+    Q_EMIT selectionChanged();
+}
+
+void WardenState::setEmptyMessage()
+{
+    const bool isEmpty = !m_model.report() || m_model.report()->deletable().isEmpty();
+    auto message = isEmpty ? tr("Nothing to clear was found.") : QString();
+    if (m_emptyMessage == message)
+        return;
+    m_emptyMessage = std::move(message);
+    Q_EMIT emptyMessageChanged();
+}
+
+} // namespace Quillbrook

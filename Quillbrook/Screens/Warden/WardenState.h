@@ -1,0 +1,108 @@
+#pragma once
+
+// What the screen "Free up space" shows and does: what was found, by how safe it is to clear, what of it is
+// ticked, and how much that comes to. Main thread only; the model outlives it.
+
+#include "Catalogue/Finding.h"
+#include "Removal/TrashLedger.h"
+#include "Screens/Warden/WardenListModel.h"
+
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QtQmlIntegration>
+
+namespace Quillbrook {
+
+class AppModel;
+
+class WardenState : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window is handed its state")
+
+    Q_PROPERTY(Quillbrook::WardenListModel *rows READ rows CONSTANT FINAL)
+    /// How much is ticked, and how many of how many.
+    Q_PROPERTY(QString total READ total NOTIFY selectionChanged FINAL)
+    Q_PROPERTY(QString counts READ counts NOTIFY selectionChanged FINAL)
+    /// Whether anything is ticked that can go.
+    Q_PROPERTY(bool canReclaim READ canReclaim NOTIFY selectionChanged FINAL)
+    /// The question before a removal: its words, and those on its button.
+    Q_PROPERTY(QString confirmTitle READ confirmTitle NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(QString confirmMessage READ confirmMessage NOTIFY confirmChanged FINAL)
+    Q_PROPERTY(QString confirmAction READ confirmAction NOTIFY confirmChanged FINAL)
+    /// The question before what lies in the Trash goes for good.
+    Q_PROPERTY(QString finishTitle READ finishTitle NOTIFY pendingChanged FINAL)
+    /// The sentence of a list without anything to clear; empty otherwise.
+    Q_PROPERTY(QString emptyMessage READ emptyMessage NOTIFY emptyMessageChanged FINAL)
+
+public:
+    explicit WardenState(AppModel &model, QObject *parent = nullptr);
+
+    /// To be called whenever the screen is chosen: the ticks are then the default ones. A scan that stands in
+    /// front of the screen for a while does not make it appear anew.
+    void appear();
+
+    [[nodiscard]] WardenListModel *rows() { return &m_rows; }
+    [[nodiscard]] const QString &total() const { return m_total; }
+    [[nodiscard]] const QString &counts() const { return m_counts; }
+    [[nodiscard]] const QString &emptyMessage() const { return m_emptyMessage; }
+    [[nodiscard]] bool canReclaim() const { return m_canReclaim; }
+    [[nodiscard]] QString confirmTitle() const;
+    [[nodiscard]] QString confirmMessage() const;
+    [[nodiscard]] QString confirmAction() const;
+    [[nodiscard]] QString finishTitle() const;
+
+    /// The ticked findings that are there, in the report's order.
+    [[nodiscard]] QList<Finding> chosenFindings() const;
+    /// Ids, also of findings that are gone.
+    [[nodiscard]] const QSet<QString> &chosen() const { return m_chosen; }
+    [[nodiscard]] bool touched() const { return m_touched; }
+
+    /// Ticks a row's finding, or unticks it; nothing for one without a tick.
+    Q_INVOKABLE void toggle(int row);
+    /// Shows where a row's finding is, or no longer.
+    Q_INVOKABLE void togglePath(int row);
+    /// Shows a row's finding in the file manager.
+    Q_INVOKABLE void reveal(int row);
+    /// Does what the button of a row's banner says, or tells by a signal that it has to be asked about first.
+    Q_INVOKABLE void act(int row);
+    /// Takes down what is ticked now, and tells that it has to be asked about. What is ticked, found or
+    /// sorted otherwise meanwhile changes nothing about what the answer does.
+    Q_INVOKABLE void askToReclaim();
+    /// Removes what was asked about, and unticks everything.
+    Q_INVOKABLE void reclaim(bool permanently);
+    /// Deletes for good what lies in the Trash of what Quillbrook moved there.
+    Q_INVOKABLE void finishRemoving();
+    /// Takes note that the window is looked at again: the Trash may have been emptied meanwhile.
+    Q_INVOKABLE void lookAgain();
+
+Q_SIGNALS:
+    void selectionChanged();
+    void emptyMessageChanged();
+    void confirmChanged();
+    void pendingChanged();
+    void reclaimAsked();
+    void finishAsked();
+
+private:
+    void followPhase();
+    void refresh();
+    void setSums();
+    void setEmptyMessage();
+
+    AppModel &m_model;
+    WardenListModel m_rows;
+    QSet<QString> m_chosen;
+    QSet<QString> m_pathShown;
+    QList<Finding> m_asked;
+    TrashLedger::Pending m_pending;
+    bool m_canReclaim = false;
+    QString m_total;
+    QString m_counts;
+    QString m_emptyMessage;
+    bool m_touched = false;
+};
+
+} // namespace Quillbrook

@@ -1,0 +1,74 @@
+#include "Screens/Window/SidebarModel.h"
+
+#include "Screens/Window/ContentState.h"
+
+#include <utility>
+
+namespace Quillbrook {
+
+SidebarModel::SidebarModel(ContentState &content, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_content(content)
+    , m_selected(content.pane())
+{
+    connect(&m_content, &ContentState::paneChanged, this, &SidebarModel::followPane);
+}
+
+void SidebarModel::choose(int row)
+{
+    if (row >= 0 && row < rowCount())
+        m_content.setPane(allPanes[static_cast<size_t>(row)]);
+}
+
+int SidebarModel::selectedRow() const
+{
+    return std::to_underlying(m_selected);
+}
+
+int SidebarModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(allPanes.size());
+}
+
+QVariant SidebarModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const auto pane = allPanes[static_cast<size_t>(index.row())];
+    switch (Role{ role }) {
+    case Role::title:
+        return title(pane);
+    case Role::symbol:
+        return symbol(pane);
+    case Role::shortcut:
+        return QStringLiteral("Ctrl+%1").arg(shortcutDigit(pane));
+    case Role::hint:
+        return QStringLiteral("^%1").arg(shortcutDigit(pane));
+    case Role::isSelected:
+        return pane == m_selected;
+    }
+    return {};
+}
+
+QHash<int, QByteArray> SidebarModel::roleNames() const
+{
+    return {
+        { std::to_underlying(Role::title), "title" },
+        { std::to_underlying(Role::symbol), "symbol" },
+        { std::to_underlying(Role::shortcut), "shortcut" },
+        { std::to_underlying(Role::hint), "hint" },
+        { std::to_underlying(Role::isSelected), "isSelected" },
+    };
+}
+
+void SidebarModel::followPane()
+{
+    const auto before = index(selectedRow());
+    m_selected = m_content.pane();
+    const auto now = index(selectedRow());
+    for (const auto &changed : { before, now })
+        Q_EMIT dataChanged(changed, changed, { std::to_underlying(Role::isSelected) });
+    Q_EMIT selectedRowChanged();
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,47 @@
+#include "Screens/Window/TopBarState.h"
+
+#include "Core/AppModel.h"
+#include "Scan/Format.h"
+
+namespace Quillbrook {
+
+TopBarState::TopBarState(AppModel &model, QObject *parent)
+    : QObject(parent)
+    , m_model(model)
+{
+    connect(&m_model, &AppModel::phaseChanged, this, &TopBarState::actionTextChanged);
+    connect(&m_model, &AppModel::lastScanDurationChanged, this, &TopBarState::summaryChanged);
+    connect(&m_model, &AppModel::scannedFileCountChanged, this, &TopBarState::summaryChanged);
+}
+
+QString TopBarState::summaryOf(qsizetype fileCount, double seconds)
+{
+    if (seconds <= 0)
+        return {};
+    return tr("scanned %1 files in %2s").arg(Format::count(fileCount), QString::number(seconds, 'f', 1));
+}
+
+void TopBarState::act()
+{
+    if (isScanning())
+        m_model.cancelScan();
+    else
+        m_model.scan({ .scope = std::nullopt, .automatic = false });
+}
+
+QString TopBarState::summary() const
+{
+    return summaryOf(m_model.scannedFileCount(), m_model.lastScanDuration());
+}
+
+QString TopBarState::actionText() const
+{
+    return isScanning() ? tr("Stop") : tr("Rescan");
+}
+
+bool TopBarState::isScanning() const
+{
+    return m_model.phase().kind == Phase::Kind::scanning;
+}
+
+} // namespace Quillbrook

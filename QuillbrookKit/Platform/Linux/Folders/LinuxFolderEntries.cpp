@@ -1,0 +1,89 @@
+#include "Platform/Linux/Folders/LinuxFolderEntries.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace Quillbrook {
+
+namespace {
+
+// Nothing is mounted by asking, and no server is asked for what is known already.
+constexpr int askFlags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+
+bool isFolder(int folder, const char *name)
+{
+    struct statx status = {};
+    return ::statx(folder, name, askFlags | AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) == 0
+        && S_ISDIR(status.stx_mode);
+}
+
+FolderEntries::Kind kindOf(const std::string &path)
+{
+    struct statx status = {};
+    if (::statx(AT_FDCWD, path.c_str(), askFlags, STATX_TYPE, &status) != 0)
+        return FolderEntries::Kind::nothing;
+    return S_ISDIR(status.stx_mode) ? FolderEntries::Kind::folder : FolderEntries::Kind::other;
+}
+
+FileDescriptor openStart(const std::string &path)
+{
+    struct statx status = {};
+    const auto flags = askFlags | AT_SYMLINK_NOFOLLOW;
+    if (::statx(AT_FDCWD, path.c_str(), flags, STATX_TYPE, &status) != 0 || !S_ISDIR(status.stx_mode)
+        || (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0)
+        return {};
+    return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+}
+
+bool isDotEntry(std::string_view name)
+{
+    return name == "." || name == "..";
+}
+
+} // namespace
+
+LinuxFolderEntries::LinuxFolderEntries(const std::string &path)
+    : m_kind(kindOf(path))
+    , m_root(openStart(path))
+    , m_folders(path, m_root.number())
+{
+}
+
+bool LinuxFolderEntries::open(const std::string &path)
+{
+    m_filled = 0;
+    m_offset = 0;
+    m_folder = m_root.isOpen() ? m_folders.open(path) : -1;
+    return m_folder >= 0;
+}
+
+std::optional<FolderEntry> LinuxFolderEntries::next()
+{
+    while (m_folder >= 0) {
+        if (m_offset == m_filled) {
+            const auto filled = ::getdents64(m_folder, m_buffer.data(), m_buffer.size());
+            if (filled <= 0) {
+                m_folder = -1;
+                break;
+            }
+            m_filled = static_cast<size_t>(filled);
+            m_offset = 0;
+        }
+        const auto &entry = *reinterpret_cast<const dirent64 *>(m_buffer.data() + m_offset);
+        m_offset += entry.d_reclen;
+        if (isDotEntry(entry.d_name))
+            continue;
+        const bool isTold = entry.d_type != DT_UNKNOWN;
+        return FolderEntry{ .name = entry.d_name,
+            .isFolder = isTold ? entry.d_type == DT_DIR : isFolder(m_folder, entry.d_name) };
+    }
+    return std::nullopt;
+}
+
+std::unique_ptr<FolderEntries> folderEntries(const std::string &path)
+{
+    return std::make_unique<LinuxFolderEntries>(path);
+}
+
+} // namespace Quillbrook

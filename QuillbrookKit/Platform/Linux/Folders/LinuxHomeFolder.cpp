@@ -1,0 +1,120 @@
+#include "Platform/Linux/Folders/LinuxHomeFolder.h"
+
+#include "StandardisedPath.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+namespace Quillbrook {
+
+namespace {
+
+const auto flatpakInfoPath = QStringLiteral("/.flatpak-info");
+constexpr size_t smallestEntry = 1024;
+constexpr size_t largestEntry = 1024 * smallestEntry;
+
+std::optional<QString> accountHome()
+{
+    for (auto size = smallestEntry; size <= largestEntry; size *= 2) {
+        std::vector<char> texts(size);
+        passwd entry{};
+        passwd *found = nullptr;
+        const auto error = ::getpwuid_r(::getuid(), &entry, texts.data(), texts.size(), &found);
+        if (error == ERANGE || error == EINTR)
+            continue;
+        if (error != 0 || found == nullptr || found->pw_dir == nullptr)
+            return std::nullopt;
+        return QFile::decodeName(found->pw_dir);
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArray> flatpakInfo()
+{
+    QFile file(flatpakInfoPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return file.readAll();
+}
+
+// An account without a usable entry has only its environment to go by.
+QString realHome(const LinuxHomeFolder::Surroundings &surroundings)
+{
+    const auto home = surroundings.accountHome.value_or(QString());
+    if (home.startsWith(u'/'))
+        return standardisedPath(home, {});
+    const auto fallback = surroundings.environment.value(QStringLiteral("HOME"));
+    return fallback.startsWith(u'/') ? standardisedPath(fallback, {}) : QStringLiteral("/");
+}
+
+std::optional<QString> sandboxHome(const LinuxHomeFolder::Surroundings &surroundings, const QString &realHome)
+{
+    if (surroundings.flatpakInfo) {
+        const auto info = parseFlatpakInfo(*surroundings.flatpakInfo);
+        if (info.seesHome || info.application.isEmpty())
+            return std::nullopt;
+        return realHome + QStringLiteral("/.var/app/") + info.application;
+    }
+    if (isStrictSnap(surroundings.environment))
+        return standardisedPath(surroundings.environment.value(QStringLiteral("SNAP_USER_DATA")), {});
+    return std::nullopt;
+}
+
+} // namespace
+
+LinuxHomeFolder::LinuxHomeFolder()
+    : LinuxHomeFolder(Surroundings{ .flatpakInfo = Quillbrook::flatpakInfo(),
+        .environment = QProcessEnvironment::systemEnvironment(),
+        .accountHome = Quillbrook::accountHome() })
+{
+}
+
+LinuxHomeFolder::LinuxHomeFolder(const Surroundings &surroundings)
+    : m_realHome(realHome(surroundings))
+    , m_home(sandboxHome(surroundings, m_realHome).value_or(m_realHome))
+{
+}
+
+FlatpakInfo parseFlatpakInfo(QByteArrayView text)
+{
+    FlatpakInfo info;
+    bool hidesHome = false;
+    QByteArray group;
+    for (const auto &rawLine : text.toByteArray().split('\n')) {
+        const auto line = rawLine.trimmed();
+        if (line.startsWith('[')) {
+            group = line;
+            continue;
+        }
+        const auto separator = line.indexOf('=');
+        if (separator < 0)
+            continue;
+        const auto key = line.first(separator).trimmed();
+        const auto value = line.sliced(separator + 1).trimmed();
+        if (group == "[Application]" && key == "name")
+            info.application = QString::fromUtf8(value);
+        if (group != "[Context]" || key != "filesystems")
+            continue;
+        for (const auto &entry : value.split(';')) {
+            // What follows a colon is how it may be used: ro, rw, create.
+            const auto place = entry.split(':').constFirst().trimmed();
+            info.seesHome |= place == "home" || place == "host";
+            hidesHome |= place == "!home";
+        }
+    }
+    info.seesHome &= !hidesHome;
+    return info;
+}
+
+bool isStrictSnap(const QProcessEnvironment &environment)
+{
+    const auto data = environment.value(QStringLiteral("SNAP_USER_DATA"));
+    return environment.contains(QStringLiteral("SNAP")) && data.startsWith(u'/')
+        && environment.value(QStringLiteral("HOME")) == data;
+}
+
+} // namespace Quillbrook

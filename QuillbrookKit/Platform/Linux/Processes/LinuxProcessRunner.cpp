@@ -1,0 +1,75 @@
+#include "Platform/Linux/Processes/LinuxProcessRunner.h"
+
+#include <QDeadlineTimer>
+#include <QProcess>
+#include <QProcessEnvironment>
+
+#include <csignal>
+#include <unistd.h>
+
+namespace Quillbrook {
+
+namespace {
+
+// A killed process is gone within moments; the bound is for a machine that is stuck itself.
+constexpr int reapMilliseconds = 5000;
+
+QProcessEnvironment plainEnvironment()
+{
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    return environment;
+}
+
+// The group, not the process alone: a shell script's own child would live on and hold the pipe open.
+void killGroup(qint64 leader)
+{
+    if (leader > 0)
+        ::kill(-static_cast<pid_t>(leader), SIGKILL);
+}
+
+// Adds what the process has printed so far; false once there is more than `limit`.
+bool drain(QProcess &process, QByteArray &output, qsizetype limit)
+{
+    output += process.readAllStandardOutput();
+    const bool within = output.size() <= limit;
+    output.truncate(limit);
+    return within;
+}
+
+} // namespace
+
+std::optional<ProcessRunner::Result> LinuxProcessRunner::run(const Command &command) const
+{
+    QProcess process;
+    process.setProgram(command.program);
+    process.setArguments(command.arguments);
+    process.setProcessEnvironment(plainEnvironment());
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    const QDeadlineTimer deadline(command.timeLimit);
+    process.start(QIODevice::ReadOnly);
+    if (!process.waitForStarted(static_cast<int>(deadline.remainingTime())))
+        return std::nullopt;
+    const auto leader = process.processId();
+
+    Result result;
+    bool within = true;
+    while (within && process.state() != QProcess::NotRunning && !deadline.hasExpired()) {
+        process.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
+        within = drain(process, result.output, command.outputLimit);
+    }
+    const bool ended = process.state() == QProcess::NotRunning;
+    if (!ended) {
+        killGroup(leader);
+        process.kill();
+        process.waitForFinished(reapMilliseconds);
+    }
+    within = drain(process, result.output, command.outputLimit) && within;
+    result.exited = ended && within && process.exitStatus() == QProcess::NormalExit;
+    result.exitCode = result.exited ? process.exitCode() : -1;
+    return result;
+}
+
+} // namespace Quillbrook

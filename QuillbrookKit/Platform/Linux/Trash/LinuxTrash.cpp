@@ -1,0 +1,218 @@
+#include "Platform/Linux/Trash/LinuxTrash.h"
+
+#include "Platform/Clock.h"
+#include "Platform/Linux/Files/LinuxErrorText.h"
+#include "Platform/Linux/Folders/ResolvedPath.h"
+#include "Platform/Linux/Trash/CarefulRename.h"
+#include "Platform/Linux/Trash/TrashNote.h"
+#include "Platform/SpaceReserve.h"
+#include "StandardisedPath.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <random>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int placeFlags = O_PATH | O_DIRECTORY;
+// Names that are taken are tried in order for so long, and then at random: a trash full of things of one name
+// would be searched from its first for each new one.
+constexpr std::uint64_t triesInOrder = 64;
+constexpr std::uint64_t mostTries = 256;
+
+bool isWithin(const std::string &path, const std::string &folder)
+{
+    return path.starts_with(folder)
+        && (path.size() == folder.size() || folder.ends_with('/') || path[folder.size()] == '/');
+}
+
+// Behind a link ".." leads elsewhere than its text says.
+bool climbs(const std::string &path)
+{
+    return (path + '/').find("/../") != std::string::npos;
+}
+
+std::string below(const std::string &folder, const std::string &name)
+{
+    return folder + (folder.ends_with('/') ? "" : "/") + name;
+}
+
+std::uint64_t randomNumber()
+{
+    static thread_local std::mt19937_64 numbers{ std::random_device()() };
+    return numbers() >> 1U;
+}
+
+} // namespace
+
+struct LinuxTrash::Thing
+{
+    FileDescriptor folder{};
+    std::string name{};
+    MountedDevice device{};
+    bool isMount = false;
+    bool isFolder = false;
+    // Where it is without links on the way, and as the note tells it in a home trash.
+    std::string path{};
+    std::string origin{};
+};
+
+LinuxTrash::LinuxTrash(TrashPlaces places, SpaceReserve &reserve, const Clock &clock, const FileCalls &calls)
+    : m_places(std::move(places))
+    , m_reserve(reserve)
+    , m_clock(clock)
+    , m_calls(calls)
+    , m_folders(m_places, calls)
+{
+}
+
+std::expected<std::string, QString> LinuxTrash::move(const std::string &path)
+{
+    const auto thing = thingAt(path);
+    if (!thing)
+        return std::unexpected(LinuxErrorText::sentence(thing.error()));
+    if (const auto sentence = objection(*thing))
+        return std::unexpected(*sentence);
+    std::string trashPath;
+    const auto error = withReserve([&] {
+        auto moved = moveToTrash(*thing);
+        if (moved)
+            trashPath = std::move(*moved);
+        return moved ? 0 : moved.error();
+    });
+    if (error != 0)
+        return std::unexpected(LinuxErrorText::sentence(error == EXDEV ? ENOTSUP : error));
+    return trashPath;
+}
+
+bool LinuxTrash::holds(const std::string &path) const
+{
+    return m_places.position(standardisedPath(path, {}))
+        || m_places.position(standardisedPath(ResolvedPath::withoutLinks(path), {}));
+}
+
+int LinuxTrash::withReserve(const std::function<int()> &attempt) const
+{
+    auto error = attempt();
+    if (!LinuxErrorText::isLackOfSpace(error) || !m_reserve.release())
+        return error;
+    error = attempt();
+    m_reserve.replenish();
+    return error;
+}
+
+std::expected<LinuxTrash::Thing, int> LinuxTrash::thingAt(const std::string &path) const
+{
+    auto place = SplitPath::of(path);
+    if (!place)
+        return std::unexpected(EINVAL);
+    FileDescriptor folder(m_calls.openAt(AT_FDCWD, place->folder.c_str(), placeFlags));
+    struct statx folderStatus = {};
+    struct statx status = {};
+    if (!folder.isOpen() || m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, folderStatus) != 0
+        || m_calls.statAt(folder.number(), place->name.c_str(), 0, status) != 0)
+        return std::unexpected(errno);
+    const auto folderPath = m_calls.pathOf(folder.number());
+    if (!folderPath)
+        return std::unexpected(ENAMETOOLONG);
+    const auto device = MountedDevice::of(folderStatus);
+    const bool isMountRoot
+        = (status.stx_attributes & status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
+    const auto resolved = below(*folderPath, place->name);
+    return Thing{ .folder = std::move(folder),
+        .name = std::move(place->name),
+        .device = device,
+        .isMount = isMountRoot || MountedDevice::of(status).mount != device.mount,
+        .isFolder = S_ISDIR(status.stx_mode),
+        .path = resolved,
+        .origin = climbs(path) ? resolved : standardisedPath(path, {}) };
+}
+
+std::optional<QString> LinuxTrash::objection(const Thing &thing) const
+{
+    if (m_places.position(thing.path))
+        return u"It is in the Trash already."_s;
+    const auto homeTrash = ResolvedPath::withoutLinks(m_places.homeTrash);
+    if (isWithin(homeTrash, thing.path) || isWithin(m_places.homeTrash, thing.path))
+        return u"The Trash itself lies in it."_s;
+    if (thing.isMount)
+        return u"It is a drive, or something else that is mounted."_s;
+    if (!thing.isFolder)
+        return std::nullopt;
+    const auto mounts = m_calls.mounts();
+    if (!mounts)
+        return u"The system does not tell whether a drive is mounted in it."_s;
+    const bool holdsMount = std::ranges::any_of(
+        *mounts, [&](const Mount &mount) { return isWithin(mount.mountPoint, thing.path); });
+    return holdsMount ? std::optional(u"A drive, or something else, is mounted in it."_s) : std::nullopt;
+}
+
+std::expected<std::string, int> LinuxTrash::moveToTrash(const Thing &thing) const
+{
+    const auto trash = m_folders.forDevice(thing.device);
+    if (!trash)
+        return std::unexpected(trash.error());
+    return moveInto(*trash, thing);
+}
+
+std::expected<std::string, int> LinuxTrash::moveInto(const TrashFolder &trash, const Thing &thing) const
+{
+    const bool isRelative = !trash.top.empty() && isWithin(thing.path, trash.top);
+    const auto relative = isRelative ? thing.path.substr(below(trash.top, "").size()) : thing.origin;
+    const auto text = TrashNote::text(relative, m_clock.now());
+    auto longest = TrashNote::longestName;
+    for (std::uint64_t tries = 1; tries <= mostTries; ++tries) {
+        const auto number = tries <= triesInOrder ? tries : randomNumber();
+        const auto name = TrashNote::candidate(thing.name, number, longest);
+        const FolderPlace note{ .folder = trash.info.number(), .name = TrashNote::nameFor(name) };
+        auto error = writeNote(note, text);
+        if (error == ENAMETOOLONG && longest > TrashNote::longestEncryptedName) {
+            longest = TrashNote::longestEncryptedName;
+            continue;
+        }
+        if (error == EEXIST)
+            continue;
+        if (error != 0)
+            return std::unexpected(error);
+        error = CarefulRename::move(m_calls, { .folder = thing.folder.number(), .name = thing.name },
+            { .folder = trash.files.number(), .name = name });
+        if (error == 0)
+            return trash.path + "/files/" + name;
+        std::ignore = m_calls.unlinkAt(note.folder, note.name.c_str(), 0);
+        if (error != EEXIST)
+            return std::unexpected(error);
+    }
+    return std::unexpected(EEXIST);
+}
+
+int LinuxTrash::writeNote(const FolderPlace &note, const std::string &text) const
+{
+    constexpr mode_t ownerOnly = 0600;
+    FileDescriptor file(
+        m_calls.openAt(note.folder, note.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, ownerOnly));
+    if (!file.isOpen())
+        return errno;
+    int error = 0;
+    for (size_t written = 0; error == 0 && written < text.size();) {
+        const auto count = m_calls.write(file.number(), text.data() + written, text.size() - written);
+        if (count < 0 && errno != EINTR)
+            error = errno;
+        if (count == 0)
+            error = ENOSPC;
+        if (count > 0)
+            written += static_cast<size_t>(count);
+    }
+    // Some file systems tell only now that there was no room.
+    if (m_calls.close(file.release()) != 0 && error == 0 && errno != EINTR)
+        error = errno;
+    if (error != 0)
+        std::ignore = m_calls.unlinkAt(note.folder, note.name.c_str(), 0);
+    return error;
+}
+
+} // namespace Quillbrook

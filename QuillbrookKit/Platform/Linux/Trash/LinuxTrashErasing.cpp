@@ -1,0 +1,281 @@
+// The part of the Trash that looks at what lies in it, and takes out of it.
+
+#include "Platform/Linux/Files/LinuxErrorText.h"
+#include "Platform/Linux/Folders/ResolvedPath.h"
+#include "Platform/Linux/Trash/CarefulRename.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Platform/Linux/Trash/LinuxTrash.h"
+#include "Platform/Linux/Trash/TrashNote.h"
+#include "Platform/Linux/Trash/TreeEraser.h"
+#include "StandardisedPath.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <random>
+#include <unordered_set>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::string_view filesFolder = "files";
+constexpr std::string_view leftoversFolder = "expunged";
+constexpr int placeFlags = O_PATH | O_DIRECTORY;
+
+std::string freshName()
+{
+    static thread_local std::mt19937_64 numbers{ std::random_device()() };
+    return std::to_string(numbers());
+}
+
+std::vector<std::string> namesIn(const FileCalls &calls, int folder)
+{
+    constexpr size_t bufferBytes = 32768;
+    alignas(dirent64) std::array<char, bufferBytes> buffer; // NOLINT: filled by the system
+    std::vector<std::string> names;
+    if (calls.seek(folder, 0) < 0)
+        return names;
+    for (;;) {
+        const auto count = calls.list(folder, buffer.data(), buffer.size());
+        if (count <= 0)
+            break;
+        for (size_t offset = 0; offset < static_cast<size_t>(count);) {
+            const auto &entry = *reinterpret_cast<const dirent64 *>(buffer.data() + offset);
+            offset += entry.d_reclen;
+            const std::string_view name = entry.d_name;
+            if (name != "." && name != "..")
+                names.emplace_back(name);
+        }
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+// An open folder, and the paths of those that were made on the way to it, from the outermost.
+struct FolderToFill
+{
+    FileDescriptor folder{};
+    std::vector<std::string> made{};
+    int error = 0;
+};
+
+FolderToFill folderToFill(const FileCalls &calls, const std::string &path)
+{
+    constexpr mode_t byUmask = 0777;
+    FolderToFill result{ .folder = FileDescriptor(calls.openAt(AT_FDCWD, path.c_str(), placeFlags)) };
+    if (result.folder.isOpen() || errno != ENOENT) {
+        result.error = result.folder.isOpen() ? 0 : errno;
+        return result;
+    }
+    for (auto end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        const auto folder = path.substr(0, end);
+        if (calls.makeFolderAt(AT_FDCWD, folder.c_str(), byUmask) == 0) {
+            result.made.push_back(folder);
+        } else if (errno != EEXIST) {
+            // Systems tell of a folder that may not be written to before they tell that it is there.
+            struct statx status = {};
+            const auto error = errno;
+            if (calls.statAt(AT_FDCWD, folder.c_str(), 0, status) != 0) {
+                result.error = error;
+                return result;
+            }
+        }
+        if (end == std::string::npos)
+            break;
+    }
+    result.folder = FileDescriptor(calls.openAt(AT_FDCWD, path.c_str(), placeFlags));
+    result.error = result.folder.isOpen() ? 0 : errno;
+    return result;
+}
+
+} // namespace
+
+struct LinuxTrash::Trashed
+{
+    TrashFolder trash{};
+    std::string name{};
+    bool isLeftover = false;
+};
+
+std::expected<LinuxTrash::Trashed, QString> LinuxTrash::trashed(const std::string &path) const
+{
+    const auto position = m_places.position(standardisedPath(path, {}));
+    const auto slash = position ? position->inner.find('/') : std::string::npos;
+    if (slash == std::string::npos || path.find('\0') != std::string::npos)
+        return std::unexpected(u"It is not in the Trash."_s);
+    const auto folder = position->inner.substr(0, slash);
+    const auto name = position->inner.substr(slash + 1);
+    const bool isInPlace = folder == filesFolder || folder == leftoversFolder;
+    if (!isInPlace || name.contains('/'))
+        return std::unexpected(u"It is not in the Trash."_s);
+    auto trash = m_folders.existing(position->trash);
+    if (!trash)
+        return std::unexpected(LinuxErrorText::sentence(trash.error()));
+    return Trashed{ .trash = std::move(*trash), .name = name, .isLeftover = folder == leftoversFolder };
+}
+
+std::expected<void, QString> LinuxTrash::restore(
+    const std::string &trashPath, const std::string &originalPath)
+{
+    const auto thing = trashed(trashPath);
+    if (!thing)
+        return std::unexpected(thing.error());
+    if (thing->isLeftover)
+        return std::unexpected(u"It is being deleted already."_s);
+    if (const auto error = withReserve([&]() -> int { return moveBack(*thing, originalPath); }); error != 0)
+        return std::unexpected(LinuxErrorText::sentence(error));
+    return {};
+}
+
+int LinuxTrash::moveBack(const Trashed &thing, const std::string &originalPath) const
+{
+    const auto place = SplitPath::of(originalPath);
+    if (!place)
+        return EINVAL;
+    const auto target = folderToFill(m_calls, place->folder);
+    const auto error = target.error != 0
+        ? target.error
+        : CarefulRename::move(m_calls, { .folder = thing.trash.files.number(), .name = thing.name },
+            { .folder = target.folder.number(), .name = place->name });
+    if (error == 0)
+        dropNote(thing);
+    else
+        for (auto folder = target.made.rbegin(); folder != target.made.rend(); ++folder)
+            std::ignore = m_calls.unlinkAt(AT_FDCWD, folder->c_str(), AT_REMOVEDIR);
+    return error;
+}
+
+std::expected<void, QString> LinuxTrash::erase(const std::string &trashPath)
+{
+    const auto thing = trashed(trashPath);
+    if (!thing)
+        return std::unexpected(thing.error());
+    if (!thing->isLeftover)
+        return eraseThing(*thing);
+    const auto leftovers
+        = m_folders.ownFolder(thing->trash.self.number(), std::string(leftoversFolder), false);
+    if (!leftovers)
+        return std::unexpected(LinuxErrorText::sentence(leftovers.error()));
+    const auto erasure = TreeEraser(m_calls, leftovers->number()).erase(thing->name.c_str());
+    if (!erasure.isComplete())
+        return std::unexpected(LinuxFileRemoval::leftText(erasure));
+    return {};
+}
+
+std::expected<void, QString> LinuxTrash::eraseThing(const Trashed &thing) const
+{
+    FileDescriptor leftovers;
+    const FolderPlace inTrash{ .folder = thing.trash.files.number(), .name = thing.name };
+    FolderPlace aside{ .name = freshName() };
+    const auto error = withReserve([&] {
+        auto folder = m_folders.ownFolder(thing.trash.self.number(), std::string(leftoversFolder), true);
+        if (!folder)
+            return folder.error();
+        leftovers = std::move(*folder);
+        aside.folder = leftovers.number();
+        return CarefulRename::move(m_calls, inTrash, aside);
+    });
+    if (error != 0)
+        return eraseInPlace(thing);
+
+    const FolderPlace note{ .folder = thing.trash.info.number(), .name = TrashNote::nameFor(thing.name) };
+    const FolderPlace noteAside{ .folder = aside.folder, .name = TrashNote::nameFor(aside.name) };
+    const bool isNoteAside = CarefulRename::move(m_calls, note, noteAside) == 0;
+    const auto erasure = TreeEraser(m_calls, aside.folder).erase(aside.name.c_str());
+    const bool isWhole = !erasure.isComplete() && erasure.removed == 0;
+    if (isWhole && CarefulRename::move(m_calls, aside, inTrash) == 0) {
+        if (isNoteAside)
+            std::ignore = CarefulRename::move(m_calls, noteAside, note);
+        return std::unexpected(LinuxFileRemoval::leftText(erasure));
+    }
+    if (isNoteAside)
+        std::ignore = m_calls.unlinkAt(noteAside.folder, noteAside.name.c_str(), 0);
+    else
+        dropNote(thing);
+    if (!erasure.isComplete())
+        return std::unexpected(LinuxFileRemoval::leftText(erasure));
+    return {};
+}
+
+// Where it can't be put aside: a folder of another user's, or a file system without any room.
+std::expected<void, QString> LinuxTrash::eraseInPlace(const Trashed &thing) const
+{
+    const auto erasure = TreeEraser(m_calls, thing.trash.files.number()).erase(thing.name.c_str());
+    const bool isGone = erasure.isComplete() || (erasure.firstError == ENOENT && erasure.firstPath.empty());
+    if (isGone)
+        dropNote(thing);
+    if (!erasure.isComplete())
+        return std::unexpected(LinuxFileRemoval::leftText(erasure));
+    return {};
+}
+
+// Without one it is as good: readers leave out a note that has lost its thing.
+void LinuxTrash::dropNote(const Trashed &thing) const
+{
+    std::ignore = m_calls.unlinkAt(thing.trash.info.number(), TrashNote::nameFor(thing.name).c_str(), 0);
+}
+
+bool LinuxTrash::mayComeFrom(
+    const std::string &trashPath, const std::string &originalPath, const QDateTime &movedAt) const
+{
+    const auto thing = trashed(trashPath);
+    const auto text = thing ? note(*thing) : std::nullopt;
+    if (text && !TrashNote::mayBeOf(*text, movedAt))
+        return false;
+    const auto origin = text ? TrashNote::origin(*text) : std::nullopt;
+    if (!origin)
+        return true;
+    // The note tells of the path as it was given, or, seen from the top of a volume, as it is without links.
+    const auto isOrigin = [&](const std::string &path) -> bool {
+        return origin->starts_with('/') ? path == *origin : path.ends_with('/' + *origin);
+    };
+    return isOrigin(standardisedPath(originalPath, {})) || isOrigin(ResolvedPath::withoutLinks(originalPath));
+}
+
+std::optional<std::string> LinuxTrash::note(const Trashed &thing) const
+{
+    // A path three times as long as can be, which is one of nothing but encoded bytes, and the rest.
+    constexpr size_t mostBytes = 16384;
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const auto name = TrashNote::nameFor(thing.name);
+    const FileDescriptor file(m_calls.openAt(thing.trash.info.number(), name.c_str(), flags));
+    std::string text(mostBytes, '\0');
+    const auto length = file.isOpen() ? ::read(file.number(), text.data(), text.size()) : -1;
+    if (length < 0)
+        return std::nullopt;
+    text.resize(static_cast<size_t>(length));
+    return text;
+}
+
+std::vector<TrashEntry> LinuxTrash::items(const std::string &path) const
+{
+    const auto position = m_places.position(standardisedPath(path, {}));
+    const auto trash = position ? m_folders.existing(position->trash) : std::unexpected(ENOENT);
+    if (!trash)
+        return {};
+    const auto folder = position->inner.substr(0, position->inner.find('/'));
+    std::vector<TrashEntry> entries;
+    if (folder != leftoversFolder) {
+        const auto names = namesIn(m_calls, trash->info.number());
+        const std::unordered_set<std::string> notes(names.begin(), names.end());
+        for (const auto &name : namesIn(m_calls, trash->files.number())) {
+            const auto note = TrashNote::nameFor(name);
+            entries.push_back({ .path = trash->path + "/files/" + name,
+                .note = notes.contains(note) ? trash->path + "/info/" + note : std::string() });
+        }
+    }
+    if (folder == filesFolder)
+        return entries;
+    const auto leftovers = m_folders.ownFolder(trash->self.number(), std::string(leftoversFolder), false);
+    if (leftovers)
+        for (const auto &name : namesIn(m_calls, leftovers->number()))
+            entries.push_back({ .path = trash->path + "/expunged/" + name });
+    return entries;
+}
+
+} // namespace Quillbrook

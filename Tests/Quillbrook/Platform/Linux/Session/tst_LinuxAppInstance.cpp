@@ -1,0 +1,323 @@
+#include "Platform/Linux/Session/LinuxAppInstance.h"
+#include "Support/PrivateBus.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <memory>
+#include <sys/stat.h>
+
+using namespace Quillbrook;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// The one that runs, in an event loop of its own as another process would be.
+class OtherInstance : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    enum class Manner { answers, isSilent, ends };
+
+    OtherInstance(const QDBusConnection &bus, Manner manner)
+        : m_bus(bus)
+        , m_manner(manner)
+    {
+        m_bus.registerObject(LinuxAppInstance::objectPath(), this, QDBusConnection::ExportAllSlots);
+        m_bus.registerService(LinuxAppInstance::name());
+        moveToThread(&m_thread);
+        m_thread.start();
+    }
+    ~OtherInstance() override
+    {
+        m_thread.quit();
+        m_thread.wait();
+    }
+
+    /// To be read after the call has come to an end.
+    QList<QVariantMap> platformData;
+
+public Q_SLOTS:
+    void Activate(const QVariantMap &data)
+    {
+        platformData.append(data);
+        if (m_manner != Manner::answers)
+            setDelayedReply(true);
+        if (m_manner == Manner::ends) {
+            const auto name = m_bus.name();
+            m_bus = QDBusConnection(u"gone"_s);
+            QDBusConnection::disconnectFromBus(name);
+        }
+    }
+
+private:
+    QDBusConnection m_bus;
+    Manner m_manner;
+    QThread m_thread;
+};
+
+class LinuxAppInstanceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void firstOneIsTheOne();
+    void secondOneBringsTheFirstForward_data();
+    void secondOneBringsTheFirstForward();
+    void ownerThatHangsIsWaitedForSoLong();
+    void ownerThatEndsLeavesTheName();
+    void nameIsFreeAfterTheFirst();
+    void launcherActivates_data();
+    void launcherActivates();
+    void otherActionsArePassedOver();
+    void tokensAreTakenFromTheEnvironment();
+    void lockHoldsWithoutABus();
+    void lockOfAKilledProcessIsTakenOver();
+    void noFolderForTheLock();
+    void runtimeFolderIsTheUsersOwn();
+
+private:
+    [[nodiscard]] std::unique_ptr<LinuxAppInstance> make(const LinuxAppInstance::StartTokens &tokens = {});
+    [[nodiscard]] std::unique_ptr<LinuxAppInstance> makeWithoutBus() const;
+
+    std::unique_ptr<PrivateBus> m_bus;
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void LinuxAppInstanceTest::init()
+{
+    m_bus = std::make_unique<PrivateBus>();
+    QVERIFY(m_bus->connection().isConnected());
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+void LinuxAppInstanceTest::cleanup()
+{
+    m_bus.reset();
+    m_folder.reset();
+}
+
+std::unique_ptr<LinuxAppInstance> LinuxAppInstanceTest::make(const LinuxAppInstance::StartTokens &tokens)
+{
+    return std::make_unique<LinuxAppInstance>(LinuxAppInstance::Options{
+        .bus = m_bus->connection(), .tokens = tokens, .runtimeFolder = m_folder->path(), .patience = 5s });
+}
+
+std::unique_ptr<LinuxAppInstance> LinuxAppInstanceTest::makeWithoutBus() const
+{
+    return std::make_unique<LinuxAppInstance>(LinuxAppInstance::Options{
+        .bus = QDBusConnection(u"not connected"_s), .runtimeFolder = m_folder->path() });
+}
+
+void LinuxAppInstanceTest::firstOneIsTheOne()
+{
+    auto instance = make();
+    const QSignalSpy activations(instance.get(), &AppInstance::activated);
+    QVERIFY(instance->claim());
+    QVERIFY(m_bus->connection().interface()->isServiceRegistered(u"com.tarnwick.Quillbrook"_s));
+    QCoreApplication::processEvents();
+    QCOMPARE(activations.count(), 0);
+}
+
+void LinuxAppInstanceTest::secondOneBringsTheFirstForward_data()
+{
+    QTest::addColumn<QByteArray>("token");
+    QTest::addColumn<QByteArray>("startupId");
+    QTest::addColumn<QVariantMap>("expected");
+    const auto token = u"activation-token"_s;
+    const auto startupId = u"desktop-startup-id"_s;
+    QTest::newRow("both") << QByteArray("abc") << QByteArray("x_TIME1")
+                          << QVariantMap{ { token, u"abc"_s }, { startupId, u"x_TIME1"_s } };
+    QTest::newRow("token") << QByteArray("abc") << QByteArray() << QVariantMap{ { token, u"abc"_s } };
+    QTest::newRow("startup id") << QByteArray() << QByteArray("x_TIME1")
+                                << QVariantMap{ { startupId, u"x_TIME1"_s } };
+    QTest::newRow("none") << QByteArray() << QByteArray() << QVariantMap();
+}
+
+void LinuxAppInstanceTest::secondOneBringsTheFirstForward()
+{
+    QFETCH(QByteArray, token);
+    QFETCH(QByteArray, startupId);
+    QFETCH(QVariantMap, expected);
+    const OtherInstance first(m_bus->connection(), OtherInstance::Manner::answers);
+    auto second = make({ .activationToken = token, .startupId = startupId });
+    QVERIFY(!second->claim());
+    QCOMPARE(first.platformData, QList<QVariantMap>({ expected }));
+}
+
+void LinuxAppInstanceTest::ownerThatHangsIsWaitedForSoLong()
+{
+    const OtherInstance first(m_bus->connection(), OtherInstance::Manner::isSilent);
+    LinuxAppInstance second({ .bus = m_bus->connection(), .patience = 300ms });
+    QElapsedTimer time;
+    time.start();
+    QTest::ignoreMessage(QtWarningMsg, "Quillbrook: is running already, but does not answer");
+    QVERIFY(!second.claim());
+    QVERIFY(time.elapsed() >= 200);
+    QVERIFY(time.elapsed() < 5000);
+    QCOMPARE(first.platformData.size(), 1);
+}
+
+void LinuxAppInstanceTest::ownerThatEndsLeavesTheName()
+{
+    const OtherInstance first(m_bus->connection(), OtherInstance::Manner::ends);
+    auto second = make();
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(second->claim());
+    QVERIFY(time.elapsed() < 4000);
+    QCOMPARE(first.platformData.size(), 1);
+}
+
+void LinuxAppInstanceTest::nameIsFreeAfterTheFirst()
+{
+    auto first = make();
+    QVERIFY(first->claim());
+    first.reset();
+    QVERIFY(make()->claim());
+}
+
+void LinuxAppInstanceTest::launcherActivates_data()
+{
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QByteArray>("token");
+    const QVariantMap data{ { u"activation-token"_s, u"abc"_s }, { u"desktop-startup-id"_s, u"x"_s } };
+    QTest::newRow("Activate") << u"Activate"_s << QVariantList{ data } << QByteArray("abc");
+    QTest::newRow("Activate by an older launcher")
+        << u"Activate"_s << QVariantList{ QVariantMap{ { u"desktop-startup-id"_s, u"x"_s } } }
+        << QByteArray("x");
+    QTest::newRow("Activate without anything")
+        << u"Activate"_s << QVariantList{ QVariantMap() } << QByteArray();
+    QTest::newRow("Open") << u"Open"_s << QVariantList{ QStringList{ u"file:///tmp"_s }, data }
+                          << QByteArray("abc");
+    QTest::newRow("action") << u"ActivateAction"_s << QVariantList{ u"open"_s, QVariantList(), data }
+                            << QByteArray("abc");
+}
+
+void LinuxAppInstanceTest::launcherActivates()
+{
+    QFETCH(QString, method);
+    QFETCH(QVariantList, arguments);
+    QFETCH(QByteArray, token);
+    auto instance = make();
+    QVERIFY(instance->claim());
+    const QSignalSpy activations(instance.get(), &AppInstance::activated);
+    auto message = QDBusMessage::createMethodCall(u"com.tarnwick.Quillbrook"_s, u"/com/tarnwick/Quillbrook"_s,
+        u"org.freedesktop.Application"_s, method);
+    message.setArguments(arguments);
+    const auto reply = m_bus->connection().call(message, QDBus::BlockWithGui, 5000);
+    QVERIFY2(reply.type() == QDBusMessage::ReplyMessage, qPrintable(reply.errorMessage()));
+    QCOMPARE(activations.count(), 1);
+    QCOMPARE(activations[0][0].toByteArray(), token);
+}
+
+void LinuxAppInstanceTest::otherActionsArePassedOver()
+{
+    auto instance = make();
+    QVERIFY(instance->claim());
+    const QSignalSpy activations(instance.get(), &AppInstance::activated);
+    auto message = QDBusMessage::createMethodCall(LinuxAppInstance::name(), LinuxAppInstance::objectPath(),
+        u"org.freedesktop.Application"_s, u"ActivateAction"_s);
+    message << u"erase"_s << QVariantList{ 1 } << QVariantMap();
+    QCOMPARE(m_bus->connection().call(message, QDBus::BlockWithGui, 5000).type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(activations.count(), 0);
+}
+
+void LinuxAppInstanceTest::tokensAreTakenFromTheEnvironment()
+{
+    qputenv("XDG_ACTIVATION_TOKEN", "abc");
+    qputenv("DESKTOP_STARTUP_ID", "x_TIME1");
+    const auto tokens = LinuxAppInstance::StartTokens::ofEnvironment();
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    qunsetenv("DESKTOP_STARTUP_ID");
+    QCOMPARE(tokens.activationToken, QByteArray("abc"));
+    QCOMPARE(tokens.startupId, QByteArray("x_TIME1"));
+}
+
+void LinuxAppInstanceTest::lockHoldsWithoutABus()
+{
+    auto first = makeWithoutBus();
+    QVERIFY(first->claim());
+    auto second = makeWithoutBus();
+    QTest::ignoreMessage(QtWarningMsg,
+        "Quillbrook: is running already; without a session bus its window can't be brought forward");
+    QVERIFY(!second->claim());
+    first.reset();
+    QVERIFY(second->claim());
+}
+
+void LinuxAppInstanceTest::lockOfAKilledProcessIsTakenOver()
+{
+    const auto lock = m_folder->filePath(u"com.tarnwick.Quillbrook.lock"_s);
+    QProcess holder;
+    holder.start(u"flock"_s, { u"--no-fork"_s, lock, u"sh"_s, u"-c"_s, u"echo held; exec sleep 60"_s });
+    QVERIFY(holder.waitForStarted(5000));
+    QVERIFY(holder.waitForReadyRead(5000));
+    auto instance = makeWithoutBus();
+    QTest::ignoreMessage(QtWarningMsg,
+        "Quillbrook: is running already; without a session bus its window can't be brought forward");
+    QVERIFY(!instance->claim());
+    holder.kill();
+    QVERIFY(holder.waitForFinished(5000));
+    QVERIFY(QFileInfo::exists(lock));
+    QVERIFY(instance->claim());
+}
+
+void LinuxAppInstanceTest::noFolderForTheLock()
+{
+    LinuxAppInstance none({ .bus = QDBusConnection(u"not connected"_s), .runtimeFolder = {} });
+    QTest::ignoreMessage(QtWarningMsg, "Quillbrook: no folder for a lock; make sure that it runs once only");
+    QVERIFY(none.claim());
+    LinuxAppInstance missing(
+        { .bus = QDBusConnection(u"not connected"_s), .runtimeFolder = m_folder->filePath(u"not there"_s) });
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Quillbrook: could not lock .*not there"_s));
+    QVERIFY(missing.claim());
+}
+
+void LinuxAppInstanceTest::runtimeFolderIsTheUsersOwn()
+{
+    const auto kept = qgetenv("XDG_RUNTIME_DIR");
+    const auto keptTemporary = qgetenv("TMPDIR");
+    qputenv("XDG_RUNTIME_DIR", m_folder->path().toUtf8());
+    QCOMPARE(LinuxAppInstance::usersRuntimeFolder(), m_folder->path());
+
+    // One that others may write to, none, and one that is no path: then among the temporary ones.
+    qputenv("TMPDIR", m_folder->path().toUtf8());
+    const auto own = QFile::decodeName(m_folder->path().toUtf8()) + u"/com.tarnwick.Quillbrook-"_s;
+    const auto open = m_folder->filePath(u"open"_s).toUtf8();
+    QCOMPARE(::mkdir(open.constData(), 0700), 0);
+    QCOMPARE(::chmod(open.constData(), 0777), 0);
+    QStringList found;
+    for (const auto &told : { open, QByteArray(), QByteArray("relative"), QByteArray("/not there") }) {
+        qputenv("XDG_RUNTIME_DIR", told);
+        found.append(LinuxAppInstance::usersRuntimeFolder());
+    }
+    // Something that others may write to in its place is not used.
+    const auto made = found.first();
+    QCOMPARE(::chmod(QFile::encodeName(made).constData(), 0777), 0);
+    const auto notUsed = LinuxAppInstance::usersRuntimeFolder();
+
+    kept.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", kept);
+    keptTemporary.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", keptTemporary);
+    for (const auto &folder : found) {
+        QVERIFY2(folder.startsWith(own), qPrintable(folder));
+        QCOMPARE(folder, made);
+    }
+    QCOMPARE(notUsed, QString());
+}
+
+QTEST_GUILESS_MAIN(LinuxAppInstanceTest)
+#include "tst_LinuxAppInstance.moc"

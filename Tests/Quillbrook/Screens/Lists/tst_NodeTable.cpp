@@ -1,0 +1,247 @@
+#include "Screens/Lists/LargestState.h"
+#include "Screens/Lists/SearchState.h"
+#include "Support/ScannedHome.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+namespace {
+
+using Role = NodeTableModel::Role;
+
+struct Fixture : ScannedHome
+{
+    [[nodiscard]] static QString value(NodeTableState &table, int row, Role role)
+    {
+        return table.rows()->index(row).data(int(role)).toString();
+    }
+    [[nodiscard]] static QStringList names(NodeTableState &table)
+    {
+        QStringList names;
+        for (const auto &row : table.rows()->rows())
+            names.append(row.name);
+        return names;
+    }
+
+    LargestState largest{ model };
+    SearchState search{ model };
+    QAbstractItemModelTester largestTester{ largest.rows(),
+        QAbstractItemModelTester::FailureReportingMode::QtTest };
+    QAbstractItemModelTester searchTester{ search.rows(),
+        QAbstractItemModelTester::FailureReportingMode::QtTest };
+};
+
+} // namespace
+
+class NodeTableTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rowTellsNameSizeAndPath();
+    void biggestFilesComeFirstAndFoldersNotAtAll();
+    void biggestFilesAreTakenWhenTheListAppears();
+    void biggestFilesAreTakenAgainFromANewTree();
+    void newTreeCostsOneFetchOnly();
+    void hiddenListFetchesNothing();
+    void biggestFilesStopAtTwoHundred();
+    void emptyListSaysSo();
+    void searchRunsWhenTheTextChanges();
+    void searchNeedsTwoCharacters();
+    void searchStopsAtThreeHundred();
+    void searchTextIsTheModels();
+    void selectingARowMakesItTheSelection();
+    void selectedRowFollowsTheSelection();
+    void revealShowsTheRawPath();
+    void rowOfAnOlderTreeKeepsItsOwnPath();
+    void rowsOutsideDoNothing();
+};
+
+void NodeTableTest::rowTellsNameSizeAndPath()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    QCOMPARE(Fixture::value(fixture.largest, 0, Role::name), "film.mp4");
+    QCOMPARE(Fixture::value(fixture.largest, 0, Role::size), "80.0 MB");
+    QCOMPARE(Fixture::value(fixture.largest, 0, Role::path), "~/Videos/film.mp4");
+}
+
+void NodeTableTest::biggestFilesComeFirstAndFoldersNotAtAll()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    const QStringList expected{ "film.mp4", "scene.glb", "model.bin", "notes.txt", "lab.txt" };
+    QCOMPARE(Fixture::names(fixture.largest), expected);
+}
+
+void NodeTableTest::biggestFilesAreTakenWhenTheListAppears()
+{
+    Fixture fixture;
+    fixture.largest.setShown(true);
+    QCOMPARE(fixture.largest.rows()->rowCount(), 0);
+    fixture.scan();
+    QCOMPARE(fixture.largest.rows()->rowCount(), 5);
+}
+
+void NodeTableTest::biggestFilesAreTakenAgainFromANewTree()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    fixture.addFile("new.iso", 500);
+    fixture.scan();
+    QCOMPARE(Fixture::names(fixture.largest).value(0), "new.iso");
+}
+
+void NodeTableTest::newTreeCostsOneFetchOnly()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    fixture.addFile("new.iso", 500);
+    QSignalSpy resets(fixture.largest.rows(), &QAbstractItemModel::modelReset);
+    fixture.scan();
+    QCOMPARE(resets.count(), 1);
+}
+
+void NodeTableTest::hiddenListFetchesNothing()
+{
+    Fixture fixture;
+    fixture.scan();
+    QCOMPARE(fixture.largest.rows()->rowCount(), 0);
+    fixture.largest.setShown(true);
+    fixture.largest.setShown(false);
+    fixture.addFile("new.iso", 500);
+    fixture.scan();
+    QVERIFY(!Fixture::names(fixture.largest).contains("new.iso"));
+    fixture.largest.setShown(true);
+    QVERIFY(Fixture::names(fixture.largest).contains("new.iso"));
+}
+
+void NodeTableTest::biggestFilesStopAtTwoHundred()
+{
+    Fixture fixture;
+    for (int i = 0; i < 250; ++i)
+        fixture.addFile("file" + std::to_string(i) + ".dat", 1);
+    fixture.scan();
+    fixture.largest.setShown(true);
+    QCOMPARE(fixture.largest.rows()->rowCount(), 200);
+}
+
+void NodeTableTest::emptyListSaysSo()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.largest.emptyMessage(), "No files found.");
+    QCOMPARE(fixture.search.emptyMessage(), "Type at least two characters.");
+    fixture.search.setText("nothing like it");
+    QCOMPARE(fixture.search.emptyMessage(), "No files found.");
+}
+
+void NodeTableTest::searchRunsWhenTheTextChanges()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.search.setShown(true);
+    fixture.search.setText("RENDER");
+    QCOMPARE(Fixture::names(fixture.search), QStringList{ "renderer" });
+    fixture.search.setText("txt");
+    const QStringList expected{ "notes.txt", "lab.txt" };
+    QCOMPARE(Fixture::names(fixture.search), expected);
+}
+
+void NodeTableTest::searchNeedsTwoCharacters()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.search.setShown(true);
+    fixture.search.setText("tx");
+    QCOMPARE(fixture.search.rows()->rowCount(), 2);
+    fixture.search.setText("t");
+    QCOMPARE(fixture.search.rows()->rowCount(), 0);
+}
+
+void NodeTableTest::searchStopsAtThreeHundred()
+{
+    Fixture fixture;
+    for (int i = 0; i < 350; ++i)
+        fixture.addFile("file" + std::to_string(i) + ".dat", 1);
+    fixture.scan();
+    fixture.search.setShown(true);
+    fixture.search.setText("file");
+    QCOMPARE(fixture.search.rows()->rowCount(), 300);
+}
+
+void NodeTableTest::searchTextIsTheModels()
+{
+    Fixture fixture;
+    QSignalSpy changes(&fixture.search, &SearchState::textChanged);
+    fixture.search.setText("lab");
+    QCOMPARE(fixture.model.searchText(), "lab");
+    fixture.model.setSearchText("film");
+    QCOMPARE(fixture.search.text(), "film");
+    QCOMPARE(changes.count(), 2);
+}
+
+void NodeTableTest::selectingARowMakesItTheSelection()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    fixture.largest.select(4);
+    QCOMPARE(fixture.model.selection(), fixture.snapshot("lab.txt"));
+}
+
+void NodeTableTest::selectedRowFollowsTheSelection()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    QCOMPARE(fixture.largest.selectedRow(), -1);
+    fixture.model.setSelection(fixture.snapshot("Projects/notes.txt"));
+    QCOMPARE(fixture.largest.selectedRow(), 3);
+    fixture.model.setSelection(fixture.snapshot("Projects"));
+    QCOMPARE(fixture.largest.selectedRow(), -1);
+}
+
+void NodeTableTest::revealShowsTheRawPath()
+{
+    Fixture fixture;
+    fixture.addFile("odd\xFF.iso", 900);
+    fixture.scan();
+    fixture.largest.setShown(true);
+    fixture.largest.reveal(0);
+    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
+}
+
+void NodeTableTest::rowOfAnOlderTreeKeepsItsOwnPath()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    fixture.largest.setShown(false);
+    // A larger file comes first in the new tree, so that the old node numbers mean other items.
+    fixture.addFile("Videos/another.mp4", 900);
+    fixture.scan();
+    fixture.largest.reveal(0);
+    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("Videos/film.mp4") });
+}
+
+void NodeTableTest::rowsOutsideDoNothing()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.largest.setShown(true);
+    fixture.largest.select(-1);
+    fixture.largest.select(5);
+    fixture.largest.reveal(5);
+    QVERIFY(!fixture.model.selection());
+    QVERIFY(fixture.desktop.revealer.revealed.empty());
+}
+
+QTEST_GUILESS_MAIN(NodeTableTest)
+#include "tst_NodeTable.moc"

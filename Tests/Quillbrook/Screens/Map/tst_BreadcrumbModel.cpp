@@ -1,0 +1,82 @@
+#include "Screens/Map/BreadcrumbModel.h"
+#include "Support/ScannedHome.h"
+
+#include <QAbstractItemModelTester>
+#include <QTest>
+
+using namespace Quillbrook;
+
+namespace {
+
+struct Fixture : ScannedHome
+{
+    [[nodiscard]] QVariant value(int row, BreadcrumbModel::Role role) const
+    {
+        return breadcrumb.index(row).data(int(role));
+    }
+
+    BreadcrumbModel breadcrumb{ model };
+    QAbstractItemModelTester tester{ &breadcrumb, QAbstractItemModelTester::FailureReportingMode::QtTest };
+};
+
+} // namespace
+
+class BreadcrumbModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isEmptyBeforeAScan();
+    void startsWithTheScannedFolder();
+    void followsDrillingAndPopping();
+    void onlyTheLastRowIsLast();
+    void rowsOutsideDoNothing();
+};
+
+void BreadcrumbModelTest::isEmptyBeforeAScan()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.breadcrumb.rowCount(), 0);
+}
+
+void BreadcrumbModelTest::startsWithTheScannedFolder()
+{
+    Fixture fixture;
+    fixture.scan();
+    QCOMPARE(fixture.breadcrumb.rowCount(), 1);
+    QCOMPARE(fixture.value(0, BreadcrumbModel::Role::name).toString(), "/home/someone");
+}
+
+void BreadcrumbModelTest::followsDrillingAndPopping()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.model.drillInto(fixture.node("Projects"));
+    fixture.model.drillInto(fixture.node("Projects/renderer"));
+    QCOMPARE(fixture.breadcrumb.rowCount(), 3);
+    QCOMPARE(fixture.value(2, BreadcrumbModel::Role::name).toString(), "renderer");
+    fixture.breadcrumb.popTo(1);
+    QCOMPARE(fixture.breadcrumb.rowCount(), 2);
+    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
+}
+
+void BreadcrumbModelTest::onlyTheLastRowIsLast()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.model.drillInto(fixture.node("Projects"));
+    QVERIFY(!fixture.value(0, BreadcrumbModel::Role::last).toBool());
+    QVERIFY(fixture.value(1, BreadcrumbModel::Role::last).toBool());
+}
+
+void BreadcrumbModelTest::rowsOutsideDoNothing()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.breadcrumb.popTo(-1);
+    fixture.breadcrumb.popTo(7);
+    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+}
+
+QTEST_GUILESS_MAIN(BreadcrumbModelTest)
+#include "tst_BreadcrumbModel.moc"

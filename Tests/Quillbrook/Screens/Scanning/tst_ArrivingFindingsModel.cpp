@@ -1,0 +1,99 @@
+#include "Screens/Scanning/ArrivingFindingsModel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+namespace {
+
+Finding finding(const QString &id, qint64 bytes)
+{
+    return { .id = id, .rule = { .title = QStringLiteral("Title of ") + id }, .bytes = bytes };
+}
+
+struct Fixture
+{
+    [[nodiscard]] QStringList titles() const
+    {
+        QStringList titles;
+        for (int row = 0; row < model.rowCount(); ++row)
+            titles.append(
+                model.index(row).data(int(ArrivingFindingsModel::Role::title)).toString().section(' ', -1));
+        return titles;
+    }
+
+    ArrivingFindingsModel model;
+    QAbstractItemModelTester tester{ &model, QAbstractItemModelTester::FailureReportingMode::QtTest };
+    QSignalSpy resets{ &model, &QAbstractItemModel::modelReset };
+    QSignalSpy inserts{ &model, &QAbstractItemModel::rowsInserted };
+};
+
+} // namespace
+
+class ArrivingFindingsModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rowTellsTitleAndSize();
+    void newFindingsArePutInWhereTheyBelong();
+    void sameFindingsChangeNothing();
+    void newScanBeginsAnew();
+    void otherFindingsReplaceThese();
+};
+
+void ArrivingFindingsModelTest::rowTellsTitleAndSize()
+{
+    Fixture fixture;
+    fixture.model.setFindings({ finding("a", 1536) });
+    const auto row = fixture.model.index(0);
+    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::title)).toString(), QStringLiteral("Title of a"));
+    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::size)).toString(), QStringLiteral("1.5 KB"));
+    QCOMPARE(fixture.model.index(1).data(int(ArrivingFindingsModel::Role::size)), QVariant());
+}
+
+void ArrivingFindingsModelTest::newFindingsArePutInWhereTheyBelong()
+{
+    Fixture fixture;
+    fixture.model.setFindings({ finding("d", 4), finding("b", 2) });
+    const auto resets = fixture.resets.count();
+    fixture.inserts.clear();
+    fixture.model.setFindings(
+        { finding("e", 5), finding("d", 4), finding("c", 3), finding("b", 2), finding("a", 1) });
+    QCOMPARE(fixture.titles(), QStringList({ "e", "d", "c", "b", "a" }));
+    QCOMPARE(fixture.resets.count(), resets);
+    QCOMPARE(fixture.inserts.count(), 3);
+}
+
+void ArrivingFindingsModelTest::sameFindingsChangeNothing()
+{
+    Fixture fixture;
+    fixture.model.setFindings({ finding("a", 1) });
+    fixture.inserts.clear();
+    fixture.model.setFindings({ finding("a", 1) });
+    QCOMPARE(fixture.inserts.count(), 0);
+    QCOMPARE(fixture.resets.count(), 0);
+}
+
+void ArrivingFindingsModelTest::newScanBeginsAnew()
+{
+    Fixture fixture;
+    fixture.model.setFindings({ finding("a", 1) });
+    fixture.model.setFindings({});
+    QCOMPARE(fixture.model.rowCount(), 0);
+}
+
+void ArrivingFindingsModelTest::otherFindingsReplaceThese()
+{
+    Fixture fixture;
+    fixture.model.setFindings({ finding("a", 2), finding("b", 1) });
+    fixture.model.setFindings({ finding("b", 3), finding("a", 2) });
+    QCOMPARE(fixture.titles(), QStringList({ "b", "a" }));
+    fixture.model.setFindings({ finding("c", 1) });
+    QCOMPARE(fixture.titles(), QStringList({ "c" }));
+}
+
+QTEST_GUILESS_MAIN(ArrivingFindingsModelTest)
+#include "tst_ArrivingFindingsModel.moc"

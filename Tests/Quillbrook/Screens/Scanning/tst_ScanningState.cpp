@@ -1,0 +1,60 @@
+#include "Core/ScanProgress.h"
+#include "Screens/Scanning/ScanningState.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+class ScanningStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void titleIsTheDetailOrSaysThatMeasuringIsOn();
+    void barAndCountsFollowTheProgress();
+    void findingsAreThoseOfTheProgress();
+};
+
+void ScanningStateTest::titleIsTheDetailOrSaysThatMeasuringIsOn()
+{
+    ScanProgress progress;
+    const ScanningState scan(progress);
+    QSignalSpy changes(&scan, &ScanningState::titleChanged);
+    QCOMPARE(scan.title(), QStringLiteral("Measuring this Mac"));
+    progress.setDetail(QStringLiteral("Downloaded code packages"));
+    QCOMPARE(scan.title(), QStringLiteral("Downloaded code packages"));
+    progress.reset();
+    QCOMPARE(scan.title(), QStringLiteral("Measuring this Mac"));
+    QCOMPARE(changes.count(), 2);
+}
+
+void ScanningStateTest::barAndCountsFollowTheProgress()
+{
+    ScanProgress progress;
+    const ScanningState scan(progress);
+    QSignalSpy fractions(&scan, &ScanningState::fractionChanged);
+    QSignalSpy counts(&scan, &ScanningState::countsChanged);
+    QCOMPARE(scan.fraction(), 0.0);
+    QCOMPARE(scan.counts(), QString());
+    progress.setFraction(0.4);
+    progress.setCounts(QStringLiteral("12 files"));
+    QCOMPARE(scan.fraction(), 0.4);
+    QCOMPARE(scan.counts(), QStringLiteral("12 files"));
+    QCOMPARE(fractions.count(), 1);
+    QCOMPARE(counts.count(), 1);
+}
+
+void ScanningStateTest::findingsAreThoseOfTheProgress()
+{
+    ScanProgress progress;
+    ScanningState scan(progress);
+    progress.setFindings({ { .id = "a", .rule = { .title = "Saved web pages" }, .bytes = 2048 } });
+    QCOMPARE(scan.findings()->rowCount(), 1);
+    QCOMPARE(scan.findings()->index(0).data(Qt::DisplayRole).toString(), QStringLiteral("Saved web pages"));
+    progress.reset();
+    QCOMPARE(scan.findings()->rowCount(), 0);
+}
+
+QTEST_GUILESS_MAIN(ScanningStateTest)
+#include "tst_ScanningState.moc"

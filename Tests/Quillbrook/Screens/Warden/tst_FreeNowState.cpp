@@ -1,0 +1,74 @@
+#include "Screens/Warden/FreeNowState.h"
+#include "Support/HomeOnDisk.h"
+
+#include <QSignalSpy>
+
+using namespace Quillbrook;
+
+namespace {
+
+struct Fixture : HomeOnDisk
+{
+    Fixture()
+    {
+        tree.file("home/.gradle/daemon/log", 4096);
+        scan();
+        model->reclaim({ finding(".gradle/daemon") }, false);
+        settled();
+    }
+
+    FreeNowState offer{ *model };
+};
+
+} // namespace
+
+class FreeNowStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void asksNothingAtFirst();
+    void asksWhatToDoWithWhatHasJustGone();
+    void freeingRemovesIt();
+    void keepingLeavesItInTheTrash();
+};
+
+void FreeNowStateTest::asksNothingAtFirst()
+{
+    const HomeOnDisk home;
+    FreeNowState offer(*home.model);
+    QVERIFY(!offer.asked());
+    QCOMPARE(offer.title(), QString());
+    offer.free();
+    QCOMPARE(home.model->phase().kind, Phase::Kind::idle);
+}
+
+void FreeNowStateTest::asksWhatToDoWithWhatHasJustGone()
+{
+    const Fixture fixture;
+    QVERIFY(fixture.offer.asked());
+    QCOMPARE(fixture.offer.title(), QStringLiteral("Moved 4.0 KB to the Trash. Free the space now?"));
+}
+
+void FreeNowStateTest::freeingRemovesIt()
+{
+    Fixture fixture;
+    QSignalSpy changes(&fixture.offer, &FreeNowState::changed);
+    fixture.offer.free();
+    QVERIFY(!fixture.offer.asked());
+    QCOMPARE(changes.count(), 1);
+    QVERIFY(!fixture.isTrashed("log"));
+    fixture.settled();
+}
+
+void FreeNowStateTest::keepingLeavesItInTheTrash()
+{
+    Fixture fixture;
+    fixture.offer.keep();
+    QVERIFY(!fixture.offer.asked());
+    QVERIFY(fixture.isTrashed("log"));
+    QCOMPARE(fixture.model->ledger().pendingCount(), qsizetype(1));
+}
+
+QTEST_GUILESS_MAIN(FreeNowStateTest)
+#include "tst_FreeNowState.moc"

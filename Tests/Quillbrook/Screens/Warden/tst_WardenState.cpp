@@ -1,0 +1,485 @@
+#include "Screens/Warden/WardenRows.h"
+#include "Screens/Warden/WardenState.h"
+#include "Support/HomeOnDisk.h"
+#include "Support/ScannedHome.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+using Kind = WardenLines::Kind;
+
+namespace {
+
+// A home folder with two findings that come back by themselves, one that costs something, one that is only
+// shown.
+struct Fixture : ScannedHome
+{
+    Fixture()
+    {
+        addPlace(".gradle/daemon", 30);
+        addPlace(".npm/_cacache", 50);
+        addPlace(".pub-cache", 70);
+        addPlace("Downloads", 90);
+    }
+
+    /// The list's row of a finding, by its title.
+    [[nodiscard]] int row(const QString &title) const
+    {
+        const auto &rows = warden.rows()->rows();
+        for (int row = 0; row < rows.size(); ++row)
+            if (rows.at(row).kind == Kind::Finding && rows.at(row).title == title)
+                return row;
+        return -1;
+    }
+    [[nodiscard]] const WardenRow &line(const QString &title) const
+    {
+        return warden.rows()->rows().at(row(title));
+    }
+    [[nodiscard]] QStringList chosenTitles() const
+    {
+        QStringList titles;
+        for (const auto &finding : warden.chosenFindings())
+            titles.append(finding.displayTitle());
+        return titles;
+    }
+
+    mutable WardenState warden{ model };
+    const QString logs = QStringLiteral("Android build logs");
+    const QString packages = QStringLiteral("Downloaded code packages");
+};
+
+// Real files: packages that come back by themselves, and libraries that cost something.
+struct DiskFixture : HomeOnDisk
+{
+    DiskFixture()
+    {
+        tree.file("home/.npm/_cacache/one", 8192);
+        tree.file("home/.gradle/daemon/log", 4096);
+        tree.file("home/.pub-cache/library", 4096);
+        scan();
+        warden.appear();
+    }
+
+    /// The line of a banner, by its id.
+    [[nodiscard]] int banner(QLatin1String id) const
+    {
+        const auto &rows = warden.rows()->rows();
+        for (int row = 0; row < rows.size(); ++row)
+            if (rows.at(row).id == id)
+                return row;
+        return -1;
+    }
+
+    mutable WardenState warden{ *model };
+};
+
+} // namespace
+
+class WardenStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withoutAReportThereIsNothing();
+    void newFindingsArriveTicked();
+    void carefulOnesWaitForTheirTick();
+    void reportOnlyOnesNeverCount();
+    void tickingChangesTheSum();
+    void ticksOfThePersonsOwnStandThroughARescan();
+    void untouchedTicksFollowARescan();
+    void appearingTicksTheDefaultsAgain();
+    void idsOfNothingAreIgnored();
+    void placeIsShownOnDemand();
+    void revealShowsTheFolder();
+    void rowsOutsideDoNothing();
+    void offerStandsAsLongAsTheScopeIsQuiet();
+    void offerScansEverything();
+    void emptyDiskSaysSo();
+    void nothingTickedCannotBeReclaimed();
+    void questionNamesSumAndCount();
+    void questionSaysWhenThereIsNoBackup();
+    void answerMovesWhatIsTickedAndUnticksIt();
+    void answerDeletesForGood();
+    void answerIsAboutWhatWasTickedWhenItWasAsked();
+    void untouchedTicksComeBackAfterTheRescan();
+    void touchedTicksStayEmptyAfterARemoval();
+    void pendingTrashIsToldAndFinished();
+    void pendingTrashGoesByItselfOnceEmptied();
+    void pendingTrashIsLookedAtAfterEveryScan();
+    void dismissingTheVerificationLeavesThePendingTrash();
+    void missingBackupIsTold();
+    void logIsListed();
+};
+
+void WardenStateTest::withoutAReportThereIsNothing()
+{
+    const Fixture fixture;
+    QCOMPARE(fixture.warden.total(), QStringLiteral("0 B selected"));
+    QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 0 reclaimable items"));
+    QVERIFY(fixture.warden.chosenFindings().isEmpty());
+    QVERIFY(!fixture.warden.canReclaim());
+    for (const auto &row : fixture.warden.rows()->rows())
+        QCOMPARE(row.kind, Kind::Banner);
+}
+
+void WardenStateTest::newFindingsArriveTicked()
+{
+    Fixture fixture;
+    fixture.scan();
+    QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
+    QCOMPARE(fixture.warden.total(), QStringLiteral("80.0 MB selected"));
+    QCOMPARE(fixture.warden.counts(), QStringLiteral("2 of 3 reclaimable items"));
+    QVERIFY(fixture.line(fixture.packages).ticked);
+}
+
+void WardenStateTest::carefulOnesWaitForTheirTick()
+{
+    Fixture fixture;
+    fixture.scan();
+    int careful = 0;
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row) {
+        const auto &line = fixture.warden.rows()->rows().at(row);
+        if (line.kind != Kind::Finding || line.size != "70.0 MB")
+            continue;
+        ++careful;
+        QVERIFY(line.selectable);
+        QVERIFY(!line.ticked);
+        fixture.warden.toggle(row);
+        QCOMPARE(fixture.warden.total(), QStringLiteral("150 MB selected"));
+        QCOMPARE(fixture.warden.counts(), QStringLiteral("3 of 3 reclaimable items"));
+    }
+    QCOMPARE(careful, 1);
+}
+
+void WardenStateTest::reportOnlyOnesNeverCount()
+{
+    Fixture fixture;
+    fixture.scan();
+    const auto row = static_cast<int>(fixture.warden.rows()->rowCount() - 1);
+    QCOMPARE(fixture.warden.rows()->rows().at(row).size, QStringLiteral("90.0 MB"));
+    QVERIFY(!fixture.warden.rows()->rows().at(row).selectable);
+    fixture.warden.toggle(row);
+    QCOMPARE(fixture.warden.total(), QStringLiteral("80.0 MB selected"));
+    QVERIFY(!fixture.warden.touched());
+}
+
+void WardenStateTest::tickingChangesTheSum()
+{
+    Fixture fixture;
+    fixture.scan();
+    QSignalSpy changes(&fixture.warden, &WardenState::selectionChanged);
+    fixture.warden.toggle(fixture.row(fixture.packages));
+    QCOMPARE(changes.count(), 1);
+    QVERIFY(fixture.warden.touched());
+    QVERIFY(!fixture.line(fixture.packages).ticked);
+    QCOMPARE(fixture.warden.total(), QStringLiteral("30.0 MB selected"));
+    fixture.warden.toggle(fixture.row(fixture.packages));
+    QVERIFY(fixture.line(fixture.packages).ticked);
+    QCOMPARE(fixture.warden.total(), QStringLiteral("80.0 MB selected"));
+}
+
+void WardenStateTest::ticksOfThePersonsOwnStandThroughARescan()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.warden.toggle(fixture.row(fixture.packages));
+    fixture.scan();
+    QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
+}
+
+void WardenStateTest::untouchedTicksFollowARescan()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.addPlace(".cache/none", 1);
+    fixture.addPlace("Library/Caches/pip", 10);
+    fixture.scan();
+    QCOMPARE(fixture.warden.chosenFindings().size(), 3);
+}
+
+void WardenStateTest::appearingTicksTheDefaultsAgain()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.warden.toggle(fixture.row(fixture.packages));
+    fixture.warden.appear();
+    QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
+    QVERIFY(fixture.warden.touched());
+}
+
+void WardenStateTest::idsOfNothingAreIgnored()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.warden.toggle(fixture.row(fixture.packages));
+    fixture.warden.toggle(fixture.row(fixture.packages));
+    const auto ticked = fixture.warden.chosen();
+    // What was ticked is gone from the disk.
+    fixture.files.entries.erase(fixture.path(".npm/_cacache"));
+    fixture.directories.folder(fixture.path(".npm/_cacache"), {});
+    fixture.scan();
+    QCOMPARE(fixture.warden.chosen(), ticked);
+    QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
+    QCOMPARE(fixture.warden.counts(), QStringLiteral("1 of 2 reclaimable items"));
+}
+
+void WardenStateTest::placeIsShownOnDemand()
+{
+    Fixture fixture;
+    fixture.scan();
+    const auto row = fixture.row(fixture.logs);
+    QVERIFY(!fixture.line(fixture.logs).pathShown);
+    QCOMPARE(fixture.line(fixture.logs).path, QStringLiteral("~/.gradle/daemon"));
+    fixture.warden.togglePath(row);
+    QVERIFY(fixture.line(fixture.logs).pathShown);
+    QVERIFY(!fixture.warden.touched());
+    fixture.warden.togglePath(row);
+    QVERIFY(!fixture.line(fixture.logs).pathShown);
+}
+
+void WardenStateTest::revealShowsTheFolder()
+{
+    Fixture fixture;
+    fixture.scan();
+    fixture.warden.reveal(fixture.row(fixture.logs));
+    fixture.warden.reveal(static_cast<int>(fixture.warden.rows()->rowCount() - 1));
+    QCOMPARE(fixture.desktop.revealer.revealed,
+        (std::vector<std::string>{ fixture.path(".gradle/daemon"), fixture.path("Downloads") }));
+}
+
+void WardenStateTest::rowsOutsideDoNothing()
+{
+    Fixture fixture;
+    fixture.scan();
+    for (const int row : { -1, 0, fixture.warden.rows()->rowCount() }) {
+        fixture.warden.toggle(row);
+        fixture.warden.togglePath(row);
+        fixture.warden.reveal(row);
+    }
+    QVERIFY(!fixture.warden.touched());
+    QVERIFY(fixture.desktop.revealer.revealed.empty());
+}
+
+void WardenStateTest::offerStandsAsLongAsTheScopeIsQuiet()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
+    fixture.scan(Scope::quiet);
+    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
+    fixture.scan(Scope::complete);
+    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Heading);
+}
+
+void WardenStateTest::offerScansEverything()
+{
+    Fixture fixture;
+    fixture.scan(Scope::quiet);
+    fixture.warden.act(0);
+    QCOMPARE(fixture.model.phase().kind, Phase::Kind::scanning);
+    QCOMPARE(fixture.model.scope(), Scope::complete);
+    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
+}
+
+void WardenStateTest::emptyDiskSaysSo()
+{
+    ScannedHome home;
+    const WardenState warden(home.model);
+    home.scan();
+    QCOMPARE(warden.emptyMessage(), QStringLiteral("Nothing to clear was found."));
+    home.addPlace(".npm/_cacache", 50);
+    home.scan();
+    QCOMPARE(warden.emptyMessage(), QString());
+}
+
+void WardenStateTest::nothingTickedCannotBeReclaimed()
+{
+    DiskFixture fixture;
+    QVERIFY(fixture.warden.canReclaim());
+    QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        if (fixture.warden.rows()->rows().at(row).ticked)
+            fixture.warden.toggle(row);
+    QVERIFY(!fixture.warden.canReclaim());
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(true);
+    QCOMPARE(asked.count(), 0);
+    QVERIFY(fixture.has(".npm/_cacache/one"));
+}
+
+void WardenStateTest::questionNamesSumAndCount()
+{
+    DiskFixture fixture;
+    QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
+    fixture.warden.askToReclaim();
+    QCOMPARE(asked.count(), 1);
+    QCOMPARE(fixture.warden.confirmTitle(), QStringLiteral("Move 12.0 KB to the Trash?"));
+    QCOMPARE(fixture.warden.confirmAction(), QStringLiteral("Move 2 items to Trash"));
+    QCOMPARE(fixture.warden.confirmMessage(),
+        QStringLiteral(
+            "Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
+            "Quillbrook will offer to finish the job."));
+    QVERIFY(fixture.has(".npm/_cacache/one"));
+}
+
+void WardenStateTest::questionSaysWhenThereIsNoBackup()
+{
+    DiskFixture fixture;
+    fixture.backups.backups = {};
+    fixture.model->refreshSafetyNet();
+    QTRY_VERIFY(fixture.model->safetyNet());
+    QVERIFY(fixture.warden.confirmMessage().endsWith(
+        QStringLiteral("finish the job. This Mac has no backup, so deleting permanently is final.")));
+}
+
+void WardenStateTest::answerMovesWhatIsTickedAndUnticksIt()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    QVERIFY(fixture.isTrashed("one"));
+    QVERIFY(fixture.isTrashed("log"));
+    QVERIFY(fixture.has(".pub-cache/library"));
+    QVERIFY(fixture.warden.chosen().isEmpty());
+    // The same answer again is no answer.
+    fixture.warden.reclaim(true);
+    QVERIFY(fixture.isTrashed("one"));
+    fixture.settled();
+}
+
+void WardenStateTest::answerDeletesForGood()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(true);
+    QVERIFY(!fixture.has(".npm/_cacache/one"));
+    QVERIFY(!fixture.isTrashed("one"));
+    QVERIFY(fixture.has(".pub-cache/library"));
+    fixture.settled();
+}
+
+void WardenStateTest::answerIsAboutWhatWasTickedWhenItWasAsked()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        fixture.warden.toggle(row);
+    fixture.tree.file("home/.gradle/daemon/more", 65536);
+    fixture.scan();
+    QCOMPARE(fixture.warden.confirmTitle(), QStringLiteral("Move 12.0 KB to the Trash?"));
+    fixture.warden.reclaim(false);
+    QVERIFY(fixture.isTrashed("one"));
+    QVERIFY(fixture.has(".pub-cache/library"));
+    fixture.settled();
+}
+
+void WardenStateTest::untouchedTicksComeBackAfterTheRescan()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QCOMPARE(fixture.warden.total(), QStringLiteral("4.0 KB selected"));
+}
+
+void WardenStateTest::touchedTicksStayEmptyAfterARemoval()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
+            fixture.warden.toggle(row);
+    QVERIFY(fixture.warden.touched());
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 1 reclaimable items"));
+}
+
+void WardenStateTest::pendingTrashIsToldAndFinished()
+{
+    DiskFixture fixture;
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QSignalSpy asked(&fixture.warden, &WardenState::finishAsked);
+    fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner));
+    QCOMPARE(asked.count(), 1);
+    QCOMPARE(fixture.warden.finishTitle(), QStringLiteral("Permanently remove 12.0 KB?"));
+    QVERIFY(fixture.isTrashed("one"));
+    fixture.warden.finishRemoving();
+    QVERIFY(!fixture.isTrashed("one"));
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+    fixture.settled();
+}
+
+void WardenStateTest::pendingTrashGoesByItselfOnceEmptied()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+    std::filesystem::remove_all(fixture.trashFolder);
+    fixture.warden.lookAgain();
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+}
+
+// With ticks of the person's own, too, which a scan leaves alone.
+void WardenStateTest::pendingTrashIsLookedAtAfterEveryScan()
+{
+    DiskFixture fixture;
+    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+        if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
+            fixture.warden.toggle(row);
+    QVERIFY(fixture.warden.touched());
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+    std::filesystem::remove_all(fixture.trashFolder);
+    fixture.model->scan({});
+    fixture.settled();
+    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+}
+
+void WardenStateTest::dismissingTheVerificationLeavesThePendingTrash()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QVERIFY(fixture.banner(WardenRows::verificationBanner) >= 0);
+    fixture.warden.act(fixture.banner(WardenRows::verificationBanner));
+    QCOMPARE(fixture.banner(WardenRows::verificationBanner), -1);
+    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+}
+
+void WardenStateTest::missingBackupIsTold()
+{
+    DiskFixture fixture;
+    QCOMPARE(fixture.banner(WardenRows::safetyNetBanner), -1);
+    fixture.backups.backups = {};
+    fixture.model->refreshSafetyNet();
+    QTRY_COMPARE(fixture.banner(WardenRows::safetyNetBanner), 0);
+    // It has no button, and nothing happens.
+    fixture.warden.act(0);
+    QCOMPARE(fixture.model->phase().kind, Phase::Kind::ready);
+}
+
+void WardenStateTest::logIsListed()
+{
+    DiskFixture fixture;
+    fixture.warden.askToReclaim();
+    fixture.warden.reclaim(false);
+    fixture.settled();
+    QCOMPARE(fixture.warden.rows()->rows().last().kind, Kind::LogLine);
+    QCOMPARE(
+        fixture.warden.rows()->rows().last().title, QStringLiteral("✓ Android build logs — 4.0 KB to Trash"));
+}
+
+QTEST_GUILESS_MAIN(WardenStateTest)
+#include "tst_WardenState.moc"

@@ -1,0 +1,160 @@
+#include "Screens/Window/GrantedFolderState.h"
+#include "Support/FakeServices.h"
+#include "Support/FolderHold.h"
+#include "Support/WindowContent.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+namespace {
+
+const auto key = QStringLiteral("Quillbrook.homeBookmark");
+
+/// The row with all it is made from, in a sandbox that was handed a folder before.
+struct Row
+{
+    explicit Row(FakeServices &machine, const char *kept = "/home/someone")
+        : model(inSandbox(machine, kept).services)
+        , folder(access, content)
+    {
+    }
+
+    static FakeServices &inSandbox(FakeServices &machine, const char *kept)
+    {
+        machine.home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+        machine.defaults.values.insert(key, QByteArray(kept));
+        return machine;
+    }
+
+    AppModel model;
+    WindowContent window{ model };
+    FolderAccess &access = window.access;
+    ContentState &content = window.content;
+    GrantedFolderState folder;
+};
+
+} // namespace
+
+class GrantedFolderStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void standsOnlyInASandbox();
+    void tellsTheFolder();
+    void warnsOfTheWrongVolume();
+    void nameStaysOnOneLine();
+    void changingForgetsAsksAndMeasures();
+    void changingReturnsBeforeAnyoneIsAsked();
+    void cancellingTheChangeBringsTheGate();
+    void changingDuringAScanGivesThatScanUp();
+};
+
+void GrantedFolderStateTest::standsOnlyInASandbox()
+{
+    FakeServices machine;
+    Row row(machine);
+    QVERIFY(row.folder.isShown());
+
+    machine.home.home = machine.home.realHome;
+    QVERIFY(!row.folder.isShown());
+}
+
+void GrantedFolderStateTest::tellsTheFolder()
+{
+    FakeServices machine;
+    machine.desktop.folderGrants.startupDiskPrefix = "/home/";
+    Row row(machine);
+    QCOMPARE(row.folder.name(), QStringLiteral("/home/someone"));
+    QVERIFY(!row.folder.isWrongVolume());
+
+    QSignalSpy changes(&row.folder, &GrantedFolderState::changed);
+    row.access.revoke();
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(row.folder.name(), QStringLiteral("not chosen"));
+    QVERIFY(!row.folder.isWrongVolume());
+}
+
+void GrantedFolderStateTest::warnsOfTheWrongVolume()
+{
+    FakeServices machine;
+    Row row(machine, "/Volumes/Backup/someone");
+    QVERIFY(row.folder.isWrongVolume());
+    QCOMPARE(row.folder.name(), QStringLiteral("/Volumes/Backup/someone"));
+}
+
+void GrantedFolderStateTest::nameStaysOnOneLine()
+{
+    FakeServices machine;
+    Row row(machine, "/home/some\none");
+    QCOMPARE(row.folder.name(), QStringLiteral("/home/some one"));
+}
+
+void GrantedFolderStateTest::changingForgetsAsksAndMeasures()
+{
+    FakeServices machine;
+    Row row(machine);
+    machine.desktop.folderPicker.answer = "/home/another";
+    QStringList steps;
+    connect(&row.access, &FolderAccess::grantedChanged, this, [&] {
+        steps.append(row.access.granted() ? QStringLiteral("granted") : QStringLiteral("revoked"));
+        steps.append(QString::number(machine.desktop.folderPicker.requests.size()));
+    });
+    connect(&row.model, &AppModel::scanRootChanged, this, [&] { steps.append(row.model.scanRoot()); });
+    row.folder.change();
+    QTRY_COMPARE(steps,
+        QStringList({ QStringLiteral("revoked"), QStringLiteral("0"), QStringLiteral("granted"),
+            QStringLiteral("1"), QStringLiteral("/home/another") }));
+    QVERIFY(row.model.phase().kind == Phase::Kind::scanning);
+    QCOMPARE(machine.defaults.values.value(key).toByteArray(), QByteArray("/home/another"));
+    QTRY_VERIFY(row.model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(machine.directories.sessionsMade(), 1);
+}
+
+void GrantedFolderStateTest::changingReturnsBeforeAnyoneIsAsked()
+{
+    FakeServices machine;
+    Row row(machine);
+    row.folder.change();
+    QVERIFY(machine.desktop.folderPicker.requests.isEmpty());
+    QVERIFY(row.access.granted());
+    QTRY_COMPARE(machine.desktop.folderPicker.requests.size(), 1);
+}
+
+void GrantedFolderStateTest::cancellingTheChangeBringsTheGate()
+{
+    FakeServices machine;
+    Row row(machine);
+    row.folder.change();
+    QTRY_VERIFY(row.access.isGated());
+    QTRY_COMPARE(machine.desktop.folderPicker.requests.size(), 1);
+    QCOMPARE(row.content.view(), ContentState::View::Gate);
+    QVERIFY(row.model.phase().kind == Phase::Kind::idle);
+    QCOMPARE(machine.directories.sessionsMade(), 0);
+    QVERIFY(!machine.defaults.values.contains(key));
+}
+
+void GrantedFolderStateTest::changingDuringAScanGivesThatScanUp()
+{
+    FakeServices machine;
+    machine.directories.folder("/home/someone", {});
+    machine.directories.folder("/home/another", { FakeDirectories::aFile("a", 4096) });
+    FolderHold hold(machine.directories, "/home/someone");
+    Row row(machine);
+    row.model.setScanRoot(QStringLiteral("/home/someone"));
+    row.model.scan({ .scope = Scope::complete });
+    QTRY_VERIFY(hold.isHolding());
+
+    machine.desktop.folderPicker.answer = "/home/another";
+    row.folder.change();
+    QTRY_COMPARE(row.model.scanRoot(), QStringLiteral("/home/another"));
+    hold.release();
+    QTRY_VERIFY(row.model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(row.model.tree()->snapshot(row.model.rootNode())->path, QStringLiteral("/home/another"));
+    QVERIFY(row.model.scope() == Scope::complete);
+}
+
+QTEST_GUILESS_MAIN(GrantedFolderStateTest)
+#include "tst_GrantedFolderState.moc"

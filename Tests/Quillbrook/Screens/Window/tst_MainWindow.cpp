@@ -1,0 +1,529 @@
+// The main window as a person meets it, on a made-up machine: what can be read, pressed and reached.
+
+#include "Core/AppModel.h"
+#include "Core/Background.h"
+#include "Screens/Window/MainWindowState.h"
+#include "Support/FakeMotionPreference.h"
+#include "Support/FakeServices.h"
+#include "Support/FolderHold.h"
+#include "Support/QuickItems.h"
+
+#include <QQmlApplicationEngine>
+#include <QQmlComponent>
+#include <QQuickWindow>
+#include <QTest>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
+
+using namespace Quillbrook;
+using Role = QAccessible::Role;
+
+namespace {
+
+QStringList *warnings = nullptr;
+
+void keepWarnings(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtWarningMsg && warnings)
+        warnings->append(message);
+}
+
+struct Machine : FakeServices
+{
+    Machine() { directories.folder("/home/someone", { FakeDirectories::aFile("a", 4096) }); }
+
+    FakeMotionPreference motion;
+    FolderHold hold{ directories, "/home/someone" };
+};
+
+} // namespace
+
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void hasItsTitleAndSizes();
+    void scanStartsByItselfAndCanBeStopped();
+    void finishedScanIsToldAndCanBeRepeated();
+    void panesThatAreNotBuiltSaySo();
+    void commandDigitsChooseThePane_data();
+    void commandDigitsChooseThePane();
+    void arrowKeysWalkTheSidebar();
+    void rowsCanBePressedByPointerAndAccessibly();
+    void tabGoesInReadingOrder();
+    void findingsAreListedAndCleared();
+    void questionOpensTheConversation();
+    void blankQuestionKeepsThePane();
+    void nothingIsCutAtTheMinimumSize();
+    void gaugeNamesTheVolume();
+    void startChecksRunAgainWhenTheWindowComesBack();
+    void gateAsksForTheHomeFolder();
+    void gateCanBeReachedAndPressedByKeys();
+    void grantedFolderIsToldOnlyInASandbox();
+    void grantedFolderCanBeChanged();
+    void wrongVolumeIsWarnedOf();
+    void newerVersionIsTold();
+    void fullSidebarIsNotCut_data();
+    void fullSidebarIsNotCut();
+    void nothingMovesWhereTheDesktopAsksForThat();
+
+private:
+    [[nodiscard]] QQuickItem *item(Role role, const QString &name) const
+    {
+        return findAccessible(*m_window->contentItem(), role, name);
+    }
+    [[nodiscard]] bool shows(const QString &text) const { return item(Role::StaticText, text) != nullptr; }
+    [[nodiscard]] bool showsTheScan() const
+    {
+        const auto title = m_screens->scanning()->title();
+        return shows(title) && item(Role::ProgressBar, title);
+    }
+    [[nodiscard]] Pane pane() const { return m_screens->content()->pane(); }
+    void open();
+    void close();
+    void openInSandbox(const QByteArray &granted = {});
+    void finishScan();
+    void nothingIsCut(const QSize &size) const;
+
+    QStringList m_warnings;
+    std::unique_ptr<Machine> m_machine;
+    std::unique_ptr<AppModel> m_model;
+    std::unique_ptr<Background> m_background;
+    std::unique_ptr<MainWindowState> m_screens;
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+    QQuickWindow *m_window = nullptr;
+};
+
+void MainWindowTest::init()
+{
+    m_warnings.clear();
+    warnings = &m_warnings;
+    qInstallMessageHandler(keepWarnings);
+    QAccessible::setActive(true);
+
+    m_machine = std::make_unique<Machine>();
+    m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
+    open();
+}
+
+void MainWindowTest::open()
+{
+    m_model = std::make_unique<AppModel>(m_machine->services);
+    m_background = std::make_unique<Background>(m_machine->services);
+    m_screens = std::make_unique<MainWindowState>(*m_model, *m_background, m_machine->motion);
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    m_engine->setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(m_screens.get()) } });
+    m_engine->load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")));
+    m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
+    QVERIFY(m_window);
+    m_window->requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(m_window));
+}
+
+void MainWindowTest::close()
+{
+    m_machine->hold.release();
+    m_engine.reset();
+    m_screens.reset();
+    m_model.reset();
+    m_background.reset();
+}
+
+// As a start in a sandbox, where `granted` was handed over before.
+void MainWindowTest::openInSandbox(const QByteArray &granted)
+{
+    close();
+    m_machine->home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+    m_machine->desktop.folderGrants.startupDiskPrefix = "/home/";
+    if (!granted.isEmpty())
+        m_machine->defaults.values.insert(QStringLiteral("Quillbrook.homeBookmark"), granted);
+    open();
+}
+
+void MainWindowTest::cleanup()
+{
+    close();
+    m_machine.reset();
+    qInstallMessageHandler(nullptr);
+    warnings = nullptr;
+    QVERIFY2(m_warnings.isEmpty(), qPrintable(m_warnings.join(u'\n')));
+}
+
+void MainWindowTest::finishScan()
+{
+    m_machine->hold.release();
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+}
+
+void MainWindowTest::hasItsTitleAndSizes()
+{
+    QCOMPARE(m_window->title(), QStringLiteral("Quillbrook"));
+    QCOMPARE(m_window->size(), QSize(1260, 820));
+    QCOMPARE(m_window->minimumSize(), QSize(1040, 680));
+}
+
+void MainWindowTest::scanStartsByItselfAndCanBeStopped()
+{
+    QTRY_VERIFY(m_machine->hold.isHolding());
+    QVERIFY(showsTheScan());
+    QVERIFY(!item(Role::Button, QStringLiteral("Rescan")));
+    auto *stop = item(Role::Button, QStringLiteral("Stop"));
+    QVERIFY(stop);
+
+    pressAccessibly(stop);
+    QTRY_VERIFY(shows(QStringLiteral("Nothing scanned yet")));
+    QVERIFY(shows(QStringLiteral("Press Rescan to look at this Mac.")));
+    QVERIFY(item(Role::Button, QStringLiteral("Rescan")));
+}
+
+void MainWindowTest::finishedScanIsToldAndCanBeRepeated()
+{
+    finishScan();
+    QVERIFY(shows(m_screens->topBar()->summary()));
+    QVERIFY(m_screens->topBar()->summary().startsWith(QStringLiteral("scanned 1 files in ")));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, QStringLiteral("Rescan"))));
+    QTRY_COMPARE(m_machine->directories.sessionsMade(), 2);
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+}
+
+void MainWindowTest::panesThatAreNotBuiltSaySo()
+{
+    finishScan();
+    m_screens->content()->setPane(Pane::photos);
+    QTRY_VERIFY(shows(QStringLiteral("Not here yet.")));
+    QVERIFY(shows(QStringLiteral("Photos by date")));
+}
+
+void MainWindowTest::commandDigitsChooseThePane_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("expected");
+    for (const auto pane : allPanes)
+        QTest::newRow(qPrintable(title(pane))) << Qt::Key_0 + shortcutDigit(pane) << int(pane);
+}
+
+void MainWindowTest::commandDigitsChooseThePane()
+{
+    QFETCH(int, key);
+    QFETCH(int, expected);
+    QTRY_VERIFY(m_machine->hold.isHolding());
+    m_screens->content()->setPane(expected == 0 ? Pane::map : Pane::warden);
+
+    QTest::keyClick(m_window, Qt::Key(key), Qt::ControlModifier);
+    QCOMPARE(int(pane()), expected);
+    QVERIFY(showsTheScan());
+    auto *row = item(Role::ListItem, title(Pane(expected)));
+    QVERIFY(row);
+    QVERIFY(QAccessible::queryAccessibleInterface(row)->state().selected);
+}
+
+void MainWindowTest::arrowKeysWalkTheSidebar()
+{
+    QTest::keyClick(m_window, Qt::Key_Tab);
+    QTest::keyClick(m_window, Qt::Key_Down);
+    QCOMPARE(pane(), Pane::map);
+    QCOMPARE(accessibleName(m_window->activeFocusItem()), QStringLiteral("What's using space"));
+    QTest::keyClick(m_window, Qt::Key_Down);
+    QCOMPARE(pane(), Pane::largest);
+    QTest::keyClick(m_window, Qt::Key_Up);
+    QTest::keyClick(m_window, Qt::Key_Up);
+    QTest::keyClick(m_window, Qt::Key_Up);
+    QCOMPARE(pane(), Pane::warden);
+    QTest::keyClick(m_window, Qt::Key_End);
+    QCOMPARE(pane(), Pane::advisor);
+    QTest::keyClick(m_window, Qt::Key_Down);
+    QCOMPARE(pane(), Pane::advisor);
+    QTest::keyClick(m_window, Qt::Key_Home);
+    QCOMPARE(pane(), Pane::warden);
+}
+
+void MainWindowTest::rowsCanBePressedByPointerAndAccessibly()
+{
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::ListItem, QStringLiteral("Apps"))));
+    QCOMPARE(pane(), Pane::apps);
+    pressAccessibly(item(Role::ListItem, QStringLiteral("Find a file")));
+    QCOMPARE(pane(), Pane::search);
+}
+
+void MainWindowTest::tabGoesInReadingOrder()
+{
+    QTRY_VERIFY(m_machine->hold.isHolding());
+    QStringList reached;
+    for (int i = 0; i < 6; ++i) {
+        QTest::keyClick(m_window, Qt::Key_Tab);
+        reached.append(accessibleName(m_window->activeFocusItem()));
+    }
+    QCOMPARE(reached,
+        QStringList({ QStringLiteral("Free up space"), QStringLiteral("Stop"),
+            QStringLiteral("Ask Quillbrook anything about this Mac"), QStringLiteral("History"),
+            QStringLiteral("Ask"), QStringLiteral("Free up space") }));
+}
+
+void MainWindowTest::findingsAreListedAndCleared()
+{
+    const std::string place = "/home/someone/.gradle/daemon";
+    m_machine->files.entries[place] = {};
+    m_machine->directories.folder(place, { FakeDirectories::aFile("log", 4096) });
+    m_machine->directories.folder("/home/someone/.gradle", { FakeDirectories::aFolder("daemon") });
+    m_machine->directories.folder("/home/someone", { FakeDirectories::aFolder(".gradle") });
+    m_model->cancelScan();
+    m_machine->hold.release();
+    m_model->scan({ .scope = Scope::complete });
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(shows(QStringLiteral("4.0 KB selected")));
+    QVERIFY(shows(QStringLiteral("1 of 1 reclaimable items")));
+    QVERIFY(item(Role::ListItem, QStringLiteral("Android build logs, 4.0 KB")));
+    QVERIFY(item(Role::Heading, QStringLiteral("Safe to remove, 4.0 KB")));
+
+    auto *box = item(Role::CheckBox, QStringLiteral("Android build logs"));
+    QVERIFY(box && box->property("checked").toBool());
+    pressAccessibly(box);
+    QTRY_VERIFY(shows(QStringLiteral("0 B selected")));
+    QVERIFY(!box->property("checked").toBool());
+    QVERIFY(!item(Role::Button, QStringLiteral("Move to Trash"))->isEnabled());
+    pressAccessibly(box);
+
+    pressAccessibly(item(Role::Button, QStringLiteral("Move to Trash")));
+    QTRY_VERIFY(shows(QStringLiteral("Move 4.0 KB to the Trash?")));
+    QTRY_COMPARE(accessibleName(m_window->activeFocusItem()), QStringLiteral("Cancel"));
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QTRY_VERIFY(!shows(QStringLiteral("Move 4.0 KB to the Trash?")));
+    QVERIFY(m_machine->trash.asked.empty());
+    QVERIFY(m_model->reclaimLog().isEmpty());
+
+    const auto *list = m_window->findChild<QQuickItem *>(QStringLiteral("wardenList"));
+    const auto *bar = m_window->findChild<QQuickItem *>(QStringLiteral("wardenScrollBar"));
+    QVERIFY(bar->mapToScene({}).x() >= list->mapToScene({ list->width(), 0 }).x());
+}
+
+void MainWindowTest::questionOpensTheConversation()
+{
+    finishScan();
+    auto *field = item(Role::EditableText, QStringLiteral("Ask Quillbrook anything about this Mac"));
+    QVERIFY(field);
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
+    QVERIFY(field->hasActiveFocus());
+    for (const auto key : { Qt::Key_W, Qt::Key_H, Qt::Key_Y })
+        QTest::keyClick(m_window, key);
+    QCOMPARE(m_screens->askBar()->draft(), QStringLiteral("why"));
+
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QCOMPARE(pane(), Pane::advisor);
+    QCOMPARE(field->property("text").toString(), QString());
+    QVERIFY(!field->hasActiveFocus());
+    QTRY_VERIFY(shows(QStringLiteral("Past answers")));
+    QVERIFY(!item(Role::Button, QStringLiteral("Ask")));
+}
+
+void MainWindowTest::blankQuestionKeepsThePane()
+{
+    auto *field = item(Role::EditableText, QStringLiteral("Ask Quillbrook anything about this Mac"));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
+    QTest::keyClick(m_window, Qt::Key_Space);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QCOMPARE(pane(), Pane::warden);
+    QCOMPARE(field->property("text").toString(), QStringLiteral(" "));
+    pressAccessibly(item(Role::Button, QStringLiteral("Ask")));
+    QCOMPARE(pane(), Pane::warden);
+    QVERIFY(field->hasActiveFocus());
+}
+
+void MainWindowTest::nothingIsCutAtTheMinimumSize()
+{
+    finishScan();
+    nothingIsCut(m_window->minimumSize());
+}
+
+void MainWindowTest::nothingIsCut(const QSize &size) const
+{
+    m_window->resize(size);
+    QTRY_COMPARE(m_window->contentItem()->width(), qreal(size.width()));
+    const QRectF whole(QPointF(), size);
+    for (auto *part : visibleItemsBelow(*m_window->contentItem())) {
+        if (accessibleName(part).isEmpty())
+            continue;
+        const auto place = part->mapRectToScene(part->boundingRect());
+        QVERIFY2(whole.contains(place), qPrintable(accessibleName(part)));
+        QVERIFY2(!part->property("truncated").toBool(), qPrintable(accessibleName(part)));
+    }
+}
+
+void MainWindowTest::gaugeNamesTheVolume()
+{
+    QVERIFY(shows(QStringLiteral("250 B")));
+    QVERIFY(shows(QStringLiteral("75% of 1000 B used")));
+    auto *note = m_window->findChild<QQuickItem *>(QStringLiteral("gapNote"));
+    QVERIFY(note);
+    QVERIFY(!note->isVisible());
+
+    const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+    m_machine->volumes.answer
+        = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
+    m_model->refreshVolume();
+    QVERIFY(note->isVisible());
+    QVERIFY(shows(
+        QStringLiteral("Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use.")));
+}
+
+void MainWindowTest::startChecksRunAgainWhenTheWindowComesBack()
+{
+    const auto &questions = m_machine->desktop.notifier.questions;
+    const auto before = questions;
+    m_window->hide();
+    QTest::qWait(0);
+    QCOMPARE(questions, before);
+    m_window->show();
+    QTRY_COMPARE(questions, before + 1);
+    QCOMPARE(m_machine->desktop.http.requests.size(), 1);
+}
+
+void MainWindowTest::gateAsksForTheHomeFolder()
+{
+    openInSandbox();
+    const auto scans = m_machine->directories.sessionsMade();
+    QVERIFY(shows(QStringLiteral("Quillbrook needs to see your files to measure them")));
+    QVERIFY(shows(
+        QStringLiteral("It reads names, sizes and dates — never the contents of a file. Choose your home "
+                       "folder and it will not ask again.")));
+    QVERIFY(!item(Role::Button, QStringLiteral("Rescan"))->isEnabled());
+    QVERIFY(!showsTheScan());
+    for (const auto chosen : allPanes) {
+        m_screens->content()->setPane(chosen);
+        QVERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    }
+    m_screens->content()->setPane(Pane::warden);
+    auto *choose = item(Role::Button, QStringLiteral("Choose my home folder…"));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*choose));
+    QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
+    QVERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QCOMPARE(m_machine->directories.sessionsMade(), scans);
+
+    m_machine->desktop.folderPicker.answer = "/home/someone";
+    pressAccessibly(choose);
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(!item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QVERIFY(item(Role::Button, QStringLiteral("Rescan"))->isEnabled());
+    QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
+    QCOMPARE(m_machine->directories.sessionsMade(), scans + 1);
+}
+
+void MainWindowTest::gateCanBeReachedAndPressedByKeys()
+{
+    openInSandbox();
+    auto *choose = item(Role::Button, QStringLiteral("Choose my home folder…"));
+    QVERIFY(choose);
+    for (int i = 0; i < 10 && !choose->hasActiveFocus(); ++i)
+        QTest::keyClick(m_window, Qt::Key_Tab);
+    QVERIFY(choose->hasActiveFocus());
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
+}
+
+void MainWindowTest::grantedFolderIsToldOnlyInASandbox()
+{
+    QVERIFY(!item(Role::Button, QStringLiteral("Change")));
+    openInSandbox("/home/someone");
+    QVERIFY(item(Role::Button, QStringLiteral("Change")));
+    QVERIFY(shows(QStringLiteral("/home/someone")));
+    QVERIFY(!shows(QStringLiteral("That is not this Mac's startup disk")));
+    QVERIFY(!item(Role::Button, QStringLiteral("Choose my home folder…")));
+}
+
+void MainWindowTest::grantedFolderCanBeChanged()
+{
+    openInSandbox("/home/someone");
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    m_machine->desktop.folderPicker.answer = "/media/backup";
+    auto *change = item(Role::Button, QStringLiteral("Change"));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
+    QTRY_VERIFY(shows(QStringLiteral("/media/backup")));
+    QVERIFY(shows(QStringLiteral("That is not this Mac's startup disk")));
+    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QCOMPARE(m_model->scanRoot(), QStringLiteral("/media/backup"));
+
+    m_machine->desktop.folderPicker.answer.reset();
+    pressAccessibly(change);
+    QTRY_VERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QVERIFY(shows(QStringLiteral("not chosen")));
+}
+
+void MainWindowTest::wrongVolumeIsWarnedOf()
+{
+    openInSandbox("/Volumes/Backup/someone");
+    QVERIFY(shows(QStringLiteral("That is not this Mac's startup disk")));
+    QVERIFY(shows(QStringLiteral("Freeing space there will not help a full internal disk.")));
+}
+
+void MainWindowTest::newerVersionIsTold()
+{
+    const auto line = QStringLiteral("Quillbrook 2.0 is out");
+    QTRY_COMPARE(m_machine->desktop.http.requests.size(), 1);
+    QVERIFY(!item(Role::Button, line));
+    m_machine->defaults.values.remove(QStringLiteral("Quillbrook.updateCheckedAt"));
+    m_machine->desktop.http.answer
+        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
+    QTRY_VERIFY(m_model->phase().kind != Phase::Kind::idle);
+    m_model->checkForUpdate();
+    QTRY_VERIFY(item(Role::Button, line));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
+    const QUrl page(QStringLiteral("https://updates.test/2.0"));
+    QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
+    pressAccessibly(item(Role::Button, line));
+    QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
+}
+
+void MainWindowTest::fullSidebarIsNotCut_data()
+{
+    QTest::addColumn<bool>("isGated");
+    QTest::newRow("granted") << false;
+    QTest::newRow("gate") << true;
+}
+
+// Everything that the foot of the sidebar can hold at once.
+void MainWindowTest::fullSidebarIsNotCut()
+{
+    QFETCH(bool, isGated);
+    const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+    m_machine->volumes.answer = VolumeCapacity{
+        .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
+    };
+    m_machine->desktop.http.answer
+        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
+    m_machine->defaults.values.remove(QStringLiteral("Quillbrook.updateCheckedAt"));
+    openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
+    QTRY_VERIFY(item(Role::Button, QStringLiteral("Quillbrook 2.0 is out")));
+    if (!isGated)
+        QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    nothingIsCut(m_window->minimumSize());
+    const auto *rows = item(Role::ListItem, QStringLiteral("Past answers"));
+    const auto *gauge = m_window->findChild<QQuickItem *>(QStringLiteral("usedBar"));
+    QVERIFY(rows->mapToScene({ 0, rows->height() }).y() < gauge->mapToScene({}).y());
+}
+
+void MainWindowTest::nothingMovesWhereTheDesktopAsksForThat()
+{
+    QQmlComponent reader(m_engine.get());
+    reader.setData("import QtQml\nimport Quillbrook\nQtObject {\n"
+                   "readonly property int quickMotion: Metrics.quickMotion\n"
+                   "readonly property int sheetMotion: Metrics.sheetMotion\n}",
+        {});
+    const std::unique_ptr<QObject> metrics(reader.create());
+    QVERIFY2(metrics, qPrintable(reader.errorString()));
+    QCOMPARE(metrics->property("quickMotion").toInt(), 120);
+    QCOMPARE(metrics->property("sheetMotion").toInt(), 180);
+    m_machine->motion.setReduced(true);
+    QCOMPARE(metrics->property("quickMotion").toInt(), 0);
+    QCOMPARE(metrics->property("sheetMotion").toInt(), 0);
+    m_machine->motion.setReduced(false);
+    QCOMPARE(metrics->property("quickMotion").toInt(), 120);
+}
+
+QTEST_MAIN(MainWindowTest)
+#include "tst_MainWindow.moc"

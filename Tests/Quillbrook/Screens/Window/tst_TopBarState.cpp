@@ -1,0 +1,95 @@
+#include "Core/AppModel.h"
+#include "Screens/Window/TopBarState.h"
+#include "Support/FakeServices.h"
+#include "Support/FolderHold.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+class TopBarStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void summaryNamesCountAndSeconds_data();
+    void summaryNamesCountAndSeconds();
+    void buttonStopsAScanAndStartsOne();
+    void rescanKeepsTheScope();
+    void summaryFollowsTheScan();
+};
+
+void TopBarStateTest::summaryNamesCountAndSeconds_data()
+{
+    QTest::addColumn<qsizetype>("count");
+    QTest::addColumn<double>("seconds");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("before a scan") << qsizetype(0) << 0.0 << "";
+    QTest::newRow("usual") << qsizetype(1042083) << 1.1 << "scanned 1,042,083 files in 1.1s";
+    QTest::newRow("hardly any time") << qsizetype(3) << 0.0004 << "scanned 3 files in 0.0s";
+    QTest::newRow("rounded to one decimal") << qsizetype(12) << 12.36 << "scanned 12 files in 12.4s";
+    QTest::newRow("minutes stay seconds") << qsizetype(5) << 125.0 << "scanned 5 files in 125.0s";
+}
+
+void TopBarStateTest::summaryNamesCountAndSeconds()
+{
+    QFETCH(qsizetype, count);
+    QFETCH(double, seconds);
+    QFETCH(QString, expected);
+    QCOMPARE(TopBarState::summaryOf(count, seconds), expected);
+}
+
+void TopBarStateTest::buttonStopsAScanAndStartsOne()
+{
+    FakeServices machine;
+    machine.directories.folder("/home/someone", {});
+    FolderHold hold(machine.directories, "/home/someone");
+    AppModel model(machine.services);
+    TopBarState bar(model);
+    QSignalSpy changes(&bar, &TopBarState::actionTextChanged);
+    QCOMPARE(bar.actionText(), QStringLiteral("Rescan"));
+
+    bar.act();
+    QVERIFY(model.phase().kind == Phase::Kind::scanning);
+    QCOMPARE(bar.actionText(), QStringLiteral("Stop"));
+    QTRY_VERIFY(hold.isHolding());
+
+    bar.act();
+    QVERIFY(model.phase().kind == Phase::Kind::idle);
+    QCOMPARE(bar.actionText(), QStringLiteral("Rescan"));
+    QCOMPARE(changes.count(), 2);
+    hold.release();
+}
+
+void TopBarStateTest::rescanKeepsTheScope()
+{
+    FakeServices machine;
+    AppModel model(machine.services);
+    TopBarState bar(model);
+    model.scan({ .scope = Scope::complete });
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    bar.act();
+    QVERIFY(model.scope() == Scope::complete);
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(machine.directories.sessionsMade(), 2);
+}
+
+void TopBarStateTest::summaryFollowsTheScan()
+{
+    FakeServices machine;
+    machine.directories.folder(
+        "/home/someone", { FakeDirectories::aFile("a", 1), FakeDirectories::aFile("b", 1) });
+    AppModel model(machine.services);
+    TopBarState bar(model);
+    QSignalSpy changes(&bar, &TopBarState::summaryChanged);
+    QCOMPARE(bar.summary(), QString());
+    bar.act();
+    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QVERIFY(changes.count() > 0);
+    QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.lastScanDuration()));
+    QVERIFY(bar.summary().startsWith(QStringLiteral("scanned 2 files in ")));
+}
+
+QTEST_GUILESS_MAIN(TopBarStateTest)
+#include "tst_TopBarState.moc"

@@ -1,0 +1,80 @@
+#include "Core/AppModel.h"
+#include "Screens/Window/UpdateLineState.h"
+#include "Support/FakeServices.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillbrook;
+
+class UpdateLineStateTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nothingIsToldWithoutAnUpdate();
+    void newerVersionIsToldAndOpened();
+    void noticeGoesWithTheUpdate();
+    void versionStaysOnOneLine();
+
+private:
+    static void answer(FakeServices &machine, const QByteArray &body)
+    {
+        machine.desktop.http.answer = HttpAnswer{ .status = 200, .body = body };
+    }
+};
+
+void UpdateLineStateTest::nothingIsToldWithoutAnUpdate()
+{
+    FakeServices machine;
+    AppModel model(machine.services);
+    UpdateLineState line(model);
+    QCOMPARE(line.text(), QString());
+    line.open();
+    QVERIFY(machine.desktop.links.opened.isEmpty());
+}
+
+void UpdateLineStateTest::newerVersionIsToldAndOpened()
+{
+    FakeServices machine;
+    answer(machine, R"({"version": "1.2.3", "url": "https://updates.test/1.2.3"})");
+    AppModel model(machine.services);
+    UpdateLineState line(model);
+    QSignalSpy changes(&line, &UpdateLineState::changed);
+    model.checkForUpdate();
+    QTRY_COMPARE(line.text(), QStringLiteral("Quillbrook 1.2.3 is out"));
+    QVERIFY(changes.count() > 0);
+    QVERIFY(machine.desktop.links.opened.isEmpty());
+
+    line.open();
+    QCOMPARE(machine.desktop.links.opened, QList<QUrl>{ QUrl(QStringLiteral("https://updates.test/1.2.3")) });
+}
+
+void UpdateLineStateTest::noticeGoesWithTheUpdate()
+{
+    FakeServices machine;
+    answer(machine, R"({"version": "1.2.3", "url": "https://updates.test/1.2.3"})");
+    AppModel model(machine.services);
+    UpdateLineState line(model);
+    model.checkForUpdate();
+    QTRY_VERIFY(!line.text().isEmpty());
+
+    machine.desktop.http.answer.reset();
+    QSignalSpy changes(&line, &UpdateLineState::changed);
+    model.checkForUpdate();
+    QTRY_COMPARE(line.text(), QString());
+    QCOMPARE(changes.count(), 1);
+}
+
+void UpdateLineStateTest::versionStaysOnOneLine()
+{
+    FakeServices machine;
+    answer(machine, R"({"version": "2.\n%1", "url": "https://updates.test/"})");
+    AppModel model(machine.services);
+    UpdateLineState line(model);
+    model.checkForUpdate();
+    QTRY_COMPARE(line.text(), QStringLiteral("Quillbrook 2. %1 is out"));
+}
+
+QTEST_GUILESS_MAIN(UpdateLineStateTest)
+#include "tst_UpdateLineState.moc"
