@@ -21,6 +21,7 @@
 namespace {
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using namespace Quillbrook::Benchmarks;
 using Watch = std::chrono::steady_clock;
 
@@ -73,7 +74,7 @@ QJsonObject bare(const QString &home)
 QJsonObject evaluate()
 {
     CatalogueSurroundings surroundings;
-    const auto home = QStringLiteral("/home/nobody here");
+    const auto home = u"/home/nobody here"_s;
     const auto host = hostOf(home);
     CatalogueHome maker(home);
     maker.addEveryLocation(host);

@@ -27,6 +27,7 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -75,7 +76,7 @@ int main(int count, char **texts)
         std::fputs("FindingsOnce FOLDER START\n", stderr);
         return 2;
     }
-    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QQuickStyle::setStyle(u"Basic"_s);
     Moments moments;
     Benchmarks::OfflineServices offline(arguments[1]);
     AppModel model(offline.services());
@@ -84,9 +85,9 @@ int main(int count, char **texts)
     Background background(model.services());
     MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")));
+    engine.addImportPath(u"qrc:/qt/qml"_s);
+    engine.setInitialProperties({ { u"screens"_s, QVariant::fromValue(&screens) } });
+    engine.load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s));
     auto *window = engine.rootObjects().isEmpty()
         ? nullptr
         : qobject_cast<QQuickWindow *>(engine.rootObjects().first());

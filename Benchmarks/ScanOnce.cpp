@@ -27,6 +27,7 @@
 namespace {
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 double secondsOf(auto &&work)
 {
@@ -84,10 +85,9 @@ int main(int count, char **texts)
     FastScanner scanner(*directories);
     FastScanner::Result result;
     const auto seconds = secondsOf([&] {
-        result = scanner.scan(
-            { .rootPath = isMadeUp ? QStringLiteral("/made up")
-                                   : QFile::decodeName(parser.positionalArguments().first().toUtf8()),
-                .threads = threadCount });
+        result = scanner.scan({ .rootPath
+            = isMadeUp ? u"/made up"_s : QFile::decodeName(parser.positionalArguments().first().toUtf8()),
+            .threads = threadCount });
     });
     auto output = figures(result);
     output["seconds"] = seconds;

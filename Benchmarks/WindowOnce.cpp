@@ -22,6 +22,7 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 int main(int count, char **texts)
 {
@@ -31,16 +32,16 @@ int main(int count, char **texts)
         std::fputs("WindowOnce FOLDER\n", stderr);
         return 2;
     }
-    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QQuickStyle::setStyle(u"Basic"_s);
     Benchmarks::OfflineServices offline(arguments[1]);
     AppModel model(offline.services());
     LinuxMotionPreference motion;
     Background background(model.services());
     MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")));
+    engine.addImportPath(u"qrc:/qt/qml"_s);
+    engine.setInitialProperties({ { u"screens"_s, QVariant::fromValue(&screens) } });
+    engine.load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s));
     if (engine.rootObjects().isEmpty())
         return 1;
     Benchmarks::WatchedScans scans(model, { Pane::map, Pane::largest, Pane::search, Pane::map });

@@ -17,6 +17,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -30,7 +32,7 @@ constexpr auto samePress = 300ms;
 /// A window on Wayland can't say where it goes. There the panel is a window as others are.
 bool canPlaceWindows()
 {
-    return !QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+    return !QGuiApplication::platformName().startsWith(u"wayland"_s);
 }
 
 const QScreen *screenFor(const std::optional<QPoint> &place)
@@ -87,7 +89,7 @@ AppDelegate::~AppDelegate()
 
 bool AppDelegate::startsInBackground(const QStringList &arguments)
 {
-    return arguments.contains(QStringLiteral("--background"));
+    return arguments.contains(u"--background"_s);
 }
 
 bool AppDelegate::start(bool inBackground)

@@ -46,6 +46,7 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -91,7 +92,7 @@ struct Machine
     LinuxLinkOpener links;
     LinuxFolderPicker folderPicker{ { .isSandboxed = !session.sandbox.isNone() } };
     LinuxFolderGrants folderGrants{ { .realHome = QFile::encodeName(home.realHomeDirectory()).toStdString(),
-        .runtimeFolder = environment.value(QStringLiteral("XDG_RUNTIME_DIR")).toStdString() } };
+        .runtimeFolder = environment.value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
     NetworkHttpClient http;
     /// Its work uses the others, and ends before they do.
     LinuxUtilityQueue utility;
@@ -129,10 +130,10 @@ struct Machine
 
 AppDelegate::Windows windows(MainWindowState &screens, MenuBarPanelState &panel)
 {
-    return { .main = QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")),
-        .mainProperties = { { QStringLiteral("screens"), QVariant::fromValue(&screens) } },
-        .panel = QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Panel/MenuBarPanel.qml")),
-        .panelProperties = { { QStringLiteral("panel"), QVariant::fromValue(&panel) } } };
+    return { .main = QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s),
+        .mainProperties = { { u"screens"_s, QVariant::fromValue(&screens) } },
+        .panel = QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Panel/MenuBarPanel.qml"_s),
+        .panelProperties = { { u"panel"_s, QVariant::fromValue(&panel) } } };
 }
 
 } // namespace
@@ -141,10 +142,10 @@ int main(int argc, char **argv)
 {
     const auto tokens = LinuxAppInstance::StartTokens::ofEnvironment();
     QApplication application(argc, argv);
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbrook"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("com.tarnwick.Quillbrook"));
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.tarnwick.Quillbrook-256.png")));
-    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    QGuiApplication::setApplicationDisplayName(u"Quillbrook"_s);
+    QGuiApplication::setDesktopFileName(u"com.tarnwick.Quillbrook"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/icons/com.tarnwick.Quillbrook-256.png"_s));
+    QQuickStyle::setStyle(u"Basic"_s);
 
     // Before anything that writes: the stores have one writer.
     LinuxAppInstance instance({ .tokens = tokens });
@@ -161,7 +162,7 @@ int main(int argc, char **argv)
     LinuxTrayItem tray;
 
     QQmlEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImportPath(u"qrc:/qt/qml"_s);
     AppDelegate delegate(
         { .model = model, .background = background, .tray = tray, .instance = instance, .engine = engine },
         windows(screens, panel));

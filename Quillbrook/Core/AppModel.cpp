@@ -14,11 +14,13 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace std::chrono_literals;
 
-const auto lastFileCountKey = QStringLiteral("Quillbrook.lastFileCount");
+const auto lastFileCountKey = u"Quillbrook.lastFileCount"_s;
 
 } // namespace
 
@@ -31,11 +33,11 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_watcher(services.kit)
 {
     m_askingPool.setMaxThreadCount(1);
-    m_ticker.setObjectName(QStringLiteral("ticker"));
+    m_ticker.setObjectName(u"ticker"_s);
     m_ticker.setParent(this);
     m_ticker.setInterval(1s);
     connect(&m_ticker, &QTimer::timeout, this, &AppModel::tick);
-    m_volumeClock.setObjectName(QStringLiteral("volumeClock"));
+    m_volumeClock.setObjectName(u"volumeClock"_s);
     m_volumeClock.setParent(this);
     m_volumeClock.setInterval(60s);
     connect(&m_volumeClock, &QTimer::timeout, this, &AppModel::refreshVolume);
@@ -140,8 +142,7 @@ void AppModel::tick()
     if (!m_scanner)
         return;
     const auto seen = m_scanner->progress();
-    m_scanProgress.setCounts(
-        Format::count(seen.filesSeen) + QStringLiteral(" files · ") + Format::bytes(seen.bytesSeen));
+    m_scanProgress.setCounts(Format::count(seen.filesSeen) + u" files · "_s + Format::bytes(seen.bytesSeen));
     if (m_progress < TreeStageEstimate::start)
         return;
     const auto fraction = TreeStageEstimate::fraction({ .filesSeen = seen.filesSeen,

@@ -11,9 +11,11 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto updateCheckedAtKey = QStringLiteral("Quillbrook.updateCheckedAt");
+const auto updateCheckedAtKey = u"Quillbrook.updateCheckedAt"_s;
 constexpr qint64 millisecondsBetweenUpdateChecks = qint64{ 86'400 } * 1000;
 
 } // namespace
@@ -32,7 +34,7 @@ void AppModel::checkForUpdate()
 QCoro::Task<> AppModel::askForUpdate()
 {
     const QPointer self(this);
-    const auto version = m_services.version.isEmpty() ? QStringLiteral("0") : m_services.version;
+    const auto version = m_services.version.isEmpty() ? u"0"_s : m_services.version;
     const auto asking = UpdateCheck::check(m_services.kit.http, version, m_services.updateFeed);
     const auto found = co_await asking;
     if (!self)
@@ -57,9 +59,8 @@ void AppModel::takeObservation(const Watcher::Observation &observation)
         return;
     auto body = observation.headline;
     if (observation.biggestGroup)
-        body += QStringLiteral(" · mostly ") + *observation.biggestGroup;
-    m_services.notifier.post(
-        Format::bytes(observation.reclaimableBytes) + QStringLiteral(" can be reclaimed"), body);
+        body += u" · mostly "_s + *observation.biggestGroup;
+    m_services.notifier.post(Format::bytes(observation.reclaimableBytes) + u" can be reclaimed"_s, body);
 }
 
 void AppModel::setWatching(bool watching)

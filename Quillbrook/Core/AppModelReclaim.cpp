@@ -18,32 +18,34 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString done(const QString &what)
 {
-    return QStringLiteral("✓ ") + what;
+    return u"✓ "_s + what;
 }
 
 QString failed(const QString &what)
 {
-    return QStringLiteral("✗ ") + what;
+    return u"✗ "_s + what;
 }
 
 QString line(const Reclaimer::Outcome &outcome)
 {
     const auto &title = outcome.finding.rule.title;
     if (outcome.error)
-        return failed(QStringLiteral("%1: %2").arg(title, *outcome.error));
-    const auto fate = outcome.permanent ? QStringLiteral("deleted") : QStringLiteral("to Trash");
-    return done(QStringLiteral("%1 — %2 %3").arg(title, Format::bytes(outcome.bytesMoved), fate));
+        return failed(u"%1: %2"_s.arg(title, *outcome.error));
+    const auto fate = outcome.permanent ? u"deleted"_s : u"to Trash"_s;
+    return done(u"%1 — %2 %3"_s.arg(title, Format::bytes(outcome.bytesMoved), fate));
 }
 
 } // namespace
 
 QString AppModel::reclaimedBytesKey()
 {
-    return QStringLiteral("Quillbrook.reclaimedBytes");
+    return u"Quillbrook.reclaimedBytes"_s;
 }
 
 // The rows of a finding that failed in part stay unknown to the ledger, on purpose: what it holds is what was
@@ -96,10 +98,10 @@ std::optional<TrashedItem> AppModel::moveItem(const StorageItem &item)
 {
     const auto moved = m_services.kit.trash.move(item.rawPath);
     if (!moved) {
-        appendLog(failed(QStringLiteral("%1: %2").arg(item.name, moved.error())));
+        appendLog(failed(u"%1: %2"_s.arg(item.name, moved.error())));
         return std::nullopt;
     }
-    appendLog(done(QStringLiteral("%1 — %2 to Trash").arg(item.name, Format::bytes(item.bytes))));
+    appendLog(done(u"%1 — %2 to Trash"_s.arg(item.name, Format::bytes(item.bytes))));
     return TrashedItem::moved({ .label = item.name,
         .originalPath = item.rawPath,
         .trashPath = *moved,
@@ -134,8 +136,8 @@ void AppModel::removeSelected(bool permanent)
     }
     if (removal.trashed)
         record({ *removal.trashed });
-    const auto fate = permanent ? QStringLiteral("removed") : QStringLiteral("moved to the Trash");
-    prependLog(done(QStringLiteral("%1 — %2 %3").arg(item.name, Format::bytes(item.bytes), fate)));
+    const auto fate = permanent ? u"removed"_s : u"moved to the Trash"_s;
+    prependLog(done(u"%1 — %2 %3"_s.arg(item.name, Format::bytes(item.bytes), fate)));
     recordReclaimed(removal.bytes);
     setSelection(std::nullopt);
     refreshVolume();
@@ -158,8 +160,8 @@ void AppModel::absorb(const std::vector<PathRemoval::Removal> &removals, const Q
         record(rows);
     if (total > 0) {
         m_uninstallLog.prepend(
-            done(QStringLiteral("%1 — %2 moved to the Trash. The space comes back when the Trash is emptied.")
-                     .arg(subject, Format::bytes(total))));
+            done(u"%1 — %2 moved to the Trash. The space comes back when the Trash is emptied."_s.arg(
+                subject, Format::bytes(total))));
         recordReclaimed(total);
     }
     Q_EMIT uninstallLogChanged();
@@ -171,8 +173,8 @@ void AppModel::finishRemoving()
     const auto purged = m_ledger.purge();
     Q_EMIT ledgerChanged();
     if (purged.removed >= 1)
-        appendLog(done(QStringLiteral("permanently removed %1 items · %2 actually freed")
-                           .arg(QString::number(purged.removed), Format::bytes(purged.bytes))));
+        appendLog(done(u"permanently removed %1 items · %2 actually freed"_s.arg(
+            QString::number(purged.removed), Format::bytes(purged.bytes))));
     refreshVolume();
     scan({});
 }

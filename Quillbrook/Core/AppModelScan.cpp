@@ -15,6 +15,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -122,7 +124,7 @@ void AppModel::showQuickFindings(const FindingCollector::Look &look, qsizetype s
 void AppModel::endQuickStage(const ReclaimReport &report)
 {
     setReport(report);
-    m_scanProgress.setDetail(QStringLiteral("measuring the rest of the disk"));
+    m_scanProgress.setDetail(u"measuring the rest of the disk"_s);
 }
 
 } // namespace Quillbrook

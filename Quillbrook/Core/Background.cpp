@@ -11,9 +11,11 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto notificationsWantedKey = QStringLiteral("Quillbrook.notificationsWanted");
+const auto notificationsWantedKey = u"Quillbrook.notificationsWanted"_s;
 
 } // namespace
 

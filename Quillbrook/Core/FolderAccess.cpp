@@ -16,9 +16,11 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto bookmarkKey = QStringLiteral("Quillbrook.homeBookmark");
+const auto bookmarkKey = u"Quillbrook.homeBookmark"_s;
 
 /// What lies below one of these lies on the startup disk.
 constexpr std::array<std::string_view, 2> startupDiskPrefixes{ "/Users/", "/System/Volumes/Data/Users/" };
@@ -26,13 +28,13 @@ constexpr std::array<std::string_view, 2> startupDiskPrefixes{ "/Users/", "/Syst
 QString parentOf(const QString &path)
 {
     const auto slash = path.lastIndexOf(u'/');
-    return slash <= 0 ? QStringLiteral("/") : path.first(slash);
+    return slash <= 0 ? u"/"_s : path.first(slash);
 }
 
 QString lastComponentOf(const QString &path)
 {
     const auto name = path.sliced(path.lastIndexOf(u'/') + 1);
-    return name.isEmpty() ? QStringLiteral("/") : name;
+    return name.isEmpty() ? u"/"_s : name;
 }
 
 } // namespace

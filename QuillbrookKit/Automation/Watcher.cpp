@@ -21,6 +21,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -52,12 +54,11 @@ std::optional<QString> biggestSafe(const ReclaimReport &report)
 
 QString headlineOf(const Watcher::Observation &observation, bool low, bool worthMentioning)
 {
-    auto headline = Format::bytes(observation.freeBytes) + QStringLiteral(" free");
+    auto headline = Format::bytes(observation.freeBytes) + u" free"_s;
     if (low && worthMentioning)
-        headline += QStringLiteral(" · ") + Format::bytes(observation.reclaimableBytes)
-            + QStringLiteral(" can be reclaimed");
+        headline += u" · "_s + Format::bytes(observation.reclaimableBytes) + u" can be reclaimed"_s;
     else if (low)
-        headline += QStringLiteral(" · nothing safe left to reclaim");
+        headline += u" · nothing safe left to reclaim"_s;
     return headline;
 }
 

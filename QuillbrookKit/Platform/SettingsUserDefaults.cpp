@@ -4,17 +4,19 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto trueText = QStringLiteral("true");
-const auto falseText = QStringLiteral("false");
+const auto trueText = u"true"_s;
+const auto falseText = u"false"_s;
 /// Digits that bring every double back exactly.
 constexpr int exactDigits = 17;
 
 } // namespace
 
 SettingsUserDefaults::SettingsUserDefaults()
-    : m_settings(QStringLiteral("Quillbrook"), QStringLiteral("Quillbrook"))
+    : m_settings(u"Quillbrook"_s, u"Quillbrook"_s)
 {
     m_settings.setFallbacksEnabled(false);
 }

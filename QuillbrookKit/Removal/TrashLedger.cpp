@@ -15,6 +15,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // About half a million rows; a longer file is not what a ledger grows to.
@@ -38,7 +40,7 @@ bool isPlace(const std::string &path)
 
 QString somethingElse()
 {
-    return QStringLiteral("Something else lies in the Trash under its name by now.");
+    return u"Something else lies in the Trash under its name by now."_s;
 }
 
 void log(const QString &message)
@@ -78,8 +80,7 @@ TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items)
     for (const auto &item : stillInTrash(items)) {
         tried.insert(item.id);
         if (const auto erased = erase(item); !erased) {
-            log(QStringLiteral("could not purge %1 — %2")
-                    .arg(QString::fromStdString(item.trashPath), erased.error()));
+            log(u"could not purge %1 — %2"_s.arg(QString::fromStdString(item.trashPath), erased.error()));
             continue;
         }
         ++purged.removed;
@@ -97,7 +98,7 @@ bool TrashLedger::restore(const TrashedItem &item)
     const auto moved = isOurs(item) ? m_services.trash.restore(item.trashPath, item.originalPath)
                                     : std::unexpected(somethingElse());
     if (!moved) {
-        log(QStringLiteral("restore failed — %1").arg(moved.error()));
+        log(u"restore failed — %1"_s.arg(moved.error()));
         return false;
     }
     std::erase_if(m_items, [id = item.id](const TrashedItem &row) { return row.id == id; });

@@ -8,6 +8,8 @@
 
 namespace Quillbrook::Format {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qint64 bytesPerUnit = 1024;
@@ -37,7 +39,7 @@ std::optional<qsizetype> homeLength(const QString &path, const QString &home)
 QString bytes(qint64 count)
 {
     if (count < bytesPerUnit)
-        return QString::number(count) + QStringLiteral(" B");
+        return QString::number(count) + u" B"_s;
     auto value = static_cast<double>(count) * reciprocalOfUnit;
     size_t unit = 0;
     for (; value >= bytesPerUnit && unit + 1 < units.size(); ++unit)
@@ -53,17 +55,17 @@ QString count(qint64 value)
 QString age(const std::optional<QDateTime> &date, const QDateTime &now)
 {
     if (!date)
-        return QStringLiteral("unknown");
+        return u"unknown"_s;
     const auto days = wholeDays(*date, now);
     if (days < 1)
-        return QStringLiteral("today");
+        return u"today"_s;
     if (days == 1)
-        return QStringLiteral("yesterday");
+        return u"yesterday"_s;
     if (days < daysPerMonth)
-        return QStringLiteral("%1 days ago").arg(days);
+        return u"%1 days ago"_s.arg(days);
     if (days < daysPerYear)
-        return QStringLiteral("%1 months ago").arg(days / daysPerMonth);
-    return QStringLiteral("over a year ago");
+        return u"%1 months ago"_s.arg(days / daysPerMonth);
+    return u"over a year ago"_s;
 }
 
 QString friendlyPath(const QString &path, const QString &home)

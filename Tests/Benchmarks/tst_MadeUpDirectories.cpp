@@ -6,6 +6,7 @@
 #include <set>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class tst_MadeUpDirectories : public QObject
 {
@@ -24,7 +25,7 @@ FastScanner::Result scanOf(std::uint64_t files, int threads)
 {
     Benchmarks::MadeUpDirectories directories(files);
     FastScanner scanner(directories);
-    return scanner.scan({ .rootPath = QStringLiteral("/made up"), .threads = threads });
+    return scanner.scan({ .rootPath = u"/made up"_s, .threads = threads });
 }
 
 } // namespace

@@ -13,19 +13,49 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 CODE = {".h", ".cpp"}
 
-# What each Kit folder may include of the Kit besides itself; the arrows never form a ring. The root's own headers
-# (Fatal.h) are for everyone. Platform/Linux answers for interfaces wherever they stand, and nothing includes it.
+# What each folder may include besides itself; the arrows never form a ring. The root's own headers (Fatal.h) are for
+# everyone. A room of Linux stands below what it serves and may build on it; nothing but the root of the application,
+# where the machine is put together, and rooms of Linux include a room of Linux.
 KIT_DIRECTIONS = {
     "Platform": set(),
+    "Platform/Linux/Files": {"Platform"},
+    "Platform/Linux/Folders": {"Platform", "Platform/Linux/Files"},
+    "Platform/Linux/Trash": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Scan"},
+    "Platform/Linux/Backups": {"Platform", "Platform/Linux/Files"},
+    "Platform/Linux/Processes": {"Platform", "Platform/Linux/Files"},
     "Scan": {"Platform"},
     "Catalogue": {"Platform", "Scan"},
+    "Catalogue/Linux": {"Catalogue", "Platform", "Scan", "Platform/Linux/Files", "Platform/Linux/Folders"},
     "Removal": {"Platform", "Scan", "Catalogue"},
+    "Removal/Linux": {
+        "Removal", "Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Trash"},
     "Uninstaller": {"Platform", "Scan", "Removal"},
     "Offload": {"Platform", "Scan", "Removal"},
     "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
 }
 
-# Headers that only a Platform/Linux folder may include.
+# The same of the application, for its own folders; all of them may include the Kit's that are no rooms of Linux, and
+# the rooms of Linux its rooms too.
+APPLICATION_DIRECTIONS = {
+    "Platform": set(),
+    "Platform/Linux/Sandbox": {"Platform"},
+    "Platform/Linux/Session": {"Platform", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Notifications": {"Platform", "Platform/Linux/Session", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Opening": {"Platform", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Tray": {"Platform", "Platform/Linux/Sandbox"},
+    "Core": {"Platform"},
+    "Screens": {"Platform", "Core"},
+    "Screens/Symbols": {"Screens"},
+    "Screens/Lists": {"Platform", "Core", "Screens"},
+    "Screens/Map": {"Platform", "Core", "Screens"},
+    "Screens/Scanning": {"Platform", "Core", "Screens"},
+    "Screens/Warden": {"Platform", "Core", "Screens"},
+    "Screens/Panel": {"Platform", "Core", "Screens"},
+    "Screens/Window": {
+        "Platform", "Core", "Screens", "Screens/Lists", "Screens/Map", "Screens/Scanning", "Screens/Warden"},
+}
+
+# Headers that only a folder named Linux may include.
 PLATFORM_HEADERS = re.compile(
     r"<(linux/|sys/|mntent\.h|fcntl\.h|unistd\.h|dirent\.h|pwd\.h|sched\.h|signal\.h|poll\.h|dlfcn\.h|"
     r"QDBus|QtDBus)")
@@ -56,8 +86,19 @@ def includes(path):
             yield number, found.group(1)
 
 
-def in_platform(path):
-    return "Platform/Linux/" in relative(path)
+def in_linux(path):
+    """Whether a file stands in a folder named Linux, or in one below."""
+    return "Linux" in path.relative_to(ROOT).parts[:-1]
+
+
+def folder_of(path, base):
+    """The folder a file of the Kit or of the application stands in, "" for the root's own."""
+    return path.parent.relative_to(ROOT / base).as_posix().removeprefix(".")
+
+
+def folder_included(name):
+    """The folder that stands in an include of ours, "" for a root's header, None for one of others."""
+    return name.strip('"').rpartition("/")[0] if name.startswith('"') else None
 
 
 class Directions(unittest.TestCase):
@@ -76,31 +117,55 @@ class Directions(unittest.TestCase):
                     self.assertFalse(bare in application - kit, f"includes {bare} of the application")
                     self.assertNotRegex(bare, r"^(QtGui|QtQuick|QtQml|QtWidgets|QGuiApp|QApplication|QQuick|QQml|QWidget)")
 
+    def testTheArrowsNeverFormARing(self):
+        for directions in (KIT_DIRECTIONS, APPLICATION_DIRECTIONS):
+            reached = {folder: set(others) for folder, others in directions.items()}
+            for _ in directions:
+                for others in reached.values():
+                    others |= set().union(*(reached.get(other, set()) for other in others))
+            for folder, others in reached.items():
+                with self.subTest(folder):
+                    self.assertNotIn(folder, others)
+
     def testFoldersOfTheKitIncludeOnlyWhatTheyBuildOn(self):
         for path in self.sources("QuillbrookKit"):
-            own, *below = path.relative_to(ROOT / "QuillbrookKit").parts
-            if not below or in_platform(path):
+            own = folder_of(path, "QuillbrookKit")
+            if not own:
                 continue
             with self.subTest(relative(path)):
                 self.assertIn(own, KIT_DIRECTIONS, "a folder without a row in the table above")
             for number, name in includes(path):
-                other = name.strip('"').split("/")[0]
+                other = folder_included(name)
                 with self.subTest(f"{relative(path)}:{number}"):
-                    self.assertNotIn("Platform/Linux", name)
-                    if name.startswith('"') and "/" in name and other != own:
+                    if other and other != own:
                         self.assertIn(other, KIT_DIRECTIONS.get(own, ()), f"{own} does not build on {other}")
 
-    def testOnlyPlatformFoldersIncludeSystemHeaders(self):
+    def testFoldersOfTheApplicationIncludeOnlyWhatTheyBuildOn(self):
+        for path in self.sources("Quillbrook"):
+            own = folder_of(path, "Quillbrook")
+            if not own:
+                continue
+            with self.subTest(relative(path)):
+                self.assertIn(own, APPLICATION_DIRECTIONS, "a folder without a row in the table above")
+            allowed = set(APPLICATION_DIRECTIONS.get(own, ())) | {own}
+            allowed |= {folder for folder in KIT_DIRECTIONS if in_linux(path) or "Linux" not in folder}
+            for number, name in includes(path):
+                other = folder_included(name)
+                with self.subTest(f"{relative(path)}:{number}"):
+                    if other:
+                        self.assertIn(other, allowed, f"{own} does not build on {other}")
+
+    def testOnlyFoldersOfLinuxIncludeSystemHeaders(self):
         for path in self.sources("QuillbrookKit") + self.sources("Quillbrook"):
-            if in_platform(path):
+            if in_linux(path):
                 continue
             for number, name in includes(path):
                 with self.subTest(f"{relative(path)}:{number}"):
                     self.assertNotRegex(name, PLATFORM_HEADERS)
 
-    def testOnlyPlatformFoldersReadTheKernelsFiles(self):
+    def testOnlyFoldersOfLinuxReadTheKernelsFiles(self):
         for path in self.sources("QuillbrookKit") + self.sources("Quillbrook"):
-            if in_platform(path):
+            if in_linux(path):
                 continue
             for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
                 with self.subTest(f"{relative(path)}:{number}"):

@@ -12,12 +12,13 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString reason(const char *what)
 {
-    return QStringLiteral("%1: %2").arg(
-        QLatin1StringView(what), QString::fromLocal8Bit(std::strerror(errno)));
+    return u"%1: %2"_s.arg(QLatin1StringView(what), QString::fromLocal8Bit(std::strerror(errno)));
 }
 
 bool writeText(const char *path, const std::string &text)
@@ -62,7 +63,7 @@ PrivateMounts::Mounted::Mounted(const std::string &source, const std::string &pa
     if (::mount(source.c_str(), path.c_str(), type, flags, options.c_str()) != 0)
         m_failure = reason("the mount failed");
     else if (!isMounted(path))
-        m_failure = QStringLiteral("the mount is not there");
+        m_failure = u"the mount is not there"_s;
 }
 
 PrivateMounts::Mounted::~Mounted()

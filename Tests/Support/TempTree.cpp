@@ -10,6 +10,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 void require(bool done, const char *what)
@@ -68,7 +70,7 @@ void makeParents(const std::string &path)
 } // namespace
 
 TempTree::TempTree(const QString &place)
-    : m_path((place + QStringLiteral("/quillbrook-test-XXXXXX")).toStdString())
+    : m_path((place + u"/quillbrook-test-XXXXXX"_s).toStdString())
 {
     require(::mkdtemp(m_path.data()) != nullptr, "mkdtemp");
     require(::chmod(m_path.c_str(), 0755) == 0, "chmod");

@@ -9,6 +9,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr double smallestView = 10.0;
@@ -26,15 +28,15 @@ QString text(const Phase &phase)
 {
     switch (phase.kind) {
     case Phase::Kind::idle:
-        return QStringLiteral("idle");
+        return u"idle"_s;
     case Phase::Kind::scanning:
-        return QStringLiteral("scanning");
+        return u"scanning"_s;
     case Phase::Kind::ready:
-        return QStringLiteral("ready");
+        return u"ready"_s;
     case Phase::Kind::failed:
         break;
     }
-    return QStringLiteral("failed: ") + phase.message;
+    return u"failed: "_s + phase.message;
 }
 
 NodeSnapshot snapshotOf(const Treemap::Tile &tile)

@@ -15,6 +15,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qsizetype fewestItemsTold = 2;
@@ -108,7 +110,7 @@ bool SelectionBarState::present() const
 
 QString SelectionBarState::symbol() const
 {
-    return canOpen() ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill");
+    return canOpen() ? u"folder.fill"_s : u"doc.fill"_s;
 }
 
 QString SelectionBarState::name() const

@@ -14,6 +14,8 @@
 
 namespace Quillbrook::TreemapAccessible {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QRect onScreen(const TreemapItem &item, const QRectF &rect)
@@ -81,7 +83,7 @@ QString TileInterface::text(QAccessible::Text text) const
         return {};
     switch (text) {
     case QAccessible::Name:
-        return QStringLiteral("%1, %2").arg(singleLine(tile().name), Format::bytes(tile().bytes));
+        return u"%1, %2"_s.arg(singleLine(tile().name), Format::bytes(tile().bytes));
     case QAccessible::Description:
         return tile().path;
     default:

@@ -10,6 +10,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -23,7 +25,7 @@ MenuBarPanelState::MenuBarPanelState(
     , m_background(background)
     , m_access(access)
 {
-    m_ageClock.setObjectName(QStringLiteral("ageClock"));
+    m_ageClock.setObjectName(u"ageClock"_s);
     m_ageClock.setParent(this);
     m_ageClock.setInterval(60s);
     connect(&m_ageClock, &QTimer::timeout, this, &MenuBarPanelState::changed);

@@ -4,6 +4,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 QString WardenRow::spoken() const
 {
     QStringList words{ title };
@@ -11,7 +13,7 @@ QString WardenRow::spoken() const
         words.append(size);
     if (kind == WardenLines::Kind::Heading && !note.isEmpty())
         words.append(note);
-    return words.join(QStringLiteral(", "));
+    return words.join(u", "_s);
 }
 
 } // namespace Quillbrook

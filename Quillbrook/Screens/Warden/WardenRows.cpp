@@ -10,6 +10,8 @@
 
 namespace Quillbrook::WardenRows {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr std::array sections{ Safety::safe, Safety::careful, Safety::reportOnly };
@@ -38,7 +40,7 @@ WardenRow netBanner()
         .id = safetyNetBanner,
         .title = tr("This Mac has no backup"),
         .tone = Theme::careful(),
-        .symbol = QStringLiteral("exclamationmark.shield.fill"),
+        .symbol = u"exclamationmark.shield.fill"_s,
         .tinted = true,
         .what
         = tr("No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
@@ -55,7 +57,7 @@ WardenRow banner(const Verification &verification)
         row.title
             = tr("%1 actually freed").arg(Format::bytes(verification.freeAfter - verification.freeBefore));
         row.what = went + tr(" Measured, not estimated.");
-        row.symbol = QStringLiteral("checkmark.seal.fill");
+        row.symbol = u"checkmark.seal.fill"_s;
         row.tone = Theme::safe();
     } else {
         row.title
@@ -64,7 +66,7 @@ WardenRow banner(const Verification &verification)
             + tr(" Either it is still in the Trash, or something else wrote to the disk at the same time — a "
                  "build "
                  "running in the background will do it. Rescan to see the current picture.");
-        row.symbol = QStringLiteral("questionmark.circle");
+        row.symbol = u"questionmark.circle"_s;
         row.tone = Theme::careful();
     }
     return row;
@@ -76,7 +78,7 @@ WardenRow banner(const TrashLedger::Pending &pending)
         .id = pendingTrashBanner,
         .title = tr("%1 is in the Trash, still taking up space").arg(Format::bytes(pending.bytes)),
         .tone = Theme::accent(),
-        .symbol = QStringLiteral("trash"),
+        .symbol = u"trash"_s,
         .action = tr("Finish removing"),
         .what
         = tr("The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
@@ -90,7 +92,7 @@ WardenRow scanOffer()
         .id = completeScanOffer,
         .title = tr("Photos, Music, Documents and other apps' data weren't measured"),
         .tone = Theme::label(),
-        .symbol = QStringLiteral("lock.circle"),
+        .symbol = u"lock.circle"_s,
         .action = tr("Include them"),
         .what
         = tr("Photos, Music, Documents and other apps' files are protected by macOS, so Quillbrook has not "

@@ -6,6 +6,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 SidebarModel::SidebarModel(ContentState &content, QObject *parent)
     : QAbstractListModel(parent)
     , m_content(content)
@@ -41,9 +43,9 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Role::symbol:
         return symbol(pane);
     case Role::shortcut:
-        return QStringLiteral("Ctrl+%1").arg(shortcutDigit(pane));
+        return u"Ctrl+%1"_s.arg(shortcutDigit(pane));
     case Role::hint:
-        return QStringLiteral("^%1").arg(shortcutDigit(pane));
+        return u"^%1"_s.arg(shortcutDigit(pane));
     case Role::isSelected:
         return pane == m_selected;
     }

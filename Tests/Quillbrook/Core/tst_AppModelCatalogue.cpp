@@ -13,6 +13,7 @@
 #include <thread>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -42,8 +43,8 @@ void settle()
     QTest::qWait(250);
 }
 
-const auto logsTitle = QStringLiteral("Android build logs");
-const auto packagesTitle = QStringLiteral("Downloaded code packages");
+const auto logsTitle = u"Android build logs"_s;
+const auto packagesTitle = u"Downloaded code packages"_s;
 
 } // namespace
 
@@ -79,7 +80,7 @@ void AppModelCatalogueTest::noPlacesAreNoDivisionByZero()
     home.model.scan({ .scope = Scope::complete });
     QTRY_VERIFY(hold.isHolding());
     QCOMPARE(home.model.scanProgress().fraction(), 0.0);
-    QCOMPARE(home.model.scanProgress().detail(), QStringLiteral("measuring the rest of the disk"));
+    QCOMPARE(home.model.scanProgress().detail(), u"measuring the rest of the disk"_s);
     QVERIFY(home.model.report());
     QVERIFY(home.model.report()->findings.isEmpty());
     hold.release();
@@ -289,13 +290,13 @@ void AppModelCatalogueTest::menuBarShowsTheReportsFigureWithoutALiveOne()
 {
     ScannedHome home;
     home.model.refreshMenuBarTitle();
-    QCOMPARE(home.model.menuBarTitle(), QStringLiteral("0 B"));
+    QCOMPARE(home.model.menuBarTitle(), u"0 B"_s);
     home.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
     home.scan();
     home.volumes.answer = { .total = 4096 };
     home.model.refreshVolume();
     QCOMPARE(home.model.liveFree(), qint64(0));
-    QCOMPARE(home.model.menuBarTitle(), QStringLiteral("2.0 KB"));
+    QCOMPARE(home.model.menuBarTitle(), u"2.0 KB"_s);
 }
 
 void AppModelCatalogueTest::secondScanStartsItsCatalogueWorkAfterTheFirstHasEnded()

@@ -8,13 +8,14 @@
 #include <limits>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr auto packages = ".npm/_cacache";
 constexpr auto logs = ".gradle/daemon";
-const auto packagesTitle = QStringLiteral("Downloaded code packages");
-const auto logsTitle = QStringLiteral("Android build logs");
+const auto packagesTitle = u"Downloaded code packages"_s;
+const auto logsTitle = u"Android build logs"_s;
 
 // Two findings: packages of two files, 12 KB in all, and logs of one.
 struct Fixture : HomeOnDisk
@@ -94,8 +95,8 @@ void AppModelReclaimTest::logNamesEachFindingAndItsFate()
     const Fixture fixture;
     fixture.model->reclaim({ fixture.finding(packages), fixture.finding(logs) }, false);
     QCOMPARE(fixture.model->reclaimLog(),
-        QStringList({ QStringLiteral("✓ Downloaded code packages — 12.0 KB to Trash"),
-            QStringLiteral("✓ Android build logs — 4.0 KB to Trash") }));
+        QStringList({ u"✓ Downloaded code packages — 12.0 KB to Trash"_s,
+            u"✓ Android build logs — 4.0 KB to Trash"_s }));
     fixture.settled();
 }
 
@@ -107,8 +108,7 @@ void AppModelReclaimTest::permanentRemovalLeavesNothingAndOffersNothing()
     QVERIFY(!fixture.isTrashed("log"));
     QVERIFY(fixture.model->ledger().items().empty());
     QVERIFY(!fixture.model->freeNowOffer());
-    QCOMPARE(
-        fixture.model->reclaimLog(), QStringList{ QStringLiteral("✓ Android build logs — 4.0 KB deleted") });
+    QCOMPARE(fixture.model->reclaimLog(), QStringList{ u"✓ Android build logs — 4.0 KB deleted"_s });
     fixture.settled();
 }
 
@@ -185,7 +185,7 @@ void AppModelReclaimTest::failedFindingIsToldAndNotCounted()
     fixture.model->reclaim({ shown, fixture.finding(packages) }, false);
     QVERIFY(fixture.has(".gradle/daemon/log"));
     QCOMPARE(fixture.model->reclaimLog().size(), 2);
-    QVERIFY(fixture.model->reclaimLog().first().startsWith(QStringLiteral("✗ Android build logs: ")));
+    QVERIFY(fixture.model->reclaimLog().first().startsWith(u"✗ Android build logs: "_s));
     QCOMPARE(fixture.model->reclaimedSoFar(), qint64(12288));
     QCOMPARE(fixture.model->freeNowOffer(), std::optional<qint64>(12288));
     fixture.settled();
@@ -200,7 +200,7 @@ void AppModelReclaimTest::partlyFailedFindingStaysUnknownToTheLedger()
     QVERIFY(!fixture.has(".npm/_cacache/one"));
     QVERIFY(fixture.isTrashed("one"));
     QCOMPARE(fixture.model->reclaimLog().size(), 1);
-    QVERIFY(fixture.model->reclaimLog().first().startsWith(QStringLiteral("✗ Downloaded code packages: ")));
+    QVERIFY(fixture.model->reclaimLog().first().startsWith(u"✗ Downloaded code packages: "_s));
     QVERIFY(fixture.model->ledger().items().empty());
     QCOMPARE(fixture.model->reclaimedSoFar(), qint64(0));
     QVERIFY(!fixture.model->freeNowOffer());
@@ -225,15 +225,14 @@ void AppModelReclaimTest::runningTotalSurvivesARestart()
     fixture.model->reclaim({ fixture.finding(packages) }, false);
     QCOMPARE(totals.count(), 1);
     fixture.settled();
-    QCOMPARE(
-        fixture.defaults.integer(QStringLiteral("Quillbrook.reclaimedBytes")), std::optional<qint64>(12288));
+    QCOMPARE(fixture.defaults.integer(u"Quillbrook.reclaimedBytes"_s), std::optional<qint64>(12288));
     fixture.start();
     QCOMPARE(fixture.model->reclaimedSoFar(), qint64(12288));
 }
 
 void AppModelReclaimTest::damagedTotalIsTakenForWhatItCanBe()
 {
-    const auto key = QStringLiteral("Quillbrook.reclaimedBytes");
+    const auto key = u"Quillbrook.reclaimedBytes"_s;
     constexpr auto most = std::numeric_limits<qint64>::max();
     Fixture fixture;
     fixture.defaults.setInteger(key, most - 1);
@@ -273,11 +272,10 @@ void AppModelReclaimTest::itemsGoToTheTrashOneByOne()
     QVERIFY(fixture.isTrashed("one"));
     QVERIFY(fixture.isTrashed("two"));
     QCOMPARE(fixture.model->reclaimLog(),
-        QStringList(
-            { QStringLiteral("✓ one — 4.0 KB to Trash"), QStringLiteral("✓ two — 8.0 KB to Trash") }));
+        QStringList({ u"✓ one — 4.0 KB to Trash"_s, u"✓ two — 8.0 KB to Trash"_s }));
     const auto &rows = fixture.model->ledger().items();
     QCOMPARE(rows.size(), size_t(2));
-    QCOMPARE(rows.front().label, QStringLiteral("one"));
+    QCOMPARE(rows.front().label, u"one"_s);
     QCOMPARE(rows.front().originalPath, fixture.path(".npm/_cacache/one"));
     QVERIFY(!rows.front().byRule);
     QCOMPARE(fixture.model->freeNowOffer(), std::optional<qint64>(12288));
@@ -321,7 +319,7 @@ void AppModelReclaimTest::vanishedItemIsToldAndTheRestGoes()
             { .name = "one", .bytes = 4096, .rawPath = fixture.path(".npm/_cacache/one") } },
         fixture.finding(packages));
     QCOMPARE(fixture.model->reclaimLog().size(), 2);
-    QVERIFY(fixture.model->reclaimLog().first().startsWith(QStringLiteral("✗ gone: ")));
+    QVERIFY(fixture.model->reclaimLog().first().startsWith(u"✗ gone: "_s));
     QVERIFY(fixture.isTrashed("one"));
     QCOMPARE(fixture.model->freeNowOffer(), std::optional<qint64>(4096));
     fixture.settled();
@@ -335,8 +333,7 @@ void AppModelReclaimTest::selectedFileGoesToTheTrash()
     QVERIFY(!fixture.has("notes.txt"));
     QVERIFY(fixture.isTrashed("notes.txt"));
     QVERIFY(!fixture.model->selection());
-    QCOMPARE(fixture.model->reclaimLog(),
-        QStringList{ QStringLiteral("✓ notes.txt — 4.0 KB moved to the Trash") });
+    QCOMPARE(fixture.model->reclaimLog(), QStringList{ u"✓ notes.txt — 4.0 KB moved to the Trash"_s });
     QCOMPARE(fixture.model->reclaimedSoFar(), qint64(4096));
     QCOMPARE(fixture.model->ledger().pendingCount(), qsizetype(1));
     // No rescan: the tree shows it until the next one.
@@ -353,7 +350,7 @@ void AppModelReclaimTest::selectedFileGoesForGood()
     QVERIFY(!fixture.has("notes.txt"));
     QVERIFY(!fixture.isTrashed("notes.txt"));
     QVERIFY(fixture.model->ledger().items().empty());
-    QCOMPARE(fixture.model->reclaimLog(), QStringList{ QStringLiteral("✓ notes.txt — 4.0 KB removed") });
+    QCOMPARE(fixture.model->reclaimLog(), QStringList{ u"✓ notes.txt — 4.0 KB removed"_s });
 }
 
 void AppModelReclaimTest::refusedSelectionStaysAndSaysWhy()
@@ -378,7 +375,7 @@ void AppModelReclaimTest::vanishedSelectionIsTold()
     std::filesystem::remove(fixture.path("notes.txt"));
     fixture.model->removeSelected(false);
     QCOMPARE(fixture.model->reclaimLog().size(), 1);
-    QVERIFY(fixture.model->reclaimLog().first().startsWith(QStringLiteral("✗ ")));
+    QVERIFY(fixture.model->reclaimLog().first().startsWith(u"✗ "_s));
     QVERIFY(fixture.model->selection());
     QVERIFY(fixture.model->ledger().items().empty());
 }
@@ -449,9 +446,9 @@ void AppModelReclaimTest::linesOfASelectionGoFirstAndOthersLast()
     fixture.model->finishRemoving();
     fixture.settled();
     QCOMPARE(fixture.model->reclaimLog(),
-        QStringList({ QStringLiteral("✓ notes.txt — 4.0 KB moved to the Trash"),
-            QStringLiteral("✓ Android build logs — 4.0 KB to Trash"),
-            QStringLiteral("✓ permanently removed 2 items · 8.0 KB actually freed") }));
+        QStringList(
+            { u"✓ notes.txt — 4.0 KB moved to the Trash"_s, u"✓ Android build logs — 4.0 KB to Trash"_s,
+                u"✓ permanently removed 2 items · 8.0 KB actually freed"_s }));
 }
 
 void AppModelReclaimTest::finishingRemovesOnlyWhatWeMoved()
@@ -465,8 +462,7 @@ void AppModelReclaimTest::finishingRemovesOnlyWhatWeMoved()
     QVERIFY(fixture.isTrashed("notes.txt"));
     QVERIFY(!fixture.isTrashed("log"));
     QVERIFY(fixture.model->ledger().items().empty());
-    QCOMPARE(fixture.model->reclaimLog().last(),
-        QStringLiteral("✓ permanently removed 1 items · 4.0 KB actually freed"));
+    QCOMPARE(fixture.model->reclaimLog().last(), u"✓ permanently removed 1 items · 4.0 KB actually freed"_s);
     fixture.settled();
     QCOMPARE(fixture.model->lastVerification(), verified);
 }
@@ -498,14 +494,13 @@ void AppModelReclaimTest::removalsOfOthersAreTakenOver()
     const Fixture fixture;
     const TrashedItem row
         = TrashedItem::moved({ .label = "an app", .originalPath = "/a", .trashPath = "/b", .bytes = 7 });
-    fixture.model->absorb({ { .path = "/a", .bytes = 2048, .trashed = row },
-                              { .path = "/c", .error = QStringLiteral("It must stay.") } },
-        QStringLiteral("Editor"));
+    fixture.model->absorb(
+        { { .path = "/a", .bytes = 2048, .trashed = row }, { .path = "/c", .error = u"It must stay."_s } },
+        u"Editor"_s);
     QCOMPARE(fixture.model->uninstallLog(),
-        QStringList(
-            { QStringLiteral("✓ Editor — 2.0 KB moved to the Trash. The space comes back when the Trash is "
-                             "emptied."),
-                QStringLiteral("✗ It must stay.") }));
+        QStringList({ u"✓ Editor — 2.0 KB moved to the Trash. The space comes back when the Trash is "
+                      "emptied."_s,
+            u"✗ It must stay."_s }));
     QCOMPARE(fixture.model->ledger().items(), std::vector<TrashedItem>{ row });
     QCOMPARE(fixture.model->reclaimedSoFar(), qint64(2048));
     QVERIFY(!fixture.model->freeNowOffer());

@@ -11,12 +11,13 @@
 #include <thread>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 using Kind = Phase::Kind;
 
-const auto lastFileCountKey = QStringLiteral("Quillbrook.lastFileCount");
+const auto lastFileCountKey = u"Quillbrook.lastFileCount"_s;
 
 // A home folder with one project, one file beside it and a folder that a quiet scan does not open.
 struct Fixture : FakeServices
@@ -69,7 +70,7 @@ bool isAt(const AppModel &model, Kind kind)
 // One step of the ticker, without waiting for its second.
 void tick(AppModel &model)
 {
-    auto *ticker = model.findChild<QTimer *>(QStringLiteral("ticker"));
+    auto *ticker = model.findChild<QTimer *>(u"ticker"_s);
     QVERIFY(ticker != nullptr);
     QMetaObject::invokeMethod(ticker, "timeout");
 }
@@ -142,10 +143,10 @@ private Q_SLOTS:
 void TestAppModelScan::startsIdleWithTheRealHomeFolder()
 {
     Fixture fixture;
-    fixture.home.home = QStringLiteral("/home/someone/.var/app/sandbox");
+    fixture.home.home = u"/home/someone/.var/app/sandbox"_s;
     const AppModel model(fixture.services);
     QVERIFY(model.phase() == Phase{});
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
     QVERIFY(!model.tree());
     QCOMPARE(model.rootNode(), -1);
     QCOMPARE(model.focus(), -1);
@@ -157,7 +158,7 @@ void TestAppModelScan::startsIdleWithTheRealHomeFolder()
     QCOMPARE(model.lastScanDuration(), 0.0);
     QCOMPARE(model.treeGeneration(), quint64(0));
     QCOMPARE(model.scannedFileCount(), qsizetype(0));
-    QCOMPARE(model.menuBarTitle(), QStringLiteral("—"));
+    QCOMPARE(model.menuBarTitle(), u"—"_s);
 }
 
 void TestAppModelScan::startsNeitherScanNorTimer()
@@ -194,7 +195,7 @@ void TestAppModelScan::scanEndsReadyWithTheTree()
     QCOMPARE(model.rootNode(), 0);
     QCOMPARE(model.focus(), model.rootNode());
     QCOMPARE(model.breadcrumb(), QList<qint32>{ model.rootNode() });
-    QCOMPARE(model.breadcrumbNames(), QStringList{ QStringLiteral("/home/someone") });
+    QCOMPARE(model.breadcrumbNames(), QStringList{ u"/home/someone"_s });
     QCOMPARE(model.tree()->size(model.rootNode()), qint64(4096 + 8192 + 16384));
     QCOMPARE(model.scannedFileCount(), qsizetype(3));
     QVERIFY(model.lastScanDuration() > 0);
@@ -237,7 +238,7 @@ void TestAppModelScan::finishedScanRefreshesTheVolume()
     fixture.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
     QTRY_VERIFY(isAt(model, Kind::ready));
     QCOMPARE(model.liveFree(), qint64(2048));
-    QCOMPARE(model.menuBarTitle(), QStringLiteral("2.0 KB"));
+    QCOMPARE(model.menuBarTitle(), u"2.0 KB"_s);
 }
 
 void TestAppModelScan::quietScanStaysOutOfProtectedFolders()
@@ -247,9 +248,8 @@ void TestAppModelScan::quietScanStaysOutOfProtectedFolders()
     model.scan({ .scope = Scope::quiet });
     QTRY_VERIFY(isAt(model, Kind::ready));
     QVERIFY(!fixture.wasOpened("/home/someone/Documents"));
-    QCOMPARE(namesAtTop(model),
-        (QStringList{ QStringLiteral("Documents"), QStringLiteral("b.txt"), QStringLiteral("project") }));
-    const auto documents = model.tree()->find(QStringLiteral("/home/someone/Documents"), model.rootNode());
+    QCOMPARE(namesAtTop(model), (QStringList{ u"Documents"_s, u"b.txt"_s, u"project"_s }));
+    const auto documents = model.tree()->find(u"/home/someone/Documents"_s, model.rootNode());
     QCOMPARE(model.tree()->size(documents), qint64(0));
 }
 
@@ -372,20 +372,20 @@ void TestAppModelScan::scanUsesTheRootOfItsStart()
     Fixture fixture;
     AppModel model(fixture.services);
     const QSignalSpy roots(&model, &AppModel::scanRootChanged);
-    model.setScanRoot(QStringLiteral("/home/someone/project"));
-    model.setScanRoot(QStringLiteral("/home/someone/project"));
+    model.setScanRoot(u"/home/someone/project"_s);
+    model.setScanRoot(u"/home/someone/project"_s);
     QCOMPARE(roots.count(), 1);
     model.scan({});
-    model.setScanRoot(QStringLiteral("/home/someone"));
+    model.setScanRoot(u"/home/someone"_s);
     QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.breadcrumbNames(), QStringList{ QStringLiteral("/home/someone/project") });
+    QCOMPARE(model.breadcrumbNames(), QStringList{ u"/home/someone/project"_s });
 }
 
 void TestAppModelScan::missingRootEndsReadyWithAnUnreadableRoot()
 {
     Fixture fixture;
     AppModel model(fixture.services);
-    model.setScanRoot(QStringLiteral("/nowhere"));
+    model.setScanRoot(u"/nowhere"_s);
     model.scan({});
     QTRY_VERIFY(isAt(model, Kind::ready));
     QCOMPARE(model.tree()->nodeCount(), qsizetype(1));
@@ -519,8 +519,8 @@ void TestAppModelScan::tickerTellsTheCounts()
     AppModel model(fixture.services);
     fixture.scanUntilHeld(model);
     tick(model);
-    QCOMPARE(model.scanProgress().counts(), QStringLiteral("1,234 files · 4.8 MB"));
-    QCOMPARE(model.scanProgress().detail(), QStringLiteral("measuring the rest of the disk"));
+    QCOMPARE(model.scanProgress().counts(), u"1,234 files · 4.8 MB"_s);
+    QCOMPARE(model.scanProgress().detail(), u"measuring the rest of the disk"_s);
     fixture.hold.release();
     QTRY_VERIFY(isAt(model, Kind::ready));
 }
@@ -538,7 +538,7 @@ void TestAppModelScan::tickerRunsOnlyDuringAScan()
 {
     Fixture fixture;
     AppModel model(fixture.services);
-    const auto *ticker = model.findChild<QTimer *>(QStringLiteral("ticker"));
+    const auto *ticker = model.findChild<QTimer *>(u"ticker"_s);
     QCOMPARE(ticker->interval(), 1000);
     model.scan({});
     QVERIFY(ticker->isActive());
@@ -629,7 +629,7 @@ void TestAppModelScan::barNeverMovesBackwards()
 void TestAppModelScan::damagedFileCountIsNone()
 {
     HeldFixture fixture(900);
-    fixture.defaults.setTexts(lastFileCountKey, { QStringLiteral("many") });
+    fixture.defaults.setTexts(lastFileCountKey, { u"many"_s });
     AppModel model(fixture.services);
     fixture.scanUntilHeld(model);
     tick(model);

@@ -6,10 +6,11 @@
 #include <vector>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-Finding finding(const QString &id, qint64 bytes, const QString &title = QStringLiteral("a title"))
+Finding finding(const QString &id, qint64 bytes, const QString &title = u"a title"_s)
 {
     return { .id = id, .rule = { .title = title }, .bytes = bytes };
 }
@@ -48,9 +49,9 @@ void FindingCollectorTest::startsWithNothing()
 void FindingCollectorTest::largestComesFirst()
 {
     FindingCollector collector;
-    collector.add(finding(QStringLiteral("small"), 1));
-    collector.add(finding(QStringLiteral("large"), 3));
-    collector.add(finding(QStringLiteral("middle"), 2));
+    collector.add(finding(u"small"_s, 1));
+    collector.add(finding(u"large"_s, 3));
+    collector.add(finding(u"middle"_s, 2));
     QCOMPARE(ids(collector), QStringList({ "large", "middle", "small" }));
 }
 
@@ -65,9 +66,9 @@ void FindingCollectorTest::equalSizesKeepTheirOrder()
 void FindingCollectorTest::latestIsTheTitleOfTheLastOne()
 {
     FindingCollector collector;
-    collector.add(finding(QStringLiteral("a"), 9, QStringLiteral("Trash")));
-    collector.add(finding(QStringLiteral("b"), 1, QStringLiteral("Saved web pages")));
-    QCOMPARE(collector.look().latest, std::optional(QStringLiteral("Saved web pages")));
+    collector.add(finding(u"a"_s, 9, u"Trash"_s));
+    collector.add(finding(u"b"_s, 1, u"Saved web pages"_s));
+    QCOMPARE(collector.look().latest, std::optional(u"Saved web pages"_s));
 }
 
 void FindingCollectorTest::finishIsSeen()

@@ -5,15 +5,16 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using Paths = std::vector<std::string>;
 
 namespace {
 
-const auto key = QStringLiteral("Quillbrook.homeBookmark");
+const auto key = u"Quillbrook.homeBookmark"_s;
 
 struct Sandbox : FakeServices
 {
-    Sandbox() { home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook"); }
+    Sandbox() { home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s; }
 
     void keep(const char *path) { defaults.values.insert(key, QByteArray(path)); }
     [[nodiscard]] QByteArray kept() const { return defaults.values.value(key).toByteArray(); }
@@ -62,10 +63,10 @@ void FolderAccessTest::outsideASandboxNothingIsAsked()
     QVERIFY(!access.isSandboxed());
     QVERIFY(!access.isGated());
     QVERIFY(!access.granted());
-    QCOMPARE(access.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(access.scanRoot(), u"/home/someone"_s);
     QVERIFY(!access.beginAccess());
     QVERIFY(!access.grantedIsWrongVolume());
-    QCOMPARE(access.grantedName(), QStringLiteral("not chosen"));
+    QCOMPARE(access.grantedName(), u"not chosen"_s);
 
     const auto &grants = machine.desktop.folderGrants;
     QVERIFY(grants.bookmarked.empty() && grants.started.empty() && grants.stopped.empty());
@@ -80,7 +81,7 @@ void FolderAccessTest::gateStandsInASandboxWithoutAGrant()
     QVERIFY(access.isSandboxed());
     QVERIFY(access.isGated());
     QCOMPARE(access.scanRoot(), QString());
-    QCOMPARE(access.grantedName(), QStringLiteral("not chosen"));
+    QCOMPARE(access.grantedName(), u"not chosen"_s);
     QVERIFY(!access.grantedIsWrongVolume());
     QVERIFY(!access.beginAccess());
     QVERIFY(machine.picker.requests.isEmpty());
@@ -94,8 +95,8 @@ void FolderAccessTest::keptGrantIsTakenUp()
     FolderAccess access(machine.services);
     QVERIFY(!access.isGated());
     QVERIFY(access.granted() == "/home/someone");
-    QCOMPARE(access.scanRoot(), QStringLiteral("/home/someone"));
-    QCOMPARE(access.grantedName(), QStringLiteral("/home/someone"));
+    QCOMPARE(access.scanRoot(), u"/home/someone"_s);
+    QCOMPARE(access.grantedName(), u"/home/someone"_s);
     QVERIFY(machine.grants.started == Paths{ "/home/someone" });
     QVERIFY(machine.grants.bookmarked.empty());
 }
@@ -166,9 +167,9 @@ void FolderAccessTest::requestAsksForTheHomeFolder()
     const auto &request = machine.picker.requests.constFirst();
     QTEST(request.directory, "directory");
     QCOMPARE(request.message,
-        QStringLiteral("Select the folder named “") + name
-            + QStringLiteral("” — that is your home folder, on this Mac's startup disk."));
-    QCOMPARE(request.prompt, QStringLiteral("Allow"));
+        u"Select the folder named “"_s + name
+            + u"” — that is your home folder, on this Mac's startup disk."_s);
+    QCOMPARE(request.prompt, u"Allow"_s);
 }
 
 void FolderAccessTest::pickedFolderIsKeptAndOpened()
@@ -234,7 +235,7 @@ void FolderAccessTest::refusedFolderIsGrantedAllTheSame()
     machine.grants.grants = false;
     access.request();
     QVERIFY(!access.isGated());
-    QCOMPARE(access.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(access.scanRoot(), u"/home/someone"_s);
     QVERIFY(!access.beginAccess());
     QCOMPARE(machine.grants.started.size(), 2U);
 
@@ -309,7 +310,7 @@ void FolderAccessTest::folderOnAnotherVolumeIsAcceptedAndWarnedOf()
     machine.picker.answer = "/Volumes/Backup/someone";
     access.request();
     QVERIFY(!access.isGated());
-    QCOMPARE(access.scanRoot(), QStringLiteral("/Volumes/Backup/someone"));
+    QCOMPARE(access.scanRoot(), u"/Volumes/Backup/someone"_s);
     QVERIFY(access.grantedIsWrongVolume());
     QCOMPARE(machine.kept(), QByteArray("/Volumes/Backup/someone"));
 }

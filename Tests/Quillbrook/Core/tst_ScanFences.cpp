@@ -4,16 +4,16 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-const auto home = QStringLiteral("/home/someone");
+const auto home = u"/home/someone"_s;
 
 HostFacts someHost()
 {
-    return { .quietAllowlist = { { home, { QStringLiteral(".cache") } },
-                 { home + QStringLiteral("/.local"), { QStringLiteral("share") } } },
-        .protectedPaths = { home + QStringLiteral("/Bilder") } };
+    return { .quietAllowlist = { { home, { u".cache"_s } }, { home + u"/.local"_s, { u"share"_s } } },
+        .protectedPaths = { home + u"/Bilder"_s } };
 }
 
 } // namespace
@@ -40,8 +40,7 @@ void ScanFencesTest::completeScanKeepsOutOfWhatNoScanMeasures()
 void ScanFencesTest::quietScanKeepsOutOfProtectedPathsToo()
 {
     const auto fences = ScanFences::of(Scope::quiet, home, someHost());
-    const auto expected
-        = FastScanner::tccProtectedPaths(home) + QSet<QString>{ home + QStringLiteral("/Bilder") };
+    const auto expected = FastScanner::tccProtectedPaths(home) + QSet<QString>{ home + u"/Bilder"_s };
     QCOMPARE(fences.skipping, expected);
     QCOMPARE(fences.exclusions, FastScanner::defaultExclusions() + expected);
 }
@@ -50,8 +49,8 @@ void ScanFencesTest::quietScanEntersWhatEitherTableNames()
 {
     const auto builtIn = FastScanner::quietAllowlist(home);
     const auto fences = ScanFences::of(Scope::quiet, home, someHost());
-    QCOMPARE(fences.allowlist.value(home), builtIn.value(home) + QSet<QString>{ QStringLiteral(".cache") });
-    QVERIFY(fences.allowlist.value(home + QStringLiteral("/.local")).contains(QStringLiteral("share")));
+    QCOMPARE(fences.allowlist.value(home), builtIn.value(home) + QSet<QString>{ u".cache"_s });
+    QVERIFY(fences.allowlist.value(home + u"/.local"_s).contains(u"share"_s));
     for (auto row = builtIn.cbegin(); row != builtIn.cend(); ++row)
         QVERIFY(fences.allowlist.value(row.key()).contains(row.value()));
 }

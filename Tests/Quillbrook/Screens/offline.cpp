@@ -31,6 +31,7 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -97,7 +98,7 @@ QList<Finding> pretendFindings()
 void pretendSandbox(FakeServices &machine)
 {
     const QByteArray folder("/Volumes/Backup/a folder with a rather long name/someone");
-    machine.home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+    machine.home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
     machine.directories.folder(folder.toStdString(), { FakeDirectories::aFile("scene.glb", 4 * gibi) });
     machine.desktop.folderPicker.answer = folder.toStdString();
     machine.desktop.http.answer
@@ -107,15 +108,15 @@ void pretendSandbox(FakeServices &machine)
 void pretendProgress(ScanProgress &progress)
 {
     progress.setFindings(pretendFindings());
-    progress.setDetail(QStringLiteral("Downloaded Android libraries"));
-    progress.setCounts(QStringLiteral("412,906 files · 61.3 GB"));
+    progress.setDetail(u"Downloaded Android libraries"_s);
+    progress.setCounts(u"412,906 files · 61.3 GB"_s);
     progress.setFraction(0.31);
 }
 
 int show(QQmlApplicationEngine &engine, const QString &file)
 {
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/") + file));
+    engine.addImportPath(u"qrc:/qt/qml"_s);
+    engine.load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/"_s + file));
     if (engine.rootObjects().isEmpty())
         return 1;
     qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst())->show();
@@ -125,17 +126,17 @@ int show(QQmlApplicationEngine &engine, const QString &file)
 int showWindow(FakeServices &machine, const QString &what)
 {
     const PretendHome home(machine.directories);
-    if (what == QStringLiteral("full") || what == QStringLiteral("sandbox"))
+    if (what == u"full"_s || what == u"sandbox"_s)
         machine.volumes.answer = VolumeCapacity{
             .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
         };
-    if (what == QStringLiteral("gate") || what == QStringLiteral("sandbox"))
+    if (what == u"gate"_s || what == u"sandbox"_s)
         pretendSandbox(machine);
-    if (what == QStringLiteral("sandbox"))
-        machine.defaults.values.insert(QStringLiteral("Quillbrook.homeBookmark"),
-            QByteArray::fromStdString(*machine.desktop.folderPicker.answer));
+    if (what == u"sandbox"_s)
+        machine.defaults.values.insert(
+            u"Quillbrook.homeBookmark"_s, QByteArray::fromStdString(*machine.desktop.folderPicker.answer));
     std::optional<FolderHold> hold;
-    if (what == QStringLiteral("scanning") || what == QStringLiteral("idle"))
+    if (what == u"scanning"_s || what == u"idle"_s)
         hold.emplace(machine.directories, "/home/someone");
 
     AppModel model(machine.services);
@@ -143,19 +144,19 @@ int showWindow(FakeServices &machine, const QString &what)
     Background background(model.services());
     MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
-    engine.setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(&screens) } });
+    engine.setInitialProperties({ { u"screens"_s, QVariant::fromValue(&screens) } });
     // Before the window's own, which would stay out of most of what the made-up home holds.
-    if (what != QStringLiteral("gate"))
+    if (what != u"gate"_s)
         model.scan({ .scope = Scope::complete });
-    if (what == QStringLiteral("idle"))
+    if (what == u"idle"_s)
         QTimer::singleShot(0, &model, &AppModel::cancelScan);
     // The model's own clock tells of a scan that is held every second.
     QTimer pretending;
     QObject::connect(&pretending, &QTimer::timeout, [&model] { pretendProgress(model.scanProgress()); });
-    if (what == QStringLiteral("scanning"))
+    if (what == u"scanning"_s)
         pretending.start(50);
 
-    const auto result = show(engine, QStringLiteral("Main.qml"));
+    const auto result = show(engine, u"Main.qml"_s);
     if (hold)
         hold->release();
     return result;
@@ -168,9 +169,9 @@ int showPanel(FakeServices &machine, const QString &what)
     machine.directories.folder("/home/someone/.npm", { FakeDirectories::aFolder("_cacache") });
     machine.directories.folder(place, { FakeDirectories::aFile("content", 63 * gibi / 5) });
     machine.files.entries[place] = {};
-    if (what == QStringLiteral("denied"))
+    if (what == u"denied"_s)
         machine.desktop.notifier.afterRequest = NotificationState::denied;
-    if (what == QStringLiteral("new"))
+    if (what == u"new"_s)
         machine.desktop.notifier.afterRequest = NotificationState::notAsked;
 
     AppModel model(machine.services);
@@ -180,15 +181,15 @@ int showPanel(FakeServices &machine, const QString &what)
     model.configureWatcher(background);
     QObject::connect(
         &panel, &MenuBarPanelState::quitRequested, qApp, &QGuiApplication::quit, Qt::QueuedConnection);
-    panel.setWatching(what != QStringLiteral("off"));
+    panel.setWatching(what != u"off"_s);
     machine.desktop.utility.run();
     std::optional<FolderHold> hold;
-    if (what == QStringLiteral("scanning"))
+    if (what == u"scanning"_s)
         hold.emplace(machine.directories, "/home/someone");
 
     QQmlApplicationEngine engine;
-    engine.setInitialProperties({ { QStringLiteral("panel"), QVariant::fromValue(&panel) } });
-    const auto result = show(engine, QStringLiteral("MenuBarPanel.qml"));
+    engine.setInitialProperties({ { u"panel"_s, QVariant::fromValue(&panel) } });
+    const auto result = show(engine, u"MenuBarPanel.qml"_s);
     if (hold)
         hold->release();
     return result;
@@ -200,13 +201,13 @@ int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
     const auto arguments = QGuiApplication::arguments();
-    const auto what = arguments.value(1, QStringLiteral("ready"));
+    const auto what = arguments.value(1, u"ready"_s);
 
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{
         .available = 48 * gibi + gibi / 5, .availableForImportantUsage = 48 * gibi, .total = 233 * gibi
     };
-    if (what == QStringLiteral("panel"))
-        return showPanel(machine, arguments.value(2, QStringLiteral("allowed")));
+    if (what == u"panel"_s)
+        return showPanel(machine, arguments.value(2, u"allowed"_s));
     return showWindow(machine, what);
 }

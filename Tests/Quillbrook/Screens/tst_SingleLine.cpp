@@ -3,6 +3,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class SingleLineTest : public QObject
 {
@@ -29,13 +30,11 @@ void SingleLineTest::breaksBecomeBlanks_data()
                                << "a b";
     QTest::newRow("escape and delete") << "a\x1b[1mb\x7f"
                                        << "a [1mb ";
-    QTest::newRow("next line") << QStringLiteral("a\u0085b") << "a b";
-    QTest::newRow("line and paragraph separator") << QStringLiteral("a\u2028b\u2029c") << "a b c";
-    QTest::newRow("wide blank stays")
-        << QStringLiteral("a\u00a0b\u3000c") << QStringLiteral("a\u00a0b\u3000c");
-    QTest::newRow("repaired byte stays") << QStringLiteral("caf\ufffd") << QStringLiteral("caf\ufffd");
-    QTest::newRow("beyond the basic plane")
-        << QStringLiteral("\U0001f600\n") << QStringLiteral("\U0001f600 ");
+    QTest::newRow("next line") << u"a\u0085b"_s << "a b";
+    QTest::newRow("line and paragraph separator") << u"a\u2028b\u2029c"_s << "a b c";
+    QTest::newRow("wide blank stays") << u"a\u00a0b\u3000c"_s << u"a\u00a0b\u3000c"_s;
+    QTest::newRow("repaired byte stays") << u"caf\ufffd"_s << u"caf\ufffd"_s;
+    QTest::newRow("beyond the basic plane") << u"\U0001f600\n"_s << u"\U0001f600 "_s;
 }
 
 void SingleLineTest::breaksBecomeBlanks()

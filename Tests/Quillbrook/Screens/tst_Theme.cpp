@@ -4,6 +4,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -77,7 +78,7 @@ void ThemeTest::fileTileDependsOnItsExtensionAlone()
 
 void ThemeTest::folderTileIsSurfaceWhateverItsName()
 {
-    QCOMPARE(Theme::tileColor(QStringLiteral("app"), true), Theme::surface());
+    QCOMPARE(Theme::tileColor(u"app"_s, true), Theme::surface());
     QCOMPARE(Theme::tileColor({}, true), Theme::surface());
 }
 

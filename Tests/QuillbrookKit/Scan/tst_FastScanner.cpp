@@ -44,8 +44,7 @@ QStringList nodes(const FastScanner::Result &result)
 {
     QStringList lines;
     for (qint32 node = 0; node < result.tree->nodeCount(); ++node)
-        lines << QStringLiteral("%1 %2 %3")
-                     .arg(result.tree->path(node))
+        lines << u"%1 %2 %3"_s.arg(result.tree->path(node))
                      .arg(result.tree->size(node))
                      .arg(int(result.tree->nodeFlags(node)));
     return lines;

@@ -7,6 +7,7 @@
 #include <limits>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class TestFormat : public QObject
 {
@@ -109,16 +110,16 @@ void TestFormat::ageCountsWholeDays()
 
 void TestFormat::ageOfNothingIsUnknown()
 {
-    QCOMPARE(Format::age(std::nullopt), QStringLiteral("unknown"));
+    QCOMPARE(Format::age(std::nullopt), u"unknown"_s);
 }
 
 void TestFormat::ageDoesNotCountMidnights()
 {
     const QDateTime now(QDate(2024, 11, 20), QTime(10, 0));
-    QCOMPARE(Format::age(now.addSecs(-23 * 3600), now), QStringLiteral("today"));
-    QCOMPARE(Format::age(now.addSecs(-24 * 3600), now), QStringLiteral("yesterday"));
-    QCOMPARE(Format::age(now.addSecs(-47 * 3600), now), QStringLiteral("yesterday"));
-    QCOMPARE(Format::age(now.addSecs(23 * 3600), now), QStringLiteral("today"));
+    QCOMPARE(Format::age(now.addSecs(-23 * 3600), now), u"today"_s);
+    QCOMPARE(Format::age(now.addSecs(-24 * 3600), now), u"yesterday"_s);
+    QCOMPARE(Format::age(now.addSecs(-47 * 3600), now), u"yesterday"_s);
+    QCOMPARE(Format::age(now.addSecs(23 * 3600), now), u"today"_s);
 }
 
 void TestFormat::ageFollowsTheCalendarAcrossAChangeOfClocks()
@@ -133,8 +134,8 @@ void TestFormat::ageFollowsTheCalendarAcrossAChangeOfClocks()
     const auto after23Hours = Format::age(noonBefore, QDateTime(QDate(2024, 3, 31), QTime(12, 0)));
     qputenv("TZ", previous);
     tzset();
-    QCOMPARE(earlier, QStringLiteral("today"));
-    QCOMPARE(after23Hours, QStringLiteral("yesterday"));
+    QCOMPARE(earlier, u"today"_s);
+    QCOMPARE(after23Hours, u"yesterday"_s);
 }
 
 void TestFormat::friendlyPathShortensHomeOnly_data()
@@ -142,7 +143,7 @@ void TestFormat::friendlyPathShortensHomeOnly_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("home");
     QTest::addColumn<QString>("text");
-    const auto home = QStringLiteral("/home/someone");
+    const auto home = u"/home/someone"_s;
     QTest::newRow("home") << "/home/someone" << home << "~";
     QTest::newRow("home with a slash") << "/home/someone/" << home << "~/";
     QTest::newRow("below home") << "/home/someone/a/b" << home << "~/a/b";
@@ -154,9 +155,9 @@ void TestFormat::friendlyPathShortensHomeOnly_data()
     QTest::newRow("other letter case") << "/home/Someone/a" << home << "/home/Someone/a";
     QTest::newRow("empty") << "" << home << "";
     QTest::newRow("other composition of the same text")
-        << u"/home/Zoe\u0308/a"_qs << u"/home/Zo\u00eb"_qs << "~/a";
+        << u"/home/Zoe\u0308/a"_s << u"/home/Zo\u00eb"_s << "~/a";
     QTest::newRow("a mark after home's last letter is another name")
-        << u"/home/Zoe\u0308"_qs << "/home/Zoe" << u"/home/Zoe\u0308"_qs;
+        << u"/home/Zoe\u0308"_s << "/home/Zoe" << u"/home/Zoe\u0308"_s;
 }
 
 void TestFormat::friendlyPathShortensHomeOnly()

@@ -6,6 +6,7 @@
 #include <set>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class TestHardLinkSet : public QObject
 {
@@ -53,7 +54,7 @@ void TestHardLinkSet::agreesWithAPlainSetFarBeyondItsRoom()
         const auto file = random() % 100000 + 1;
         const auto isNew = plain.emplace(device, file).second;
         if (set.insert(device, file) != isNew)
-            QFAIL(qPrintable(QStringLiteral("differs at step %1").arg(i)));
+            QFAIL(qPrintable(u"differs at step %1"_s.arg(i)));
     }
 }
 

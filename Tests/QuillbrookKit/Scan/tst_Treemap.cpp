@@ -9,6 +9,7 @@
 #include <tuple>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -316,14 +317,14 @@ void TestTreemap::tileTellsItsNode()
         .rect = { 0, 0, 200, 100 },
         .depth = 0,
         .bytes = 100,
-        .name = QStringLiteral("folder"),
+        .name = u"folder"_s,
         .isDirectory = true,
-        .path = QStringLiteral("/home/someone/folder") };
+        .path = u"/home/someone/folder"_s };
     QVERIFY(tiles[0] == expectedFolder);
     QCOMPARE(tiles[1].id, file);
-    QCOMPARE(tiles[1].name, QStringLiteral("file.txt"));
+    QCOMPARE(tiles[1].name, u"file.txt"_s);
     QVERIFY(!tiles[1].isDirectory);
-    QCOMPARE(tiles[1].path, QStringLiteral("/home/someone/folder/file.txt"));
+    QCOMPARE(tiles[1].path, u"/home/someone/folder/file.txt"_s);
 }
 
 void TestTreemap::pathsAreTheTreesPaths_data()

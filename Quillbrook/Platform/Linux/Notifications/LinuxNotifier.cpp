@@ -18,42 +18,42 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto application = QStringLiteral("com.tarnwick.Quillbrook");
-const auto askedKey = QStringLiteral("Quillbrook.notificationsAsked");
-const auto serverName = QStringLiteral("org.freedesktop.Notifications");
-const auto portalName = QStringLiteral("org.freedesktop.portal.Desktop");
+const auto application = u"com.tarnwick.Quillbrook"_s;
+const auto askedKey = u"Quillbrook.notificationsAsked"_s;
+const auto serverName = u"org.freedesktop.Notifications"_s;
+const auto portalName = u"org.freedesktop.portal.Desktop"_s;
 constexpr uchar normalUrgency = 1;
 
 QDBusMessage serverCall(const QString &method)
 {
     return QDBusMessage::createMethodCall(
-        serverName, QStringLiteral("/org/freedesktop/Notifications"), serverName, method);
+        serverName, u"/org/freedesktop/Notifications"_s, serverName, method);
 }
 
 QDBusMessage busCall(const QString &method)
 {
-    const auto bus = QStringLiteral("org.freedesktop.DBus");
-    return QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, method);
+    const auto bus = u"org.freedesktop.DBus"_s;
+    return QDBusMessage::createMethodCall(bus, u"/org/freedesktop/DBus"_s, bus, method);
 }
 
 // As the server would show it where it takes the body for markup.
 QString escaped(QString body)
 {
-    return body.replace(u'&', QStringLiteral("&amp;"))
-        .replace(u'<', QStringLiteral("&lt;"))
-        .replace(u'>', QStringLiteral("&gt;"));
+    return body.replace(u'&', u"&amp;"_s).replace(u'<', u"&lt;"_s).replace(u'>', u"&gt;"_s);
 }
 
 QDBusMessage notification(const QString &title, const QString &body)
 {
-    auto message = serverCall(QStringLiteral("Notify"));
-    message << QStringLiteral("Quillbrook") << uint(0) << application << title << body << QStringList()
+    auto message = serverCall(u"Notify"_s);
+    message << u"Quillbrook"_s << uint(0) << application << title << body << QStringList()
             << QVariantMap{
-                   { QStringLiteral("desktop-entry"), application },
-                   { QStringLiteral("suppress-sound"), true },
-                   { QStringLiteral("urgency"), QVariant::fromValue(normalUrgency) },
+                   { u"desktop-entry"_s, application },
+                   { u"suppress-sound"_s, true },
+                   { u"urgency"_s, QVariant::fromValue(normalUrgency) },
                }
             << -1;
     return message;
@@ -62,10 +62,10 @@ QDBusMessage notification(const QString &title, const QString &body)
 // The store's own words for the applications: of each, what it is granted.
 bool isKeptBack(const QDBusMessage &reply, const QString &name)
 {
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QStringLiteral("a{sas}v"))
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != u"a{sas}v"_s)
         return false;
     const auto permissions = qdbus_cast<QMap<QString, QStringList>>(reply.arguments().constFirst());
-    return permissions.value(name) == QStringList(QStringLiteral("no"));
+    return permissions.value(name) == QStringList(u"no"_s);
 }
 
 } // namespace
@@ -100,8 +100,7 @@ QFuture<void> LinuxNotifier::requestAuthorisation()
     // Any question starts the server, so that `state` finds it.
     const auto promise = std::make_shared<QPromise<void>>();
     promise->start();
-    ask(serverCall(QStringLiteral("GetCapabilities")),
-        [promise](const QDBusMessage &) { promise->finish(); });
+    ask(serverCall(u"GetCapabilities"_s), [promise](const QDBusMessage &) { promise->finish(); });
     return promise->future();
 }
 
@@ -137,21 +136,20 @@ void LinuxNotifier::openSettings()
 
 void LinuxNotifier::postToPortal(const QString &title, const QString &body)
 {
-    auto message
-        = QDBusMessage::createMethodCall(portalName, QStringLiteral("/org/freedesktop/portal/desktop"),
-            QStringLiteral("org.freedesktop.portal.Notification"), QStringLiteral("AddNotification"));
+    auto message = QDBusMessage::createMethodCall(portalName, u"/org/freedesktop/portal/desktop"_s,
+        u"org.freedesktop.portal.Notification"_s, u"AddNotification"_s);
     message << QUuid::createUuid().toString(QUuid::WithoutBraces)
-            << QVariantMap{ { QStringLiteral("title"), title }, { QStringLiteral("body"), body } };
+            << QVariantMap{ { u"title"_s, title }, { u"body"_s, body } };
     ask(message, [](const QDBusMessage &) {});
 }
 
 void LinuxNotifier::postToServer(const QString &title, const QString &body)
 {
     // Asked each time, as the server may have become another one.
-    ask(serverCall(QStringLiteral("GetCapabilities")), [this, title, body](const QDBusMessage &reply) {
+    ask(serverCall(u"GetCapabilities"_s), [this, title, body](const QDBusMessage &reply) {
         const bool isKnown = reply.type() == QDBusMessage::ReplyMessage;
         const bool takesMarkup
-            = !isKnown || reply.arguments().value(0).toStringList().contains(QStringLiteral("body-markup"));
+            = !isKnown || reply.arguments().value(0).toStringList().contains(u"body-markup"_s);
         ask(notification(title, takesMarkup ? escaped(body) : body), [](const QDBusMessage &) {});
     });
 }
@@ -173,27 +171,25 @@ void LinuxNotifier::ask(const QDBusMessage &question, std::function<void(const Q
 // A service is there that runs, or that the bus would start.
 void LinuxNotifier::lookForService(const QString &name, std::function<void(bool)> take)
 {
-    ask(busCall(QStringLiteral("NameHasOwner")) << name,
-        [this, name, take = std::move(take)](const QDBusMessage &owner) {
-            if (owner.arguments().value(0) == QVariant(true)) {
-                take(true);
-                return;
-            }
-            ask(busCall(QStringLiteral("ListActivatableNames")), [name, take](const QDBusMessage &names) {
-                take(names.type() == QDBusMessage::ReplyMessage
-                    && names.arguments().value(0).toStringList().contains(name));
-            });
+    ask(busCall(u"NameHasOwner"_s) << name, [this, name, take = std::move(take)](const QDBusMessage &owner) {
+        if (owner.arguments().value(0) == QVariant(true)) {
+            take(true);
+            return;
+        }
+        ask(busCall(u"ListActivatableNames"_s), [name, take](const QDBusMessage &names) {
+            take(names.type() == QDBusMessage::ReplyMessage
+                && names.arguments().value(0).toStringList().contains(name));
         });
+    });
 }
 
 void LinuxNotifier::askPermissionStore(const Answer &answer)
 {
     // Most sandboxes can't see the store; then it keeps nothing back.
-    auto question
-        = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.impl.portal.PermissionStore"),
-            QStringLiteral("/org/freedesktop/impl/portal/PermissionStore"),
-            QStringLiteral("org.freedesktop.impl.portal.PermissionStore"), QStringLiteral("Lookup"));
-    question << QStringLiteral("notifications") << QStringLiteral("notification");
+    auto question = QDBusMessage::createMethodCall(u"org.freedesktop.impl.portal.PermissionStore"_s,
+        u"/org/freedesktop/impl/portal/PermissionStore"_s, u"org.freedesktop.impl.portal.PermissionStore"_s,
+        u"Lookup"_s);
+    question << u"notifications"_s << u"notification"_s;
     ask(question, [this, answer](const QDBusMessage &reply) {
         answer(isKeptBack(reply, m_needs.session.sandbox.application) ? NotificationState::denied
                                                                       : stateByMemory());

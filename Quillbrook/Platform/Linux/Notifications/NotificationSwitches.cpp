@@ -10,6 +10,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr std::chrono::seconds patience{ 3 };
@@ -17,17 +19,16 @@ constexpr qsizetype outputLimit = 1024;
 constexpr qsizetype fileLimit = qsizetype{ 1024 } * 1024;
 
 // The application id as GNOME makes a path of it: in small letters, with a hyphen for all else.
-const auto gnomeSwitch
-    = QStringLiteral("org.gnome.desktop.notifications.application:"
-                     "/org/gnome/desktop/notifications/application/com-tarnwick-quillbrook/");
+const auto gnomeSwitch = u"org.gnome.desktop.notifications.application:"
+                         "/org/gnome/desktop/notifications/application/com-tarnwick-quillbrook/"_s;
 
 bool gnomeKeepsBack(const DesktopSession &session, const ProcessRunner &processes)
 {
-    const auto program = session.findProgram(QStringLiteral("gsettings"));
+    const auto program = session.findProgram(u"gsettings"_s);
     if (program.isEmpty())
         return false;
     const auto result = processes.run({ .program = program,
-        .arguments = { QStringLiteral("get"), gnomeSwitch, QStringLiteral("enable") },
+        .arguments = { u"get"_s, gnomeSwitch, u"enable"_s },
         .timeLimit = patience,
         .outputLimit = outputLimit });
     return result && result->exited && result->exitCode == 0 && result->output.trimmed() == "false";
@@ -35,8 +36,7 @@ bool gnomeKeepsBack(const DesktopSession &session, const ProcessRunner &processe
 
 bool plasmaKeepsBack(const DesktopSession &session, const FileReading &reading)
 {
-    const auto path
-        = QFile::encodeName(session.configFolder + QStringLiteral("/plasmanotifyrc")).toStdString();
+    const auto path = QFile::encodeName(session.configFolder + u"/plasmanotifyrc"_s).toStdString();
     const auto text = reading.contents(path, fileLimit);
     return text && NotificationSwitches::plasmaFileSaysOff(*text);
 }
@@ -54,8 +54,8 @@ bool NotificationSwitches::areOff(
 {
     const auto isDesktop
         = [&session](const QString &name) { return session.desktops.contains(name, Qt::CaseInsensitive); };
-    return (isDesktop(QStringLiteral("GNOME")) && gnomeKeepsBack(session, processes))
-        || (isDesktop(QStringLiteral("KDE")) && plasmaKeepsBack(session, reading));
+    return (isDesktop(u"GNOME"_s) && gnomeKeepsBack(session, processes))
+        || (isDesktop(u"KDE"_s) && plasmaKeepsBack(session, reading));
 }
 
 bool NotificationSwitches::plasmaFileSaysOff(QByteArrayView text)

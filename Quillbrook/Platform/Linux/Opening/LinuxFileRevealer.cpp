@@ -13,6 +13,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 std::string parentFolder(const std::string &path)
@@ -23,18 +25,16 @@ std::string parentFolder(const std::string &path)
 
 QDBusMessage showItems(const std::string &path)
 {
-    auto message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
-        QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),
-        QStringLiteral("ShowItems"));
+    auto message = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s,
+        u"/org/freedesktop/FileManager1"_s, u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
     message << QStringList{ fileUri(path) } << QString();
     return message;
 }
 
 QDBusMessage openDirectory(int file)
 {
-    auto message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
-        QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.OpenURI"),
-        QStringLiteral("OpenDirectory"));
+    auto message = QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s,
+        u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.OpenURI"_s, u"OpenDirectory"_s);
     message << QString() << QVariant::fromValue(QDBusUnixFileDescriptor(file)) << QVariantMap();
     return message;
 }
@@ -86,7 +86,7 @@ void LinuxFileRevealer::openFolder(const std::string &path)
 
 QString fileUri(const std::string &path)
 {
-    return QStringLiteral("file://")
+    return u"file://"_s
         + QString::fromLatin1(
             QByteArray::fromRawData(path.data(), static_cast<qsizetype>(path.size())).toPercentEncoding("/"));
 }

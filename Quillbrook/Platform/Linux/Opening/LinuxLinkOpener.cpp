@@ -4,10 +4,12 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 void LinuxLinkOpener::open(const QUrl &url)
 {
     const auto scheme = url.scheme();
-    const bool isWebAddress = scheme == QStringLiteral("https") || scheme == QStringLiteral("http");
+    const bool isWebAddress = scheme == u"https"_s || scheme == u"http"_s;
     if (isWebAddress && url.isValid() && !url.host().isEmpty())
         QDesktopServices::openUrl(url);
 }

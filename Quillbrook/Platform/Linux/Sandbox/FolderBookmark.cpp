@@ -5,13 +5,15 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int presentVersion = 1;
-const auto versionKey = QStringLiteral("version");
-const auto pathKey = QStringLiteral("path");
-const auto idKey = QStringLiteral("document");
-const auto restKey = QStringLiteral("below");
+const auto versionKey = u"version"_s;
+const auto pathKey = u"path"_s;
+const auto idKey = u"document"_s;
+const auto restKey = u"below"_s;
 
 // The mount point also shows the documents of each program, below this name.
 constexpr std::string_view documentsByProgram = "by-app";

@@ -19,6 +19,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Where homes lie on most systems.
@@ -135,10 +137,10 @@ std::optional<std::string> LinuxFolderGrants::askForMountPoint() const
     // Without a bus a call would never come to an end.
     if (!m_bus.isConnected())
         return std::nullopt;
-    const auto name = QStringLiteral("org.freedesktop.portal.Documents");
+    const auto name = u"org.freedesktop.portal.Documents"_s;
     const QDBusReply<QByteArray> reply
-        = m_bus.call(QDBusMessage::createMethodCall(name, QStringLiteral("/org/freedesktop/portal/documents"),
-                         name, QStringLiteral("GetMountPoint")),
+        = m_bus.call(QDBusMessage::createMethodCall(
+                         name, u"/org/freedesktop/portal/documents"_s, name, u"GetMountPoint"_s),
             QDBus::Block, static_cast<int>(m_surroundings.patience.count()));
     if (!reply.isValid())
         return std::nullopt;

@@ -15,10 +15,12 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto portalName = QStringLiteral("org.freedesktop.portal.Desktop");
-const auto chooser = QStringLiteral("org.freedesktop.portal.FileChooser");
+const auto portalName = u"org.freedesktop.portal.Desktop"_s;
+const auto chooser = u"org.freedesktop.portal.FileChooser"_s;
 
 /// The first version of the portal's interface that picks folders.
 constexpr uint firstWithFolders = 3;
@@ -27,9 +29,9 @@ constexpr uint firstWithFolders = 3;
 QString parentWindow()
 {
     const auto *window = QGuiApplication::focusWindow();
-    if (!window || QGuiApplication::platformName() != QStringLiteral("xcb"))
+    if (!window || QGuiApplication::platformName() != u"xcb"_s)
         return {};
-    return QStringLiteral("x11:") + QString::number(window->winId(), 16);
+    return u"x11:"_s + QString::number(window->winId(), 16);
 }
 
 // Ends with a zero, as the portal wants it.
@@ -81,10 +83,9 @@ bool LinuxFolderPicker::hasPortal() const
     // Without a bus a call would never come to an end.
     if (!m_bus.isConnected())
         return false;
-    auto question
-        = QDBusMessage::createMethodCall(portalName, QStringLiteral("/org/freedesktop/portal/desktop"),
-            QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    question << chooser << QStringLiteral("version");
+    auto question = QDBusMessage::createMethodCall(
+        portalName, u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    question << chooser << u"version"_s;
     QEventLoop loop;
     const QDBusPendingCallWatcher call(
         m_bus.asyncCall(question, static_cast<int>(m_surroundings.patience.count())));
@@ -99,11 +100,11 @@ bool LinuxFolderPicker::hasPortal() const
 
 std::optional<std::string> LinuxFolderPicker::pickByPortal(const Request &request) const
 {
-    auto question = PortalRequest::method(chooser, QStringLiteral("OpenFile"));
+    auto question = PortalRequest::method(chooser, u"OpenFile"_s);
     question << parentWindow() << request.message
-             << QVariantMap{ { QStringLiteral("directory"), true }, { QStringLiteral("modal"), true },
-                    { QStringLiteral("accept_label"), request.prompt },
-                    { QStringLiteral("current_folder"), zeroTerminated(request.directory) } };
+             << QVariantMap{ { u"directory"_s, true }, { u"modal"_s, true },
+                    { u"accept_label"_s, request.prompt },
+                    { u"current_folder"_s, zeroTerminated(request.directory) } };
 
     // What is left open when the loop ends is taken back as this object goes.
     PortalRequest portal(m_bus);
@@ -121,17 +122,17 @@ std::optional<std::string> LinuxFolderPicker::pickByPortal(const Request &reques
     const auto response = future.result();
     if (!response || response->code != PortalRequest::Response::granted)
         return std::nullopt;
-    const auto uris = response->results.value(QStringLiteral("uris")).toStringList();
+    const auto uris = response->results.value(u"uris"_s).toStringList();
     return uris.isEmpty() ? std::nullopt : pathOfFileUri(uris.constFirst());
 }
 
 std::optional<std::string> pathOfFileUri(const QString &uri)
 {
-    const auto scheme = QStringLiteral("file://");
+    const auto scheme = u"file://"_s;
     if (!uri.startsWith(scheme, Qt::CaseInsensitive))
         return std::nullopt;
     auto rest = uri.sliced(scheme.size());
-    const auto localHost = QStringLiteral("localhost/");
+    const auto localHost = u"localhost/"_s;
     if (rest.startsWith(localHost, Qt::CaseInsensitive))
         rest.remove(0, localHost.size() - 1);
     auto path = QByteArray::fromPercentEncoding(rest.toUtf8());

@@ -12,18 +12,20 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
-const auto portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const auto requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+const auto service = u"org.freedesktop.portal.Desktop"_s;
+const auto portalPath = u"/org/freedesktop/portal/desktop"_s;
+const auto requestInterface = u"org.freedesktop.portal.Request"_s;
 
 // The handle that a portal makes of the caller's name and its token.
 QString expectedHandle(const QDBusConnection &bus, const QString &token)
 {
     auto sender = bus.baseService();
     sender.remove(u':').replace(u'.', u'_');
-    return portalPath + QStringLiteral("/request/") + sender + u'/' + token;
+    return portalPath + u"/request/"_s + sender + u'/' + token;
 }
 
 int wholeMilliseconds(std::chrono::milliseconds time)
@@ -57,10 +59,10 @@ public:
 
     void ask(QDBusMessage message, std::chrono::milliseconds timeout)
     {
-        const auto token = QStringLiteral("quillbrook_") + QUuid::createUuid().toString(QUuid::Id128);
+        const auto token = u"quillbrook_"_s + QUuid::createUuid().toString(QUuid::Id128);
         auto arguments = message.arguments();
         auto options = arguments.takeLast().toMap();
-        options.insert(QStringLiteral("handle_token"), token);
+        options.insert(u"handle_token"_s, token);
         message.setArguments(arguments << options);
         // Before the call: the answer may be there sooner than the handle.
         subscribe(expectedHandle(m_bus, token));
@@ -87,15 +89,15 @@ private:
     {
         unsubscribe();
         m_handle = handle;
-        m_bus.connect(service, m_handle, requestInterface, QStringLiteral("Response"), this,
-            SLOT(answer(uint, QVariantMap)));
+        m_bus.connect(
+            service, m_handle, requestInterface, u"Response"_s, this, SLOT(answer(uint, QVariantMap)));
     }
 
     void unsubscribe()
     {
         if (!m_handle.isEmpty())
-            m_bus.disconnect(service, m_handle, requestInterface, QStringLiteral("Response"), this,
-                SLOT(answer(uint, QVariantMap)));
+            m_bus.disconnect(
+                service, m_handle, requestInterface, u"Response"_s, this, SLOT(answer(uint, QVariantMap)));
         m_handle.clear();
     }
 
@@ -105,7 +107,7 @@ private:
             return;
         if (QDBusError(reply).type() == QDBusError::NoReply)
             takeBack();
-        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QStringLiteral("o")) {
+        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != u"o"_s) {
             finish({});
             return;
         }
@@ -119,8 +121,7 @@ private:
     {
         if (m_isOver || m_handle.isEmpty() || !m_bus.isConnected())
             return;
-        m_bus.send(
-            QDBusMessage::createMethodCall(service, m_handle, requestInterface, QStringLiteral("Close")));
+        m_bus.send(QDBusMessage::createMethodCall(service, m_handle, requestInterface, u"Close"_s));
     }
 
     void finish(const std::optional<PortalRequest::Response> &response)

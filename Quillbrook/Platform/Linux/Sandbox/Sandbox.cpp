@@ -7,13 +7,15 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 Sandbox Sandbox::detect(const QString &root, const QProcessEnvironment &environment)
 {
-    QFile flatpakInfo(QDir(root).filePath(QStringLiteral(".flatpak-info")));
+    QFile flatpakInfo(QDir(root).filePath(u".flatpak-info"_s));
     if (flatpakInfo.open(QIODevice::ReadOnly))
         return { .kind = Kind::flatpak, .application = parseFlatpakInfo(flatpakInfo.readAll()).application };
     if (isStrictSnap(environment))
-        return { .kind = Kind::snap, .application = environment.value(QStringLiteral("SNAP_NAME")) };
+        return { .kind = Kind::snap, .application = environment.value(u"SNAP_NAME"_s) };
     return {};
 }
 

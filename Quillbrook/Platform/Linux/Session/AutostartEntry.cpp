@@ -5,6 +5,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // What a key file can't hold as it is.
@@ -81,9 +83,9 @@ void take(AutostartEntry &entry, const QByteArray &key, const QString &value)
     else if (key == "TryExec")
         entry.tryExec = unescaped(value);
     else if (key == "Hidden")
-        entry.isHidden = value == QStringLiteral("true");
+        entry.isHidden = value == u"true"_s;
     else if (key == "X-GNOME-Autostart-enabled")
-        entry.isSwitchedOff = value == QStringLiteral("false");
+        entry.isSwitchedOff = value == u"false"_s;
     else if (key == "OnlyShowIn")
         entry.onlyShowIn = listOf(value);
     else if (key == "NotShowIn")
@@ -125,15 +127,14 @@ bool AutostartEntry::isFor(const QStringList &desktops) const
 
 QByteArray autostartFile(const QString &program, bool isHidden)
 {
-    const auto text = QStringLiteral("[Desktop Entry]\n"
-                                     "Type=Application\n"
-                                     "Version=1.4\n"
-                                     "Name=Quillbrook\n"
-                                     "Icon=com.tarnwick.Quillbrook\n")
-        + QStringLiteral("Exec=") + escaped(quoted(program) + QStringLiteral(" --background"))
-        + QStringLiteral("\nTryExec=") + escaped(program)
-        + QStringLiteral("\nTerminal=false\nX-GNOME-Autostart-enabled=true\n")
-        + (isHidden ? QStringLiteral("Hidden=true\n") : QString());
+    const auto text = u"[Desktop Entry]\n"
+                      "Type=Application\n"
+                      "Version=1.4\n"
+                      "Name=Quillbrook\n"
+                      "Icon=com.tarnwick.Quillbrook\n"_s
+        + u"Exec="_s + escaped(quoted(program) + u" --background"_s) + u"\nTryExec="_s + escaped(program)
+        + u"\nTerminal=false\nX-GNOME-Autostart-enabled=true\n"_s
+        + (isHidden ? u"Hidden=true\n"_s : QString());
     return text.toUtf8();
 }
 

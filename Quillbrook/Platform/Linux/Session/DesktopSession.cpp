@@ -5,6 +5,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QStringList listOf(const QProcessEnvironment &environment, const QString &name)
@@ -25,15 +27,14 @@ QStringList foldersOf(const QProcessEnvironment &environment, const QString &nam
 DesktopSession DesktopSession::of(
     const QProcessEnvironment &environment, const QString &home, const QString &root)
 {
-    const auto configFolder = environment.value(QStringLiteral("XDG_CONFIG_HOME"));
+    const auto configFolder = environment.value(u"XDG_CONFIG_HOME"_s);
     DesktopSession session{ .sandbox = Sandbox::detect(root, environment),
-        .desktops = listOf(environment, QStringLiteral("XDG_CURRENT_DESKTOP")),
-        .configFolder
-        = configFolder.startsWith(u'/') ? configFolder : QDir(home).filePath(QStringLiteral(".config")),
-        .systemConfigFolders = foldersOf(environment, QStringLiteral("XDG_CONFIG_DIRS")),
-        .programFolders = foldersOf(environment, QStringLiteral("PATH")) };
+        .desktops = listOf(environment, u"XDG_CURRENT_DESKTOP"_s),
+        .configFolder = configFolder.startsWith(u'/') ? configFolder : QDir(home).filePath(u".config"_s),
+        .systemConfigFolders = foldersOf(environment, u"XDG_CONFIG_DIRS"_s),
+        .programFolders = foldersOf(environment, u"PATH"_s) };
     if (session.systemConfigFolders.isEmpty())
-        session.systemConfigFolders.append(QStringLiteral("/etc/xdg"));
+        session.systemConfigFolders.append(u"/etc/xdg"_s);
     return session;
 }
 

@@ -14,6 +14,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // The one that runs may end just while it is asked; the name is then free. More often is no accident.
@@ -47,7 +49,7 @@ QString LinuxAppInstance::usersRuntimeFolder()
     const auto told = qgetenv("XDG_RUNTIME_DIR");
     if (told.startsWith('/') && isFolderOfThisUser(told))
         return QFile::decodeName(told);
-    const auto own = QStringLiteral("%1/%2-%3").arg(QDir::tempPath(), name()).arg(::getuid());
+    const auto own = u"%1/%2-%3"_s.arg(QDir::tempPath(), name()).arg(::getuid());
     const auto path = QFile::encodeName(own);
     // Anyone may have put something in its place, which is then not used.
     ::mkdir(path.constData(), S_IRWXU);
@@ -112,7 +114,7 @@ LinuxAppInstance::Answer LinuxAppInstance::activateOwner() const
     if (!m_options.tokens.startupId.isEmpty())
         platformData.insert(QLatin1String(startupIdKey), QString::fromUtf8(m_options.tokens.startupId));
     auto message = QDBusMessage::createMethodCall(
-        name(), objectPath(), QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
+        name(), objectPath(), u"org.freedesktop.Application"_s, u"Activate"_s);
     message.setAutoStartService(false);
     message << platformData;
     const auto reply
@@ -130,7 +132,7 @@ bool LinuxAppInstance::claimLock()
         qWarning("Quillbrook: no folder for a lock; make sure that it runs once only");
         return true;
     }
-    const auto path = QFile::encodeName(m_options.runtimeFolder + u'/' + name() + QStringLiteral(".lock"));
+    const auto path = QFile::encodeName(m_options.runtimeFolder + u'/' + name() + u".lock"_s);
     FileDescriptor file(
         ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
     // The lock goes with the process, however that ends; the file may stay.
@@ -159,7 +161,7 @@ void LinuxAppInstance::ActivateAction(
     const QString &action, const QVariantList &parameters, const QVariantMap &platformData)
 {
     Q_UNUSED(parameters)
-    if (action == QStringLiteral("open"))
+    if (action == u"open"_s)
         Q_EMIT activated(tokenOf(platformData));
 }
 

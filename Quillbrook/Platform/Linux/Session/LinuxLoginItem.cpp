@@ -17,11 +17,13 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto rememberedKey = QStringLiteral("Quillbrook.launchesAtLogin");
-const auto entryName = QStringLiteral("/autostart/com.tarnwick.Quillbrook.desktop");
-const auto autostartKey = QStringLiteral("autostart");
+const auto rememberedKey = u"Quillbrook.launchesAtLogin"_s;
+const auto entryName = u"/autostart/com.tarnwick.Quillbrook.desktop"_s;
+const auto autostartKey = u"autostart"_s;
 constexpr qsizetype entryLimit = qsizetype{ 64 } * 1024;
 
 std::string bytes(const QString &path)
@@ -60,8 +62,8 @@ QFuture<LinuxLoginItem::Outcome> LinuxLoginItem::setEnabled(bool enabled)
 QString LinuxLoginItem::programToStart(const QProcessEnvironment &environment, const QString &applicationFile)
 {
     // A program that an AppImage has started inherits its variables, but does not lie in its folder.
-    const auto image = environment.value(QStringLiteral("APPIMAGE"));
-    const auto folder = environment.value(QStringLiteral("APPDIR"));
+    const auto image = environment.value(u"APPIMAGE"_s);
+    const auto folder = environment.value(u"APPDIR"_s);
     const bool isFromImage = folder.startsWith(u'/') && applicationFile.startsWith(folder + u'/');
     return isFromImage && image.startsWith(u'/') ? image : applicationFile;
 }
@@ -85,7 +87,7 @@ LinuxLoginItem::Outcome LinuxLoginItem::write(bool isHidden) const
 {
     // An entry is text; a name of other bytes would make it start something else.
     if (!m_needs.program.startsWith(u'/') || m_needs.program.contains(QChar::ReplacementCharacter))
-        return std::unexpected(QStringLiteral("The program's own path can't be written down."));
+        return std::unexpected(u"The program's own path can't be written down."_s);
     return m_needs.writing.replace(
         bytes(m_needs.session.configFolder + entryName), autostartFile(m_needs.program, isHidden));
 }
@@ -100,16 +102,14 @@ LinuxLoginItem::Outcome LinuxLoginItem::remove() const
 
 QFuture<LinuxLoginItem::Outcome> LinuxLoginItem::askPortal(bool enabled)
 {
-    auto message = PortalRequest::method(
-        QStringLiteral("org.freedesktop.portal.Background"), QStringLiteral("RequestBackground"));
+    auto message = PortalRequest::method(u"org.freedesktop.portal.Background"_s, u"RequestBackground"_s);
     message << QString()
             << QVariantMap{
-                   { QStringLiteral("reason"),
-                       QStringLiteral("Quillbrook watches the disk in the background and tells you before it "
-                                      "fills up.") },
+                   { u"reason"_s,
+                       u"Quillbrook watches the disk in the background and tells you before it "
+                       "fills up."_s },
                    { autostartKey, enabled },
-                   { QStringLiteral("commandline"),
-                       QStringList{ QStringLiteral("quillbrook"), QStringLiteral("--background") } },
+                   { u"commandline"_s, QStringList{ u"quillbrook"_s, u"--background"_s } },
                };
     const auto promise = std::make_shared<QPromise<Outcome>>();
     promise->start();
@@ -125,7 +125,7 @@ LinuxLoginItem::Outcome LinuxLoginItem::takeAnswer(
     bool enabled, const std::optional<PortalRequest::Response> &response)
 {
     if (!response)
-        return std::unexpected(QStringLiteral("The desktop portal gave no answer."));
+        return std::unexpected(u"The desktop portal gave no answer."_s);
     // A refusal tells how it stands as well.
     const auto starts = response->results.value(autostartKey);
     const bool isGranted = response->code == PortalRequest::Response::granted;
@@ -134,9 +134,9 @@ LinuxLoginItem::Outcome LinuxLoginItem::takeAnswer(
     else if (isGranted)
         m_needs.defaults.setBoolean(rememberedKey, enabled);
     if (!isGranted)
-        return std::unexpected(QStringLiteral("The request was turned down."));
+        return std::unexpected(u"The request was turned down."_s);
     if (isEnabled() != enabled)
-        return std::unexpected(QStringLiteral("The desktop did not change it."));
+        return std::unexpected(u"The desktop did not change it."_s);
     return {};
 }
 

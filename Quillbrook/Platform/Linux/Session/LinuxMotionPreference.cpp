@@ -10,11 +10,13 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
-const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
-const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
+const auto service = u"org.freedesktop.portal.Desktop"_s;
+const auto path = u"/org/freedesktop/portal/desktop"_s;
+const auto interface = u"org.freedesktop.portal.Settings"_s;
 constexpr int patienceMilliseconds = 5000;
 
 using Groups = QMap<QString, QVariantMap>;
@@ -66,8 +68,8 @@ LinuxMotionPreference::LinuxMotionPreference(const QDBusConnection &sessionBus)
 {
     if (!m_bus.isConnected())
         return;
-    m_bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
-        SLOT(follow(QString, QString, QDBusVariant)));
+    m_bus.connect(
+        service, path, interface, u"SettingChanged"_s, this, SLOT(follow(QString, QString, QDBusVariant)));
     ask();
 }
 
@@ -95,7 +97,7 @@ void LinuxMotionPreference::follow(const QString &group, const QString &key, con
 
 void LinuxMotionPreference::ask()
 {
-    auto question = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    auto question = QDBusMessage::createMethodCall(service, path, interface, u"ReadAll"_s);
     question << groups();
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(question, patienceMilliseconds), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {

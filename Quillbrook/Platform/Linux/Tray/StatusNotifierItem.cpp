@@ -10,6 +10,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 StatusNotifierItem::StatusNotifierItem(
     const QDBusConnection &bus, const QDBusObjectPath &menu, QObject *parent)
     : QObject(parent)
@@ -96,9 +98,9 @@ void StatusNotifierItem::tellText()
         return;
     // The panels that know labels read them by the one signal or by the other.
     auto changed = QDBusMessage::createSignal(
-        objectPath(), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
-    changed << QStringLiteral("org.kde.StatusNotifierItem")
-            << QVariantMap{ { QStringLiteral("XAyatanaLabel"), m_label } } << QStringList();
+        objectPath(), u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s);
+    changed << u"org.kde.StatusNotifierItem"_s << QVariantMap{ { u"XAyatanaLabel"_s, m_label } }
+            << QStringList();
     m_bus.send(changed);
 }
 

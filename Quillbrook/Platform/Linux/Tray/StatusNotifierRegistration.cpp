@@ -9,15 +9,17 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
-const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+const auto watcherName = u"org.kde.StatusNotifierWatcher"_s;
+const auto watcherPath = u"/StatusNotifierWatcher"_s;
 
 QDBusMessage registering(const QString &item)
 {
     auto message = QDBusMessage::createMethodCall(
-        watcherName, watcherPath, watcherName, QStringLiteral("RegisterStatusNotifierItem"));
+        watcherName, watcherPath, watcherName, u"RegisterStatusNotifierItem"_s);
     message.setAutoStartService(false);
     message << item;
     return message;
@@ -26,9 +28,9 @@ QDBusMessage registering(const QString &item)
 QDBusMessage panelQuestion()
 {
     auto message = QDBusMessage::createMethodCall(
-        watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+        watcherName, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     message.setAutoStartService(false);
-    message << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
+    message << watcherName << u"IsStatusNotifierHostRegistered"_s;
     return message;
 }
 
@@ -60,15 +62,14 @@ void StatusNotifierRegistration::start()
             if (!owner.isEmpty())
                 enlist();
         });
-    for (const auto &signal :
-        { QStringLiteral("StatusNotifierHostRegistered"), QStringLiteral("StatusNotifierHostUnregistered") })
+    for (const auto &signal : { u"StatusNotifierHostRegistered"_s, u"StatusNotifierHostUnregistered"_s })
         m_bus.connect(watcherName, watcherPath, watcherName, signal, this, SLOT(askForPanel()));
     enlist();
 }
 
 void StatusNotifierRegistration::takeName()
 {
-    m_name = QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    m_name = u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid());
     m_ownsName = m_bus.registerService(m_name);
     // Inside a sandbox the name may be refused. The connection's own serves as well.
     if (!m_ownsName)

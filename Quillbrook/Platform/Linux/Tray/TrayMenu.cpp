@@ -7,17 +7,19 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr std::array entries{ TrayMenu::Entry::figure, TrayMenu::Entry::separator, TrayMenu::Entry::open,
     TrayMenu::Entry::checkNow, TrayMenu::Entry::quit };
 
-const auto labelProperty = QStringLiteral("label");
+const auto labelProperty = u"label"_s;
 
 /// An underscore would mark the next letter as the entry's key.
 QVariant label(QString text)
 {
-    return text.replace(u'_', QStringLiteral("__"));
+    return text.replace(u'_', u"__"_s);
 }
 
 bool exists(int id)
@@ -42,7 +44,7 @@ TrayMenu::~TrayMenu()
 
 QDBusObjectPath TrayMenu::objectPath()
 {
-    return QDBusObjectPath(QStringLiteral("/StatusNotifierItem/Menu"));
+    return QDBusObjectPath(u"/StatusNotifierItem/Menu"_s);
 }
 
 void TrayMenu::publish()
@@ -100,7 +102,7 @@ void TrayMenu::Event(int id, const QString &eventId, const QDBusVariant &data, u
     Q_UNUSED(timestamp)
     if (!exists(id))
         refuse(id);
-    else if (eventId == QStringLiteral("clicked"))
+    else if (eventId == u"clicked"_s)
         choose(id);
 }
 
@@ -110,7 +112,7 @@ QList<int> TrayMenu::EventGroup(const QList<MenuEvent> &events)
     for (const auto &event : events) {
         if (!exists(event.id))
             missing.append(event.id);
-        else if (event.name == QStringLiteral("clicked"))
+        else if (event.name == u"clicked"_s)
             choose(event.id);
     }
     if (!missing.isEmpty() && missing.size() == events.size())
@@ -140,13 +142,13 @@ QVariantMap TrayMenu::properties(int id, const QStringList &names) const
     QVariantMap all;
     switch (Entry(id)) {
     case Entry::menu:
-        all = { { QStringLiteral("children-display"), QStringLiteral("submenu") } };
+        all = { { u"children-display"_s, u"submenu"_s } };
         break;
     case Entry::figure:
-        all = { { labelProperty, label(TrayTexts::free(m_figure)) }, { QStringLiteral("enabled"), false } };
+        all = { { labelProperty, label(TrayTexts::free(m_figure)) }, { u"enabled"_s, false } };
         break;
     case Entry::separator:
-        all = { { QStringLiteral("type"), QStringLiteral("separator") } };
+        all = { { u"type"_s, u"separator"_s } };
         break;
     case Entry::open:
         all = { { labelProperty, label(TrayTexts::open()) } };
@@ -166,8 +168,7 @@ QVariantMap TrayMenu::properties(int id, const QStringList &names) const
 void TrayMenu::refuse(int id)
 {
     if (calledFromDBus())
-        sendErrorReply(
-            QDBusError::InvalidArgs, QStringLiteral("There is no such entry or property: %1").arg(id));
+        sendErrorReply(QDBusError::InvalidArgs, u"There is no such entry or property: %1"_s.arg(id));
 }
 
 void TrayMenu::choose(int id)

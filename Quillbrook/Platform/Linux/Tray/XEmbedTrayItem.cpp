@@ -12,6 +12,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QIcon icon(const TrayPicture::Look &look)
@@ -54,14 +56,14 @@ XEmbedTrayItem::XEmbedTrayItem()
 std::unique_ptr<TrayItem> XEmbedTrayItem::make()
 {
     const auto isPossible = qobject_cast<QApplication *>(QCoreApplication::instance())
-        && QGuiApplication::platformName() == QStringLiteral("xcb");
+        && QGuiApplication::platformName() == u"xcb"_s;
     return isPossible ? std::make_unique<XEmbedTrayItem>() : nullptr;
 }
 
 void XEmbedTrayItem::show(const Appearance &appearance)
 {
     // An ampersand would mark the next letter as the entry's key.
-    m_figure.setText(TrayTexts::free(appearance.title).replace(u'&', QStringLiteral("&&")));
+    m_figure.setText(TrayTexts::free(appearance.title).replace(u'&', u"&&"_s));
     m_icon.setToolTip(TrayTexts::whole(appearance.title));
     m_icon.setIcon(icon(TrayPicture::look(appearance.usedShare, appearance.isDanger)));
     m_icon.show();

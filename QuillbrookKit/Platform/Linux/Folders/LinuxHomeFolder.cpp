@@ -11,9 +11,11 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto flatpakInfoPath = QStringLiteral("/.flatpak-info");
+const auto flatpakInfoPath = u"/.flatpak-info"_s;
 constexpr size_t smallestEntry = 1024;
 constexpr size_t largestEntry = 1024 * smallestEntry;
 
@@ -47,8 +49,8 @@ QString realHome(const LinuxHomeFolder::Surroundings &surroundings)
     const auto home = surroundings.accountHome.value_or(QString());
     if (home.startsWith(u'/'))
         return standardisedPath(home, {});
-    const auto fallback = surroundings.environment.value(QStringLiteral("HOME"));
-    return fallback.startsWith(u'/') ? standardisedPath(fallback, {}) : QStringLiteral("/");
+    const auto fallback = surroundings.environment.value(u"HOME"_s);
+    return fallback.startsWith(u'/') ? standardisedPath(fallback, {}) : u"/"_s;
 }
 
 std::optional<QString> sandboxHome(const LinuxHomeFolder::Surroundings &surroundings, const QString &realHome)
@@ -57,10 +59,10 @@ std::optional<QString> sandboxHome(const LinuxHomeFolder::Surroundings &surround
         const auto info = parseFlatpakInfo(*surroundings.flatpakInfo);
         if (info.seesHome || info.application.isEmpty())
             return std::nullopt;
-        return realHome + QStringLiteral("/.var/app/") + info.application;
+        return realHome + u"/.var/app/"_s + info.application;
     }
     if (isStrictSnap(surroundings.environment))
-        return standardisedPath(surroundings.environment.value(QStringLiteral("SNAP_USER_DATA")), {});
+        return standardisedPath(surroundings.environment.value(u"SNAP_USER_DATA"_s), {});
     return std::nullopt;
 }
 
@@ -112,9 +114,8 @@ FlatpakInfo parseFlatpakInfo(QByteArrayView text)
 
 bool isStrictSnap(const QProcessEnvironment &environment)
 {
-    const auto data = environment.value(QStringLiteral("SNAP_USER_DATA"));
-    return environment.contains(QStringLiteral("SNAP")) && data.startsWith(u'/')
-        && environment.value(QStringLiteral("HOME")) == data;
+    const auto data = environment.value(u"SNAP_USER_DATA"_s);
+    return environment.contains(u"SNAP"_s) && data.startsWith(u'/') && environment.value(u"HOME"_s) == data;
 }
 
 } // namespace Quillbrook

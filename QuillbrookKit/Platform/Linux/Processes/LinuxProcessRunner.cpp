@@ -9,6 +9,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // A killed process is gone within moments; the bound is for a machine that is stuck itself.
@@ -17,7 +19,7 @@ constexpr int reapMilliseconds = 5000;
 QProcessEnvironment plainEnvironment()
 {
     auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    environment.insert(u"LC_ALL"_s, u"C"_s);
     return environment;
 }
 

@@ -11,8 +11,10 @@ class Setup : public QObject
     Q_OBJECT
 
 public Q_SLOTS:
-    void qmlEngineAvailable(QQmlEngine *engine) { engine->addImportPath(QStringLiteral("qrc:/qt/qml")); }
+    void qmlEngineAvailable(QQmlEngine *engine) { engine->addImportPath(u"qrc:/qt/qml"_s); }
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(Controls, Setup)
 #include "tst_Controls.moc"
+
+using namespace Qt::StringLiterals;

@@ -15,6 +15,7 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -68,7 +69,7 @@ void GalleryTest::init()
     qInstallMessageHandler(keepWarnings);
     QAccessible::setActive(true);
     m_view = std::make_unique<QQuickView>();
-    m_view->engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    m_view->engine()->addImportPath(u"qrc:/qt/qml"_s);
     m_view->setSource(QUrl::fromLocalFile(QStringLiteral(GALLERY_FILE)));
     m_view->show();
     m_view->requestActivate();
@@ -121,12 +122,12 @@ void GalleryTest::accessiblePressActs()
 
 void GalleryTest::accessiblePressOfADisabledControlDoesNothing()
 {
-    auto *item = named(QStringLiteral("Plain disabled"));
+    auto *item = named(u"Plain disabled"_s);
     QSignalSpy clicks(item, SIGNAL(clicked()));
     pressAccessibly(item);
     QCOMPARE(clicks.count(), 0);
 
-    auto *box = named(QStringLiteral("Off, disabled"));
+    auto *box = named(u"Off, disabled"_s);
     QAccessible::queryAccessibleInterface(box)->actionInterface()->doAction(
         QAccessibleActionInterface::toggleAction());
     QVERIFY(!box->property("checked").toBool());
@@ -172,7 +173,7 @@ void GalleryTest::keyboardFocusShowsTheRing()
         seen.insert(item);
         int rings = 0;
         for (auto *part : visibleItemsBelow(*item))
-            rings += part->objectName() == QStringLiteral("focusRing") ? 1 : 0;
+            rings += part->objectName() == u"focusRing"_s ? 1 : 0;
         QVERIFY2(rings == 1, qPrintable(accessibleName(item)));
     }
     QVERIFY(seen.size() > 20);
@@ -180,12 +181,12 @@ void GalleryTest::keyboardFocusShowsTheRing()
 
 void GalleryTest::clickLeavesTheRingAway()
 {
-    auto *item = named(QStringLiteral("Plain"));
+    auto *item = named(u"Plain"_s);
     QSignalSpy clicks(item, SIGNAL(clicked()));
     QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, centreOf(*item));
     QCOMPARE(clicks.count(), 1);
     for (auto *part : visibleItemsBelow(*item))
-        QVERIFY(part->objectName() != QStringLiteral("focusRing"));
+        QVERIFY(part->objectName() != u"focusRing"_s);
 }
 
 void GalleryTest::keysPress_data()
@@ -212,19 +213,19 @@ void GalleryTest::keysPress()
 
 void GalleryTest::dialogGivesTheKeyboardToCancelAndEscapeCloses()
 {
-    auto *question = m_view->rootObject()->findChild<QObject *>(QStringLiteral("question"));
+    auto *question = m_view->rootObject()->findChild<QObject *>(u"question"_s);
     QVERIFY(question);
     QSignalSpy closed(question, SIGNAL(closed()));
     QMetaObject::invokeMethod(question, "open");
     QTRY_VERIFY(question->property("opened").toBool());
     QTRY_VERIFY(m_view->activeFocusItem());
-    QTRY_COMPARE(m_view->activeFocusItem()->objectName(), QStringLiteral("cancelButton"));
+    QTRY_COMPARE(m_view->activeFocusItem()->objectName(), u"cancelButton"_s);
 
     QTest::keyClick(m_view.get(), Qt::Key_Escape);
     QTRY_COMPARE(closed.count(), 1);
 
     QMetaObject::invokeMethod(question, "open");
-    QTRY_COMPARE(m_view->activeFocusItem()->objectName(), QStringLiteral("cancelButton"));
+    QTRY_COMPARE(m_view->activeFocusItem()->objectName(), u"cancelButton"_s);
     QTRY_VERIFY(question->property("opened").toBool());
     QTest::keyClick(m_view.get(), Qt::Key_Return);
     QTRY_COMPARE(closed.count(), 2);

@@ -10,6 +10,7 @@
 #include <memory>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -382,7 +383,7 @@ void SelectionBarStateTest::questionAboutANameOfSeveralLinesIsOneLine()
     fixture.scan();
     fixture.select("two\nlines");
     fixture.bar.askToRemove(false);
-    QCOMPARE(fixture.bar.confirmTitle(), QStringLiteral("Move two lines to the Trash?"));
+    QCOMPARE(fixture.bar.confirmTitle(), u"Move two lines to the Trash?"_s);
     fixture.bar.remove();
     QVERIFY(fixture.isTrashed("two\nlines"));
 }
@@ -391,9 +392,9 @@ void SelectionBarStateTest::questionTellsHowManyThingsGo()
 {
     DiskFixture fixture;
     fixture.select("project");
-    QTRY_COMPARE(fixture.bar.items(), QStringLiteral("2 items"));
+    QTRY_COMPARE(fixture.bar.items(), u"2 items"_s);
     fixture.bar.askToRemove(false);
-    QVERIFY(fixture.bar.confirmMessage().startsWith(QStringLiteral("2 items, 8.0 KB, at ~/project. ")));
+    QVERIFY(fixture.bar.confirmMessage().startsWith(u"2 items, 8.0 KB, at ~/project. "_s));
 
     ScannedHome home;
     SelectionBarState bar(home.model, [](const std::string &, qsizetype cap) {
@@ -401,15 +402,14 @@ void SelectionBarStateTest::questionTellsHowManyThingsGo()
     });
     home.scan();
     home.model.setSelection(home.snapshot("Projects"));
-    QTRY_COMPARE(bar.items(), QStringLiteral("over 5,000 items"));
-    QVERIFY(bar.confirmMessage().startsWith(QStringLiteral("Over 5,000 items, 120 MB, at ~/Projects. ")));
+    QTRY_COMPARE(bar.items(), u"over 5,000 items"_s);
+    QVERIFY(bar.confirmMessage().startsWith(u"Over 5,000 items, 120 MB, at ~/Projects. "_s));
 }
 
 void SelectionBarStateTest::questionSaysThatThereIsNoOtherCopy()
 {
     DiskFixture fixture;
-    const auto warning
-        = QStringLiteral("This cannot be undone. This Mac has no backup, so there is no other copy. ");
+    const auto warning = u"This cannot be undone. This Mac has no backup, so there is no other copy. "_s;
     fixture.select("notes.txt");
     fixture.bar.askToRemove(true);
     QVERIFY(!fixture.bar.confirmMessage().contains(warning));
@@ -418,7 +418,7 @@ void SelectionBarStateTest::questionSaysThatThereIsNoOtherCopy()
     QTRY_VERIFY(fixture.model->safetyNet());
     QVERIFY(fixture.bar.confirmMessage().contains(warning));
     fixture.bar.askToRemove(false);
-    QVERIFY(!fixture.bar.confirmMessage().contains(QStringLiteral("no backup")));
+    QVERIFY(!fixture.bar.confirmMessage().contains(u"no backup"_s));
 }
 
 void SelectionBarStateTest::answerRemovesWhatWasAskedAbout()

@@ -8,6 +8,7 @@
 #include <vector>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using TreemapPainter::Outline;
 
 namespace {
@@ -275,7 +276,7 @@ void TreemapPainterTest::noticeStandsInTheMiddle()
     auto image = page();
     {
         QPainter painter(&image);
-        TreemapPainter::paintNotice(painter, image.rect(), QStringLiteral("Measuring…"));
+        TreemapPainter::paintNotice(painter, image.rect(), u"Measuring…"_s);
     }
     QVERIFY(hasInk(image, { 60, 50, 80, 20 }, Theme::page()));
     QVERIFY(!hasInk(image, { 0, 0, 200, 40 }, Theme::page()));

@@ -127,9 +127,9 @@ void MenuBarPanelTest::init()
 void MenuBarPanelTest::load()
 {
     m_engine = std::make_unique<QQmlApplicationEngine>();
-    m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
-    m_engine->setInitialProperties({ { QStringLiteral("panel"), QVariant::fromValue(&m_machine->panel) } });
-    m_engine->load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Panel/MenuBarPanel.qml")));
+    m_engine->addImportPath(u"qrc:/qt/qml"_s);
+    m_engine->setInitialProperties({ { u"panel"_s, QVariant::fromValue(&m_machine->panel) } });
+    m_engine->load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Panel/MenuBarPanel.qml"_s));
     m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
     QVERIFY(m_window);
     QVERIFY(!m_window->isVisible());
@@ -363,7 +363,7 @@ void MenuBarPanelTest::everySwitchWorksByKey()
     QVERIFY(m_machine->model.watching());
     int rings = 0;
     for (auto *part : visibleItemsBelow(*toggle(watchingTitle)))
-        rings += part->objectName() == QStringLiteral("focusRing") ? 1 : 0;
+        rings += part->objectName() == u"focusRing"_s ? 1 : 0;
     QCOMPARE(rings, 1);
 
     QTest::keyClick(m_window, Qt::Key_Tab);

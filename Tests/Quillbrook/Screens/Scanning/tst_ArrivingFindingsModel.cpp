@@ -5,12 +5,13 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 Finding finding(const QString &id, qint64 bytes)
 {
-    return { .id = id, .rule = { .title = QStringLiteral("Title of ") + id }, .bytes = bytes };
+    return { .id = id, .rule = { .title = u"Title of "_s + id }, .bytes = bytes };
 }
 
 struct Fixture
@@ -49,8 +50,8 @@ void ArrivingFindingsModelTest::rowTellsTitleAndSize()
     Fixture fixture;
     fixture.model.setFindings({ finding("a", 1536) });
     const auto row = fixture.model.index(0);
-    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::title)).toString(), QStringLiteral("Title of a"));
-    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::size)).toString(), QStringLiteral("1.5 KB"));
+    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::title)).toString(), u"Title of a"_s);
+    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::size)).toString(), u"1.5 KB"_s);
     QCOMPARE(fixture.model.index(1).data(int(ArrivingFindingsModel::Role::size)), QVariant());
 }
 

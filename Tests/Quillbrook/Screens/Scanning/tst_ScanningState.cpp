@@ -5,6 +5,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class ScanningStateTest : public QObject
 {
@@ -21,11 +22,11 @@ void ScanningStateTest::titleIsTheDetailOrSaysThatMeasuringIsOn()
     ScanProgress progress;
     const ScanningState scan(progress);
     QSignalSpy changes(&scan, &ScanningState::titleChanged);
-    QCOMPARE(scan.title(), QStringLiteral("Measuring this Mac"));
-    progress.setDetail(QStringLiteral("Downloaded code packages"));
-    QCOMPARE(scan.title(), QStringLiteral("Downloaded code packages"));
+    QCOMPARE(scan.title(), u"Measuring this Mac"_s);
+    progress.setDetail(u"Downloaded code packages"_s);
+    QCOMPARE(scan.title(), u"Downloaded code packages"_s);
     progress.reset();
-    QCOMPARE(scan.title(), QStringLiteral("Measuring this Mac"));
+    QCOMPARE(scan.title(), u"Measuring this Mac"_s);
     QCOMPARE(changes.count(), 2);
 }
 
@@ -38,9 +39,9 @@ void ScanningStateTest::barAndCountsFollowTheProgress()
     QCOMPARE(scan.fraction(), 0.0);
     QCOMPARE(scan.counts(), QString());
     progress.setFraction(0.4);
-    progress.setCounts(QStringLiteral("12 files"));
+    progress.setCounts(u"12 files"_s);
     QCOMPARE(scan.fraction(), 0.4);
-    QCOMPARE(scan.counts(), QStringLiteral("12 files"));
+    QCOMPARE(scan.counts(), u"12 files"_s);
     QCOMPARE(fractions.count(), 1);
     QCOMPARE(counts.count(), 1);
 }
@@ -51,7 +52,7 @@ void ScanningStateTest::findingsAreThoseOfTheProgress()
     ScanningState scan(progress);
     progress.setFindings({ { .id = "a", .rule = { .title = "Saved web pages" }, .bytes = 2048 } });
     QCOMPARE(scan.findings()->rowCount(), 1);
-    QCOMPARE(scan.findings()->index(0).data(Qt::DisplayRole).toString(), QStringLiteral("Saved web pages"));
+    QCOMPARE(scan.findings()->index(0).data(Qt::DisplayRole).toString(), u"Saved web pages"_s);
     progress.reset();
     QCOMPARE(scan.findings()->rowCount(), 0);
 }

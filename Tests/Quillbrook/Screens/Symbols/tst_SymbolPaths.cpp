@@ -8,6 +8,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class SymbolPathsTest : public QObject
 {
@@ -66,7 +67,7 @@ void SymbolPathsTest::everyNameAScreenUsesIsInTheSet()
 
 void SymbolPathsTest::unknownNameHasNoOutline()
 {
-    QCOMPARE(SymbolPaths::outline(QStringLiteral("no.such.symbol")), SymbolOutline());
+    QCOMPARE(SymbolPaths::outline(u"no.such.symbol"_s), SymbolOutline());
     QCOMPARE(SymbolPaths::outline({}), SymbolOutline());
 }
 
@@ -83,8 +84,8 @@ void SymbolPathsTest::itemPaintsInItsColourAtItsSize()
 {
     Symbol symbol;
     QSignalSpy changes(&symbol, &Symbol::nameChanged);
-    symbol.setName(QStringLiteral("minus"));
-    symbol.setName(QStringLiteral("minus"));
+    symbol.setName(u"minus"_s);
+    symbol.setName(u"minus"_s);
     QCOMPARE(changes.count(), 1);
     symbol.setColor(Qt::red);
     symbol.setSize({ 32, 32 });

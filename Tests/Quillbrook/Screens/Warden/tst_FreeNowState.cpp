@@ -4,6 +4,7 @@
 #include <QSignalSpy>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -47,7 +48,7 @@ void FreeNowStateTest::asksWhatToDoWithWhatHasJustGone()
 {
     const Fixture fixture;
     QVERIFY(fixture.offer.asked());
-    QCOMPARE(fixture.offer.title(), QStringLiteral("Moved 4.0 KB to the Trash. Free the space now?"));
+    QCOMPARE(fixture.offer.title(), u"Moved 4.0 KB to the Trash. Free the space now?"_s);
 }
 
 void FreeNowStateTest::freeingRemovesIt()

@@ -5,6 +5,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using Kind = WardenLines::Kind;
 
 namespace {
@@ -48,7 +49,7 @@ void WardenListModelTest::lineTellsWhatItIs()
     const auto line = fixture.model.index(2);
     QCOMPARE(line.data(int(WardenListModel::Role::kind)).toInt(), int(Kind::Finding));
     QCOMPARE(line.data(int(WardenListModel::Role::row)).value<WardenRow>(), fixture.model.rows().at(2));
-    QCOMPARE(line.data(Qt::DisplayRole).toString(), QStringLiteral("Trash"));
+    QCOMPARE(line.data(Qt::DisplayRole).toString(), u"Trash"_s);
     QCOMPARE(fixture.model.index(0).data(int(WardenListModel::Role::kind)).toInt(), int(Kind::Banner));
 }
 

@@ -4,6 +4,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using Kind = WardenLines::Kind;
 
 namespace {
@@ -129,12 +130,11 @@ void WardenRowsTest::missingBackupIsToldOnlyWhenKnown()
     QVERIFY(fixture.rows().isEmpty());
     fixture.safetyNet = SafetyNet{};
     const auto row = fixture.rows().value(0);
-    QCOMPARE(row.title, QStringLiteral("This Mac has no backup"));
+    QCOMPARE(row.title, u"This Mac has no backup"_s);
     QCOMPARE(row.what,
-        QStringLiteral(
-            "No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
-            "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On "
-            "a modern Mac, no recovery tool can bring it back."));
+        u"No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
+        "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On "
+        "a modern Mac, no recovery tool can bring it back."_s);
     QVERIFY(row.tinted);
     QCOMPARE(row.action, QString());
 }
@@ -177,7 +177,7 @@ void WardenRowsTest::verificationIsGoodFromNineTenths()
     const auto row = fixture.rows().value(0);
     QCOMPARE(row.title, title);
     QCOMPARE(row.what, text);
-    QCOMPARE(row.action, QStringLiteral("Dismiss"));
+    QCOMPARE(row.action, u"Dismiss"_s);
     QCOMPARE(row.tone, fixture.verification->isGood() ? Theme::safe() : Theme::careful());
 }
 
@@ -186,12 +186,11 @@ void WardenRowsTest::pendingTrashTellsHowMuchOfOurs()
     Fixture fixture;
     fixture.pending = { .count = 12, .bytes = 3584 };
     const auto row = fixture.rows().value(0);
-    QCOMPARE(row.title, QStringLiteral("3.5 KB is in the Trash, still taking up space"));
+    QCOMPARE(row.title, u"3.5 KB is in the Trash, still taking up space"_s);
     QCOMPARE(row.what,
-        QStringLiteral(
-            "The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
-            "will remove only the 12 items it moved — never anything else you have thrown away."));
-    QCOMPARE(row.action, QStringLiteral("Finish removing"));
+        u"The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
+        "will remove only the 12 items it moved — never anything else you have thrown away."_s);
+    QCOMPARE(row.action, u"Finish removing"_s);
 }
 
 void WardenRowsTest::sectionsGoBySafetyAndHaveOnlyWhatIsThere()
@@ -217,7 +216,7 @@ void WardenRowsTest::headingTellsClassSumAndColour()
     fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::careful, 2),
         finding("c", Safety::safe, 2), finding("d", Safety::reportOnly, 1) };
     const auto rows = fixture.rows();
-    QCOMPARE(rows.at(0).size, QStringLiteral("5.0 KB"));
+    QCOMPARE(rows.at(0).size, u"5.0 KB"_s);
     QCOMPARE(rows.at(0).note, QString());
     QCOMPARE(rows.at(0).tone, Theme::safe());
     QCOMPARE(rows.at(3).tone, Theme::careful());
@@ -228,7 +227,7 @@ void WardenRowsTest::shownOnlySectionSaysThatNothingIsPicked()
 {
     Fixture fixture;
     fixture.report->findings = { finding("a", Safety::reportOnly, 3) };
-    QCOMPARE(fixture.rows().first().note, QStringLiteral("· Quillbrook never picks these"));
+    QCOMPARE(fixture.rows().first().note, u"· Quillbrook never picks these"_s);
 }
 
 void WardenRowsTest::linkDoesNotCountInTheSum()
@@ -236,7 +235,7 @@ void WardenRowsTest::linkDoesNotCountInTheSum()
     Fixture fixture;
     fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::safe, 2) };
     fixture.report->findings[0].redirectedOffVolume = true;
-    QCOMPARE(fixture.rows().first().size, QStringLiteral("2.0 KB"));
+    QCOMPARE(fixture.rows().first().size, u"2.0 KB"_s);
 }
 
 void WardenRowsTest::findingTellsAllAboutItself()
@@ -267,7 +266,7 @@ void WardenRowsTest::unknownDatesAreSaidToBe()
     fixture.report->findings = { finding("a", Safety::safe, 3) };
     fixture.report->findings[0].created.reset();
     fixture.report->findings[0].lastModified.reset();
-    QCOMPARE(fixture.rows().at(1).ages, QStringLiteral("Created unknown · last used unknown"));
+    QCOMPARE(fixture.rows().at(1).ages, u"Created unknown · last used unknown"_s);
 }
 
 void WardenRowsTest::findingThatIsNotOldEnoughIsNotShown()
@@ -312,7 +311,7 @@ void WardenRowsTest::linkSaysWhereItLives()
     QCOMPARE(fixture.rows().at(1).note, QString());
     fixture.report->findings[0].redirectedOffVolume = true;
     QCOMPARE(fixture.rows().at(1).note,
-        QStringLiteral("This folder actually lives on another drive, so clearing it frees nothing here."));
+        u"This folder actually lives on another drive, so clearing it frees nothing here."_s);
 }
 
 void WardenRowsTest::cardsAreRoundAtTheirEnds()
@@ -335,9 +334,9 @@ void WardenRowsTest::logComesLast()
     fixture.report->findings = { finding("a", Safety::safe, 3) };
     QCOMPARE(fixture.kinds(),
         QList<Kind>({ Kind::Heading, Kind::Finding, Kind::LogHeading, Kind::LogLine, Kind::LogLine }));
-    QCOMPARE(fixture.rows().at(2).title.toUpper(), QStringLiteral("ACTIVITY"));
-    QCOMPARE(fixture.rows().at(3).title, QStringLiteral("✓ first"));
-    QCOMPARE(fixture.rows().at(4).title, QStringLiteral("✗ second line"));
+    QCOMPARE(fixture.rows().at(2).title.toUpper(), u"ACTIVITY"_s);
+    QCOMPARE(fixture.rows().at(3).title, u"✓ first"_s);
+    QCOMPARE(fixture.rows().at(4).title, u"✗ second line"_s);
 }
 
 void WardenRowsTest::defaultsAreTheSafeOnesAlone()

@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using Kind = WardenLines::Kind;
 
 namespace {
@@ -45,8 +46,8 @@ struct Fixture : ScannedHome
     }
 
     mutable WardenState warden{ model };
-    const QString logs = QStringLiteral("Android build logs");
-    const QString packages = QStringLiteral("Downloaded code packages");
+    const QString logs = u"Android build logs"_s;
+    const QString packages = u"Downloaded code packages"_s;
 };
 
 // Real files: packages that come back by themselves, and libraries that cost something.
@@ -115,8 +116,8 @@ private Q_SLOTS:
 void WardenStateTest::withoutAReportThereIsNothing()
 {
     const Fixture fixture;
-    QCOMPARE(fixture.warden.total(), QStringLiteral("0 B selected"));
-    QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 0 reclaimable items"));
+    QCOMPARE(fixture.warden.total(), u"0 B selected"_s);
+    QCOMPARE(fixture.warden.counts(), u"0 of 0 reclaimable items"_s);
     QVERIFY(fixture.warden.chosenFindings().isEmpty());
     QVERIFY(!fixture.warden.canReclaim());
     for (const auto &row : fixture.warden.rows()->rows())
@@ -128,8 +129,8 @@ void WardenStateTest::newFindingsArriveTicked()
     Fixture fixture;
     fixture.scan();
     QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
-    QCOMPARE(fixture.warden.total(), QStringLiteral("80.0 MB selected"));
-    QCOMPARE(fixture.warden.counts(), QStringLiteral("2 of 3 reclaimable items"));
+    QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
+    QCOMPARE(fixture.warden.counts(), u"2 of 3 reclaimable items"_s);
     QVERIFY(fixture.line(fixture.packages).ticked);
 }
 
@@ -146,8 +147,8 @@ void WardenStateTest::carefulOnesWaitForTheirTick()
         QVERIFY(line.selectable);
         QVERIFY(!line.ticked);
         fixture.warden.toggle(row);
-        QCOMPARE(fixture.warden.total(), QStringLiteral("150 MB selected"));
-        QCOMPARE(fixture.warden.counts(), QStringLiteral("3 of 3 reclaimable items"));
+        QCOMPARE(fixture.warden.total(), u"150 MB selected"_s);
+        QCOMPARE(fixture.warden.counts(), u"3 of 3 reclaimable items"_s);
     }
     QCOMPARE(careful, 1);
 }
@@ -157,10 +158,10 @@ void WardenStateTest::reportOnlyOnesNeverCount()
     Fixture fixture;
     fixture.scan();
     const auto row = static_cast<int>(fixture.warden.rows()->rowCount() - 1);
-    QCOMPARE(fixture.warden.rows()->rows().at(row).size, QStringLiteral("90.0 MB"));
+    QCOMPARE(fixture.warden.rows()->rows().at(row).size, u"90.0 MB"_s);
     QVERIFY(!fixture.warden.rows()->rows().at(row).selectable);
     fixture.warden.toggle(row);
-    QCOMPARE(fixture.warden.total(), QStringLiteral("80.0 MB selected"));
+    QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
     QVERIFY(!fixture.warden.touched());
 }
 
@@ -173,10 +174,10 @@ void WardenStateTest::tickingChangesTheSum()
     QCOMPARE(changes.count(), 1);
     QVERIFY(fixture.warden.touched());
     QVERIFY(!fixture.line(fixture.packages).ticked);
-    QCOMPARE(fixture.warden.total(), QStringLiteral("30.0 MB selected"));
+    QCOMPARE(fixture.warden.total(), u"30.0 MB selected"_s);
     fixture.warden.toggle(fixture.row(fixture.packages));
     QVERIFY(fixture.line(fixture.packages).ticked);
-    QCOMPARE(fixture.warden.total(), QStringLiteral("80.0 MB selected"));
+    QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
 }
 
 void WardenStateTest::ticksOfThePersonsOwnStandThroughARescan()
@@ -221,7 +222,7 @@ void WardenStateTest::idsOfNothingAreIgnored()
     fixture.scan();
     QCOMPARE(fixture.warden.chosen(), ticked);
     QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
-    QCOMPARE(fixture.warden.counts(), QStringLiteral("1 of 2 reclaimable items"));
+    QCOMPARE(fixture.warden.counts(), u"1 of 2 reclaimable items"_s);
 }
 
 void WardenStateTest::placeIsShownOnDemand()
@@ -230,7 +231,7 @@ void WardenStateTest::placeIsShownOnDemand()
     fixture.scan();
     const auto row = fixture.row(fixture.logs);
     QVERIFY(!fixture.line(fixture.logs).pathShown);
-    QCOMPARE(fixture.line(fixture.logs).path, QStringLiteral("~/.gradle/daemon"));
+    QCOMPARE(fixture.line(fixture.logs).path, u"~/.gradle/daemon"_s);
     fixture.warden.togglePath(row);
     QVERIFY(fixture.line(fixture.logs).pathShown);
     QVERIFY(!fixture.warden.touched());
@@ -286,7 +287,7 @@ void WardenStateTest::emptyDiskSaysSo()
     ScannedHome home;
     const WardenState warden(home.model);
     home.scan();
-    QCOMPARE(warden.emptyMessage(), QStringLiteral("Nothing to clear was found."));
+    QCOMPARE(warden.emptyMessage(), u"Nothing to clear was found."_s);
     home.addPlace(".npm/_cacache", 50);
     home.scan();
     QCOMPARE(warden.emptyMessage(), QString());
@@ -313,12 +314,11 @@ void WardenStateTest::questionNamesSumAndCount()
     QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
     fixture.warden.askToReclaim();
     QCOMPARE(asked.count(), 1);
-    QCOMPARE(fixture.warden.confirmTitle(), QStringLiteral("Move 12.0 KB to the Trash?"));
-    QCOMPARE(fixture.warden.confirmAction(), QStringLiteral("Move 2 items to Trash"));
+    QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
+    QCOMPARE(fixture.warden.confirmAction(), u"Move 2 items to Trash"_s);
     QCOMPARE(fixture.warden.confirmMessage(),
-        QStringLiteral(
-            "Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
-            "Quillbrook will offer to finish the job."));
+        u"Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
+        "Quillbrook will offer to finish the job."_s);
     QVERIFY(fixture.has(".npm/_cacache/one"));
 }
 
@@ -329,7 +329,7 @@ void WardenStateTest::questionSaysWhenThereIsNoBackup()
     fixture.model->refreshSafetyNet();
     QTRY_VERIFY(fixture.model->safetyNet());
     QVERIFY(fixture.warden.confirmMessage().endsWith(
-        QStringLiteral("finish the job. This Mac has no backup, so deleting permanently is final.")));
+        u"finish the job. This Mac has no backup, so deleting permanently is final."_s));
 }
 
 void WardenStateTest::answerMovesWhatIsTickedAndUnticksIt()
@@ -366,7 +366,7 @@ void WardenStateTest::answerIsAboutWhatWasTickedWhenItWasAsked()
         fixture.warden.toggle(row);
     fixture.tree.file("home/.gradle/daemon/more", 65536);
     fixture.scan();
-    QCOMPARE(fixture.warden.confirmTitle(), QStringLiteral("Move 12.0 KB to the Trash?"));
+    QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
     fixture.warden.reclaim(false);
     QVERIFY(fixture.isTrashed("one"));
     QVERIFY(fixture.has(".pub-cache/library"));
@@ -380,7 +380,7 @@ void WardenStateTest::untouchedTicksComeBackAfterTheRescan()
     fixture.warden.askToReclaim();
     fixture.warden.reclaim(false);
     fixture.settled();
-    QCOMPARE(fixture.warden.total(), QStringLiteral("4.0 KB selected"));
+    QCOMPARE(fixture.warden.total(), u"4.0 KB selected"_s);
 }
 
 void WardenStateTest::touchedTicksStayEmptyAfterARemoval()
@@ -394,7 +394,7 @@ void WardenStateTest::touchedTicksStayEmptyAfterARemoval()
     fixture.warden.askToReclaim();
     fixture.warden.reclaim(false);
     fixture.settled();
-    QCOMPARE(fixture.warden.counts(), QStringLiteral("0 of 1 reclaimable items"));
+    QCOMPARE(fixture.warden.counts(), u"0 of 1 reclaimable items"_s);
 }
 
 void WardenStateTest::pendingTrashIsToldAndFinished()
@@ -407,7 +407,7 @@ void WardenStateTest::pendingTrashIsToldAndFinished()
     QSignalSpy asked(&fixture.warden, &WardenState::finishAsked);
     fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner));
     QCOMPARE(asked.count(), 1);
-    QCOMPARE(fixture.warden.finishTitle(), QStringLiteral("Permanently remove 12.0 KB?"));
+    QCOMPARE(fixture.warden.finishTitle(), u"Permanently remove 12.0 KB?"_s);
     QVERIFY(fixture.isTrashed("one"));
     fixture.warden.finishRemoving();
     QVERIFY(!fixture.isTrashed("one"));
@@ -477,8 +477,7 @@ void WardenStateTest::logIsListed()
     fixture.warden.reclaim(false);
     fixture.settled();
     QCOMPARE(fixture.warden.rows()->rows().last().kind, Kind::LogLine);
-    QCOMPARE(
-        fixture.warden.rows()->rows().last().title, QStringLiteral("✓ Android build logs — 4.0 KB to Trash"));
+    QCOMPARE(fixture.warden.rows()->rows().last().title, u"✓ Android build logs — 4.0 KB to Trash"_s);
 }
 
 QTEST_GUILESS_MAIN(WardenStateTest)

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class AskBarStateTest : public QObject
 {
@@ -23,7 +24,7 @@ void AskBarStateTest::blankDraftDoesNothing_data()
     QTest::addColumn<QString>("draft");
     QTest::newRow("empty") << "";
     QTest::newRow("spaces") << "   ";
-    QTest::newRow("tabs, line feeds and a no-break space") << QStringLiteral("\t\n\u00a0 ");
+    QTest::newRow("tabs, line feeds and a no-break space") << u"\t\n\u00a0 "_s;
 }
 
 void AskBarStateTest::blankDraftDoesNothing()
@@ -48,7 +49,7 @@ void AskBarStateTest::submittingEmptiesTheDraftAndOpensTheConversation()
     auto &content = window.content;
     AskBarState ask(content);
     QSignalSpy drafts(&ask, &AskBarState::draftChanged);
-    ask.setDraft(QStringLiteral("  What fills the disk? "));
+    ask.setDraft(u"  What fills the disk? "_s);
     QVERIFY(ask.submit());
     QCOMPARE(ask.draft(), QString());
     QCOMPARE(drafts.count(), 2);
@@ -62,10 +63,10 @@ void AskBarStateTest::historyOpensTheConversationAndKeepsTheDraft()
     WindowContent window(model);
     auto &content = window.content;
     AskBarState ask(content);
-    ask.setDraft(QStringLiteral("half a que"));
+    ask.setDraft(u"half a que"_s);
     ask.openConversation();
     QCOMPARE(content.pane(), Pane::advisor);
-    QCOMPARE(ask.draft(), QStringLiteral("half a que"));
+    QCOMPARE(ask.draft(), u"half a que"_s);
 }
 
 QTEST_GUILESS_MAIN(AskBarStateTest)

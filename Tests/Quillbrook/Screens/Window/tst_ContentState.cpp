@@ -6,17 +6,18 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using View = ContentState::View;
 
 namespace {
 
-const auto bookmarkKey = QStringLiteral("Quillbrook.homeBookmark");
+const auto bookmarkKey = u"Quillbrook.homeBookmark"_s;
 
 struct Sandbox : FakeServices
 {
     Sandbox()
     {
-        home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+        home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
         directories.folder("/home/someone", { FakeDirectories::aFile("a", 4096) });
     }
 
@@ -68,8 +69,8 @@ void ContentStateTest::gateGoesBeforeEverything()
     for (const auto kind :
         { Phase::Kind::idle, Phase::Kind::scanning, Phase::Kind::ready, Phase::Kind::failed })
         for (const auto pane : allPanes)
-            QVERIFY(ContentState::shownFor(
-                        { .isGated = true, .phase = phaseOf(kind, QStringLiteral("gone")), .pane = pane })
+            QVERIFY(
+                ContentState::shownFor({ .isGated = true, .phase = phaseOf(kind, u"gone"_s), .pane = pane })
                 == expected);
 }
 
@@ -115,7 +116,7 @@ void ContentStateTest::startsAtWardenWithNothingScanned()
     QCOMPARE(content.pane(), Pane::warden);
     QVERIFY(!content.didStart());
     QCOMPARE(content.view(), View::Notice);
-    QCOMPARE(content.noticeTitle(), QStringLiteral("Nothing scanned yet"));
+    QCOMPARE(content.noticeTitle(), u"Nothing scanned yet"_s);
     QCOMPARE(machine.directories.sessionsMade(), 0);
 }
 
@@ -124,14 +125,14 @@ void ContentStateTest::appearingStartsTheScanOfTheHomeFolder()
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
-    model.setScanRoot(QStringLiteral("/somewhere/else"));
+    model.setScanRoot(u"/somewhere/else"_s);
     WindowContent window(model);
     auto &content = window.content;
 
     content.appear();
     QVERIFY(content.didStart());
     QCOMPARE(model.liveFree(), 25);
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
     QVERIFY(model.scope() == Scope::quiet);
     QCOMPARE(content.view(), View::Scanning);
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
@@ -189,7 +190,7 @@ void ContentStateTest::startActionGoesInItsOrder()
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
-    model.setScanRoot(QStringLiteral("/somewhere/else"));
+    model.setScanRoot(u"/somewhere/else"_s);
     FolderAccess access(machine.services);
     Background background(machine.services);
     machine.desktop.loginItem.enabled = true;
@@ -204,9 +205,7 @@ void ContentStateTest::startActionGoesInItsOrder()
     connect(&model, &AppModel::scanRootChanged, this, [&] { note("root "); });
     connect(&model, &AppModel::phaseChanged, this, [&] { note("scan "); });
     content.appear();
-    QCOMPARE(steps,
-        QStringList({ QStringLiteral("background 0"), QStringLiteral("volume 1"), QStringLiteral("root 1"),
-            QStringLiteral("scan 1") }));
+    QCOMPARE(steps, QStringList({ u"background 0"_s, u"volume 1"_s, u"root 1"_s, u"scan 1"_s }));
     QTRY_VERIFY(model.safetyNet());
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
 }
@@ -242,7 +241,7 @@ void ContentStateTest::keptGrantIsScannedByItself()
     QCOMPARE(window.content.view(), View::Notice);
     window.content.appear();
     QCOMPARE(window.content.view(), View::Scanning);
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
     QVERIFY(model.scope() == Scope::quiet);
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.questions(), 0);
@@ -257,7 +256,7 @@ void ContentStateTest::refusedFolderIsScannedAllTheSame()
     AppModel model(machine.services);
     WindowContent window(model);
     window.content.appear();
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/gone"));
+    QCOMPARE(model.scanRoot(), u"/home/gone"_s);
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 1);
     QCOMPARE(model.scannedFileCount(), 0);
@@ -278,7 +277,7 @@ void ContentStateTest::gateLetsTheHomeFolderBeChosen()
     QTRY_COMPARE(window.content.view(), View::Scanning);
     QVERIFY(views.count() > 0);
     QVERIFY(model.scope() == Scope::quiet);
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QCOMPARE(window.content.view(), View::Warden);
     QCOMPARE(machine.directories.sessionsMade(), 1);
@@ -310,7 +309,7 @@ void ContentStateTest::folderOnAnotherVolumeIsScanned()
     window.content.appear();
     window.content.chooseHomeFolder();
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
-    QCOMPARE(model.scanRoot(), QStringLiteral("/Volumes/Backup/someone"));
+    QCOMPARE(model.scanRoot(), u"/Volumes/Backup/someone"_s);
     QCOMPARE(model.scannedFileCount(), 1);
     QVERIFY(window.access.grantedIsWrongVolume());
 }
@@ -345,7 +344,7 @@ void ContentStateTest::gateNeverStandsOutsideASandbox()
     QCOMPARE(window.content.view(), View::Notice);
     window.content.appear();
     QCOMPARE(window.content.view(), View::Scanning);
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QVERIFY(machine.desktop.folderGrants.started.empty());
     QCOMPARE(machine.defaults.values.value(bookmarkKey).toByteArray(), QByteArray("/kept/from/elsewhere"));
@@ -362,7 +361,7 @@ void ContentStateTest::rescanTakesThePresentScopeAndFolder()
     window.content.rescan();
     QVERIFY(model.phase().kind == Phase::Kind::scanning);
     QVERIFY(model.scope() == Scope::complete);
-    QCOMPARE(model.scanRoot(), QStringLiteral("/home/someone"));
+    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 2);
 }
@@ -391,8 +390,8 @@ void ContentStateTest::paneChangesDuringAScanButNotWhatIsShown()
     hold.release();
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QCOMPARE(content.view(), View::Notice);
-    QCOMPARE(content.noticeTitle(), QStringLiteral("Past answers"));
-    QCOMPARE(content.noticeMessage(), QStringLiteral("Not here yet."));
+    QCOMPARE(content.noticeTitle(), u"Past answers"_s);
+    QCOMPARE(content.noticeMessage(), u"Not here yet."_s);
 }
 
 void ContentStateTest::stoppingBeforeTheFirstTreeShowsTheNotice()
@@ -408,8 +407,8 @@ void ContentStateTest::stoppingBeforeTheFirstTreeShowsTheNotice()
 
     model.cancelScan();
     QCOMPARE(content.view(), View::Notice);
-    QCOMPARE(content.noticeTitle(), QStringLiteral("Nothing scanned yet"));
-    QCOMPARE(content.noticeMessage(), QStringLiteral("Press Rescan to look at this Mac."));
+    QCOMPARE(content.noticeTitle(), u"Nothing scanned yet"_s);
+    QCOMPARE(content.noticeMessage(), u"Press Rescan to look at this Mac."_s);
     hold.release();
 }
 

@@ -7,10 +7,11 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-const auto key = QStringLiteral("Quillbrook.homeBookmark");
+const auto key = u"Quillbrook.homeBookmark"_s;
 
 /// The row with all it is made from, in a sandbox that was handed a folder before.
 struct Row
@@ -23,7 +24,7 @@ struct Row
 
     static FakeServices &inSandbox(FakeServices &machine, const char *kept)
     {
-        machine.home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+        machine.home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
         machine.defaults.values.insert(key, QByteArray(kept));
         return machine;
     }
@@ -67,13 +68,13 @@ void GrantedFolderStateTest::tellsTheFolder()
     FakeServices machine;
     machine.desktop.folderGrants.startupDiskPrefix = "/home/";
     Row row(machine);
-    QCOMPARE(row.folder.name(), QStringLiteral("/home/someone"));
+    QCOMPARE(row.folder.name(), u"/home/someone"_s);
     QVERIFY(!row.folder.isWrongVolume());
 
     QSignalSpy changes(&row.folder, &GrantedFolderState::changed);
     row.access.revoke();
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(row.folder.name(), QStringLiteral("not chosen"));
+    QCOMPARE(row.folder.name(), u"not chosen"_s);
     QVERIFY(!row.folder.isWrongVolume());
 }
 
@@ -82,14 +83,14 @@ void GrantedFolderStateTest::warnsOfTheWrongVolume()
     FakeServices machine;
     Row row(machine, "/Volumes/Backup/someone");
     QVERIFY(row.folder.isWrongVolume());
-    QCOMPARE(row.folder.name(), QStringLiteral("/Volumes/Backup/someone"));
+    QCOMPARE(row.folder.name(), u"/Volumes/Backup/someone"_s);
 }
 
 void GrantedFolderStateTest::nameStaysOnOneLine()
 {
     FakeServices machine;
     Row row(machine, "/home/some\none");
-    QCOMPARE(row.folder.name(), QStringLiteral("/home/some one"));
+    QCOMPARE(row.folder.name(), u"/home/some one"_s);
 }
 
 void GrantedFolderStateTest::changingForgetsAsksAndMeasures()
@@ -99,14 +100,12 @@ void GrantedFolderStateTest::changingForgetsAsksAndMeasures()
     machine.desktop.folderPicker.answer = "/home/another";
     QStringList steps;
     connect(&row.access, &FolderAccess::grantedChanged, this, [&] {
-        steps.append(row.access.granted() ? QStringLiteral("granted") : QStringLiteral("revoked"));
+        steps.append(row.access.granted() ? u"granted"_s : u"revoked"_s);
         steps.append(QString::number(machine.desktop.folderPicker.requests.size()));
     });
     connect(&row.model, &AppModel::scanRootChanged, this, [&] { steps.append(row.model.scanRoot()); });
     row.folder.change();
-    QTRY_COMPARE(steps,
-        QStringList({ QStringLiteral("revoked"), QStringLiteral("0"), QStringLiteral("granted"),
-            QStringLiteral("1"), QStringLiteral("/home/another") }));
+    QTRY_COMPARE(steps, QStringList({ u"revoked"_s, u"0"_s, u"granted"_s, u"1"_s, u"/home/another"_s }));
     QVERIFY(row.model.phase().kind == Phase::Kind::scanning);
     QCOMPARE(machine.defaults.values.value(key).toByteArray(), QByteArray("/home/another"));
     QTRY_VERIFY(row.model.phase().kind == Phase::Kind::ready);
@@ -143,16 +142,16 @@ void GrantedFolderStateTest::changingDuringAScanGivesThatScanUp()
     machine.directories.folder("/home/another", { FakeDirectories::aFile("a", 4096) });
     FolderHold hold(machine.directories, "/home/someone");
     Row row(machine);
-    row.model.setScanRoot(QStringLiteral("/home/someone"));
+    row.model.setScanRoot(u"/home/someone"_s);
     row.model.scan({ .scope = Scope::complete });
     QTRY_VERIFY(hold.isHolding());
 
     machine.desktop.folderPicker.answer = "/home/another";
     row.folder.change();
-    QTRY_COMPARE(row.model.scanRoot(), QStringLiteral("/home/another"));
+    QTRY_COMPARE(row.model.scanRoot(), u"/home/another"_s);
     hold.release();
     QTRY_VERIFY(row.model.phase().kind == Phase::Kind::ready);
-    QCOMPARE(row.model.tree()->snapshot(row.model.rootNode())->path, QStringLiteral("/home/another"));
+    QCOMPARE(row.model.tree()->snapshot(row.model.rootNode())->path, u"/home/another"_s);
     QVERIFY(row.model.scope() == Scope::complete);
 }
 

@@ -19,6 +19,7 @@
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using Role = QAccessible::Role;
 
 namespace {
@@ -118,9 +119,9 @@ void MainWindowTest::open()
     m_background = std::make_unique<Background>(m_machine->services);
     m_screens = std::make_unique<MainWindowState>(*m_model, *m_background, m_machine->motion);
     m_engine = std::make_unique<QQmlApplicationEngine>();
-    m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
-    m_engine->setInitialProperties({ { QStringLiteral("screens"), QVariant::fromValue(m_screens.get()) } });
-    m_engine->load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml")));
+    m_engine->addImportPath(u"qrc:/qt/qml"_s);
+    m_engine->setInitialProperties({ { u"screens"_s, QVariant::fromValue(m_screens.get()) } });
+    m_engine->load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s));
     m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
     QVERIFY(m_window);
     m_window->requestActivate();
@@ -140,10 +141,10 @@ void MainWindowTest::close()
 void MainWindowTest::openInSandbox(const QByteArray &granted)
 {
     close();
-    m_machine->home.home = QStringLiteral("/home/someone/.var/app/com.tarnwick.Quillbrook");
+    m_machine->home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
     m_machine->desktop.folderGrants.startupDiskPrefix = "/home/";
     if (!granted.isEmpty())
-        m_machine->defaults.values.insert(QStringLiteral("Quillbrook.homeBookmark"), granted);
+        m_machine->defaults.values.insert(u"Quillbrook.homeBookmark"_s, granted);
     open();
 }
 
@@ -164,7 +165,7 @@ void MainWindowTest::finishScan()
 
 void MainWindowTest::hasItsTitleAndSizes()
 {
-    QCOMPARE(m_window->title(), QStringLiteral("Quillbrook"));
+    QCOMPARE(m_window->title(), u"Quillbrook"_s);
     QCOMPARE(m_window->size(), QSize(1260, 820));
     QCOMPARE(m_window->minimumSize(), QSize(1040, 680));
 }
@@ -173,22 +174,22 @@ void MainWindowTest::scanStartsByItselfAndCanBeStopped()
 {
     QTRY_VERIFY(m_machine->hold.isHolding());
     QVERIFY(showsTheScan());
-    QVERIFY(!item(Role::Button, QStringLiteral("Rescan")));
-    auto *stop = item(Role::Button, QStringLiteral("Stop"));
+    QVERIFY(!item(Role::Button, u"Rescan"_s));
+    auto *stop = item(Role::Button, u"Stop"_s);
     QVERIFY(stop);
 
     pressAccessibly(stop);
-    QTRY_VERIFY(shows(QStringLiteral("Nothing scanned yet")));
-    QVERIFY(shows(QStringLiteral("Press Rescan to look at this Mac.")));
-    QVERIFY(item(Role::Button, QStringLiteral("Rescan")));
+    QTRY_VERIFY(shows(u"Nothing scanned yet"_s));
+    QVERIFY(shows(u"Press Rescan to look at this Mac."_s));
+    QVERIFY(item(Role::Button, u"Rescan"_s));
 }
 
 void MainWindowTest::finishedScanIsToldAndCanBeRepeated()
 {
     finishScan();
     QVERIFY(shows(m_screens->topBar()->summary()));
-    QVERIFY(m_screens->topBar()->summary().startsWith(QStringLiteral("scanned 1 files in ")));
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, QStringLiteral("Rescan"))));
+    QVERIFY(m_screens->topBar()->summary().startsWith(u"scanned 1 files in "_s));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, u"Rescan"_s)));
     QTRY_COMPARE(m_machine->directories.sessionsMade(), 2);
     QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
 }
@@ -197,8 +198,8 @@ void MainWindowTest::panesThatAreNotBuiltSaySo()
 {
     finishScan();
     m_screens->content()->setPane(Pane::photos);
-    QTRY_VERIFY(shows(QStringLiteral("Not here yet.")));
-    QVERIFY(shows(QStringLiteral("Photos by date")));
+    QTRY_VERIFY(shows(u"Not here yet."_s));
+    QVERIFY(shows(u"Photos by date"_s));
 }
 
 void MainWindowTest::commandDigitsChooseThePane_data()
@@ -229,7 +230,7 @@ void MainWindowTest::arrowKeysWalkTheSidebar()
     QTest::keyClick(m_window, Qt::Key_Tab);
     QTest::keyClick(m_window, Qt::Key_Down);
     QCOMPARE(pane(), Pane::map);
-    QCOMPARE(accessibleName(m_window->activeFocusItem()), QStringLiteral("What's using space"));
+    QCOMPARE(accessibleName(m_window->activeFocusItem()), u"What's using space"_s);
     QTest::keyClick(m_window, Qt::Key_Down);
     QCOMPARE(pane(), Pane::largest);
     QTest::keyClick(m_window, Qt::Key_Up);
@@ -246,9 +247,9 @@ void MainWindowTest::arrowKeysWalkTheSidebar()
 
 void MainWindowTest::rowsCanBePressedByPointerAndAccessibly()
 {
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::ListItem, QStringLiteral("Apps"))));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::ListItem, u"Apps"_s)));
     QCOMPARE(pane(), Pane::apps);
-    pressAccessibly(item(Role::ListItem, QStringLiteral("Find a file")));
+    pressAccessibly(item(Role::ListItem, u"Find a file"_s));
     QCOMPARE(pane(), Pane::search);
 }
 
@@ -261,9 +262,8 @@ void MainWindowTest::tabGoesInReadingOrder()
         reached.append(accessibleName(m_window->activeFocusItem()));
     }
     QCOMPARE(reached,
-        QStringList({ QStringLiteral("Free up space"), QStringLiteral("Stop"),
-            QStringLiteral("Ask Quillbrook anything about this Mac"), QStringLiteral("History"),
-            QStringLiteral("Ask"), QStringLiteral("Free up space") }));
+        QStringList({ u"Free up space"_s, u"Stop"_s, u"Ask Quillbrook anything about this Mac"_s,
+            u"History"_s, u"Ask"_s, u"Free up space"_s }));
 }
 
 void MainWindowTest::findingsAreListedAndCleared()
@@ -277,60 +277,60 @@ void MainWindowTest::findingsAreListedAndCleared()
     m_machine->hold.release();
     m_model->scan({ .scope = Scope::complete });
     QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
-    QTRY_VERIFY(shows(QStringLiteral("4.0 KB selected")));
-    QVERIFY(shows(QStringLiteral("1 of 1 reclaimable items")));
-    QVERIFY(item(Role::ListItem, QStringLiteral("Android build logs, 4.0 KB")));
-    QVERIFY(item(Role::Heading, QStringLiteral("Safe to remove, 4.0 KB")));
+    QTRY_VERIFY(shows(u"4.0 KB selected"_s));
+    QVERIFY(shows(u"1 of 1 reclaimable items"_s));
+    QVERIFY(item(Role::ListItem, u"Android build logs, 4.0 KB"_s));
+    QVERIFY(item(Role::Heading, u"Safe to remove, 4.0 KB"_s));
 
-    auto *box = item(Role::CheckBox, QStringLiteral("Android build logs"));
+    auto *box = item(Role::CheckBox, u"Android build logs"_s);
     QVERIFY(box && box->property("checked").toBool());
     pressAccessibly(box);
-    QTRY_VERIFY(shows(QStringLiteral("0 B selected")));
+    QTRY_VERIFY(shows(u"0 B selected"_s));
     QVERIFY(!box->property("checked").toBool());
-    QVERIFY(!item(Role::Button, QStringLiteral("Move to Trash"))->isEnabled());
+    QVERIFY(!item(Role::Button, u"Move to Trash"_s)->isEnabled());
     pressAccessibly(box);
 
-    pressAccessibly(item(Role::Button, QStringLiteral("Move to Trash")));
-    QTRY_VERIFY(shows(QStringLiteral("Move 4.0 KB to the Trash?")));
-    QTRY_COMPARE(accessibleName(m_window->activeFocusItem()), QStringLiteral("Cancel"));
+    pressAccessibly(item(Role::Button, u"Move to Trash"_s));
+    QTRY_VERIFY(shows(u"Move 4.0 KB to the Trash?"_s));
+    QTRY_COMPARE(accessibleName(m_window->activeFocusItem()), u"Cancel"_s);
     QTest::keyClick(m_window, Qt::Key_Escape);
-    QTRY_VERIFY(!shows(QStringLiteral("Move 4.0 KB to the Trash?")));
+    QTRY_VERIFY(!shows(u"Move 4.0 KB to the Trash?"_s));
     QVERIFY(m_machine->trash.asked.empty());
     QVERIFY(m_model->reclaimLog().isEmpty());
 
-    const auto *list = m_window->findChild<QQuickItem *>(QStringLiteral("wardenList"));
-    const auto *bar = m_window->findChild<QQuickItem *>(QStringLiteral("wardenScrollBar"));
+    const auto *list = m_window->findChild<QQuickItem *>(u"wardenList"_s);
+    const auto *bar = m_window->findChild<QQuickItem *>(u"wardenScrollBar"_s);
     QVERIFY(bar->mapToScene({}).x() >= list->mapToScene({ list->width(), 0 }).x());
 }
 
 void MainWindowTest::questionOpensTheConversation()
 {
     finishScan();
-    auto *field = item(Role::EditableText, QStringLiteral("Ask Quillbrook anything about this Mac"));
+    auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
     QVERIFY(field);
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
     QVERIFY(field->hasActiveFocus());
     for (const auto key : { Qt::Key_W, Qt::Key_H, Qt::Key_Y })
         QTest::keyClick(m_window, key);
-    QCOMPARE(m_screens->askBar()->draft(), QStringLiteral("why"));
+    QCOMPARE(m_screens->askBar()->draft(), u"why"_s);
 
     QTest::keyClick(m_window, Qt::Key_Return);
     QCOMPARE(pane(), Pane::advisor);
     QCOMPARE(field->property("text").toString(), QString());
     QVERIFY(!field->hasActiveFocus());
-    QTRY_VERIFY(shows(QStringLiteral("Past answers")));
-    QVERIFY(!item(Role::Button, QStringLiteral("Ask")));
+    QTRY_VERIFY(shows(u"Past answers"_s));
+    QVERIFY(!item(Role::Button, u"Ask"_s));
 }
 
 void MainWindowTest::blankQuestionKeepsThePane()
 {
-    auto *field = item(Role::EditableText, QStringLiteral("Ask Quillbrook anything about this Mac"));
+    auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
     QTest::keyClick(m_window, Qt::Key_Space);
     QTest::keyClick(m_window, Qt::Key_Return);
     QCOMPARE(pane(), Pane::warden);
-    QCOMPARE(field->property("text").toString(), QStringLiteral(" "));
-    pressAccessibly(item(Role::Button, QStringLiteral("Ask")));
+    QCOMPARE(field->property("text").toString(), u" "_s);
+    pressAccessibly(item(Role::Button, u"Ask"_s));
     QCOMPARE(pane(), Pane::warden);
     QVERIFY(field->hasActiveFocus());
 }
@@ -357,9 +357,9 @@ void MainWindowTest::nothingIsCut(const QSize &size) const
 
 void MainWindowTest::gaugeNamesTheVolume()
 {
-    QVERIFY(shows(QStringLiteral("250 B")));
-    QVERIFY(shows(QStringLiteral("75% of 1000 B used")));
-    auto *note = m_window->findChild<QQuickItem *>(QStringLiteral("gapNote"));
+    QVERIFY(shows(u"250 B"_s));
+    QVERIFY(shows(u"75% of 1000 B used"_s));
+    auto *note = m_window->findChild<QQuickItem *>(u"gapNote"_s);
     QVERIFY(note);
     QVERIFY(!note->isVisible());
 
@@ -368,8 +368,7 @@ void MainWindowTest::gaugeNamesTheVolume()
         = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
     m_model->refreshVolume();
     QVERIFY(note->isVisible());
-    QVERIFY(shows(
-        QStringLiteral("Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use.")));
+    QVERIFY(shows(u"Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use."_s));
 }
 
 void MainWindowTest::startChecksRunAgainWhenTheWindowComesBack()
@@ -388,28 +387,27 @@ void MainWindowTest::gateAsksForTheHomeFolder()
 {
     openInSandbox();
     const auto scans = m_machine->directories.sessionsMade();
-    QVERIFY(shows(QStringLiteral("Quillbrook needs to see your files to measure them")));
-    QVERIFY(shows(
-        QStringLiteral("It reads names, sizes and dates — never the contents of a file. Choose your home "
-                       "folder and it will not ask again.")));
-    QVERIFY(!item(Role::Button, QStringLiteral("Rescan"))->isEnabled());
+    QVERIFY(shows(u"Quillbrook needs to see your files to measure them"_s));
+    QVERIFY(shows(u"It reads names, sizes and dates — never the contents of a file. Choose your home "
+                  "folder and it will not ask again."_s));
+    QVERIFY(!item(Role::Button, u"Rescan"_s)->isEnabled());
     QVERIFY(!showsTheScan());
     for (const auto chosen : allPanes) {
         m_screens->content()->setPane(chosen);
-        QVERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+        QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
     }
     m_screens->content()->setPane(Pane::warden);
-    auto *choose = item(Role::Button, QStringLiteral("Choose my home folder…"));
+    auto *choose = item(Role::Button, u"Choose my home folder…"_s);
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*choose));
     QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
-    QVERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
     QCOMPARE(m_machine->directories.sessionsMade(), scans);
 
     m_machine->desktop.folderPicker.answer = "/home/someone";
     pressAccessibly(choose);
     QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
-    QTRY_VERIFY(!item(Role::Button, QStringLiteral("Choose my home folder…")));
-    QVERIFY(item(Role::Button, QStringLiteral("Rescan"))->isEnabled());
+    QTRY_VERIFY(!item(Role::Button, u"Choose my home folder…"_s));
+    QVERIFY(item(Role::Button, u"Rescan"_s)->isEnabled());
     QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
     QCOMPARE(m_machine->directories.sessionsMade(), scans + 1);
 }
@@ -417,7 +415,7 @@ void MainWindowTest::gateAsksForTheHomeFolder()
 void MainWindowTest::gateCanBeReachedAndPressedByKeys()
 {
     openInSandbox();
-    auto *choose = item(Role::Button, QStringLiteral("Choose my home folder…"));
+    auto *choose = item(Role::Button, u"Choose my home folder…"_s);
     QVERIFY(choose);
     for (int i = 0; i < 10 && !choose->hasActiveFocus(); ++i)
         QTest::keyClick(m_window, Qt::Key_Tab);
@@ -428,12 +426,12 @@ void MainWindowTest::gateCanBeReachedAndPressedByKeys()
 
 void MainWindowTest::grantedFolderIsToldOnlyInASandbox()
 {
-    QVERIFY(!item(Role::Button, QStringLiteral("Change")));
+    QVERIFY(!item(Role::Button, u"Change"_s));
     openInSandbox("/home/someone");
-    QVERIFY(item(Role::Button, QStringLiteral("Change")));
-    QVERIFY(shows(QStringLiteral("/home/someone")));
-    QVERIFY(!shows(QStringLiteral("That is not this Mac's startup disk")));
-    QVERIFY(!item(Role::Button, QStringLiteral("Choose my home folder…")));
+    QVERIFY(item(Role::Button, u"Change"_s));
+    QVERIFY(shows(u"/home/someone"_s));
+    QVERIFY(!shows(u"That is not this Mac's startup disk"_s));
+    QVERIFY(!item(Role::Button, u"Choose my home folder…"_s));
 }
 
 void MainWindowTest::grantedFolderCanBeChanged()
@@ -441,39 +439,39 @@ void MainWindowTest::grantedFolderCanBeChanged()
     openInSandbox("/home/someone");
     QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
     m_machine->desktop.folderPicker.answer = "/media/backup";
-    auto *change = item(Role::Button, QStringLiteral("Change"));
+    auto *change = item(Role::Button, u"Change"_s);
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
-    QTRY_VERIFY(shows(QStringLiteral("/media/backup")));
-    QVERIFY(shows(QStringLiteral("That is not this Mac's startup disk")));
+    QTRY_VERIFY(shows(u"/media/backup"_s));
+    QVERIFY(shows(u"That is not this Mac's startup disk"_s));
     QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
-    QCOMPARE(m_model->scanRoot(), QStringLiteral("/media/backup"));
+    QCOMPARE(m_model->scanRoot(), u"/media/backup"_s);
 
     m_machine->desktop.folderPicker.answer.reset();
     pressAccessibly(change);
-    QTRY_VERIFY(item(Role::Button, QStringLiteral("Choose my home folder…")));
-    QVERIFY(shows(QStringLiteral("not chosen")));
+    QTRY_VERIFY(item(Role::Button, u"Choose my home folder…"_s));
+    QVERIFY(shows(u"not chosen"_s));
 }
 
 void MainWindowTest::wrongVolumeIsWarnedOf()
 {
     openInSandbox("/Volumes/Backup/someone");
-    QVERIFY(shows(QStringLiteral("That is not this Mac's startup disk")));
-    QVERIFY(shows(QStringLiteral("Freeing space there will not help a full internal disk.")));
+    QVERIFY(shows(u"That is not this Mac's startup disk"_s));
+    QVERIFY(shows(u"Freeing space there will not help a full internal disk."_s));
 }
 
 void MainWindowTest::newerVersionIsTold()
 {
-    const auto line = QStringLiteral("Quillbrook 2.0 is out");
+    const auto line = u"Quillbrook 2.0 is out"_s;
     QTRY_COMPARE(m_machine->desktop.http.requests.size(), 1);
     QVERIFY(!item(Role::Button, line));
-    m_machine->defaults.values.remove(QStringLiteral("Quillbrook.updateCheckedAt"));
+    m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
     m_machine->desktop.http.answer
         = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
     QTRY_VERIFY(m_model->phase().kind != Phase::Kind::idle);
     m_model->checkForUpdate();
     QTRY_VERIFY(item(Role::Button, line));
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
-    const QUrl page(QStringLiteral("https://updates.test/2.0"));
+    const QUrl page(u"https://updates.test/2.0"_s);
     QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
     pressAccessibly(item(Role::Button, line));
     QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
@@ -496,14 +494,14 @@ void MainWindowTest::fullSidebarIsNotCut()
     };
     m_machine->desktop.http.answer
         = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
-    m_machine->defaults.values.remove(QStringLiteral("Quillbrook.updateCheckedAt"));
+    m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
     openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
-    QTRY_VERIFY(item(Role::Button, QStringLiteral("Quillbrook 2.0 is out")));
+    QTRY_VERIFY(item(Role::Button, u"Quillbrook 2.0 is out"_s));
     if (!isGated)
         QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
     nothingIsCut(m_window->minimumSize());
-    const auto *rows = item(Role::ListItem, QStringLiteral("Past answers"));
-    const auto *gauge = m_window->findChild<QQuickItem *>(QStringLiteral("usedBar"));
+    const auto *rows = item(Role::ListItem, u"Past answers"_s);
+    const auto *gauge = m_window->findChild<QQuickItem *>(u"usedBar"_s);
     QVERIFY(rows->mapToScene({ 0, rows->height() }).y() < gauge->mapToScene({}).y());
 }
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using Role = SidebarModel::Role;
 
 class SidebarModelTest : public QObject
@@ -107,9 +108,9 @@ void SidebarModelTest::rowsAreThePanesInOrder()
     QCOMPARE(m_rows->rowCount(), 10);
     QCOMPARE(value(row, Role::title).toString(), title);
     QCOMPARE(value(row, Role::symbol).toString(), symbol);
-    QCOMPARE(value(row, Role::hint).toString(), QStringLiteral("^") + digit);
+    QCOMPARE(value(row, Role::hint).toString(), u"^"_s + digit);
     const QKeySequence keys(value(row, Role::shortcut).toString());
-    QCOMPARE(keys, QKeySequence(QStringLiteral("Ctrl+") + digit));
+    QCOMPARE(keys, QKeySequence(u"Ctrl+"_s + digit));
     QCOMPARE(value(row, Role::isSelected).toBool(), row == 0);
 }
 

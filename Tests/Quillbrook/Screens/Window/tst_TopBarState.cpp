@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class TopBarStateTest : public QObject
 {
@@ -48,16 +49,16 @@ void TopBarStateTest::buttonStopsAScanAndStartsOne()
     AppModel model(machine.services);
     TopBarState bar(model);
     QSignalSpy changes(&bar, &TopBarState::actionTextChanged);
-    QCOMPARE(bar.actionText(), QStringLiteral("Rescan"));
+    QCOMPARE(bar.actionText(), u"Rescan"_s);
 
     bar.act();
     QVERIFY(model.phase().kind == Phase::Kind::scanning);
-    QCOMPARE(bar.actionText(), QStringLiteral("Stop"));
+    QCOMPARE(bar.actionText(), u"Stop"_s);
     QTRY_VERIFY(hold.isHolding());
 
     bar.act();
     QVERIFY(model.phase().kind == Phase::Kind::idle);
-    QCOMPARE(bar.actionText(), QStringLiteral("Rescan"));
+    QCOMPARE(bar.actionText(), u"Rescan"_s);
     QCOMPARE(changes.count(), 2);
     hold.release();
 }
@@ -88,7 +89,7 @@ void TopBarStateTest::summaryFollowsTheScan()
     QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
     QVERIFY(changes.count() > 0);
     QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.lastScanDuration()));
-    QVERIFY(bar.summary().startsWith(QStringLiteral("scanned 2 files in ")));
+    QVERIFY(bar.summary().startsWith(u"scanned 2 files in "_s));
 }
 
 QTEST_GUILESS_MAIN(TopBarStateTest)

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 class UpdateLineStateTest : public QObject
 {
@@ -42,12 +43,12 @@ void UpdateLineStateTest::newerVersionIsToldAndOpened()
     UpdateLineState line(model);
     QSignalSpy changes(&line, &UpdateLineState::changed);
     model.checkForUpdate();
-    QTRY_COMPARE(line.text(), QStringLiteral("Quillbrook 1.2.3 is out"));
+    QTRY_COMPARE(line.text(), u"Quillbrook 1.2.3 is out"_s);
     QVERIFY(changes.count() > 0);
     QVERIFY(machine.desktop.links.opened.isEmpty());
 
     line.open();
-    QCOMPARE(machine.desktop.links.opened, QList<QUrl>{ QUrl(QStringLiteral("https://updates.test/1.2.3")) });
+    QCOMPARE(machine.desktop.links.opened, QList<QUrl>{ QUrl(u"https://updates.test/1.2.3"_s) });
 }
 
 void UpdateLineStateTest::noticeGoesWithTheUpdate()
@@ -73,7 +74,7 @@ void UpdateLineStateTest::versionStaysOnOneLine()
     AppModel model(machine.services);
     UpdateLineState line(model);
     model.checkForUpdate();
-    QTRY_COMPARE(line.text(), QStringLiteral("Quillbrook 2. %1 is out"));
+    QTRY_COMPARE(line.text(), u"Quillbrook 2. %1 is out"_s);
 }
 
 QTEST_GUILESS_MAIN(UpdateLineStateTest)

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -95,7 +96,7 @@ void VolumeGaugeStateTest::followsTheVolume()
     AppModel model(machine.services);
     VolumeGaugeState gauge(model);
     QSignalSpy changes(&gauge, &VolumeGaugeState::changed);
-    QCOMPARE(gauge.usedText(), QStringLiteral("0% of 0 B used"));
+    QCOMPARE(gauge.usedText(), u"0% of 0 B used"_s);
 
     machine.volumes.answer = VolumeCapacity{
         .available = 5 * gibi, .availableForImportantUsage = 7 * gibi, .total = 100 * gibi
@@ -104,8 +105,8 @@ void VolumeGaugeStateTest::followsTheVolume()
     QCOMPARE(changes.count(), 1);
     QCOMPARE(gauge.usedShare(), 0.95);
     QVERIFY(gauge.isDanger());
-    QCOMPARE(gauge.freeText(), QStringLiteral("5.0 GB"));
-    QVERIFY(gauge.note().contains(QStringLiteral("2.0 GB of purgeable")));
+    QCOMPARE(gauge.freeText(), u"5.0 GB"_s);
+    QVERIFY(gauge.note().contains(u"2.0 GB of purgeable"_s));
 
     model.refreshVolume();
     QCOMPARE(changes.count(), 1);

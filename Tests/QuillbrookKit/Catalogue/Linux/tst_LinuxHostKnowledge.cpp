@@ -6,10 +6,11 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-const auto home = QStringLiteral("/home/someone");
+const auto home = u"/home/someone"_s;
 
 } // namespace
 
@@ -38,10 +39,8 @@ void LinuxHostKnowledgeTest::protectsFoldersUnderTheNamesTheDesktopGivesThem()
     FakeFileReading reading;
     reading.files["/home/someone/.config/user-dirs.dirs"] = "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n";
     const auto facts = LinuxHostKnowledge(reading).about(home);
-    QVERIFY(facts.protectedPaths.contains(home + QStringLiteral("/Bilder")));
-    QVERIFY(!LinuxHostKnowledge(FakeFileReading())
-                 .about(home)
-                 .protectedPaths.contains(home + QStringLiteral("/Bilder")));
+    QVERIFY(facts.protectedPaths.contains(home + u"/Bilder"_s));
+    QVERIFY(!LinuxHostKnowledge(FakeFileReading()).about(home).protectedPaths.contains(home + u"/Bilder"_s));
 }
 
 void LinuxHostKnowledgeTest::readsNothingButTheDesktopsFolderNames()

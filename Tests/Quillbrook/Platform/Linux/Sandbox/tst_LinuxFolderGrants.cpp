@@ -15,13 +15,14 @@
 #include <memory>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
 enum class Answer { good, error, none };
 
-const auto portalName = QStringLiteral("org.freedesktop.portal.Documents");
+const auto portalName = u"org.freedesktop.portal.Documents"_s;
 
 } // namespace
 
@@ -42,7 +43,7 @@ public Q_SLOTS:
     {
         ++questions;
         if (answer == Answer::error)
-            sendErrorReply(QDBusError::Failed, QStringLiteral("no"));
+            sendErrorReply(QDBusError::Failed, u"no"_s);
         if (answer == Answer::none)
             setDelayedReply(true);
         return mountPoint + '\0';
@@ -91,7 +92,7 @@ private:
     }
 
     std::unique_ptr<PrivateBus> m_bus;
-    QDBusConnection m_client{ QStringLiteral("not yet") };
+    QDBusConnection m_client{ u"not yet"_s };
     QDBusConnection m_services = m_client;
     QThread m_thread;
     std::unique_ptr<FakeDocuments> m_portal;
@@ -127,8 +128,8 @@ void LinuxFolderGrantsTest::offerPortal(const std::string &mountPoint, Answer an
     m_portal->answer = answer;
     m_portal->moveToThread(&m_thread);
     m_thread.start();
-    QVERIFY(m_services.registerObject(QStringLiteral("/org/freedesktop/portal/documents"), m_portal.get(),
-        QDBusConnection::ExportAllSlots));
+    QVERIFY(m_services.registerObject(
+        u"/org/freedesktop/portal/documents"_s, m_portal.get(), QDBusConnection::ExportAllSlots));
     QVERIFY(m_services.registerService(portalName));
 }
 
@@ -298,8 +299,7 @@ void LinuxFolderGrantsTest::portalThatFailsFindsNothing()
 
 void LinuxFolderGrantsTest::withoutABusNothingIsAsked()
 {
-    LinuxFolderGrants alone(
-        { .runtimeFolder = m_tree->path("run") }, QDBusConnection(QStringLiteral("none")));
+    LinuxFolderGrants alone({ .runtimeFolder = m_tree->path("run") }, QDBusConnection(u"none"_s));
     const auto kept = alone.bookmark(m_tree->path("run/doc/ab12/someone"));
     QVERIFY(kept);
     QVERIFY(alone.resolve(*kept));

@@ -16,16 +16,17 @@
 #include <memory>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-const auto portalName = QStringLiteral("org.freedesktop.portal.Desktop");
-const auto portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const auto portalName = u"org.freedesktop.portal.Desktop"_s;
+const auto portalPath = u"/org/freedesktop/portal/desktop"_s;
 
-const FolderPicker::Request homeRequest{ .directory = QStringLiteral("/home"),
-    .message = QStringLiteral("Select the folder named “someone”"),
-    .prompt = QStringLiteral("Allow") };
+const FolderPicker::Request homeRequest{
+    .directory = u"/home"_s, .message = u"Select the folder named “someone”"_s, .prompt = u"Allow"_s
+};
 
 } // namespace
 
@@ -54,10 +55,10 @@ public Q_SLOTS:
         titles.append(title);
         options.append(given);
         if (refuses)
-            sendErrorReply(QDBusError::AccessDenied, QStringLiteral("no"));
+            sendErrorReply(QDBusError::AccessDenied, u"no"_s);
         auto sender = message().service();
-        const auto handle = portalPath + QStringLiteral("/request/") + sender.remove(u':').replace(u'.', u'_')
-            + u'/' + given.value(QStringLiteral("handle_token")).toString();
+        const auto handle = portalPath + u"/request/"_s + sender.remove(u':').replace(u'.', u'_') + u'/'
+            + given.value(u"handle_token"_s).toString();
         QTimer::singleShot(0, this, [this, handle] { shown(handle); });
         return QDBusObjectPath(handle);
     }
@@ -118,7 +119,7 @@ private:
     void whenDialogStands(const std::function<void(QFileDialog &)> &act);
 
     std::unique_ptr<PrivateBus> m_bus;
-    QDBusConnection m_client{ QStringLiteral("not yet") };
+    QDBusConnection m_client{ u"not yet"_s };
     QDBusConnection m_services = m_client;
     std::unique_ptr<FakeChooser> m_portal;
     std::unique_ptr<FakeHandle> m_handle;
@@ -156,8 +157,7 @@ void LinuxFolderPickerTest::offerPortal()
 
 void LinuxFolderPickerTest::answer(const QString &handle, uint code, const QVariantMap &results)
 {
-    auto signal = QDBusMessage::createSignal(
-        handle, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
+    auto signal = QDBusMessage::createSignal(handle, u"org.freedesktop.portal.Request"_s, u"Response"_s);
     signal << code << results;
     QVERIFY(m_services.send(signal));
 }
@@ -165,7 +165,7 @@ void LinuxFolderPickerTest::answer(const QString &handle, uint code, const QVari
 void LinuxFolderPickerTest::answerWith(const QStringList &uris, uint code)
 {
     m_portal->shown = [this, uris, code](const QString &handle) {
-        answer(handle, code, { { QStringLiteral("uris"), uris } });
+        answer(handle, code, { { u"uris"_s, uris } });
     };
 }
 
@@ -222,15 +222,14 @@ void LinuxFolderPickerTest::uriIsReadByteByByte()
 void LinuxFolderPickerTest::portalIsAskedForOneFolder()
 {
     offerPortal();
-    answerWith({ QStringLiteral("file:///home/someone") });
+    answerWith({ u"file:///home/someone"_s });
     QVERIFY(picker().pick(homeRequest) == "/home/someone");
     QCOMPARE(m_portal->titles, QStringList{ homeRequest.message });
     QCOMPARE(m_portal->parents, QStringList{ QString() });
     auto options = m_portal->options.constFirst();
-    QVERIFY(options.take(QStringLiteral("handle_token")).isValid());
-    const QVariantMap expected{ { QStringLiteral("directory"), true }, { QStringLiteral("modal"), true },
-        { QStringLiteral("accept_label"), QStringLiteral("Allow") },
-        { QStringLiteral("current_folder"), QByteArray("/home\0", 6) } };
+    QVERIFY(options.take(u"handle_token"_s).isValid());
+    const QVariantMap expected{ { u"directory"_s, true }, { u"modal"_s, true },
+        { u"accept_label"_s, u"Allow"_s }, { u"current_folder"_s, QByteArray("/home\0", 6) } };
     QCOMPARE(options, expected);
 }
 
@@ -248,7 +247,7 @@ void LinuxFolderPickerTest::pickedFolderKeepsItsBytes()
     QFETCH(QString, uri);
     QFETCH(QByteArray, path);
     offerPortal();
-    answerWith({ uri, QStringLiteral("file:///second") });
+    answerWith({ uri, u"file:///second"_s });
     QVERIFY(picker().pick(homeRequest) == path.toStdString());
 }
 
@@ -256,16 +255,15 @@ void LinuxFolderPickerTest::withoutAFolderNothingIsPicked_data()
 {
     QTest::addColumn<uint>("code");
     QTest::addColumn<QVariantMap>("results");
-    const auto uris = QStringLiteral("uris");
-    const QStringList good{ QStringLiteral("file:///home/someone") };
+    const auto uris = u"uris"_s;
+    const QStringList good{ u"file:///home/someone"_s };
     QTest::newRow("cancelled") << 1U << QVariantMap();
     QTest::newRow("cancelled, with a folder") << 1U << QVariantMap{ { uris, good } };
     QTest::newRow("ended in another way") << 2U << QVariantMap{ { uris, good } };
     QTest::newRow("no list") << 0U << QVariantMap();
     QTest::newRow("empty list") << 0U << QVariantMap{ { uris, QStringList() } };
     QTest::newRow("not a list") << 0U << QVariantMap{ { uris, 7 } };
-    QTest::newRow("not on this machine")
-        << 0U << QVariantMap{ { uris, QStringList{ QStringLiteral("smb://a/b") } } };
+    QTest::newRow("not on this machine") << 0U << QVariantMap{ { uris, QStringList{ u"smb://a/b"_s } } };
 }
 
 void LinuxFolderPickerTest::withoutAFolderNothingIsPicked()
@@ -331,8 +329,7 @@ void LinuxFolderPickerTest::secondQuestionMeanwhileIsRefused()
     auto asking = picker();
     m_portal->shown = [&](const QString &handle) {
         QVERIFY(!asking.pick(homeRequest));
-        answer(
-            handle, 0, { { QStringLiteral("uris"), QStringList{ QStringLiteral("file:///home/someone") } } });
+        answer(handle, 0, { { u"uris"_s, QStringList{ u"file:///home/someone"_s } } });
     };
     QVERIFY(asking.pick(homeRequest) == "/home/someone");
     QCOMPARE(m_portal->titles.size(), 1);
@@ -344,7 +341,7 @@ void LinuxFolderPickerTest::nextQuestionIsAskedAnew()
     auto asking = picker();
     answerWith({}, 1);
     QVERIFY(!asking.pick(homeRequest));
-    answerWith({ QStringLiteral("file:///home/someone") });
+    answerWith({ u"file:///home/someone"_s });
     QVERIFY(asking.pick(homeRequest) == "/home/someone");
     QCOMPARE(m_portal->titles.size(), 2);
 }
@@ -367,7 +364,7 @@ void LinuxFolderPickerTest::dialogStandsInForThePortal()
     if (version > 0)
         offerPortal();
     whenDialogStands([this](QFileDialog &dialog) {
-        auto *name = dialog.findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        auto *name = dialog.findChild<QLineEdit *>(u"fileNameEdit"_s);
         name->setText(m_tree->text("homes/someone"));
         static_cast<QDialog &>(dialog).accept();
     });
@@ -381,7 +378,7 @@ void LinuxFolderPickerTest::dialogStandsInForThePortal()
 void LinuxFolderPickerTest::dialogIsNotAskedWhereThePortalIs()
 {
     offerPortal();
-    answerWith({ QStringLiteral("file:///home/someone") });
+    answerWith({ u"file:///home/someone"_s });
     whenDialogStands([](QFileDialog &dialog) { dialog.reject(); });
     QVERIFY(picker().pick(homeRequest));
     QTest::qWait(50);

@@ -9,17 +9,18 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 using Groups = QMap<QString, QVariantMap>;
 
-const auto appearance = QStringLiteral("org.freedesktop.appearance");
-const auto reducedMotion = QStringLiteral("reduced-motion");
-const auto gnome = QStringLiteral("org.gnome.desktop.interface");
-const auto animations = QStringLiteral("enable-animations");
-const auto kde = QStringLiteral("org.kde.kdeglobals.KDE");
-const auto factor = QStringLiteral("AnimationDurationFactor");
+const auto appearance = u"org.freedesktop.appearance"_s;
+const auto reducedMotion = u"reduced-motion"_s;
+const auto gnome = u"org.gnome.desktop.interface"_s;
+const auto animations = u"enable-animations"_s;
+const auto kde = u"org.kde.kdeglobals.KDE"_s;
+const auto factor = u"AnimationDurationFactor"_s;
 
 } // namespace
 
@@ -35,9 +36,9 @@ public:
     explicit Portal(const QDBusConnection &bus)
         : m_bus(bus)
     {
-        m_bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this,
+        m_bus.registerObject(u"/org/freedesktop/portal/desktop"_s, this,
             QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
-        m_bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
+        m_bus.registerService(u"org.freedesktop.portal.Desktop"_s);
     }
 
     Groups answer;
@@ -94,17 +95,15 @@ void LinuxMotionPreferenceTest::eachDesktopSaysItInItsWay_data()
     QTest::newRow("shared: no preference") << appearance << reducedMotion << QVariant(0U) << true << false;
     QTest::newRow("shared: unknown value") << appearance << reducedMotion << QVariant(7U) << true << false;
     QTest::newRow("shared: another type")
-        << appearance << reducedMotion << QVariant(QStringLiteral("much")) << false << false;
-    QTest::newRow("shared: another key")
-        << appearance << QStringLiteral("contrast") << QVariant(1U) << false << false;
+        << appearance << reducedMotion << QVariant(u"much"_s) << false << false;
+    QTest::newRow("shared: another key") << appearance << u"contrast"_s << QVariant(1U) << false << false;
     QTest::newRow("animations off") << gnome << animations << QVariant(false) << true << true;
     QTest::newRow("animations on") << gnome << animations << QVariant(true) << true << false;
     QTest::newRow("animations a number") << gnome << animations << QVariant(0U) << false << false;
-    QTest::newRow("factor 0 as text") << kde << factor << QVariant(QStringLiteral("0")) << true << true;
+    QTest::newRow("factor 0 as text") << kde << factor << QVariant(u"0"_s) << true << true;
     QTest::newRow("factor 0") << kde << factor << QVariant(0.0) << true << true;
-    QTest::newRow("factor a half") << kde << factor << QVariant(QStringLiteral("0.5")) << true << false;
-    QTest::newRow("factor not a number")
-        << kde << factor << QVariant(QStringLiteral("none")) << false << false;
+    QTest::newRow("factor a half") << kde << factor << QVariant(u"0.5"_s) << true << false;
+    QTest::newRow("factor not a number") << kde << factor << QVariant(u"none"_s) << false << false;
     QTest::newRow("key in another group") << kde << animations << QVariant(false) << false << false;
 }
 
@@ -133,7 +132,7 @@ void LinuxMotionPreferenceTest::portalsAnswerCounts()
 {
     PrivateBus bus;
     Portal portal(bus.connection());
-    portal.answer = { { gnome, { { animations, false }, { QStringLiteral("cursor-size"), 24 } } } };
+    portal.answer = { { gnome, { { animations, false }, { u"cursor-size"_s, 24 } } } };
     const LinuxMotionPreference motion(bus.connection());
     QSignalSpy changes(&motion, &MotionPreference::changed);
     QVERIFY(!motion.isReduced());
@@ -159,7 +158,7 @@ void LinuxMotionPreferenceTest::changeIsFollowed()
     QSignalSpy changes(&motion, &MotionPreference::changed);
     Q_EMIT portal.SettingChanged(gnome, animations, QDBusVariant(false));
     QTRY_VERIFY(motion.isReduced());
-    Q_EMIT portal.SettingChanged(gnome, QStringLiteral("cursor-size"), QDBusVariant(48));
+    Q_EMIT portal.SettingChanged(gnome, u"cursor-size"_s, QDBusVariant(48));
     Q_EMIT portal.SettingChanged(gnome, animations, QDBusVariant(true));
     QTRY_VERIFY(!motion.isReduced());
     QCOMPARE(changes.count(), 2);
@@ -184,13 +183,12 @@ void LinuxMotionPreferenceTest::silentDesktopMeansNoWish()
         portal = std::make_unique<Portal>(bus.connection());
         portal->refuses = true;
     }
-    auto connection = hasBus ? bus.connection() : QDBusConnection(QStringLiteral("not connected"));
+    auto connection = hasBus ? bus.connection() : QDBusConnection(u"not connected"_s);
     const LinuxMotionPreference motion(connection);
     // One round trip on the same connection later, the answer to the question has come.
     if (hasBus)
-        connection.call(
-            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
-                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")),
+        connection.call(QDBusMessage::createMethodCall(
+                            u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus"_s, u"GetId"_s),
             QDBus::BlockWithGui, 5000);
     QCoreApplication::processEvents();
     QVERIFY(!motion.isReduced());

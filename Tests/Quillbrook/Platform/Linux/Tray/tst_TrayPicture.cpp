@@ -7,6 +7,7 @@
 #include <limits>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -124,7 +125,7 @@ void TrayPictureTest::fullerDiskHasMoreFilledPixels()
     auto before = -1;
     for (int step = 0; step <= TrayPicture::steps; step += 4) {
         const auto now = filled(TrayPicture::draw({ .step = step }, size));
-        QVERIFY2(now > before, qPrintable(QStringLiteral("step %1: %2, %3").arg(step).arg(now).arg(before)));
+        QVERIFY2(now > before, qPrintable(u"step %1: %2, %3"_s.arg(step).arg(now).arg(before)));
         before = now;
     }
 }
