@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include <array>
+#include <charconv>
 
 namespace Quillbrook::Format {
 
@@ -44,7 +45,13 @@ QString bytes(qint64 count)
     size_t unit = 0;
     for (; value >= bytesPerUnit && unit + 1 < units.size(); ++unit)
         value *= reciprocalOfUnit;
-    return QString::asprintf(value >= 100 ? "%.0f %s" : "%.1f %s", value, units[unit]);
+    const int decimals = value >= 100 ? 0 : 1;
+    std::array<char, 32> digits{};
+    auto *begin = digits.data();
+    // Unlike QString's own formatting this takes what lies exactly between two figures to the even one.
+    const auto written
+        = std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, decimals);
+    return QLatin1StringView(begin, written.ptr) + u' ' + QLatin1StringView(units[unit]);
 }
 
 QString count(qint64 value)
