@@ -11,7 +11,7 @@ namespace Quillbrook::TreeQueries {
 
 namespace {
 
-constexpr qsizetype shortestQuery = 2;
+constexpr int shortestQuery = 2;
 
 struct Candidate
 {
@@ -31,16 +31,6 @@ QList<NodeSnapshot> snapshots(const FileTree &tree, const std::vector<Candidate>
     for (const auto &candidate : candidates)
         result.append(*tree.snapshot(candidate.node));
     return result;
-}
-
-// User-perceived characters, at most `enough` of them counted.
-qsizetype characterCount(const QString &text, qsizetype enough)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype count = 0;
-    while (count < enough && finder.toNextBoundary() != -1)
-        ++count;
-    return count;
 }
 
 } // namespace
@@ -77,9 +67,18 @@ QList<NodeSnapshot> largestFiles(const FileTree &tree, qint32 root, qsizetype li
     return snapshots(tree, candidates);
 }
 
+bool isLongEnough(const QString &query)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, query);
+    int count = 0;
+    while (count < shortestQuery && finder.toNextBoundary() != -1)
+        ++count;
+    return count == shortestQuery;
+}
+
 QList<NodeSnapshot> search(const FileTree &tree, qint32 root, const QString &query, qsizetype limit)
 {
-    if (characterCount(query, shortestQuery) < shortestQuery)
+    if (!isLongEnough(query))
         return {};
     const NameQuery wanted(query);
     const auto marks = wanted.marks(tree.nameArena());

@@ -14,8 +14,11 @@ namespace Quillbrook::TreeQueries {
 /// whose double overflows ends the process.
 [[nodiscard]] QList<NodeSnapshot> largestFiles(const FileTree &tree, qint32 root, qsizetype limit);
 
+/// Whether `query` has the 2 characters, as people count them, that `search` asks for.
+[[nodiscard]] bool isLongEnough(const QString &query);
+
 /// The first `limit` nodes at or below `root`, files and folders, that the walk meets and whose name holds
-/// `query` in any letter case; then sorted, largest first. A query of fewer than 2 characters finds nothing.
+/// `query` in any letter case; then sorted, largest first. A query that is not long enough finds nothing.
 [[nodiscard]] QList<NodeSnapshot> search(
     const FileTree &tree, qint32 root, const QString &query, qsizetype limit);
 
