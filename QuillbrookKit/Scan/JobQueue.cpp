@@ -4,7 +4,7 @@
 
 namespace Quillbrook {
 
-void JobQueue::restart(ScanJob first)
+void JobQueue::restart(FolderJob first)
 {
     const std::scoped_lock lock(m_lock);
     m_jobs.clear();
@@ -13,7 +13,7 @@ void JobQueue::restart(ScanJob first)
     m_finished = false;
 }
 
-std::optional<ScanJob> JobQueue::take()
+std::optional<FolderJob> JobQueue::take()
 {
     std::unique_lock lock(m_lock);
     while (m_jobs.empty()) {
@@ -24,12 +24,12 @@ std::optional<ScanJob> JobQueue::take()
         }
         m_changed.wait(lock);
     }
-    std::optional<ScanJob> job(std::move(m_jobs.back()));
+    std::optional<FolderJob> job(std::move(m_jobs.back()));
     m_jobs.pop_back();
     return job;
 }
 
-void JobQueue::finishOne(size_t found, std::span<ScanJob> spilled)
+void JobQueue::finishOne(size_t found, std::span<FolderJob> spilled)
 {
     const std::scoped_lock lock(m_lock);
     m_outstanding += static_cast<qsizetype>(found) - 1;

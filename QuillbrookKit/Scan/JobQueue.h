@@ -16,7 +16,7 @@
 namespace Quillbrook {
 
 /// A folder waiting to be read: its absolute path in raw bytes and its node in the tree.
-struct ScanJob
+struct FolderJob
 {
     std::string path{};
     qint32 node = -1;
@@ -30,13 +30,13 @@ public:
     JobQueue &operator=(const JobQueue &) = delete;
 
     /// Makes the queue new again, holding `first` alone.
-    void restart(ScanJob first);
+    void restart(FolderJob first);
     /// The newest job; waits while others may still add some. Absent when there is nothing left. Jobs that
     /// are queued when the end is announced are still handed out, so that they are counted down.
-    [[nodiscard]] std::optional<ScanJob> take();
+    [[nodiscard]] std::optional<FolderJob> take();
     /// Counts `found` new jobs in and the present one out, and queues those of the new ones that the worker
     /// does not keep, moving them from `spilled`.
-    void finishOne(size_t found = 0, std::span<ScanJob> spilled = {});
+    void finishOne(size_t found = 0, std::span<FolderJob> spilled = {});
     /// Announces the end: wakes every waiting worker.
     void finish();
     /// How many jobs are queued.
@@ -45,7 +45,7 @@ public:
 private:
     mutable std::mutex m_lock;
     std::condition_variable m_changed;
-    std::vector<ScanJob> m_jobs;
+    std::vector<FolderJob> m_jobs;
     qsizetype m_outstanding = 0;
     bool m_finished = false;
 };

@@ -84,7 +84,7 @@ private:
     GrowingArray<char> m_names;
     std::vector<ChildFolder> m_childFolders;
     std::vector<OwnJob> m_ownJobs;
-    std::vector<ScanJob> m_spilledJobs;
+    std::vector<FolderJob> m_spilledJobs;
 };
 
 } // namespace Quillbrook

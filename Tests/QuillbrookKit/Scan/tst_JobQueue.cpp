@@ -11,14 +11,14 @@ namespace {
 
 constexpr auto limit = 20s;
 
-std::string pathOf(const std::optional<ScanJob> &job)
+std::string pathOf(const std::optional<FolderJob> &job)
 {
     return job ? job->path : std::string("nothing");
 }
 
-std::vector<ScanJob> jobs(std::initializer_list<const char *> paths)
+std::vector<FolderJob> jobs(std::initializer_list<const char *> paths)
 {
-    std::vector<ScanJob> result;
+    std::vector<FolderJob> result;
     for (const auto *path : paths)
         result.push_back({ path, 1 });
     return result;
@@ -102,7 +102,7 @@ void TestJobQueue::endWakesAllWaitingWorkers()
     JobQueue queue;
     queue.restart({ "/root", 0 });
     std::ignore = queue.take();
-    std::vector<std::future<std::optional<ScanJob>>> waiting;
+    std::vector<std::future<std::optional<FolderJob>>> waiting;
     for (int i = 0; i < 8; ++i)
         waiting.push_back(std::async(std::launch::async, [&] { return queue.take(); }));
     queue.finish();
