@@ -118,15 +118,15 @@ qint32 FileTree::addNode(qint32 parentIndex, std::string_view name, qint64 size,
 qint32 FileTree::addNodes(qint32 parentIndex, std::span<const Entry> entries, std::string_view names)
 {
     const auto count = entries.size();
-    const auto node = static_cast<qint32>(m_parent.size());
     if (count == 0)
-        return node;
+        return noNode;
     const auto arenaStart = m_nameArena.size();
     if (m_parent.size() + count - 1 > maximumIndex
         || arenaStart + static_cast<size_t>(entries.back().nameStart) > maximumIndex)
         fatal("a file tree grew past 2^31 nodes or name bytes");
     if (parentIndex != noNode && !isValid(parentIndex))
         fatal("a node was added below a node that does not exist");
+    const auto node = static_cast<qint32>(m_parent.size());
     std::ranges::copy(names, m_nameArena.extend(names.size()));
     std::fill_n(m_parent.extend(count), count, parentIndex);
     std::fill_n(m_firstChild.extend(count), count, noNode);
@@ -170,12 +170,12 @@ void FileTree::linkAtHead(qint32 parentIndex, qint32 node, size_t count)
 
 void FileTree::rollUp()
 {
-    for (auto node = static_cast<qint32>(nodeCount()) - 1; node >= 1; --node) {
-        const auto parent = m_parent[at(node)];
+    for (auto node = m_parent.size(); node-- > 1;) {
+        const auto parent = m_parent[node];
         if (parent == noNode)
             continue;
         auto &sum = m_totalSize[at(parent)];
-        if (__builtin_add_overflow(sum, m_totalSize[at(node)], &sum))
+        if (__builtin_add_overflow(sum, m_totalSize[node], &sum))
             fatal("the sizes of a file tree add up to more than 2^63 bytes");
     }
 }

@@ -82,7 +82,8 @@ public:
     };
 
     /// The same as `addNode` for each entry in turn, at a fraction of the cost: the arrays grow once and are
-    /// filled one after the other. Returns the first new node's index; the others follow it in order.
+    /// filled one after the other. Returns the first new node's index, -1 if there is none; the others
+    /// follow it in order.
     qint32 addNodes(qint32 parentIndex, std::span<const Entry> entries, std::string_view names);
 
     /// Adds every node's size to its parent's, once, when all nodes are there. Overflow ends the process.
