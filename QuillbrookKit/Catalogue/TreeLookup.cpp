@@ -1,5 +1,7 @@
 #include "Catalogue/TreeLookup.h"
 
+#include "RawText.h"
+
 #include <algorithm>
 #include <bitset>
 #include <string>
@@ -12,11 +14,6 @@ namespace {
 QString canonical(const QString &text)
 {
     return text.normalized(QString::NormalizationForm_C);
-}
-
-bool isAscii(std::string_view bytes)
-{
-    return std::ranges::none_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
 }
 
 struct NameHash
@@ -100,8 +97,7 @@ private:
             const auto place = step.children.find(name);
             return place == step.children.end() ? 0 : place->second;
         }
-        const auto text
-            = canonical(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()))).toStdString();
+        const auto text = canonical(repairedText(name)).toStdString();
         const auto place = step.children.find(text);
         return place == step.children.end() ? 0 : place->second;
     }

@@ -1,6 +1,7 @@
 #include "Scan/FileTree.h"
 
 #include "Fatal.h"
+#include "RawText.h"
 #include "Scan/WorkerThread.h"
 
 #include <algorithm>
@@ -47,40 +48,28 @@ void sortFromLargest(std::span<SizedNode> siblings)
     }
 }
 
-bool isAscii(std::string_view bytes)
-{
-    return std::ranges::none_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
-}
-
 QString canonical(const QString &text)
 {
     return text.normalized(QString::NormalizationForm_C);
 }
 
-// One piece of a wanted path, prepared so that the common all-ASCII comparison allocates nothing.
+// One piece of a wanted path, which is composed already. Comparing it with an ASCII name allocates nothing.
 struct Piece
 {
     explicit Piece(QStringView text)
-        : utf8(text.toUtf8().toStdString())
-        , composed(canonical(text.toString()))
-        , ascii(isAscii(utf8))
+        : composed(text)
+        , utf8(text.toUtf8().toStdString())
     {
     }
 
     [[nodiscard]] bool equals(std::string_view name) const
     {
-        // Canonical equivalents of an ASCII text may hold other characters (U+212A for K), so only a name
-        // that is ASCII too is settled by its bytes.
-        if (name == utf8)
-            return true;
-        if (isAscii(name))
-            return ascii ? false : composed == QLatin1StringView(name.data(), qsizetype(name.size()));
-        return canonical(QString::fromUtf8(name.data(), qsizetype(name.size()))) == composed;
+        // An ASCII name is its own composed form. Another name may compose to an ASCII text (U+212A to K).
+        return name == utf8 || (!isAscii(name) && canonical(repairedText(name)) == composed);
     }
 
+    QStringView composed;
     std::string utf8;
-    QString composed;
-    bool ascii;
 };
 
 } // namespace
@@ -230,8 +219,7 @@ void FileTree::setUnreadable(qint32 node)
 
 QString FileTree::name(qint32 node) const
 {
-    const auto raw = rawName(node);
-    return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
+    return repairedText(rawName(node));
 }
 
 std::string_view FileTree::rawName(qint32 node) const
@@ -277,8 +265,7 @@ std::vector<qint32> FileTree::lineage(qint32 node) const
 
 QString FileTree::path(qint32 node) const
 {
-    const auto raw = rawPath(node);
-    return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
+    return repairedText(rawPath(node));
 }
 
 std::string FileTree::rawPath(qint32 node) const

@@ -1,15 +1,12 @@
 #include "Scan/FolderAdmission.h"
 
+#include "RawText.h"
+
 #include <algorithm>
 
 namespace Quillbrook {
 
 namespace {
-
-bool isAscii(std::string_view bytes)
-{
-    return std::ranges::none_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
-}
 
 // Equal for two texts exactly when they are canonically equivalent; an ASCII text is its own canonical form.
 std::string canonicalBytes(const QString &text)
@@ -19,7 +16,7 @@ std::string canonicalBytes(const QString &text)
 
 std::string canonicalBytes(std::string_view raw)
 {
-    return canonicalBytes(QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size())));
+    return canonicalBytes(repairedText(raw));
 }
 
 // Decomposing takes a text to at most three times its bytes, so that what is far longer than every listed

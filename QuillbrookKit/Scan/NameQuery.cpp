@@ -1,5 +1,7 @@
 #include "Scan/NameQuery.h"
 
+#include "RawText.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -106,13 +108,13 @@ void markWhatFoldsToAscii(std::string_view names, size_t begin, size_t end, Byte
 NameQuery::NameQuery(const QString &text)
     : m_text(folded(text))
     , m_bytes(m_text.toStdString())
-    , m_isAscii(std::ranges::none_of(m_bytes, isBeyondAscii))
+    , m_isAscii(isAscii(m_bytes))
 {
 }
 
 bool NameQuery::isHeldBy(std::string_view name) const
 {
-    return folded(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()))).contains(m_text);
+    return folded(repairedText(name)).contains(m_text);
 }
 
 ByteMarks NameQuery::marks(std::span<const char> names) const

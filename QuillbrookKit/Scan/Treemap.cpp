@@ -1,6 +1,7 @@
 #include "Scan/Treemap.h"
 
 #include "Fatal.h"
+#include "RawText.h"
 
 #include <algorithm>
 #include <deque>
@@ -167,7 +168,7 @@ void Layout::place(const Child &child, const QRectF &rect, qint32 depth, std::st
         .bytes = child.size,
         .name = m_tree.name(child.node),
         .isDirectory = isDirectory,
-        .path = QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size())) });
+        .path = repairedText(path) });
     if (isDirectory) {
         const auto header = depth == 0 ? titleStrip : 0.0;
         const QRectF inner(rect.x() + inset, rect.y() + inset + header, rect.width() - 2 * inset,

@@ -1,4 +1,5 @@
 #include "Catalogue/TreeLookup.h"
+#include "RawText.h"
 
 #include <QTest>
 
@@ -12,8 +13,8 @@ namespace {
 
 // Names that are equal to some of the others only by canonical equivalence, or by nothing but their
 // beginning.
-const std::array<std::string, 12> names{ "a", "b", "ab", ".cache", "Cache", "cache", "\u00e9", "e\u0301", "K",
-    "\u212a", "\xff", "\u30ad\u30e3\u30c3\u30b7\u30e5" };
+const std::array<std::string, 13> names{ "a", "b", "ab", ".cache", "\ufeff.cache", "Cache", "cache", "\u00e9",
+    "e\u0301", "K", "\u212a", "\xff", "\u30ad\u30e3\u30c3\u30b7\u30e5" };
 
 // A tree in which siblings may share a name, which a disk can't hold but a look-up has to settle.
 std::unique_ptr<FileTree> randomTree(std::mt19937 &random, const std::string &root)
@@ -35,7 +36,7 @@ QString randomPath(std::mt19937 &random, const QString &root)
     QString path = random() % 8 == 0 ? u"/else"_s : root;
     for (auto depth = random() % 5; depth > 0; --depth) {
         path += random() % 10 == 0 ? u"//"_s : u"/"_s;
-        path += QString::fromStdString(names[random() % names.size()]);
+        path += repairedText(names[random() % names.size()]);
     }
     return random() % 10 == 0 ? path + u'/' : path;
 }

@@ -10,7 +10,6 @@ class TestFolderAdmission : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void emptyListsRestrictNothing();
     void textsAreFoundByCanonicalEquivalence_data();
     void textsAreFoundByCanonicalEquivalence();
     void exclusionsHoldForThatPathAlone_data();
@@ -18,13 +17,6 @@ private Q_SLOTS:
     void parentThatIsNoKeyIsUnrestricted();
     void emptySetOfNamesAdmitsNone();
 };
-
-void TestFolderAdmission::emptyListsRestrictNothing()
-{
-    const FolderAdmission admission;
-    QVERIFY(admission.namesAllowedIn("/home/someone") == nullptr);
-    QVERIFY(!admission.isExcluded("/home/someone"));
-}
 
 void TestFolderAdmission::textsAreFoundByCanonicalEquivalence_data()
 {
@@ -40,6 +32,9 @@ void TestFolderAdmission::textsAreFoundByCanonicalEquivalence_data()
     QTest::newRow("kelvin sign listed") << u"\u212A"_s << QByteArray("K") << true;
     QTest::newRow("kelvin sign on disk") << u"K"_s << QByteArray("\xE2\x84\xAA") << true;
     QTest::newRow("broken name by its repaired text") << u"caf\uFFFD"_s << QByteArray("caf\xE9") << true;
+    QTest::newRow("byte order mark on disk") << u"Library"_s << QByteArray("\xEF\xBB\xBFLibrary") << false;
+    QTest::newRow("byte order mark in both")
+        << u"\uFEFFLibrary"_s << QByteArray("\xEF\xBB\xBFLibrary") << true;
     QTest::newRow("broken name by another encoding") << u"caf\u00E9"_s << QByteArray("caf\xE9") << false;
 }
 

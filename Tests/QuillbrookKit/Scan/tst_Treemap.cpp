@@ -15,7 +15,7 @@ namespace {
 
 using Flags = FileTree::Flags;
 
-// A tree below the root "/home/someone", finished by `finish`.
+// A tree below the root "/home/someone".
 struct MadeTree
 {
     qint32 folder(qint32 parent, std::string_view name)
@@ -26,20 +26,26 @@ struct MadeTree
     {
         return tree.addNode(parent, name, size, Flags::none);
     }
-    const FileTree &finish()
+    // The tiles below the root, once all nodes are there.
+    std::vector<Treemap::Tile> tiles(const QRectF &in, int maximumDepth = 5)
     {
         tree.rollUp();
         tree.sortChildrenBySize();
-        return tree;
+        return Treemap::layout({ .tree = tree, .node = root, .in = in, .maximumDepth = maximumDepth });
     }
 
     FileTree tree{ 16 };
     qint32 root = folder(FileTree::noNode, "/home/someone");
 };
 
-double area(const QRectF &rect)
+// Tiles of files of these sizes in one folder, in the order of its list.
+std::vector<Treemap::Tile> tilesOf(const QList<qint64> &sizes, const QRectF &in, double minimumSide = 3)
 {
-    return rect.width() * rect.height();
+    MadeTree made;
+    for (qsizetype i = sizes.size(); i-- > 0;)
+        made.file(made.root, "file", sizes[i]);
+    made.tree.rollUp();
+    return Treemap::layout({ .tree = made.tree, .node = 0, .in = in, .minimumTileSide = minimumSide });
 }
 
 std::vector<qint32> ids(const std::vector<Treemap::Tile> &tiles)
@@ -105,37 +111,62 @@ class TestTreemap : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nodeWithoutVisibleChildrenHasNoTiles();
+    void filesShareTheRectangle_data();
+    void filesShareTheRectangle();
     void invalidNodeHasNoTiles();
-    void sidesMustBeGreaterThanTheMinimum_data();
-    void sidesMustBeGreaterThanTheMinimum();
-    void depthZeroShowsNothing();
-    void depthOneShowsDirectChildrenOnly();
-    void singleChildFillsTheRectangle();
-    void titleStripIsTakenOffAtDepthZeroOnly();
-    void twoEqualChildrenShareASquareInOneRow();
-    void tallRectangleGetsStripsFromTheTop();
-    void equalRatioTakesTheItemIn();
-    void ratioGettingWorseEndsTheRow();
-    void tileTooThinLeavesAGap();
-    void zeroSizedChildrenTakeNoArea();
+    void depthEndsTheLayout();
+    void contentsLieInsideTheirFolder();
     void folderComesBeforeItsChildren();
+    void tileTellsItsNode_data();
     void tileTellsItsNode();
-    void pathsAreTheTreesPaths_data();
-    void pathsAreTheTreesPaths();
     void rectanglesFollowThePlainRule_data();
     void rectanglesFollowThePlainRule();
     void wideFolderIsLaidOut();
     void overflowEndsTheProcess();
 };
 
-void TestTreemap::nodeWithoutVisibleChildrenHasNoTiles()
+void TestTreemap::filesShareTheRectangle_data()
 {
-    MadeTree made;
-    const auto empty = made.folder(made.root, "empty");
-    made.file(made.root, "zero", 0);
-    QVERIFY(Treemap::layout({ .tree = made.finish(), .node = empty, .in = { 0, 0, 100, 100 } }).empty());
-    QVERIFY(Treemap::layout({ .tree = made.tree, .node = made.root, .in = { 0, 0, 100, 100 } }).empty());
+    using Sizes = QList<qint64>;
+    using Rectangles = QList<QRectF>;
+    QTest::addColumn<Sizes>("sizes");
+    QTest::addColumn<QRectF>("in");
+    QTest::addColumn<double>("minimumSide");
+    QTest::addColumn<Rectangles>("tiles");
+    const QRectF square(0, 0, 128, 128);
+    QTest::newRow("nothing") << Sizes{} << square << 3.0 << Rectangles{};
+    QTest::newRow("empty files only") << Sizes{ 0, 0 } << square << 3.0 << Rectangles{};
+    QTest::newRow("empty files take no area")
+        << Sizes{ 10, 0, 0, 0 } << square << 3.0 << Rectangles{ square };
+    QTest::newRow("width at the minimum") << Sizes{ 10 } << QRectF(0, 0, 3, 100) << 3.0 << Rectangles{};
+    QTest::newRow("height at the minimum") << Sizes{ 10 } << QRectF(0, 0, 100, 3) << 3.0 << Rectangles{};
+    QTest::newRow("just above the minimum")
+        << Sizes{ 10 } << QRectF(0, 0, 3.001, 3.001) << 3.0 << Rectangles{ { 0, 0, 3.001, 3.001 } };
+    QTest::newRow("no area") << Sizes{ 10 } << QRectF() << 3.0 << Rectangles{};
+    QTest::newRow("negative width") << Sizes{ 10 } << QRectF(0, 0, -100, 100) << 3.0 << Rectangles{};
+    QTest::newRow("not a number") << Sizes{ 10 } << QRectF(0, 0, std::nan(""), 100) << 3.0 << Rectangles{};
+    QTest::newRow("two equal ones share a square in one row")
+        << Sizes{ 100, 100 } << square << 3.0 << Rectangles{ { 0, 0, 128, 64 }, { 0, 64, 128, 64 } };
+    QTest::newRow("strips from the top of a tall rectangle") << Sizes{ 300,
+        100 } << QRectF(0, 0, 100, 400) << 3.0 << Rectangles{ { 0, 0, 100, 300 }, { 0, 300, 100, 100 } };
+    // The thin one alone has the ratio 64, and so has the worst of both together.
+    QTest::newRow("an equal ratio takes the item in")
+        << Sizes{ 2, 126 } << square << 1.0 << Rectangles{ { 0, 0, 128, 2 }, { 0, 2, 128, 126 } };
+    QTest::newRow("a ratio getting worse ends the row") << Sizes{ 50,
+        50 } << QRectF(0, 0, 400, 200) << 3.0 << Rectangles{ { 0, 0, 200, 200 }, { 200, 0, 200, 200 } };
+    QTest::newRow("a tile too thin leaves a gap")
+        << Sizes{ 2, 126 } << square << 3.0 << Rectangles{ { 0, 2, 128, 126 } };
+}
+
+void TestTreemap::filesShareTheRectangle()
+{
+    QFETCH(QList<qint64>, sizes);
+    QFETCH(QRectF, in);
+    QFETCH(double, minimumSide);
+    QList<QRectF> tiles;
+    for (const auto &tile : tilesOf(sizes, in, minimumSide))
+        tiles.append(tile.rect);
+    QTEST(tiles, "tiles");
 }
 
 void TestTreemap::invalidNodeHasNoTiles()
@@ -143,153 +174,34 @@ void TestTreemap::invalidNodeHasNoTiles()
     MadeTree made;
     made.file(made.root, "file", 10);
     for (const auto node : { -1, 2, 1'000'000 })
-        QVERIFY(Treemap::layout({ .tree = made.finish(), .node = node, .in = { 0, 0, 100, 100 } }).empty());
+        QVERIFY(Treemap::layout({ .tree = made.tree, .node = node, .in = { 0, 0, 100, 100 } }).empty());
 }
 
-void TestTreemap::sidesMustBeGreaterThanTheMinimum_data()
+void TestTreemap::depthEndsTheLayout()
 {
-    QTest::addColumn<QRectF>("in");
-    QTest::addColumn<bool>("shown");
-    QTest::newRow("width at the minimum") << QRectF(0, 0, 3.0, 100) << false;
-    QTest::newRow("height at the minimum") << QRectF(0, 0, 100, 3.0) << false;
-    QTest::newRow("just above") << QRectF(0, 0, 3.001, 3.001) << true;
-    QTest::newRow("no area") << QRectF() << false;
-    QTest::newRow("negative width") << QRectF(0, 0, -100, 100) << false;
-    QTest::newRow("not a number") << QRectF(0, 0, std::nan(""), 100) << false;
+    for (const int depth : { 0, 1, 2, 3 }) {
+        MadeTree made;
+        const auto outer = made.folder(made.root, "outer");
+        const auto inner = made.folder(outer, "inner");
+        const std::vector expected{ outer, inner, made.file(inner, "file", 100) };
+        QCOMPARE(ids(made.tiles({ 0, 0, 200, 100 }, depth)),
+            std::vector(expected.begin(), expected.begin() + depth));
+    }
 }
 
-void TestTreemap::sidesMustBeGreaterThanTheMinimum()
-{
-    QFETCH(QRectF, in);
-    MadeTree made;
-    made.file(made.root, "file", 10);
-    const auto tiles = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = in });
-    QTEST(!tiles.empty(), "shown");
-}
-
-void TestTreemap::depthZeroShowsNothing()
+void TestTreemap::contentsLieInsideTheirFolder()
 {
     MadeTree made;
-    made.file(made.root, "file", 10);
-    const QRectF in(0, 0, 100, 100);
-    QVERIFY(
-        Treemap::layout({ .tree = made.finish(), .node = made.root, .in = in, .maximumDepth = 0 }).empty());
-}
-
-void TestTreemap::depthOneShowsDirectChildrenOnly()
-{
-    MadeTree made;
-    const auto folder = made.folder(made.root, "folder");
-    made.file(folder, "inside", 100);
-    const auto file = made.file(made.root, "file", 50);
-    const QRectF in(0, 0, 300, 300);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = in, .maximumDepth = 1 });
-    QCOMPARE(ids(tiles), (std::vector{ folder, file }));
-    QCOMPARE(Treemap::layout({ .tree = made.tree, .node = made.root, .in = in }).size(), size_t(3));
-}
-
-void TestTreemap::singleChildFillsTheRectangle()
-{
-    MadeTree made;
-    const auto folder = made.folder(made.root, "folder");
-    const auto inside = made.file(folder, "inside", 100);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 10, 20, 200, 100 } });
-    QCOMPARE(ids(tiles), (std::vector{ folder, inside }));
-    QCOMPARE(tiles[0].rect, QRectF(10, 20, 200, 100));
-    QCOMPARE(tiles[0].depth, 0);
-    QCOMPARE(tiles[1].rect, QRectF(11.5, 20 + 1.5 + 14, 197, 100 - 3 - 14));
-    QCOMPARE(tiles[1].depth, 1);
-}
-
-void TestTreemap::titleStripIsTakenOffAtDepthZeroOnly()
-{
-    MadeTree made;
-    const auto outer = made.folder(made.root, "outer");
-    const auto inner = made.folder(outer, "inner");
+    const auto inner = made.folder(made.folder(made.root, "outer"), "inner");
     made.file(inner, "file", 100);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 200, 100 } });
+    const auto tiles = made.tiles({ 10, 20, 200, 100 });
     QCOMPARE(tiles.size(), size_t(3));
-    QCOMPARE(tiles[1].rect, QRectF(1.5, 15.5, 197, 83));
-    QCOMPARE(tiles[2].rect, QRectF(3, 17, 194, 80));
-    QCOMPARE(tiles[2].depth, 2);
-}
-
-void TestTreemap::twoEqualChildrenShareASquareInOneRow()
-{
-    MadeTree made;
-    made.file(made.root, "a", 100);
-    made.file(made.root, "b", 100);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 100, 100 } });
-    QCOMPARE(tiles.size(), size_t(2));
-    QCOMPARE(tiles[0].rect, QRectF(0, 0, 100, 50));
-    QCOMPARE(tiles[1].rect, QRectF(0, 50, 100, 50));
-}
-
-void TestTreemap::tallRectangleGetsStripsFromTheTop()
-{
-    MadeTree made;
-    const auto large = made.file(made.root, "large", 300);
-    const auto small = made.file(made.root, "small", 100);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 100, 400 } });
-    QCOMPARE(ids(tiles), (std::vector{ large, small }));
-    QCOMPARE(tiles[0].rect, QRectF(0, 0, 100, 300));
-    QCOMPARE(tiles[1].rect, QRectF(0, 300, 100, 100));
-}
-
-void TestTreemap::equalRatioTakesTheItemIn()
-{
-    // In link order, which is last to first here: the thin one alone has the ratio 64, and so has the worst
-    // of both together.
-    FileTree tree(4);
-    tree.addNode(FileTree::noNode, "/home/someone", 0, Flags::directory);
-    tree.addNode(0, "thick", 126, Flags::none);
-    tree.addNode(0, "thin", 2, Flags::none);
-    tree.rollUp();
-    const auto tiles
-        = Treemap::layout({ .tree = tree, .node = 0, .in = { 0, 0, 128, 128 }, .minimumTileSide = 1 });
-    QCOMPARE(tiles.size(), size_t(2));
-    QCOMPARE(tiles[0].rect, QRectF(0, 0, 128, 2));
-    QCOMPARE(tiles[1].rect, QRectF(0, 2, 128, 126));
-}
-
-void TestTreemap::ratioGettingWorseEndsTheRow()
-{
-    MadeTree made;
-    made.file(made.root, "a", 50);
-    made.file(made.root, "b", 50);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 400, 200 } });
-    QCOMPARE(tiles[0].rect, QRectF(0, 0, 200, 200));
-    QCOMPARE(tiles[1].rect, QRectF(200, 0, 200, 200));
-}
-
-void TestTreemap::tileTooThinLeavesAGap()
-{
-    FileTree tree(4);
-    tree.addNode(FileTree::noNode, "/home/someone", 0, Flags::directory);
-    const auto thick = tree.addNode(0, "thick", 126, Flags::none);
-    tree.addNode(0, "thin", 2, Flags::none);
-    tree.rollUp();
-    const auto tiles = Treemap::layout({ .tree = tree, .node = 0, .in = { 0, 0, 128, 128 } });
-    QCOMPARE(ids(tiles), (std::vector{ thick }));
-    QCOMPARE(tiles[0].rect, QRectF(0, 2, 128, 126));
-}
-
-void TestTreemap::zeroSizedChildrenTakeNoArea()
-{
-    MadeTree made;
-    const auto file = made.file(made.root, "file", 10);
-    for (int i = 0; i < 50; ++i)
-        made.file(made.root, "zero", 0);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 100, 100 } });
-    QCOMPARE(ids(tiles), (std::vector{ file }));
-    QCOMPARE(tiles[0].rect, QRectF(0, 0, 100, 100));
+    QCOMPARE(tiles[0].rect, QRectF(10, 20, 200, 100));
+    // The strip for the title is taken off at depth 0 only.
+    QCOMPARE(tiles[1].rect, QRectF(11.5, 20 + 1.5 + 14, 197, 100 - 3 - 14));
+    QCOMPARE(tiles[2].rect, QRectF(13, 20 + 3 + 14, 194, 80));
+    for (qint32 depth = 0; depth < 3; ++depth)
+        QCOMPARE(tiles[size_t(depth)].depth, depth);
 }
 
 void TestTreemap::folderComesBeforeItsChildren()
@@ -299,64 +211,49 @@ void TestTreemap::folderComesBeforeItsChildren()
     const auto inFirst = made.file(first, "a", 200);
     const auto second = made.folder(made.root, "second");
     const auto inSecond = made.file(second, "b", 100);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 300, 200 } });
+    const auto tiles = made.tiles({ 0, 0, 300, 200 });
     QCOMPARE(ids(tiles), (std::vector{ first, inFirst, second, inSecond }));
     QVERIFY(tiles[0].rect.contains(tiles[1].rect));
     QVERIFY(tiles[2].rect.contains(tiles[3].rect));
 }
 
-void TestTreemap::tileTellsItsNode()
-{
-    MadeTree made;
-    const auto folder = made.folder(made.root, "folder");
-    const auto file = made.file(folder, "file.txt", 100);
-    const auto tiles
-        = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = { 0, 0, 200, 100 } });
-    const Treemap::Tile expectedFolder{ .id = folder,
-        .rect = { 0, 0, 200, 100 },
-        .depth = 0,
-        .bytes = 100,
-        .name = u"folder"_s,
-        .isDirectory = true,
-        .path = u"/home/someone/folder"_s };
-    QVERIFY(tiles[0] == expectedFolder);
-    QCOMPARE(tiles[1].id, file);
-    QCOMPARE(tiles[1].name, u"file.txt"_s);
-    QVERIFY(!tiles[1].isDirectory);
-    QCOMPARE(tiles[1].path, u"/home/someone/folder/file.txt"_s);
-}
-
-void TestTreemap::pathsAreTheTreesPaths_data()
+void TestTreemap::tileTellsItsNode_data()
 {
     QTest::addColumn<QByteArray>("root");
     QTest::addColumn<QByteArray>("name");
-    QTest::newRow("ordinary") << QByteArray("/home/someone") << QByteArray("name");
-    QTest::newRow("root of the disk") << QByteArray("/") << QByteArray("name");
-    QTest::newRow("not UTF-8") << QByteArray("/home/someone") << QByteArray("a\xff\xe2\x82");
-    QTest::newRow("byte order mark") << QByteArray("/home/someone") << QByteArray("\xef\xbb\xbfname");
-    QTest::newRow("line feed") << QByteArray("/home/someone") << QByteArray("a\nb");
+    QTest::addColumn<QString>("text");
+    const QByteArray home("/home/someone");
+    QTest::newRow("ordinary") << home << QByteArray("name") << u"name"_s;
+    QTest::newRow("root of the disk") << QByteArray("/") << QByteArray("name") << u"name"_s;
+    QTest::newRow("not UTF-8") << home << QByteArray("a\xff") << u"a\uFFFD"_s;
+    QTest::newRow("byte order mark") << home << QByteArray("\xef\xbb\xbfname") << u"\uFEFFname"_s;
+    QTest::newRow("line feed") << home << QByteArray("a\nb") << u"a\nb"_s;
 }
 
-void TestTreemap::pathsAreTheTreesPaths()
+void TestTreemap::tileTellsItsNode()
 {
     QFETCH(QByteArray, root);
     QFETCH(QByteArray, name);
+    QFETCH(QString, text);
     FileTree tree(8);
     tree.addNode(FileTree::noNode, root.toStdString(), 0, Flags::directory);
     const auto focus = tree.addNode(0, name.toStdString(), 0, Flags::directory);
-    const auto folder = tree.addNode(focus, name.toStdString(), 0, Flags::directory);
-    tree.addNode(folder, name.toStdString(), 10, Flags::none);
+    const auto file = tree.addNode(focus, name.toStdString(), 10, Flags::none);
     tree.rollUp();
-    tree.sortChildrenBySize();
-    for (const auto node : { 0, focus }) {
-        const auto tiles = Treemap::layout({ .tree = tree, .node = node, .in = { 0, 0, 100, 100 } });
-        QCOMPARE(tiles.size(), size_t(node == 0 ? 3 : 2));
-        for (const auto &tile : tiles) {
-            QCOMPARE(tile.path, tree.path(tile.id));
-            QCOMPARE(tile.name, tree.name(tile.id));
-        }
-    }
+    const Treemap::Tile folderTile{ .id = focus,
+        .rect = { 0, 0, 100, 100 },
+        .bytes = 10,
+        .name = text,
+        .isDirectory = true,
+        .path = (root == "/" ? QString() : u"/home/someone"_s) + u'/' + text };
+    const Treemap::Tile fileTile{ .id = file,
+        .rect = { 0, 0, 100, 100 },
+        .bytes = 10,
+        .name = text,
+        .path = folderTile.path + u'/' + text };
+    const QRectF in(0, 0, 100, 100);
+    QVERIFY(Treemap::layout({ .tree = tree, .node = 0, .in = in }).front() == folderTile);
+    QVERIFY(Treemap::layout({ .tree = tree, .node = focus, .in = in }).front() == fileTile);
 }
 
 void TestTreemap::rectanglesFollowThePlainRule_data()
@@ -381,10 +278,7 @@ void TestTreemap::rectanglesFollowThePlainRule()
 {
     QFETCH(QList<qint64>, sizes);
     QFETCH(QRectF, in);
-    MadeTree made;
-    for (const auto size : sizes)
-        made.file(made.root, "file", size);
-    const auto tiles = Treemap::layout({ .tree = made.finish(), .node = made.root, .in = in });
+    const auto tiles = tilesOf(sizes, in);
     const auto expected = plainRectangles({ sizes.begin(), sizes.end() }, in, 3.0);
     QCOMPARE(tiles.size(), expected.size());
     QVERIFY(!tiles.empty());
@@ -394,17 +288,13 @@ void TestTreemap::rectanglesFollowThePlainRule()
 
 void TestTreemap::wideFolderIsLaidOut()
 {
-    MadeTree made;
-    constexpr int width = 300'000;
-    for (int i = 0; i < width; ++i)
-        made.file(made.root, "file", 4096);
+    const QList<qint64> sizes(300'000, 4096);
     const QRectF in(0, 0, 1000, 600);
-    QVERIFY(Treemap::layout({ .tree = made.finish(), .node = made.root, .in = in }).empty());
-    const auto tiles
-        = Treemap::layout({ .tree = made.tree, .node = made.root, .in = in, .minimumTileSide = 0.5 });
-    QVERIFY(tiles.size() > width / 2);
+    QVERIFY(tilesOf(sizes, in).empty());
+    const auto tiles = tilesOf(sizes, in, 0.5);
+    QVERIFY(tiles.size() > size_t(sizes.size() / 2));
     for (const auto &tile : tiles)
-        QVERIFY(std::abs(area(tile.rect) - 2.0) < 0.001);
+        QVERIFY(std::abs(tile.rect.width() * tile.rect.height() - 2.0) < 0.001);
 }
 
 void TestTreemap::overflowEndsTheProcess()
