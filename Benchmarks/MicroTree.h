@@ -16,7 +16,7 @@ inline std::shared_ptr<const FileTree> finishedTree(qint64 files)
 {
     MadeUpDirectories directories(static_cast<std::uint64_t>(files));
     FastScanner scanner(directories);
-    return scanner.scan({ .rootPath = QStringLiteral("/made up"), .threads = 1 }).tree;
+    return scanner.scan({ .rootPath = "/made up", .threads = 1 }).tree;
 }
 
 /// The same nodes as in `finished`, added one by one: what a tree is before it is rolled up and sorted.

@@ -86,7 +86,7 @@ int main(int count, char **texts)
     FastScanner::Result result;
     const auto seconds = secondsOf([&] {
         result = scanner.scan({ .rootPath
-            = isMadeUp ? u"/made up"_s : QFile::decodeName(parser.positionalArguments().first().toUtf8()),
+            = isMadeUp ? "/made up" : QFile::encodeName(parser.positionalArguments().first()).toStdString(),
             .threads = threadCount });
     });
     auto output = figures(result);

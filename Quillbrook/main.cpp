@@ -36,7 +36,6 @@
 #include "Screens/Window/MainWindowState.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QIcon>
 #include <QProcess>
 #include <QQmlEngine>
@@ -68,10 +67,9 @@ struct Machine
     LinuxTrash trash{ TrashPlaces::ofThisUser(home), reserve, clock };
     LinuxFileRemoval removal;
     LinuxFileWriting writing{ &reserve };
-    LinuxBackupProbe backups{ { .reading = reading,
-        .files = files,
-        .processes = processes,
-        .home = QFile::encodeName(home.realHomeDirectory()).toStdString() } };
+    LinuxBackupProbe backups{
+        { .reading = reading, .files = files, .processes = processes, .home = home.rawRealHomeDirectory() }
+    };
     const HostGuards guards = LinuxGuards::guards(LinuxGuards::surroundings(home, reading));
     LinuxFileRevealer revealer;
     LinuxMotionPreference motion;
@@ -91,7 +89,7 @@ struct Machine
         .program = LinuxLoginItem::programToStart(environment, QCoreApplication::applicationFilePath()) } };
     LinuxLinkOpener links;
     LinuxFolderPicker folderPicker{ { .isSandboxed = !session.sandbox.isNone() } };
-    LinuxFolderGrants folderGrants{ { .realHome = QFile::encodeName(home.realHomeDirectory()).toStdString(),
+    LinuxFolderGrants folderGrants{ { .realHome = home.rawRealHomeDirectory(),
         .runtimeFolder = environment.value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
     NetworkHttpClient http;
     /// Its work uses the others, and ends before they do.

@@ -27,7 +27,7 @@ const auto lastFileCountKey = u"Quillbrook.lastFileCount"_s;
 AppModel::AppModel(const AppServices &services, QObject *parent)
     : QObject(parent)
     , m_services(services)
-    , m_scanRoot(services.kit.home.realHomeDirectory())
+    , m_scanRoot(services.kit.home.rawRealHomeDirectory())
     , m_ledger(LedgerServices::of(services.kit), TrashLedger::standardStore(services.kit.dataFolder))
     , m_reclaimedSoFar(std::max<qint64>(services.kit.defaults.integer(reclaimedBytesKey()).value_or(0), 0))
     , m_watcher(services.kit)
@@ -61,7 +61,7 @@ void AppModel::scan(const ScanRequest &request)
     m_phase = { .kind = Phase::Kind::scanning };
     ++m_treeGeneration;
     m_scanner = std::make_shared<ScanInHand>(m_services.kit.directories);
-    m_catalogue = std::make_shared<CatalogueInHand>(m_services.kit, m_scope, m_scanRoot);
+    m_catalogue = std::make_shared<CatalogueInHand>(m_services.kit, m_scope, scanRoot());
     m_scanProgress.reset();
     m_progress = 0;
     m_sinceScanStart.start();

@@ -81,7 +81,8 @@ public:
     void setSelection(const std::optional<NodeSnapshot> &selection);
     void setSearchText(const QString &text);
     void setRequestedPane(std::optional<Pane> pane);
-    void setScanRoot(const QString &path);
+    /// In raw bytes.
+    void setScanRoot(const std::string &path);
 
     // Queries over the whole tree, whatever the focus is, largest first.
     [[nodiscard]] QList<NodeSnapshot> largestFiles(qsizetype limit) const;
@@ -91,6 +92,8 @@ public:
     /// The raw path of what a snapshot names, for system calls. From the tree as long as it still holds that
     /// node at that path, else the path's text encoded.
     [[nodiscard]] std::string rawPath(const NodeSnapshot &snapshot) const;
+    /// The same for a finding, whose node is looked for in the tree by its path's text.
+    [[nodiscard]] std::string rawPath(const Finding &finding) const;
 
     // Removal. Each blocks for as long as the file operations take, and tells in `reclaimLog` what came of
     // it.
@@ -144,7 +147,8 @@ public:
     [[nodiscard]] const QList<qint32> &breadcrumb() const { return m_breadcrumb; }
     [[nodiscard]] const QStringList &breadcrumbNames() const { return m_breadcrumbNames; }
     [[nodiscard]] const std::optional<NodeSnapshot> &selection() const { return m_selection; }
-    [[nodiscard]] const QString &scanRoot() const { return m_scanRoot; }
+    /// As text, for people to read and for tables to compare with.
+    [[nodiscard]] QString scanRoot() const;
     [[nodiscard]] const QString &searchText() const { return m_searchText; }
     /// What removals did, a line each.
     [[nodiscard]] const QStringList &reclaimLog() const { return m_reclaimLog; }
@@ -254,7 +258,7 @@ private:
     qint32 m_focus = FileTree::noNode;
     QList<qint32> m_breadcrumb;
     std::optional<NodeSnapshot> m_selection;
-    QString m_scanRoot;
+    std::string m_scanRoot;
     double m_lastScanDuration = 0;
     QString m_searchText;
     QStringList m_reclaimLog;

@@ -1,5 +1,6 @@
 #include "Core/AppModel.h"
 #include "Fatal.h"
+#include "RawText.h"
 #include "Scan/TreeQueries.h"
 
 #include <QFile>
@@ -76,7 +77,12 @@ void AppModel::setRequestedPane(std::optional<Pane> pane)
     Q_EMIT requestedPaneChanged();
 }
 
-void AppModel::setScanRoot(const QString &path)
+QString AppModel::scanRoot() const
+{
+    return repairedText(m_scanRoot);
+}
+
+void AppModel::setScanRoot(const std::string &path)
 {
     if (m_scanRoot == path)
         return;
@@ -99,6 +105,12 @@ std::string AppModel::rawPath(const NodeSnapshot &snapshot) const
     if (m_tree && m_tree->isValid(snapshot.id) && m_tree->path(snapshot.id) == snapshot.path)
         return m_tree->rawPath(snapshot.id);
     return QFile::encodeName(snapshot.path).toStdString();
+}
+
+std::string AppModel::rawPath(const Finding &finding) const
+{
+    const auto node = m_tree ? m_tree->find(finding.path, m_rootNode) : FileTree::noNode;
+    return node == FileTree::noNode ? QFile::encodeName(finding.path).toStdString() : m_tree->rawPath(node);
 }
 
 } // namespace Quillbrook

@@ -10,7 +10,6 @@
 #include "Scan/Format.h"
 
 #include <QCoroFuture>
-#include <QFile>
 #include <QtConcurrent>
 
 #include <limits>
@@ -118,7 +117,7 @@ std::function<std::optional<QString>()> AppModel::guardedPath(const NodeSnapshot
 
 std::string AppModel::rawHome() const
 {
-    return QFile::encodeName(m_services.kit.home.homeDirectory()).toStdString();
+    return m_services.kit.home.rawHomeDirectory();
 }
 
 // The tree goes on showing what was removed until the next scan.
@@ -264,7 +263,7 @@ qint64 AppModel::measure(const std::string &path) const
     if (kind != FileKind::directory)
         return kind ? m_services.kit.files.length(path).value_or(0) : 0;
     FastScanner scanner(m_services.kit.directories);
-    const auto result = scanner.scan({ .rootPath = QFile::decodeName(QByteArray::fromStdString(path)),
+    const auto result = scanner.scan({ .rootPath = path,
         .threads = FastScanner::defaultThreadCount(m_services.kit.processors),
         .exclusions = FastScanner::defaultExclusions() });
     return result.tree && result.root >= 0 ? result.tree->size(result.root) : 0;

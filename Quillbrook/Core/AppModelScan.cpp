@@ -32,7 +32,7 @@ AppModel::ScanJob AppModel::newJob()
         .catalogue = m_catalogue,
         .request = { .rootPath = m_scanRoot,
             .threads = FastScanner::defaultThreadCount(m_services.kit.processors),
-            .home = m_services.kit.home.realHomeDirectory() } };
+            .home = m_services.kit.home.rawRealHomeDirectory() } };
 }
 
 bool AppModel::isCurrent(const QPointer<AppModel> &model, const ScanJob &job)

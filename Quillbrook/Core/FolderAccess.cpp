@@ -99,11 +99,11 @@ bool FolderAccess::isSandboxed() const
     return m_services.kit.home.homeDirectory() != m_services.kit.home.realHomeDirectory();
 }
 
-QString FolderAccess::scanRoot() const
+std::string FolderAccess::scanRoot() const
 {
     if (m_granted)
-        return QFile::decodeName(m_granted->c_str());
-    return isSandboxed() ? QString() : m_services.kit.home.realHomeDirectory();
+        return *m_granted;
+    return isSandboxed() ? std::string() : m_services.kit.home.rawRealHomeDirectory();
 }
 
 QString FolderAccess::grantedName() const

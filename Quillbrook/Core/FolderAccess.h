@@ -36,9 +36,8 @@ public:
     [[nodiscard]] bool isGated() const { return isSandboxed() && !m_granted; }
     /// The folder that was handed over; absolute, in raw bytes.
     [[nodiscard]] const std::optional<std::string> &granted() const { return m_granted; }
-    /// What to scan; empty when there is nothing that may be. As text: a granted folder whose path is not
-    /// UTF-8 can't be scanned yet, and is then found unreadable.
-    [[nodiscard]] QString scanRoot() const;
+    /// What to scan, in raw bytes; empty when there is nothing that may be.
+    [[nodiscard]] std::string scanRoot() const;
     /// The granted folder's path, or that there is none.
     [[nodiscard]] QString grantedName() const;
     /// By its path alone, the granted folder does not lie on the startup disk.

@@ -99,11 +99,10 @@ std::optional<ReclaimReport> Watcher::State::measure() const
     const auto fences = QuietFences::of(home, host);
     ScanInHand scanner(kit.directories);
     const std::stop_callback cancel(stop.get_token(), [&scanner] { scanner.cancel(); });
-    const auto scanned = scanner.run({ .rootPath = home,
+    const auto scanned = scanner.run({ .rootPath = kit.home.rawHomeDirectory(),
         .threads = FastScanner::defaultThreadCount(kit.processors),
         .exclusions = fences.exclusions,
-        .allowlist = fences.allowlist,
-        .home = home });
+        .allowlist = fences.allowlist });
     if (stop.stop_requested())
         return std::nullopt;
     return StorageCatalogue::evaluate(CatalogueServices::of(kit),

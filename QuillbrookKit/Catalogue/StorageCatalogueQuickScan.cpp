@@ -54,7 +54,7 @@ std::optional<qint64> measured(
 {
     FastScanner scanner(services.directories);
     const std::stop_callback cancelling(stop, [&scanner] { scanner.cancel(); });
-    const auto result = scanner.scan({ .rootPath = path, .threads = threads });
+    const auto result = scanner.scan({ .rootPath = path.toStdString(), .threads = threads });
     if (stop.stop_requested())
         return std::nullopt;
     return result.tree ? result.tree->size(result.root) : 0;

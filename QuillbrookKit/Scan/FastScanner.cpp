@@ -20,9 +20,7 @@ constexpr int mostThreads = 32;
 
 std::string rootPathOf(const FastScanner::Request &request)
 {
-    if (request.rootPath == u"/")
-        return "/";
-    return standardisedPath(request.rootPath, request.home).toStdString();
+    return request.rootPath == "/" ? request.rootPath : standardisedPath(request.rootPath, request.home);
 }
 
 void runWorkers(ScanState &state, DirectorySession &session, int count)

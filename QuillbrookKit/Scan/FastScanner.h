@@ -11,6 +11,7 @@
 #include <QString>
 
 #include <memory>
+#include <string>
 
 namespace Quillbrook {
 
@@ -26,17 +27,17 @@ public:
 
     struct Request
     {
-        /// Absolute; standardised ("~", ".", "..", doubled and trailing slashes) unless it is "/".
-        QString rootPath{};
+        /// Raw bytes; absolute; standardised ("~", ".", "..", doubled and trailing slashes) unless it is "/".
+        std::string rootPath{};
         /// Worker threads, clamped to 1 to 32.
         int threads = 1;
-        /// Absolute folder paths that are listed but never entered; not applied to the root.
+        /// Absolute folder paths, as text, that are listed but never entered; not applied to the root.
         QSet<QString> exclusions{};
         /// Empty: no restriction. A parent that is not a key is unrestricted.
         Allowlist allowlist{};
         bool crossDevices = false;
-        /// What a leading "~" of `rootPath` stands for.
-        QString home{};
+        /// What a leading "~" of `rootPath` stands for, in raw bytes.
+        std::string home{};
     };
 
     struct Progress

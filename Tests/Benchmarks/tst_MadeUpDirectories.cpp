@@ -25,7 +25,7 @@ FastScanner::Result scanOf(std::uint64_t files, int threads)
 {
     Benchmarks::MadeUpDirectories directories(files);
     FastScanner scanner(directories);
-    return scanner.scan({ .rootPath = u"/made up"_s, .threads = threads });
+    return scanner.scan({ .rootPath = "/made up", .threads = threads });
 }
 
 } // namespace

@@ -20,7 +20,7 @@ void MadeUpHome::touch(const std::string &name, const QDateTime &moment) const
 
 FastScanner::Result MadeUpHome::scan()
 {
-    return FastScanner(m_directories).scan({ .rootPath = path(), .threads = 2 });
+    return FastScanner(m_directories).scan({ .rootPath = path().toStdString(), .threads = 2 });
 }
 
 } // namespace Quillbrook

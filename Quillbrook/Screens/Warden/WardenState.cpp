@@ -7,8 +7,6 @@
 #include "Scan/Format.h"
 #include "Screens/Warden/WardenRows.h"
 
-#include <QFile>
-
 #include <utility>
 
 namespace Quillbrook {
@@ -104,7 +102,7 @@ void WardenState::reveal(int row)
         return;
     for (const auto &finding : m_model.report()->findings)
         if (finding.id == line->id)
-            return m_model.services().revealer.reveal(QFile::encodeName(finding.path).toStdString());
+            return m_model.services().revealer.reveal(m_model.rawPath(finding));
 }
 
 void WardenState::act(int row)

@@ -511,8 +511,10 @@ void AppModelReclaimTest::measuringTakesFoldersByScanAndFilesByLength()
 {
     Fixture fixture;
     fixture.tree.file("home/odd-length", 1234);
+    fixture.tree.file("home/caf\xE9/file", 8192);
     QCOMPARE(fixture.model->measure(fixture.path("odd-length")), qint64(1234));
     QCOMPARE(fixture.model->measure(fixture.path(packages)), qint64(12288));
+    QCOMPARE(fixture.model->measure(fixture.path("caf\xE9")), qint64(8192));
     QCOMPARE(fixture.model->measure(fixture.path("nothing")), qint64(0));
 }
 

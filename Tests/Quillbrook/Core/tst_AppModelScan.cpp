@@ -371,21 +371,23 @@ void TestAppModelScan::scanUsesTheRootOfItsStart()
 {
     Fixture fixture;
     AppModel model(fixture.services);
+    fixture.directories.folder("/caf\xE9", { FakeDirectories::aFile("a.txt", 4096) });
     const QSignalSpy roots(&model, &AppModel::scanRootChanged);
-    model.setScanRoot(u"/home/someone/project"_s);
-    model.setScanRoot(u"/home/someone/project"_s);
+    model.setScanRoot("/caf\xE9");
+    model.setScanRoot("/caf\xE9");
     QCOMPARE(roots.count(), 1);
     model.scan({});
-    model.setScanRoot(u"/home/someone"_s);
+    model.setScanRoot("/home/someone");
     QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.breadcrumbNames(), QStringList{ u"/home/someone/project"_s });
+    QCOMPARE(model.breadcrumbNames(), QStringList{ u"/caf\uFFFD"_s });
+    QCOMPARE(model.scannedFileCount(), qsizetype(1));
 }
 
 void TestAppModelScan::missingRootEndsReadyWithAnUnreadableRoot()
 {
     Fixture fixture;
     AppModel model(fixture.services);
-    model.setScanRoot(u"/nowhere"_s);
+    model.setScanRoot("/nowhere");
     model.scan({});
     QTRY_VERIFY(isAt(model, Kind::ready));
     QCOMPARE(model.tree()->nodeCount(), qsizetype(1));

@@ -50,7 +50,7 @@ void TestScanInHand::runsTheWholeScan()
     FakeDirectories disk;
     fill(disk);
     ScanInHand scan(disk);
-    const auto result = scan.run({ .rootPath = u"/r"_s, .threads = 2 });
+    const auto result = scan.run({ .rootPath = "/r", .threads = 2 });
     QCOMPARE(result.tree->size(result.root), qint64(15));
     QCOMPARE(scan.progress().filesSeen, qsizetype(3));
     QCOMPARE(scan.progress().bytesSeen, qint64(15));
@@ -63,7 +63,7 @@ void TestScanInHand::cancelBeforeTheRunReadsNothing()
         fill(disk);
         ScanInHand scan(disk);
         scan.cancel();
-        const auto result = scan.run({ .rootPath = u"/r"_s, .threads = threads });
+        const auto result = scan.run({ .rootPath = "/r", .threads = threads });
         QCOMPARE(disk.opened(), std::vector<std::string>());
         QCOMPARE(result.tree->nodeCount(), qsizetype(1));
     }
@@ -75,7 +75,7 @@ void TestScanInHand::cancelBetweenTheStartAndTheFirstFolderReadsNothing()
     fill(reading.disk);
     ScanInHand scan(reading);
     reading.onSession = [&] { scan.cancel(); };
-    const auto result = scan.run({ .rootPath = u"/r"_s });
+    const auto result = scan.run({ .rootPath = "/r" });
     QCOMPARE(reading.disk.opened(), std::vector<std::string>());
     QCOMPARE(result.tree->nodeCount(), qsizetype(1));
 }
@@ -89,7 +89,7 @@ void TestScanInHand::cancelDuringTheRunLeavesTheRestOut()
         if (path != "/r")
             scan.cancel();
     };
-    const auto result = scan.run({ .rootPath = u"/r"_s, .threads = 1 });
+    const auto result = scan.run({ .rootPath = "/r", .threads = 1 });
     QCOMPARE(disk.opened().size(), size_t(2));
     QCOMPARE(result.tree->nodeCount(), qsizetype(5));
 }

@@ -19,7 +19,7 @@ const auto flatpakInfoPath = u"/.flatpak-info"_s;
 constexpr size_t smallestEntry = 1024;
 constexpr size_t largestEntry = 1024 * smallestEntry;
 
-std::optional<QString> accountHome()
+std::optional<std::string> accountHome()
 {
     for (auto size = smallestEntry; size <= largestEntry; size *= 2) {
         std::vector<char> texts(size);
@@ -30,7 +30,7 @@ std::optional<QString> accountHome()
             continue;
         if (error != 0 || found == nullptr || found->pw_dir == nullptr)
             return std::nullopt;
-        return QFile::decodeName(found->pw_dir);
+        return std::string(found->pw_dir);
     }
     return std::nullopt;
 }
@@ -43,26 +43,32 @@ std::optional<QByteArray> flatpakInfo()
     return file.readAll();
 }
 
-// An account without a usable entry has only its environment to go by.
-QString realHome(const LinuxHomeFolder::Surroundings &surroundings)
+std::string rawValue(const QProcessEnvironment &environment, const QString &name)
 {
-    const auto home = surroundings.accountHome.value_or(QString());
-    if (home.startsWith(u'/'))
-        return standardisedPath(home, {});
-    const auto fallback = surroundings.environment.value(u"HOME"_s);
-    return fallback.startsWith(u'/') ? standardisedPath(fallback, {}) : u"/"_s;
+    return QFile::encodeName(environment.value(name)).toStdString();
 }
 
-std::optional<QString> sandboxHome(const LinuxHomeFolder::Surroundings &surroundings, const QString &realHome)
+// An account without a usable entry has only its environment to go by.
+std::string realHome(const LinuxHomeFolder::Surroundings &surroundings)
+{
+    const auto home = surroundings.accountHome.value_or(std::string());
+    if (home.starts_with('/'))
+        return standardisedPath(home, std::string());
+    const auto fallback = rawValue(surroundings.environment, u"HOME"_s);
+    return fallback.starts_with('/') ? standardisedPath(fallback, std::string()) : "/";
+}
+
+std::optional<std::string> sandboxHome(
+    const LinuxHomeFolder::Surroundings &surroundings, const std::string &realHome)
 {
     if (surroundings.flatpakInfo) {
         const auto info = parseFlatpakInfo(*surroundings.flatpakInfo);
         if (info.seesHome || info.application.isEmpty())
             return std::nullopt;
-        return realHome + u"/.var/app/"_s + info.application;
+        return realHome + "/.var/app/" + info.application.toStdString();
     }
     if (isStrictSnap(surroundings.environment))
-        return standardisedPath(surroundings.environment.value(u"SNAP_USER_DATA"_s), {});
+        return standardisedPath(rawValue(surroundings.environment, u"SNAP_USER_DATA"_s), std::string());
     return std::nullopt;
 }
 

@@ -4,11 +4,13 @@
 // strictly confined Snap, the process has a home of its own.
 
 #include "Platform/HomeFolder.h"
+#include "RawText.h"
 
 #include <QByteArrayView>
 #include <QProcessEnvironment>
 
 #include <optional>
+#include <string>
 
 namespace Quillbrook {
 
@@ -21,20 +23,22 @@ public:
         /// Content of /.flatpak-info; absent outside a Flatpak.
         std::optional<QByteArray> flatpakInfo{};
         QProcessEnvironment environment{};
-        /// The home of the account database; absent when it has none.
-        std::optional<QString> accountHome{};
+        /// The home of the account database, in raw bytes; absent when it has none.
+        std::optional<std::string> accountHome{};
     };
 
     /// Those of this process.
     LinuxHomeFolder();
     explicit LinuxHomeFolder(const Surroundings &surroundings);
 
-    [[nodiscard]] QString homeDirectory() const override { return m_home; }
-    [[nodiscard]] QString realHomeDirectory() const override { return m_realHome; }
+    [[nodiscard]] QString homeDirectory() const override { return repairedText(m_home); }
+    [[nodiscard]] QString realHomeDirectory() const override { return repairedText(m_realHome); }
+    [[nodiscard]] std::string rawHomeDirectory() const override { return m_home; }
+    [[nodiscard]] std::string rawRealHomeDirectory() const override { return m_realHome; }
 
 private:
-    QString m_realHome;
-    QString m_home;
+    std::string m_realHome;
+    std::string m_home;
 };
 
 /// What a Flatpak's description of itself tells: its application id, and whether it sees the home folder.

@@ -93,6 +93,7 @@ private Q_SLOTS:
     void idsOfNothingAreIgnored();
     void placeIsShownOnDemand();
     void revealShowsTheFolder();
+    void revealShowsTheRawPath();
     void rowsOutsideDoNothing();
     void offerStandsAsLongAsTheScopeIsQuiet();
     void offerScansEverything();
@@ -247,6 +248,18 @@ void WardenStateTest::revealShowsTheFolder()
     fixture.warden.reveal(static_cast<int>(fixture.warden.rows()->rowCount() - 1));
     QCOMPARE(fixture.desktop.revealer.revealed,
         (std::vector<std::string>{ fixture.path(".gradle/daemon"), fixture.path("Downloads") }));
+}
+
+void WardenStateTest::revealShowsTheRawPath()
+{
+    Fixture fixture;
+    fixture.directories.folder("/caf\xE9", { FakeDirectories::aFolder(".npm") });
+    fixture.directories.folder("/caf\xE9/.npm", { FakeDirectories::aFolder("_cacache") });
+    fixture.directories.folder("/caf\xE9/.npm/_cacache", { FakeDirectories::aFile("f", 8192) });
+    fixture.model.setScanRoot("/caf\xE9");
+    fixture.scan();
+    fixture.warden.reveal(fixture.row(fixture.packages));
+    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ "/caf\xE9/.npm/_cacache" });
 }
 
 void WardenStateTest::rowsOutsideDoNothing()

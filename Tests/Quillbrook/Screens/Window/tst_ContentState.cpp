@@ -125,7 +125,7 @@ void ContentStateTest::appearingStartsTheScanOfTheHomeFolder()
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
-    model.setScanRoot(u"/somewhere/else"_s);
+    model.setScanRoot("/somewhere/else");
     WindowContent window(model);
     auto &content = window.content;
 
@@ -190,7 +190,7 @@ void ContentStateTest::startActionGoesInItsOrder()
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
-    model.setScanRoot(u"/somewhere/else"_s);
+    model.setScanRoot("/somewhere/else");
     FolderAccess access(machine.services);
     Background background(machine.services);
     machine.desktop.loginItem.enabled = true;

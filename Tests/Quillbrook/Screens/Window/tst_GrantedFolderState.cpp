@@ -142,7 +142,7 @@ void GrantedFolderStateTest::changingDuringAScanGivesThatScanUp()
     machine.directories.folder("/home/another", { FakeDirectories::aFile("a", 4096) });
     FolderHold hold(machine.directories, "/home/someone");
     Row row(machine);
-    row.model.setScanRoot(u"/home/someone"_s);
+    row.model.setScanRoot("/home/someone");
     row.model.scan({ .scope = Scope::complete });
     QTRY_VERIFY(hold.isHolding());
 

@@ -53,7 +53,10 @@ public:
     {
         LinuxDirectoryReading directories;
         return FastScanner(directories)
-            .scan({ .rootPath = home(), .threads = 2, .exclusions = exclusions, .allowlist = allowlist });
+            .scan({ .rootPath = home().toStdString(),
+                .threads = 2,
+                .exclusions = exclusions,
+                .allowlist = allowlist });
     }
 
     std::vector<Expected> expected;

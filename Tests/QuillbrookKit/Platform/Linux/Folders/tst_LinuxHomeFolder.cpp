@@ -56,34 +56,38 @@ void TestLinuxHomeFolder::thisProcessHasTheHomeOfItsAccount()
 
 void TestLinuxHomeFolder::outsideASandboxTheTwoAreAlike()
 {
-    const LinuxHomeFolder home({ .accountHome = accountHome });
+    const LinuxHomeFolder home({ .accountHome = accountHome.toStdString() });
     QCOMPARE(home.realHomeDirectory(), accountHome);
     QCOMPARE(home.homeDirectory(), accountHome);
 }
 
 void TestLinuxHomeFolder::environmentDoesNotDecide()
 {
-    const LinuxHomeFolder home(
-        { .environment = environment({ { u"HOME"_s, u"/root"_s } }), .accountHome = accountHome });
+    const LinuxHomeFolder home({ .environment = environment({ { u"HOME"_s, u"/root"_s } }),
+        .accountHome = accountHome.toStdString() });
     QCOMPARE(home.realHomeDirectory(), accountHome);
     QCOMPARE(home.homeDirectory(), accountHome);
 }
 
 void TestLinuxHomeFolder::accountHomeIsNormalised_data()
 {
-    QTest::addColumn<QString>("told");
-    QTest::addColumn<QString>("home");
-    QTest::newRow("trailing slash") << u"/home/someone/"_s << accountHome;
-    QTest::newRow("doubled slashes") << u"//home//someone"_s << accountHome;
-    QTest::newRow("dots") << u"/home/./other/../someone"_s << accountHome;
-    QTest::newRow("root of the disk") << u"/"_s << u"/"_s;
+    QTest::addColumn<QByteArray>("told");
+    QTest::addColumn<QByteArray>("raw");
+    QTest::addColumn<QString>("text");
+    const auto home = accountHome.toUtf8();
+    QTest::newRow("trailing slash") << QByteArray("/home/someone/") << home << accountHome;
+    QTest::newRow("doubled slashes") << QByteArray("//home//someone") << home << accountHome;
+    QTest::newRow("dots") << QByteArray("/home/./other/../someone") << home << accountHome;
+    QTest::newRow("root of the disk") << QByteArray("/") << QByteArray("/") << u"/"_s;
+    QTest::newRow("not UTF-8") << QByteArray("/caf\xE9/") << QByteArray("/caf\xE9") << u"/caf\uFFFD"_s;
 }
 
 void TestLinuxHomeFolder::accountHomeIsNormalised()
 {
-    QFETCH(QString, told);
-    const LinuxHomeFolder home({ .accountHome = told });
-    QTEST(home.realHomeDirectory(), "home");
+    QFETCH(QByteArray, told);
+    const LinuxHomeFolder home({ .accountHome = told.toStdString() });
+    QTEST(QByteArray::fromStdString(home.rawRealHomeDirectory()), "raw");
+    QTEST(home.realHomeDirectory(), "text");
 }
 
 void TestLinuxHomeFolder::accountWithoutAHomeHasItsEnvironments_data()
@@ -101,7 +105,7 @@ void TestLinuxHomeFolder::accountWithoutAHomeHasItsEnvironments()
 {
     QFETCH(QString, told);
     QFETCH(QString, environmentHome);
-    const auto account = told.isNull() ? std::nullopt : std::optional(told);
+    const auto account = told.isNull() ? std::nullopt : std::optional(told.toStdString());
     const LinuxHomeFolder home(
         { .environment = environment({ { u"HOME"_s, environmentHome } }), .accountHome = account });
     QTEST(home.realHomeDirectory(), "home");
@@ -124,9 +128,10 @@ void TestLinuxHomeFolder::flatpakHome_data()
 void TestLinuxHomeFolder::flatpakHome()
 {
     QFETCH(QByteArray, info);
-    const LinuxHomeFolder home({ .flatpakInfo = info, .accountHome = accountHome });
+    const LinuxHomeFolder home({ .flatpakInfo = info, .accountHome = accountHome.toStdString() });
     QCOMPARE(home.realHomeDirectory(), accountHome);
     QTEST(home.homeDirectory(), "home");
+    QTEST(QString::fromStdString(home.rawHomeDirectory()), "home");
 }
 
 void TestLinuxHomeFolder::flatpakInfoIsParsed_data()
@@ -172,7 +177,7 @@ void TestLinuxHomeFolder::snapHome()
         { { u"HOME"_s, environmentHome }, { u"SNAP_USER_DATA"_s, u"/home/someone/snap/app/12"_s } });
     if (isSnap)
         variables.insert(u"SNAP"_s, u"/snap/app/12"_s);
-    const LinuxHomeFolder home({ .environment = variables, .accountHome = accountHome });
+    const LinuxHomeFolder home({ .environment = variables, .accountHome = accountHome.toStdString() });
     QCOMPARE(home.realHomeDirectory(), accountHome);
     QTEST(home.homeDirectory(), "home");
 }

@@ -82,7 +82,7 @@ namespace {
 FastScanner::Result scanned(const TempTree &tree)
 {
     LinuxDirectoryReading directories;
-    return FastScanner(directories).scan({ .rootPath = tree.text() });
+    return FastScanner(directories).scan({ .rootPath = tree.path() });
 }
 
 qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::string &name)

@@ -37,7 +37,7 @@ QString whyNotPermitted;
 FastScanner::Result scanned(const TempTree &tree, const std::string &root = {})
 {
     LinuxDirectoryReading directories;
-    return FastScanner(directories).scan({ .rootPath = tree.text(root), .threads = 2 });
+    return FastScanner(directories).scan({ .rootPath = tree.path(root), .threads = 2 });
 }
 
 qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::string &name)
@@ -174,7 +174,7 @@ void TestScanMounts::mountedFileSystemIsListedAndNotEntered()
     tree.file("a/mount/inside", 100000);
     LinuxDirectoryReading directories;
     const auto result = FastScanner(directories)
-                            .scan({ .rootPath = tree.text(), .threads = 2, .crossDevices = crossDevices });
+                            .scan({ .rootPath = tree.path(), .threads = 2, .crossDevices = crossDevices });
     QCOMPARE(flagsOf(result, tree, "a/mount"), fencedFolder);
     QCOMPARE(result.tree->children(find(result, tree, "a/mount")), QList<qint32>());
     QCOMPARE(result.tree->size(result.root), tree.allocated("a/file"));
@@ -282,7 +282,7 @@ void TestScanMounts::mountThatComesLaterIsNotEntered()
         mount = std::make_unique<Mounted>("none", path, "tmpfs");
         tree.file("a/later/inside", 100000);
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     QVERIFY(mount != nullptr);
     QCOMPARE(mount->failure(), QString());
     QCOMPARE(flagsOf(result, tree, "a/later"), Flags::directory | Flags::unreadable);

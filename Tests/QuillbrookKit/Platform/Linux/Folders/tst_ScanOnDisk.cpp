@@ -32,7 +32,7 @@ using Flags = FileTree::Flags;
 FastScanner::Result scanned(const TempTree &tree, const std::string &root = {})
 {
     LinuxDirectoryReading directories;
-    return FastScanner(directories).scan({ .rootPath = tree.text(root), .threads = 2 });
+    return FastScanner(directories).scan({ .rootPath = tree.path(root), .threads = 2 });
 }
 
 qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::string &name)
@@ -167,8 +167,8 @@ void TestScanOnDisk::rootThatIsALinkToItselfGivesOneUnreadableNode()
 void TestScanOnDisk::fileSystemRootIsReadAndItsMountsAreFenced()
 {
     LinuxDirectoryReading directories;
-    const auto result = FastScanner(directories)
-                            .scan({ .rootPath = u"/"_s, .threads = 2, .allowlist = { { u"/"_s, {} } } });
+    const auto result
+        = FastScanner(directories).scan({ .rootPath = "/", .threads = 2, .allowlist = { { u"/"_s, {} } } });
     QCOMPARE(result.unreadableDirectories, 0);
     QCOMPARE(result.tree->path(result.root), u"/"_s);
     const auto proc = result.tree->find(u"/proc"_s, result.root);
@@ -278,7 +278,7 @@ void TestScanOnDisk::folderThatVanishesBeforeItIsOpenedIsUnreadable()
         if (path == tree.path("goes"))
             ::rmdir(path.c_str());
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     QCOMPARE(result.unreadableDirectories, 1);
     QCOMPARE(result.tree->nodeFlags(find(result, tree, "goes")), Flags::directory | Flags::unreadable);
     QCOMPARE(result.tree->size(result.root), tree.allocated("stays/file"));
@@ -297,7 +297,7 @@ void TestScanOnDisk::folderThatVanishesWhileOpenEndsEmpty()
         ::unlink((path + "/file").c_str());
         ::rmdir(path.c_str());
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     QCOMPARE(result.unreadableDirectories, 0);
     QCOMPARE(result.tree->children(find(result, tree, "goes")), QList<qint32>());
     QCOMPARE(result.tree->size(result.root), tree.allocated("stays/file"));
@@ -318,7 +318,7 @@ void TestScanOnDisk::folderReplacedByALinkIsNotFollowed()
             ::symlink(elsewhere.path().c_str(), path.c_str());
         }
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     QCOMPARE(result.unreadableDirectories, 1);
     QCOMPARE(result.tree->fileCount(), 0);
 }
@@ -358,7 +358,7 @@ void TestScanOnDisk::hardLinksAcrossFoldersCountOnce()
     tree.file("single", 5000);
     LinuxDirectoryReading directories;
     FastScanner scanner(directories);
-    const auto result = scanner.scan({ .rootPath = tree.text(), .threads = 4 });
+    const auto result = scanner.scan({ .rootPath = tree.path(), .threads = 4 });
     QCOMPARE(result.tree->size(result.root), tree.allocated("a/file") + tree.allocated("single"));
     QCOMPARE(scanner.progress().filesSeen, 4);
     QCOMPARE(scanner.progress().bytesSeen, result.tree->size(result.root));
@@ -424,7 +424,7 @@ void TestScanOnDisk::fewDescriptorsAreEnough()
     const rlimit tight{ rlim_t(next) + 3, before.rlim_max };
     QCOMPARE(::setrlimit(RLIMIT_NOFILE, &tight), 0);
     LinuxDirectoryReading directories;
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     QCOMPARE(::setrlimit(RLIMIT_NOFILE, &before), 0);
     QCOMPARE(result.unreadableDirectories, 0);
     QCOMPARE(result.tree->size(result.root), tree.allocated(deep + "/file"));
@@ -437,7 +437,7 @@ void TestScanOnDisk::exclusionsFenceRealFolders()
     tree.file("out/file", 100);
     LinuxDirectoryReading directories;
     const auto result
-        = FastScanner(directories).scan({ .rootPath = tree.text(), .exclusions = { tree.text("out") } });
+        = FastScanner(directories).scan({ .rootPath = tree.path(), .exclusions = { tree.text("out") } });
     QCOMPARE(result.tree->size(result.root), tree.allocated("in/file"));
     QCOMPARE(result.tree->nodeFlags(find(result, tree, "out")), Flags::directory);
 }

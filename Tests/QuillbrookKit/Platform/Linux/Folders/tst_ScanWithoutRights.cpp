@@ -26,7 +26,7 @@ qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::
 FastScanner::Result scanned(const TempTree &tree, const std::string &root = {})
 {
     LinuxDirectoryReading directories;
-    return FastScanner(directories).scan({ .rootPath = tree.text(root), .threads = 2 });
+    return FastScanner(directories).scan({ .rootPath = tree.path(root), .threads = 2 });
 }
 
 } // namespace
@@ -88,7 +88,7 @@ void TestScanWithoutRights::folderThatLosesItsPermissionIsUnreadable()
         if (path == tree.path("shuts"))
             tree.permissions("shuts", 0);
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     QCOMPARE(result.unreadableDirectories, 1);
     QCOMPARE(result.tree->nodeCount(), 2);
 }
@@ -104,7 +104,7 @@ void TestScanWithoutRights::folderThatLosesItsPermissionWhileOpenIsRead()
         if (path == tree.path("shuts"))
             tree.permissions("shuts", 0);
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.text() });
+    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
     const auto folder = find(result, tree, "shuts");
     QCOMPARE(result.tree->nodeFlags(folder), Flags::directory);
     QCOMPARE(result.tree->children(folder).size(), 2);
