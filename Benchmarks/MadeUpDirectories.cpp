@@ -44,9 +44,9 @@ public:
     {
     }
 
-    [[nodiscard]] bool open(const std::string &path, bool isRoot) override
+    [[nodiscard]] bool open(const std::string &path, OtherDevices /*others*/) override
     {
-        m_folder = isRoot ? 0 : numberIn(path);
+        m_folder = numberIn(path);
         m_ended = false;
         return m_folder < m_shape.folders;
     }
@@ -74,6 +74,7 @@ public:
     void close() override { }
 
 private:
+    // A root has no number and is folder 0.
     static std::uint64_t numberIn(const std::string &path)
     {
         std::uint64_t number = 0;

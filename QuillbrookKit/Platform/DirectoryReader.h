@@ -16,9 +16,10 @@ namespace Quillbrook {
 
 /// One directory entry. `device` is what a scan compares to stay on one device (0: not told), `fileId` names
 /// the file for hard-link counting together with `fileDevice` (fileId 0: not told), `allocatedSize` is bytes
-/// on disk. `isMountPoint` is told of folders only. `name` points into the reader's scratch and is valid
-/// until the next call on the same reader. Folders need tell no more than their name, type, device and mount
-/// state.
+/// on disk. `isMeasured` is false where the system did not tell a file's size, which is 0 then.
+/// `isMountPoint` is told of folders only. `name` points into the reader's scratch and is valid until the
+/// next call on the same reader. Folders need tell no more than their name, type, device and
+/// mount state.
 struct DirectoryRecord
 {
     enum class Type : std::uint8_t { other, directory, symlink };
@@ -31,7 +32,12 @@ struct DirectoryRecord
     std::uint32_t linkCount = 1;
     Type type = Type::other;
     bool isMountPoint = false;
+    bool isMeasured = true;
 };
+
+/// What a reader tells of a file on another device: its name alone, without touching that device, or its size
+/// as well.
+enum class OtherDevices : std::uint8_t { named, measured };
 
 /// Reads folders for one worker. Not thread-safe; never shared.
 class DirectoryReader
@@ -42,9 +48,9 @@ public:
     /// Opens `path` (absolute, raw bytes, of any length); false when it can't be opened as a folder, for
     /// whatever reason. The root of a scan may be a link and is followed; any other folder is not. Every
     /// other folder is one that this session's records named, below the root.
-    [[nodiscard]] virtual bool open(const std::string &path, bool isRoot) = 0;
-    /// The next batch of records of the open folder, without "." and ".."; empty at the end. An error in the
-    /// middle ends the folder, keeping what was read.
+    [[nodiscard]] virtual bool open(const std::string &path, OtherDevices others) = 0;
+    /// The next batch of records of the open folder, without "." and ".." and what has gone meanwhile; empty
+    /// at the end. An error in the middle ends the folder, keeping what was read.
     [[nodiscard]] virtual std::span<const DirectoryRecord> next() = 0;
     /// Ends the open folder; called once after each successful `open`.
     virtual void close() = 0;

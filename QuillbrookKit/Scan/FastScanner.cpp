@@ -56,6 +56,7 @@ FastScanner::Result FastScanner::scan(const Request &request)
     state.filesSeen = 0;
     state.bytesSeen = 0;
     state.unreadable = 0;
+    state.unmeasured = 0;
     state.cancelled = false;
     state.rootDevice = session->rootDevice().value_or(state.rootDevice);
     const auto root = state.tree->addNode(FileTree::noNode, rootPath, 0, FileTree::Flags::directory);
@@ -68,7 +69,8 @@ FastScanner::Result FastScanner::scan(const Request &request)
     return { .tree = std::exchange(state.tree, nullptr),
         .root = root,
         .duration = elapsed.count(),
-        .unreadableDirectories = state.unreadable };
+        .unreadableDirectories = state.unreadable,
+        .unmeasuredFiles = state.unmeasured };
 }
 
 FastScanner::Progress FastScanner::progress() const

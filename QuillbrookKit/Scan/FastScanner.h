@@ -56,6 +56,8 @@ public:
         /// Seconds.
         double duration = 0;
         qsizetype unreadableDirectories = 0;
+        /// Files whose size the system did not tell.
+        qsizetype unmeasuredFiles = 0;
     };
 
     explicit FastScanner(DirectoryReading &directories);
@@ -64,7 +66,9 @@ public:
     FastScanner &operator=(const FastScanner &) = delete;
 
     /// Runs a whole scan and returns when it has ended or was cancelled; a cancelled scan returns its partial
-    /// tree, rolled up and sorted. Never fails: what can't be read is marked in the tree and counted.
+    /// tree, rolled up and sorted. Never fails: folders that can't be opened and files that can't be asked
+    /// for their size are marked in the tree and counted. Nothing marks that a folder's entries could be read
+    /// in part only, or that an entry went before it was asked and is left out.
     [[nodiscard]] Result scan(const Request &request);
     /// May be read at any time; between scans it tells of the last one.
     [[nodiscard]] Progress progress() const;

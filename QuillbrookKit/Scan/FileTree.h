@@ -52,7 +52,8 @@ public:
     static constexpr qint32 noNode = -1;
 
     /// Bits of a node. `mountPoint` also marks what lies on another device while a scan stays on one: it is
-    /// listed and never entered. `unreadable` marks a folder that could not be opened.
+    /// listed and never entered. `unreadable` marks a folder that could not be opened, `unmeasured` a file
+    /// whose size the system did not tell: it counts as 0.
     enum class Flags : std::uint8_t {
         none = 0,
         directory = 1,
@@ -60,6 +61,7 @@ public:
         package = 4,
         mountPoint = 8,
         unreadable = 16,
+        unmeasured = 32,
     };
 
     /// Reserves room for `expectedNodes` nodes and 16 name bytes for each.

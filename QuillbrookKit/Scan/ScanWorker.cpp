@@ -96,7 +96,7 @@ void ScanWorker::process()
 
 bool ScanWorker::readFolder()
 {
-    if (!m_reader->open(m_path, m_node == 0))
+    if (!m_reader->open(m_path, m_state.staysOnOneDevice ? OtherDevices::named : OtherDevices::measured))
         return false;
     Totals totals;
     for (auto records = m_reader->next(); !records.empty(); records = m_reader->next()) {
@@ -105,6 +105,8 @@ bool ScanWorker::readFolder()
     }
     m_state.filesSeen.fetch_add(totals.files, std::memory_order_relaxed);
     m_state.bytesSeen.fetch_add(totals.bytes, std::memory_order_relaxed);
+    if (totals.unmeasured > 0)
+        m_state.unmeasured.fetch_add(totals.unmeasured, std::memory_order_relaxed);
     m_reader->close();
     return true;
 }
@@ -132,6 +134,10 @@ void ScanWorker::decode(const DirectoryRecord &record, Totals &totals)
     } else {
         size = countedSize(record);
         totals.files += 1;
+        if (!record.isMeasured) {
+            flags |= unmeasured;
+            totals.unmeasured += 1;
+        }
         if (__builtin_add_overflow(totals.bytes, size, &totals.bytes))
             fatal("the sizes of a folder's files add up to more than 2^63 bytes");
     }

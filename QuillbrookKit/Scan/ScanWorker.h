@@ -32,6 +32,7 @@ struct ScanState
     std::atomic<qsizetype> filesSeen = 0;
     std::atomic<qint64> bytesSeen = 0;
     std::atomic<qsizetype> unreadable = 0;
+    std::atomic<qsizetype> unmeasured = 0;
     std::atomic<bool> cancelled = false;
     FolderAdmission admission{};
     bool staysOnOneDevice = true;
@@ -64,6 +65,7 @@ private:
     {
         qsizetype files = 0;
         qint64 bytes = 0;
+        qsizetype unmeasured = 0;
     };
 
     [[nodiscard]] bool takeJob();
@@ -77,7 +79,7 @@ private:
 
     ScanState &m_state;
     std::unique_ptr<DirectoryReader> m_reader;
-    // The folder in hand.
+    // The folder that is being read.
     std::string m_path;
     qint32 m_node = FileTree::noNode;
     GrowingArray<FileTree::Entry> m_entries;

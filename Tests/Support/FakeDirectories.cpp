@@ -23,7 +23,7 @@ public:
         m_directories.m_changed.notify_all();
     }
 
-    bool open(const std::string &path, bool) override
+    bool open(const std::string &path, OtherDevices) override
     {
         if (m_directories.beforeOpen)
             m_directories.beforeOpen(path);

@@ -38,10 +38,10 @@ private:
             , m_real(std::move(real))
         {
         }
-        bool open(const std::string &path, bool isRoot) override
+        bool open(const std::string &path, OtherDevices others) override
         {
             m_hooks.beforeOpen(path);
-            const bool opened = m_real->open(path, isRoot);
+            const bool opened = m_real->open(path, others);
             m_hooks.afterOpen(path);
             return opened;
         }

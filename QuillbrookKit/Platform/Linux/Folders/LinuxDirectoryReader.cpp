@@ -1,8 +1,8 @@
 #include "Platform/Linux/Folders/LinuxDirectoryReader.h"
 
+#include "Platform/Linux/Files/Uninterrupted.h"
+
 #include <algorithm>
-#include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
@@ -33,26 +33,22 @@ Type typeOfKind(unsigned char kind)
     }
 }
 
-bool isDotEntry(const char *name)
-{
-    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
-}
-
 } // namespace
 
 LinuxDirectoryReader::LinuxDirectoryReader(const LinuxDirectorySession &session)
     : m_session(session)
     , m_folders(session.rootPath(), session.rootDescriptor())
     , m_rootMount(session.rootDevice().value_or(0))
-    , m_buffer(std::make_unique_for_overwrite<char[]>(bufferBytes))
+    , m_batch(bufferBytes)
 {
     m_records.reserve(recordRoom);
 }
 
-bool LinuxDirectoryReader::open(const std::string &path, bool)
+bool LinuxDirectoryReader::open(const std::string &path, OtherDevices others)
 {
     if (m_session.rootDescriptor() < 0)
         return false;
+    m_others = others;
     m_folder = m_folders.open(path);
     m_mounts = m_session.mountsIn(path);
     return m_folder >= 0;
@@ -61,16 +57,9 @@ bool LinuxDirectoryReader::open(const std::string &path, bool)
 std::span<const DirectoryRecord> LinuxDirectoryReader::next()
 {
     m_records.clear();
-    while (m_records.empty()) {
-        const auto filled = ::getdents64(m_folder, m_buffer.get(), bufferBytes);
-        if (filled <= 0)
-            break;
-        for (ssize_t offset = 0; offset < filled;) {
-            const auto &entry = *reinterpret_cast<const dirent64 *>(m_buffer.get() + offset);
-            if (!isDotEntry(entry.d_name))
-                addRecord(entry);
-            offset += entry.d_reclen;
-        }
+    while (m_records.empty() && m_batch.read(m_folder)) {
+        while (const auto *entry = m_batch.next())
+            addRecord(*entry);
     }
     return m_records;
 }
@@ -85,35 +74,37 @@ void LinuxDirectoryReader::addRecord(const dirent64 &entry)
     auto &record = m_records.emplace_back();
     record.name = entry.d_name;
     record.type = typeOfKind(entry.d_type);
-    if (isMountedOver(record, entry.d_type))
-        return;
-    record.device = m_rootMount;
-    const bool needsNoAsking = entry.d_type == DT_DIR && m_session.knowsMounts();
-    if (!needsNoAsking && !askFile(record, entry.d_name))
+    const auto mount = mountOver(record.name);
+    record.device = mount.value_or(m_rootMount);
+    if (mount) {
+        // Where the kind is not told either, a folder is assumed: no mounted folder is asked.
+        if (entry.d_type == DT_UNKNOWN)
+            record.type = Type::directory;
+        record.isMountPoint = record.type == Type::directory;
+    }
+    const bool isNamedOnly = mount && (record.isMountPoint || m_others == OtherDevices::named);
+    const bool isKnownFolder = entry.d_type == DT_DIR && m_session.knowsMounts();
+    if (!isNamedOnly && !isKnownFolder && !askFile(record, entry.d_name))
         m_records.pop_back();
 }
 
-// Where the kind is not told either, a folder is assumed: what is mounted is not asked.
-bool LinuxDirectoryReader::isMountedOver(DirectoryRecord &record, unsigned char kind) const
+// The mount that covers an entry of the open folder.
+std::optional<std::uint64_t> LinuxDirectoryReader::mountOver(std::string_view name) const
 {
     if (m_mounts == nullptr)
-        return false;
-    const auto mount = m_mounts->find(record.name);
-    if (mount == m_mounts->end())
-        return false;
-    if (kind == DT_UNKNOWN)
-        record.type = Type::directory;
-    record.device = mount->second;
-    record.isMountPoint = record.type == Type::directory;
-    return true;
+        return std::nullopt;
+    const auto mount = m_mounts->find(name);
+    return mount == m_mounts->end() ? std::nullopt : std::optional(mount->second);
 }
 
 // False when the entry has gone meanwhile. One that may not be asked stays, by what its folder tells of it.
 bool LinuxDirectoryReader::askFile(DirectoryRecord &record, const char *name) const
 {
     struct statx status;
-    if (::statx(m_folder, name, askFlags, askMask, &status) != 0)
+    if (uninterrupted([&] { return ::statx(m_folder, name, askFlags, askMask, &status); }) != 0) {
+        record.isMeasured = false;
         return errno != ENOENT;
+    }
     const auto kind = status.stx_mode & S_IFMT;
     record.type = kind == S_IFDIR ? Type::directory : kind == S_IFLNK ? Type::symlink : Type::other;
     record.device = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : 0;

@@ -2,8 +2,9 @@
 
 // Reads folders with one getdents64 per 256 KiB of entries and one statx per entry that is not a folder.
 // Folders cost no call of their own: the mount table, read once per session, tells which of them are mount
-// points. What is mounted below the root is told by name only and never touched, so that a server that hangs
-// behind a mount can't hold up a scan.
+// points. What is mounted below the root is told by name only and not touched, so that a server that hangs
+// behind a mount can't hold up a scan; only a scan that asks for other devices' sizes asks for those of files
+// there.
 
 #include "Platform/DirectoryReader.h"
 

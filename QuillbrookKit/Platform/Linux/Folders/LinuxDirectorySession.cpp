@@ -1,5 +1,6 @@
 #include "Platform/Linux/Folders/LinuxDirectorySession.h"
 
+#include "Platform/Linux/Files/Uninterrupted.h"
 #include "Platform/Linux/Folders/LinuxDirectoryReader.h"
 
 #include <algorithm>
@@ -17,7 +18,8 @@ std::optional<std::uint64_t> mountOf(int folder)
     struct statx status
     {
     };
-    const auto failed = ::statx(folder, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_MNT_ID, &status);
+    const auto failed = uninterrupted(
+        [&] { return ::statx(folder, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_MNT_ID, &status); });
     if (failed != 0 || (status.stx_mask & STATX_MNT_ID) == 0)
         return std::nullopt;
     return status.stx_mnt_id;
@@ -38,7 +40,7 @@ std::optional<std::string> realPathOf(int folder)
 
 LinuxDirectorySession::LinuxDirectorySession(const std::string &rootPath)
     : m_rootPath(rootPath)
-    , m_root(::open(rootPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    , m_root(uninterrupted([&] { return ::open(rootPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }))
 {
     if (!m_root.isOpen())
         return;

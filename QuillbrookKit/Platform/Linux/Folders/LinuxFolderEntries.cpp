@@ -1,6 +1,5 @@
 #include "Platform/Linux/Folders/LinuxFolderEntries.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -36,11 +35,6 @@ FileDescriptor openStart(const std::string &path)
     return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
 }
 
-bool isDotEntry(std::string_view name)
-{
-    return name == "." || name == "..";
-}
-
 } // namespace
 
 LinuxFolderEntries::LinuxFolderEntries(const std::string &path)
@@ -52,8 +46,7 @@ LinuxFolderEntries::LinuxFolderEntries(const std::string &path)
 
 bool LinuxFolderEntries::open(const std::string &path)
 {
-    m_filled = 0;
-    m_offset = 0;
+    m_batch.clear();
     m_folder = m_root.isOpen() ? m_folders.open(path) : -1;
     return m_folder >= 0;
 }
@@ -61,22 +54,13 @@ bool LinuxFolderEntries::open(const std::string &path)
 std::optional<FolderEntry> LinuxFolderEntries::next()
 {
     while (m_folder >= 0) {
-        if (m_offset == m_filled) {
-            const auto filled = ::getdents64(m_folder, m_buffer.data(), m_buffer.size());
-            if (filled <= 0) {
-                m_folder = -1;
-                break;
-            }
-            m_filled = static_cast<size_t>(filled);
-            m_offset = 0;
+        if (const auto *entry = m_batch.next()) {
+            const bool isTold = entry->d_type != DT_UNKNOWN;
+            return FolderEntry{ .name = entry->d_name,
+                .isFolder = isTold ? entry->d_type == DT_DIR : isFolder(m_folder, entry->d_name) };
         }
-        const auto &entry = *reinterpret_cast<const dirent64 *>(m_buffer.data() + m_offset);
-        m_offset += entry.d_reclen;
-        if (isDotEntry(entry.d_name))
-            continue;
-        const bool isTold = entry.d_type != DT_UNKNOWN;
-        return FolderEntry{ .name = entry.d_name,
-            .isFolder = isTold ? entry.d_type == DT_DIR : isFolder(m_folder, entry.d_name) };
+        if (!m_batch.read(m_folder))
+            m_folder = -1;
     }
     return std::nullopt;
 }

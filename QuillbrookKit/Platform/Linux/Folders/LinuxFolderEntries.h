@@ -4,10 +4,8 @@
 
 #include "Platform/FolderEntries.h"
 #include "Platform/Linux/Files/FileDescriptor.h"
+#include "Platform/Linux/Folders/EntryBatch.h"
 #include "Platform/Linux/Folders/OpenFolders.h"
-
-#include <array>
-#include <cstddef>
 
 namespace Quillbrook {
 
@@ -25,9 +23,7 @@ private:
     FileDescriptor m_root;
     OpenFolders m_folders;
     int m_folder = -1;
-    size_t m_filled = 0;
-    size_t m_offset = 0;
-    alignas(std::max_align_t) std::array<char, 32768> m_buffer;
+    EntryBatch m_batch{ 32768 };
 };
 
 } // namespace Quillbrook

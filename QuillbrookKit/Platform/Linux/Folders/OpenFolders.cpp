@@ -1,5 +1,7 @@
 #include "Platform/Linux/Folders/OpenFolders.h"
 
+#include "Platform/Linux/Files/Uninterrupted.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -39,7 +41,7 @@ int OpenFolders::open(const std::string &path)
         return -1;
     if (m_line.size() == mostOpenFolders)
         m_line.erase(m_line.begin());
-    // What the nearest ancestor's path is stands there already.
+    // `m_path` begins with the nearest ancestor's path already.
     const auto known = m_line.empty() ? 0 : m_line.back().pathLength;
     m_path.replace(known, std::string::npos, path, known);
     m_line.push_back({ path.size(), std::move(folder) });
@@ -89,12 +91,13 @@ FileDescriptor OpenFolders::openAt(int folder, const char *relativePath, int fla
         open_how how{};
         how.flags = static_cast<__u64>(folderFlags | flags);
         how.resolve = RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS;
-        const auto descriptor = ::syscall(SYS_openat2, folder, relativePath, &how, sizeof(how));
+        const auto descriptor
+            = uninterrupted([&] { return ::syscall(SYS_openat2, folder, relativePath, &how, sizeof(how)); });
         if (descriptor >= 0 || (errno != ENOSYS && errno != EPERM))
             return FileDescriptor(static_cast<int>(descriptor));
     }
     // Old kernels and some sandboxes lack that call.
-    FileDescriptor opened(::openat(folder, relativePath, folderFlags | flags));
+    FileDescriptor opened(uninterrupted([&] { return ::openat(folder, relativePath, folderFlags | flags); }));
     if (opened.isOpen())
         m_canRefuseMounts = false;
     return opened;

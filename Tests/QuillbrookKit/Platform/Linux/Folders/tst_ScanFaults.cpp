@@ -1,9 +1,7 @@
 // The scanner on real files, with a system that fails, forgets or changes something between two calls. The
 // two calls that matter are answered here first; the rest is the real system.
 
-#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
-#include "Scan/FastScanner.h"
-#include "Support/TempTree.h"
+#include "Support/DiskScan.h"
 
 #include <QTest>
 
@@ -40,6 +38,7 @@ struct Faults
 };
 
 Faults faults;
+LinuxDirectoryReading disk;
 
 } // namespace
 
@@ -79,17 +78,6 @@ ssize_t getdents64(int folder, void *buffer, size_t length)
 
 namespace {
 
-FastScanner::Result scanned(const TempTree &tree)
-{
-    LinuxDirectoryReading directories;
-    return FastScanner(directories).scan({ .rootPath = tree.path() });
-}
-
-qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::string &name)
-{
-    return result.tree->find(tree.text(name), result.root);
-}
-
 // From here on this thread and those it starts have no openat2, as on old kernels and in some sandboxes.
 bool takeOpenat2Away(unsigned answer)
 {
@@ -116,8 +104,9 @@ private Q_SLOTS:
 
     void kindThatIsNotToldIsAskedFor();
     void fileThatVanishesBeforeItIsAskedIsDropped();
-    void fileThatMayNotBeAskedStaysWithoutASize_data();
-    void fileThatMayNotBeAskedStaysWithoutASize();
+    void fileThatMayNotBeAskedIsMarked_data();
+    void fileThatMayNotBeAskedIsMarked();
+    void interruptedCallsAreTriedAgain();
     void fileReplacedByAFolderIsEntered();
     void readErrorInTheMiddleKeepsWhatWasRead();
     void entriesOfManySmallReadsAreJoined();
@@ -135,13 +124,13 @@ void TestScanFaults::kindThatIsNotToldIsAskedFor()
     tree.link("link", "folder");
     tree.pipe("pipe");
     faults.afterEntry = [](dirent64 &entry) { entry.d_type = DT_UNKNOWN; };
-    const auto result = scanned(tree);
+    const auto result = scanned(tree, disk);
     QCOMPARE(result.unreadableDirectories, 0);
     QCOMPARE(result.tree->dirCount(), 3);
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "folder")), Flags::directory);
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "link")), Flags::symlink);
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "pipe")), Flags::none);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("folder/deeper/file"));
+    QCOMPARE(result.flagsOf("folder"), Flags::directory);
+    QCOMPARE(result.flagsOf("link"), Flags::symlink);
+    QCOMPARE(result.flagsOf("pipe"), Flags::none);
+    QCOMPARE(result.total(), tree.allocated("folder/deeper/file"));
 }
 
 void TestScanFaults::fileThatVanishesBeforeItIsAskedIsDropped()
@@ -154,12 +143,12 @@ void TestScanFaults::fileThatVanishesBeforeItIsAskedIsDropped()
             ::unlink(tree.path("goes").c_str());
         return 0;
     };
-    const auto result = scanned(tree);
+    const auto result = scanned(tree, disk);
     QCOMPARE(result.tree->nodeCount(), 2);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("stays"));
+    QCOMPARE(result.total(), tree.allocated("stays"));
 }
 
-void TestScanFaults::fileThatMayNotBeAskedStaysWithoutASize_data()
+void TestScanFaults::fileThatMayNotBeAskedIsMarked_data()
 {
     QTest::addColumn<int>("error");
     QTest::newRow("no right") << EACCES;
@@ -167,7 +156,7 @@ void TestScanFaults::fileThatMayNotBeAskedStaysWithoutASize_data()
     QTest::newRow("stale handle") << ESTALE;
 }
 
-void TestScanFaults::fileThatMayNotBeAskedStaysWithoutASize()
+void TestScanFaults::fileThatMayNotBeAskedIsMarked()
 {
     QFETCH(int, error);
     const TempTree tree;
@@ -175,11 +164,26 @@ void TestScanFaults::fileThatMayNotBeAskedStaysWithoutASize()
     tree.link("link", "file");
     tree.file("other", 100);
     faults.beforeStatus = [&](const std::string &name) { return name == "other" ? 0 : error; };
-    const auto result = scanned(tree);
+    const auto result = scanned(tree, disk);
     QCOMPARE(result.tree->fileCount(), 3);
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "file")), Flags::none);
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "link")), Flags::symlink);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("other"));
+    QCOMPARE(result.unmeasuredFiles, 2);
+    QCOMPARE(result.unreadableDirectories, 0);
+    QCOMPARE(result.flagsOf("file"), Flags::unmeasured);
+    QCOMPARE(result.flagsOf("link"), Flags::symlink | Flags::unmeasured);
+    QCOMPARE(result.total(), tree.allocated("other"));
+}
+
+void TestScanFaults::interruptedCallsAreTriedAgain()
+{
+    const TempTree tree;
+    tree.file("a/file", 100);
+    int asked = 0;
+    faults.beforeStatus = [&](const std::string &) { return asked++ < 3 ? EINTR : 0; };
+    faults.beforeEntries = [](int before) { return before % 3 == 2 ? 0 : EINTR; };
+    const auto result = scanned(tree, disk);
+    QCOMPARE(asked, 4);
+    QCOMPARE(result.unmeasuredFiles, 0);
+    QCOMPARE(result.total(), tree.allocated("a/file"));
 }
 
 void TestScanFaults::fileReplacedByAFolderIsEntered()
@@ -193,9 +197,9 @@ void TestScanFaults::fileReplacedByAFolderIsEntered()
         }
         return 0;
     };
-    const auto result = scanned(tree);
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "thing")), Flags::directory);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("thing/inside"));
+    const auto result = scanned(tree, disk);
+    QCOMPARE(result.flagsOf("thing"), Flags::directory);
+    QCOMPARE(result.total(), tree.allocated("thing/inside"));
 }
 
 void TestScanFaults::readErrorInTheMiddleKeepsWhatWasRead()
@@ -205,12 +209,11 @@ void TestScanFaults::readErrorInTheMiddleKeepsWhatWasRead()
         tree.file("file with a long enough name " + std::to_string(i), 100);
     faults.mostEntryBytes = 1024;
     faults.beforeEntries = [](int before) { return before < 2 ? 0 : EIO; };
-    const auto result = scanned(tree);
+    const auto result = scanned(tree, disk);
     QCOMPARE(result.unreadableDirectories, 0);
     QVERIFY(result.tree->fileCount() > 0);
     QVERIFY(result.tree->fileCount() < 100);
-    QCOMPARE(result.tree->size(result.root),
-        result.tree->fileCount() * tree.allocated("file with a long enough name 0"));
+    QCOMPARE(result.total(), result.tree->fileCount() * tree.allocated("file with a long enough name 0"));
 }
 
 void TestScanFaults::entriesOfManySmallReadsAreJoined()
@@ -220,9 +223,9 @@ void TestScanFaults::entriesOfManySmallReadsAreJoined()
         tree.file(std::to_string(i), 100);
     // The first read has room for little more than the two entries that every folder has.
     faults.mostEntryBytes = 64;
-    const auto result = scanned(tree);
+    const auto result = scanned(tree, disk);
     QCOMPARE(result.tree->fileCount(), 100);
-    QCOMPARE(result.tree->size(result.root), 100 * tree.allocated("0"));
+    QCOMPARE(result.total(), 100 * tree.allocated("0"));
 }
 
 void TestScanFaults::foldersCostNoCallOfTheirOwn()
@@ -235,7 +238,7 @@ void TestScanFaults::foldersCostNoCallOfTheirOwn()
         asked << QString::fromStdString(name);
         return 0;
     };
-    const auto result = scanned(tree);
+    const auto result = scanned(tree, disk);
     QCOMPARE(result.tree->dirCount(), 5);
     QCOMPARE(asked, QStringList{ u"file"_s });
 }
@@ -248,9 +251,9 @@ void TestScanFaults::systemWithoutMountIdsIsMeasured()
         status.stx_mask &= ~unsigned{ STATX_MNT_ID };
         status.stx_mnt_id = 0xDEAD;
     };
-    const auto result = scanned(tree);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("a/file"));
-    QCOMPARE(result.tree->nodeFlags(find(result, tree, "a/file")), Flags::none);
+    const auto result = scanned(tree, disk);
+    QCOMPARE(result.total(), tree.allocated("a/file"));
+    QCOMPARE(result.flagsOf("a/file"), Flags::none);
 }
 
 void TestScanFaults::absurdSizeIsNotNegative()
@@ -258,7 +261,7 @@ void TestScanFaults::absurdSizeIsNotNegative()
     const TempTree tree;
     tree.file("file", 100);
     faults.afterStatus = [](struct statx &status) { status.stx_blocks = ~std::uint64_t{ 0 }; };
-    QVERIFY(scanned(tree).tree->size(0) > 0);
+    QVERIFY(scanned(tree, disk).tree->size(0) > 0);
 }
 
 void TestScanFaults::systemWithoutOpenat2IsMeasured_data()
@@ -279,7 +282,7 @@ void TestScanFaults::systemWithoutOpenat2IsMeasured()
     FastScanner::Result result;
     std::thread([&] {
         isTakenAway = takeOpenat2Away(unsigned(answer));
-        result = scanned(tree);
+        result = scanned(tree, disk);
     }).join();
     if (!isTakenAway)
         QSKIP("system call filters are not permitted here");

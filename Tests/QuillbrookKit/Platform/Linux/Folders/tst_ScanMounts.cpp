@@ -1,11 +1,9 @@
 // The scanner where other things are mounted below its root. All mounts are seen by this program alone; where
 // it may not have mounts of its own, its tests are skipped with the reason.
 
-#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
-#include "Scan/FastScanner.h"
+#include "Support/DiskScan.h"
 #include "Support/HookedDirectories.h"
 #include "Support/PrivateMounts.h"
-#include "Support/TempTree.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -33,22 +31,6 @@ constexpr auto fencedFolder = Flags::directory | Flags::mountPoint;
 constexpr int toolLimit = 60000;
 
 QString whyNotPermitted;
-
-FastScanner::Result scanned(const TempTree &tree, const std::string &root = {})
-{
-    LinuxDirectoryReading directories;
-    return FastScanner(directories).scan({ .rootPath = tree.path(root), .threads = 2 });
-}
-
-qint32 find(const FastScanner::Result &result, const TempTree &tree, const std::string &name)
-{
-    return result.tree->find(tree.text(name), result.root);
-}
-
-Flags flagsOf(const FastScanner::Result &result, const TempTree &tree, const std::string &name)
-{
-    return result.tree->nodeFlags(find(result, tree, name));
-}
 
 // Runs a tool to its end; what it said when it failed.
 QString run(const QString &program, const QStringList &arguments)
@@ -140,10 +122,11 @@ private Q_SLOTS:
             QSKIP(qPrintable(whyNotPermitted));
     }
 
-    void mountedFileSystemIsListedAndNotEntered_data();
+    void mountedFileSystemIsListedAndNotEntered_data() { stayingAndCrossing(); }
     void mountedFileSystemIsListedAndNotEntered();
     void bindMountIsListedAndNotEntered();
-    void fileMountedOverAFileHasNoSize();
+    void fileMountedOverAFileCountsOnlyWhenCrossing_data() { stayingAndCrossing(); }
+    void fileMountedOverAFileCountsOnlyWhenCrossing();
     void mountPointNamesAreRaw();
     void rootThatIsAMountIsMeasured();
     void rootBehindALinkKnowsItsMounts();
@@ -154,14 +137,15 @@ private Q_SLOTS:
     void mountsThatAreNotToldAreFoundOut();
     void diskThatDoesNotTellKindsIsMeasured();
     void subvolumesAreMeasuredAndTheirFilesToldApart();
-};
 
-void TestScanMounts::mountedFileSystemIsListedAndNotEntered_data()
-{
-    QTest::addColumn<bool>("crossDevices");
-    QTest::newRow("staying") << false;
-    QTest::newRow("crossing") << true;
-}
+private:
+    static void stayingAndCrossing()
+    {
+        QTest::addColumn<bool>("crossDevices");
+        QTest::newRow("staying") << false;
+        QTest::newRow("crossing") << true;
+    }
+};
 
 void TestScanMounts::mountedFileSystemIsListedAndNotEntered()
 {
@@ -172,12 +156,10 @@ void TestScanMounts::mountedFileSystemIsListedAndNotEntered()
     const Mounted mount("none", tree.path("a/mount"), "tmpfs");
     QCOMPARE(mount.failure(), QString());
     tree.file("a/mount/inside", 100000);
-    LinuxDirectoryReading directories;
-    const auto result = FastScanner(directories)
-                            .scan({ .rootPath = tree.path(), .threads = 2, .crossDevices = crossDevices });
-    QCOMPARE(flagsOf(result, tree, "a/mount"), fencedFolder);
-    QCOMPARE(result.tree->children(find(result, tree, "a/mount")), QList<qint32>());
-    QCOMPARE(result.tree->size(result.root), tree.allocated("a/file"));
+    const auto result = scanned(tree, {}, { .threads = 2, .crossDevices = crossDevices });
+    QCOMPARE(result.flagsOf("a/mount"), fencedFolder);
+    QCOMPARE(result.tree->children(result.find("a/mount")), QList<qint32>());
+    QCOMPARE(result.total(), tree.allocated("a/file"));
     QCOMPARE(result.unreadableDirectories, 0);
 }
 
@@ -190,22 +172,23 @@ void TestScanMounts::bindMountIsListedAndNotEntered()
     QCOMPARE(mount.failure(), QString());
     QVERIFY(tree.allocated("bound/file") > 0);
     const auto result = scanned(tree);
-    QCOMPARE(flagsOf(result, tree, "bound"), fencedFolder);
-    QCOMPARE(flagsOf(result, tree, "real"), Flags::directory);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("real/file"));
+    QCOMPARE(result.flagsOf("bound"), fencedFolder);
+    QCOMPARE(result.flagsOf("real"), Flags::directory);
+    QCOMPARE(result.total(), tree.allocated("real/file"));
 }
 
-void TestScanMounts::fileMountedOverAFileHasNoSize()
+void TestScanMounts::fileMountedOverAFileCountsOnlyWhenCrossing()
 {
+    QFETCH(bool, crossDevices);
     const TempTree tree;
     tree.file("real", 100000);
     tree.file("over", 50000);
     const Mounted mount(tree.path("real"), tree.path("over"), nullptr, MS_BIND);
     QCOMPARE(mount.failure(), QString());
-    const auto result = scanned(tree);
-    QCOMPARE(flagsOf(result, tree, "over"), Flags::mountPoint);
-    QCOMPARE(result.tree->size(find(result, tree, "over")), 0);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("real"));
+    const auto result = scanned(tree, {}, { .crossDevices = crossDevices });
+    QCOMPARE(result.flagsOf("over"), crossDevices ? Flags::none : Flags::mountPoint);
+    QCOMPARE(result.sizeOf("over"), crossDevices ? tree.allocated("real") : 0);
+    QCOMPARE(result.total(), tree.allocated("real") + result.sizeOf("over"));
 }
 
 void TestScanMounts::mountPointNamesAreRaw()
@@ -218,8 +201,8 @@ void TestScanMounts::mountPointNamesAreRaw()
     QCOMPARE(mount.failure(), QString());
     tree.file(name + "/inside", 100000);
     const auto result = scanned(tree);
-    QCOMPARE(flagsOf(result, tree, name), fencedFolder);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("caf\xC3\xA9/file"));
+    QCOMPARE(result.flagsOf(name), fencedFolder);
+    QCOMPARE(result.total(), tree.allocated("caf\xC3\xA9/file"));
 }
 
 void TestScanMounts::rootThatIsAMountIsMeasured()
@@ -233,9 +216,9 @@ void TestScanMounts::rootThatIsAMountIsMeasured()
     const Mounted inner("none", tree.path("mount/b"), "tmpfs");
     tree.file("mount/b/inside", 100000);
     const auto result = scanned(tree, "mount");
-    QCOMPARE(result.tree->size(result.root), tree.allocated("mount/a/file"));
-    QCOMPARE(flagsOf(result, tree, "mount"), Flags::directory);
-    QCOMPARE(flagsOf(result, tree, "mount/b"), fencedFolder);
+    QCOMPARE(result.total(), tree.allocated("mount/a/file"));
+    QCOMPARE(result.flagsOf("mount"), Flags::directory);
+    QCOMPARE(result.flagsOf("mount/b"), fencedFolder);
 }
 
 void TestScanMounts::rootBehindALinkKnowsItsMounts()
@@ -250,8 +233,8 @@ void TestScanMounts::rootBehindALinkKnowsItsMounts()
     for (const auto *root : { "home", "home/../home/" }) {
         const auto result = scanned(tree, root);
         QCOMPARE(result.tree->path(result.root), tree.text("home"));
-        QCOMPARE(flagsOf(result, tree, "home/mount"), fencedFolder);
-        QCOMPARE(result.tree->size(result.root), tree.allocated("var/home/file"));
+        QCOMPARE(result.flagsOf("home/mount"), fencedFolder);
+        QCOMPARE(result.total(), tree.allocated("var/home/file"));
     }
 }
 
@@ -264,8 +247,8 @@ void TestScanMounts::mountHiddenBelowTheRootsOwnMountIsNoFence()
     QCOMPARE(over.failure(), QString());
     tree.file("root/a/file", 100);
     const auto result = scanned(tree, "root");
-    QCOMPARE(flagsOf(result, tree, "root/a"), Flags::directory);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("root/a/file"));
+    QCOMPARE(result.flagsOf("root/a"), Flags::directory);
+    QCOMPARE(result.total(), tree.allocated("root/a/file"));
 }
 
 void TestScanMounts::mountThatComesLaterIsNotEntered()
@@ -282,11 +265,11 @@ void TestScanMounts::mountThatComesLaterIsNotEntered()
         mount = std::make_unique<Mounted>("none", path, "tmpfs");
         tree.file("a/later/inside", 100000);
     };
-    const auto result = FastScanner(directories).scan({ .rootPath = tree.path() });
+    const auto result = scanned(tree, directories);
     QVERIFY(mount != nullptr);
     QCOMPARE(mount->failure(), QString());
-    QCOMPARE(flagsOf(result, tree, "a/later"), Flags::directory | Flags::unreadable);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("a/file"));
+    QCOMPARE(result.flagsOf("a/later"), Flags::directory | Flags::unreadable);
+    QCOMPARE(result.total(), tree.allocated("a/file"));
 }
 
 // The layers lie on two file systems, so that files and folders tell different device numbers.
@@ -315,7 +298,7 @@ void TestScanMounts::overlayIsMeasuredWhole()
     QCOMPARE(result.tree->fileCount(), 4);
     for (qint32 node = 1; node < result.tree->nodeCount(); ++node)
         QVERIFY(!contains(result.tree->nodeFlags(node), Flags::mountPoint));
-    QCOMPARE(result.tree->size(result.root),
+    QCOMPARE(result.total(),
         tree.allocated("lower disk/low/from below") + tree.allocated("upper disk/up/low/covered")
             + tree.allocated("upper disk/up/from above"));
 }
@@ -334,8 +317,8 @@ void TestScanMounts::hungServerIsNotTouched()
     ::kill(pid_t(server.process.processId()), SIGKILL);
     const auto result = scan.get();
     QVERIFY(hasEnded);
-    QCOMPARE(flagsOf(result, tree, "home/mount"), fencedFolder);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("home/file"));
+    QCOMPARE(result.flagsOf("home/mount"), fencedFolder);
+    QCOMPARE(result.total(), tree.allocated("home/file"));
     QCOMPARE(result.unreadableDirectories, 0);
 }
 
@@ -351,8 +334,8 @@ void TestScanMounts::mountsThatAreNotToldAreFoundOut()
     QVERIFY(::mount("none", "/proc", "tmpfs", 0, nullptr) == 0);
     const auto result = scanned(tree);
     QVERIFY(::umount("/proc") == 0);
-    QCOMPARE(flagsOf(result, tree, "a/mount"), fencedFolder);
-    QCOMPARE(result.tree->size(result.root), tree.allocated("a/file"));
+    QCOMPARE(result.flagsOf("a/mount"), fencedFolder);
+    QCOMPARE(result.total(), tree.allocated("a/file"));
     QCOMPARE(result.unreadableDirectories, 0);
 }
 
@@ -370,10 +353,10 @@ void TestScanMounts::diskThatDoesNotTellKindsIsMeasured()
     tree.file("image/a/mount/inside", 100000);
     const auto result = scanned(tree, "image");
     QCOMPARE(result.unreadableDirectories, 0);
-    QCOMPARE(flagsOf(result, tree, "image/a/b"), Flags::directory);
-    QCOMPARE(flagsOf(result, tree, "image/link"), Flags::symlink);
-    QCOMPARE(flagsOf(result, tree, "image/a/mount"), fencedFolder);
-    QCOMPARE(result.tree->size(find(result, tree, "image/a")), tree.allocated("image/a/b/file"));
+    QCOMPARE(result.flagsOf("image/a/b"), Flags::directory);
+    QCOMPARE(result.flagsOf("image/link"), Flags::symlink);
+    QCOMPARE(result.flagsOf("image/a/mount"), fencedFolder);
+    QCOMPARE(result.sizeOf("image/a"), tree.allocated("image/a/b/file"));
 }
 
 // Each subvolume counts its inodes from the same number, so that files of two of them share a file id.
@@ -403,8 +386,8 @@ void TestScanMounts::subvolumesAreMeasuredAndTheirFilesToldApart()
     QVERIFY(one.st_dev != two.st_dev);
     const auto result = scanned(tree, "image");
     QCOMPARE(result.unreadableDirectories, 0);
-    QCOMPARE(flagsOf(result, tree, "image/one"), Flags::directory);
-    QCOMPARE(result.tree->size(result.root), total);
+    QCOMPARE(result.flagsOf("image/one"), Flags::directory);
+    QCOMPARE(result.total(), total);
 }
 
 int main(int argc, char **argv)
