@@ -3,7 +3,9 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <future>
+#include <map>
 #include <semaphore>
 
 using namespace Quillbrook;
@@ -18,6 +20,8 @@ using Paths = std::vector<std::string>;
 
 constexpr auto limit = 20s;
 
+using Folders = std::map<std::string, std::vector<DirectoryRecord>>;
+
 DirectoryRecord aFolder(std::string_view name)
 {
     return FakeDirectories::aFolder(name);
@@ -26,6 +30,29 @@ DirectoryRecord aFolder(std::string_view name)
 DirectoryRecord aFile(std::string_view name, std::int64_t size = 0)
 {
     return FakeDirectories::aFile(name, size);
+}
+
+DirectoryRecord aMount(std::string_view name)
+{
+    auto record = aFolder(name);
+    record.isMountPoint = true;
+    return record;
+}
+
+DirectoryRecord elsewhere(DirectoryRecord record)
+{
+    record.device = FakeDirectories::homeDevice + 1;
+    return record;
+}
+
+// One of two links to the file with this id.
+DirectoryRecord aLinkedFile(std::string_view name, std::uint64_t device, std::uint64_t id)
+{
+    auto record = aFile(name, 100);
+    record.fileDevice = device;
+    record.fileId = id;
+    record.linkCount = 2;
+    return record;
 }
 
 FastScanner::Result scanned(FakeDirectories &directories, FastScanner::Request request = { .rootPath = "/r" })
@@ -38,15 +65,20 @@ qint32 find(const FastScanner::Result &result, const QString &path)
     return result.tree->find(path, result.root);
 }
 
-// The tree in index order, as "path size flags".
-QStringList nodes(const FastScanner::Result &result)
+// The tree in index order, each node as "path size flags".
+QString nodes(const FastScanner::Result &result)
 {
     QStringList lines;
     for (qint32 node = 0; node < result.tree->nodeCount(); ++node)
         lines << u"%1 %2 %3"_s.arg(result.tree->path(node))
                      .arg(result.tree->size(node))
                      .arg(int(result.tree->nodeFlags(node)));
-    return lines;
+    return lines.join(u", "_s);
+}
+
+qsizetype countOf(const FastScanner::Result &result, Flags flag)
+{
+    return std::ranges::count_if(result.tree->flags(), [&](Flags flags) { return contains(flags, flag); });
 }
 
 } // namespace
@@ -56,33 +88,11 @@ class TestFastScanner : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void emptyFolderIsANodeWithoutChildren();
-    void rootThatCannotBeOpenedGivesOneUnreadableNode();
+    void treeTellsWhatTheDiskHolds_data();
+    void treeTellsWhatTheDiskHolds();
     void rootPathIsStandardised_data();
     void rootPathIsStandardised();
-    void sizesAreRolledUpAndSorted();
-    void recordsOfSeveralReadsAreJoined();
-    void unreadableFolderIsMarkedAndCounted();
-    void hardLinksCountOnce();
-    void sameFileIdOnAnotherDeviceCounts();
-    void fileWithoutAnIdAlwaysCounts();
-    void linkIsAFileOfItsOwnSizeAndNotEntered();
-    void packagesAreMarkedAndEntered_data();
-    void packagesAreMarkedAndEntered();
-    void entryWithoutANameIsDropped();
-    void otherDeviceIsListedButNeitherMeasuredNorEntered();
-    void otherDeviceIsMeasuredWhenCrossingIsAllowed();
-    void mountPointIsNeverEntered_data();
-    void mountPointIsNeverEntered();
-    void deviceThatIsNotToldIsNoBoundary();
-    void exclusionHoldsForFoldersAlone();
-    void exclusionsCompareByCanonicalEquivalence();
-    void listsDoNotApplyToTheRoot();
-    void allowlistRestrictsOnlyItsKeys();
-    void emptyAllowedSetStillMeasuresFiles();
-    void quietScopeMeasuresFilesOfTheHomeAndNotItsDocuments();
-    void namesThatAreNotTextAreOpenedRaw();
-    void folderNamedWithTheWholePathOfTheFileSystemRoot();
+    void childrenAreSortedBySize();
     void threadCountIsClamped_data();
     void threadCountIsClamped();
     void twoChildrenStayWithTheirWorkerAndTheRestGoesNewestFirst();
@@ -93,26 +103,140 @@ private Q_SLOTS:
     void manyWorkersBuildTheSameTree();
 };
 
-void TestFastScanner::emptyFolderIsANodeWithoutChildren()
+// Flags: 1 folder, 2 link, 4 package, 8 mount point, 16 unreadable, 32 unmeasured.
+void TestFastScanner::treeTellsWhatTheDiskHolds_data()
 {
-    FakeDirectories directories;
-    directories.folder("/r", { aFolder("empty") });
-    directories.folder("/r/empty", {});
-    const auto result = scanned(directories, { .rootPath = "/r", .threads = 4 });
-    QCOMPARE(nodes(result), (QStringList{ u"/r 0 1"_s, u"/r/empty 0 1"_s }));
-    QCOMPARE(result.tree->children(1), QList<qint32>());
-    QCOMPARE(result.unreadableDirectories, 0);
-    QVERIFY(result.duration >= 0);
+    QTest::addColumn<Folders>("folders");
+    QTest::addColumn<FastScanner::Request>("request");
+    QTest::addColumn<QString>("tree");
+    const auto row = [](const char *name, const Folders &folders, const QString &tree,
+                         const FastScanner::Request &request = { .rootPath = "/r" }) {
+        QTest::newRow(name) << folders << request << tree;
+    };
+    row("an empty folder", { { "/r", { aFolder("empty") } }, { "/r/empty", {} } }, u"/r 0 1, /r/empty 0 1"_s);
+    row("a root that can't be opened", {}, u"/missing 0 17"_s, { .rootPath = "/missing" });
+    row("folders that can't be opened",
+        { { "/r", { aFolder("shut"), aFile("f", 5), aFolder("x") } }, { "/r/x", { aFolder("gone") } } },
+        u"/r 5 1, /r/shut 0 17, /r/f 5 0, /r/x 0 1, /r/x/gone 0 17"_s);
+    row("sizes are added up",
+        { { "/r", { aFile("x", 1), aFolder("a"), aFile("y", 20) } },
+            { "/r/a", { aFile("z", 4), aFolder("b") } }, { "/r/a/b", { aFile("z", 6) } } },
+        u"/r 31 1, /r/x 1 0, /r/a 10 1, /r/y 20 0, /r/a/z 4 0, /r/a/b 6 1, /r/a/b/z 6 0"_s);
+    row("a file whose size is not told",
+        { { "/r",
+            { { .name = "f", .device = FakeDirectories::homeDevice, .isMeasured = false },
+                { .name = "link", .type = Type::symlink, .isMeasured = false }, aFile("g", 5) } } },
+        u"/r 5 1, /r/f 0 32, /r/link 0 34, /r/g 5 0"_s);
+    row("a linked file counts once",
+        { { "/r", { aFolder("a"), aFolder("b") } }, { "/r/a", { aLinkedFile("f", 1, 42) } },
+            { "/r/b", { aLinkedFile("f", 1, 42) } } },
+        u"/r 100 1, /r/a 0 1, /r/b 100 1, /r/b/f 100 0, /r/a/f 0 0"_s);
+    row("a linked file on each of two devices counts twice",
+        { { "/r", { aLinkedFile("f", 1, 42), aLinkedFile("g", 2, 42) } } },
+        u"/r 200 1, /r/f 100 0, /r/g 100 0"_s);
+    row("a linked file without an id counts each time",
+        { { "/r", { aLinkedFile("f", 1, 0), aLinkedFile("g", 1, 0) } } },
+        u"/r 200 1, /r/f 100 0, /r/g 100 0"_s);
+    row("a link is a file of its own size and not entered",
+        { { "/r", { { .name = "link", .allocatedSize = 12, .type = Type::symlink } } },
+            { "/r/link", { aFile("behind", 100) } } },
+        u"/r 12 1, /r/link 12 2"_s);
+    row("packages are marked and entered",
+        { { "/r",
+              { aFolder("a.app"), aFolder("b.bundle"), aFolder("c.framework"), aFolder("d.xcodeproj"),
+                  aFolder("e.photoslibrary"), aFile("file.app", 1) } },
+            { "/r/a.app", { aFile("f", 1) } }, { "/r/b.bundle", {} }, { "/r/c.framework", {} },
+            { "/r/d.xcodeproj", {} }, { "/r/e.photoslibrary", {} } },
+        u"/r 2 1, /r/a.app 1 5, /r/b.bundle 0 5, /r/c.framework 0 5, /r/d.xcodeproj 0 5, "
+        "/r/e.photoslibrary 0 5, /r/file.app 1 0, /r/a.app/f 1 0"_s);
+    row("no packages",
+        { { "/r", { aFolder("a.APP"), aFolder(".app"), aFolder("a.app.d"), aFolder("aapp") } },
+            { "/r/a.APP", {} }, { "/r/.app", {} }, { "/r/a.app.d", {} }, { "/r/aapp", {} } },
+        u"/r 0 1, /r/a.APP 0 1, /r/.app 0 1, /r/a.app.d 0 1, /r/aapp 0 1"_s);
+    row("an entry without a name is dropped", { { "/r", { aFile("", 100), aFile("f", 1), aFolder("") } } },
+        u"/r 1 1, /r/f 1 0"_s);
+    const Folders otherDevice{ { "/r", { elsewhere(aFile("f", 100)), elsewhere(aFolder("a")) } },
+        { "/r/a", { aFile("behind", 100) } } };
+    row("another device", otherDevice, u"/r 0 1, /r/f 0 8, /r/a 0 9"_s);
+    row("another device, crossing", otherDevice, u"/r 200 1, /r/f 100 0, /r/a 100 1, /r/a/behind 100 0"_s,
+        { .rootPath = "/r", .crossDevices = true });
+    const Folders mount{ { "/r", { aMount("m.app") } }, { "/r/m.app", { aFile("behind", 100) } } };
+    row("a mount point", mount, u"/r 0 1, /r/m.app 0 13"_s);
+    row("a mount point, crossing", mount, u"/r 0 1, /r/m.app 0 13"_s,
+        { .rootPath = "/r", .crossDevices = true });
+    row("a device that is not told is no boundary", { { "/r", { { .name = "f", .allocatedSize = 100 } } } },
+        u"/r 100 1, /r/f 100 0"_s);
+    row("exclusions hold for that folder alone",
+        { { "/r", { aFolder("out"), aFolder("outside"), aFile("f", 2) } },
+            { "/r/out", { aFile("hidden", 100) } }, { "/r/outside", { aFile("seen", 4) } } },
+        u"/r 6 1, /r/out 0 1, /r/outside 4 1, /r/f 2 0, /r/outside/seen 4 0"_s,
+        { .rootPath = "/r", .exclusions = { u"/r/out"_s, u"/r/f"_s } });
+    row("exclusions compare by canonical equivalence",
+        { { "/r", { aFolder("caf\xC3\xA9"), aFolder("bar\xE9") } } },
+        u"/r 0 1, /r/caf\u00E9 0 1, /r/bar\uFFFD 0 1"_s,
+        { .rootPath = "/r", .exclusions = { u"/r/cafe\u0301"_s, u"/r/bar\uFFFD"_s } });
+    row("lists do not apply to the root", { { "/r/home", { aFile("f", 3) } } },
+        u"/r/home 3 1, /r/home/f 3 0"_s,
+        { .rootPath = "/r/home",
+            .exclusions = { u"/r/home"_s },
+            .allowlist = { { u"/r"_s, { u"other"_s } } } });
+    row("the allowlist restricts only its keys",
+        { { "/r", { aFolder("in"), aFolder("out") } }, { "/r/in", { aFolder("any"), aFolder("deep") } },
+            { "/r/in/any", { aFile("f", 1) } }, { "/r/in/deep", { aFolder("in"), aFolder("out") } },
+            { "/r/in/deep/in", { aFile("f", 2) } }, { "/r/in/deep/out", { aFile("f", 4) } },
+            { "/r/out", { aFile("f", 8) } } },
+        u"/r 3 1, /r/in 3 1, /r/out 0 1, /r/in/any 1 1, /r/in/deep 2 1, /r/in/deep/in 2 1, "
+        "/r/in/deep/out 0 1, /r/in/deep/in/f 2 0, /r/in/any/f 1 0"_s,
+        { .rootPath = "/r",
+            .allowlist = { { u"/r"_s, { u"in"_s } }, { u"/r/in/deep"_s, { u"in"_s, u"missing"_s } } } });
+    row("an empty allowed set still measures files",
+        { { "/r", { aFile("f", 3), aFolder("a") } }, { "/r/a", { aFile("g", 5) } } },
+        u"/r 3 1, /r/f 3 0, /r/a 0 1"_s, { .rootPath = "/r", .allowlist = { { u"/r"_s, {} } } });
+    row("the quiet scope",
+        { { "/h", { aFile("notes", 3), aFolder("Documents"), aFolder(".cache") } },
+            { "/h/Documents", { aFile("letter", 100) } }, { "/h/.cache", { aFile("thing", 5) } } },
+        u"/h 8 1, /h/notes 3 0, /h/Documents 0 1, /h/.cache 5 1, /h/.cache/thing 5 0"_s,
+        { .rootPath = "/h", .allowlist = FastScanner::quietAllowlist(u"/h"_s) });
+    row("the root of the disk",
+        { { "/", { aFolder("home"), aFolder("usr") } }, { "/home", { aFile("f", 100) } },
+            { "/usr", { aFile("f", 5) } } },
+        u"/ 5 1, /home 0 1, /usr 5 1, /usr/f 5 0"_s,
+        { .rootPath = "/", .exclusions = FastScanner::defaultExclusions() });
+    row("names that are not text",
+        { { "/r", { aFolder("caf\xE9"), aFolder("line\nfeed") } }, { "/r/caf\xE9", { aFile("f\xFF", 3) } },
+            { "/r/line\nfeed", { aFile("g", 5) } } },
+        u"/r 8 1, /r/caf\uFFFD 3 1, /r/line\nfeed 5 1, /r/line\nfeed/g 5 0, /r/caf\uFFFD/f\uFFFD 3 0"_s);
+    row("a root whose name is not text",
+        { { "/caf\xE9", { aFolder("in"), aFolder("out") } }, { "/caf\xE9/in", { aFile("f", 3) } },
+            { "/caf\xE9/out", { aFile("f", 5) } } },
+        u"/caf\uFFFD 3 1, /caf\uFFFD/in 3 1, /caf\uFFFD/out 0 1, /caf\uFFFD/in/f 3 0"_s,
+        { .rootPath = "/caf\xE9", .allowlist = { { u"/caf\uFFFD"_s, { u"in"_s } } } });
 }
 
-void TestFastScanner::rootThatCannotBeOpenedGivesOneUnreadableNode()
+void TestFastScanner::treeTellsWhatTheDiskHolds()
 {
-    FakeDirectories directories;
-    directories.rootDevice = std::nullopt;
-    const auto result = scanned(directories, { .rootPath = "/missing" });
-    QCOMPARE(nodes(result), QStringList{ u"/missing 0 17"_s });
-    QCOMPARE(result.root, 0);
-    QCOMPARE(result.unreadableDirectories, 1);
+    QFETCH(Folders, folders);
+    QFETCH(FastScanner::Request, request);
+    for (const size_t recordsPerRead : { 1, 1000 }) {
+        FakeDirectories directories;
+        directories.recordsPerRead = recordsPerRead;
+        if (folders.empty())
+            directories.rootDevice = std::nullopt;
+        for (const auto &[path, records] : folders)
+            directories.folder(path, records);
+        FastScanner scanner(directories);
+        const auto result = scanner.scan(request);
+        QTEST(nodes(result), "tree");
+        QVERIFY(result.duration >= 0);
+        QCOMPARE(result.root, 0);
+        QCOMPARE(result.tree->dirCount(), countOf(result, Flags::directory));
+        QCOMPARE(result.unreadableDirectories, countOf(result, Flags::unreadable));
+        QCOMPARE(result.unmeasuredFiles, countOf(result, Flags::unmeasured));
+        const auto fenced = std::ranges::count(result.tree->flags(), Flags::mountPoint);
+        QCOMPARE(scanner.progress(),
+            (FastScanner::Progress{
+                .filesSeen = result.tree->fileCount() - fenced, .bytesSeen = result.tree->size(0) }));
+    }
 }
 
 void TestFastScanner::rootPathIsStandardised_data()
@@ -134,311 +258,19 @@ void TestFastScanner::rootPathIsStandardised()
     FakeDirectories directories;
     directories.folder(root.toStdString(), { aFile("f", 3) });
     const auto result = scanned(directories, { .rootPath = asked.toStdString(), .home = "/home/someone" });
-    QCOMPARE(result.tree->path(result.root), root);
-    QCOMPARE(result.tree->size(result.root), 3);
-    QCOMPARE(result.tree->path(1), (root == u"/" ? QString() : root) + u"/f"_s);
+    QCOMPARE(nodes(result), u"%1 3 1, %2/f 3 0"_s.arg(root, root == u"/" ? QString() : root));
 }
 
-void TestFastScanner::sizesAreRolledUpAndSorted()
+void TestFastScanner::childrenAreSortedBySize()
 {
     FakeDirectories directories;
     directories.folder("/r", { aFile("small", 1), aFolder("a"), aFile("large", 20), aFile("also small", 1) });
-    directories.folder("/r/a", { aFile("x", 4), aFolder("b") });
-    directories.folder("/r/a/b", { aFile("y", 6) });
+    directories.folder("/r/a", { aFile("x", 10) });
     const auto result = scanned(directories);
-    QCOMPARE(result.tree->size(result.root), 32);
-    QCOMPARE(result.tree->size(find(result, u"/r/a"_s)), 10);
     QStringList names;
     for (const auto child : result.tree->children(result.root))
         names << result.tree->name(child);
     QCOMPARE(names, (QStringList{ u"large"_s, u"a"_s, u"also small"_s, u"small"_s }));
-    QCOMPARE(result.tree->fileCount(), 5);
-    QCOMPARE(result.tree->dirCount(), 3);
-}
-
-void TestFastScanner::recordsOfSeveralReadsAreJoined()
-{
-    FakeDirectories directories;
-    directories.recordsPerRead = 2;
-    directories.folder("/r", { aFile("a", 1), aFile("b", 2), aFile("c", 4), aFolder("d"), aFile("e", 8) });
-    directories.folder("/r/d", { aFile("f", 16) });
-    const auto result = scanned(directories);
-    QCOMPARE(result.tree->size(result.root), 31);
-    QCOMPARE(nodes(result),
-        (QStringList{ u"/r 31 1"_s, u"/r/a 1 0"_s, u"/r/b 2 0"_s, u"/r/c 4 0"_s, u"/r/d 16 1"_s,
-            u"/r/e 8 0"_s, u"/r/d/f 16 0"_s }));
-}
-
-void TestFastScanner::unreadableFolderIsMarkedAndCounted()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFolder("shut"), aFolder("gone"), aFile("f", 5) });
-    directories.folder("/r/shut", { aFile("hidden", 100) });
-    directories.closed = { "/r/shut" };
-    const auto result = scanned(directories);
-    QCOMPARE(result.unreadableDirectories, 2);
-    QCOMPARE(result.tree->size(result.root), 5);
-    QCOMPARE(result.tree->nodeFlags(find(result, u"/r/shut"_s)), Flags::directory | Flags::unreadable);
-    QCOMPARE(result.tree->nodeFlags(find(result, u"/r/gone"_s)), Flags::directory | Flags::unreadable);
-    QCOMPARE(find(result, u"/r/shut/hidden"_s), FileTree::noNode);
-}
-
-void TestFastScanner::hardLinksCountOnce()
-{
-    FakeDirectories directories;
-    auto link = aFile("link", 100);
-    link.fileDevice = 1;
-    link.fileId = 42;
-    link.linkCount = 2;
-    directories.folder("/r", { aFolder("a"), aFolder("b") });
-    directories.folder("/r/a", { link });
-    directories.folder("/r/b", { link });
-    FastScanner scanner(directories);
-    const auto result = scanner.scan({ .rootPath = "/r" });
-    QCOMPARE(result.tree->size(result.root), 100);
-    QVERIFY(find(result, u"/r/a/link"_s) != FileTree::noNode);
-    QVERIFY(find(result, u"/r/b/link"_s) != FileTree::noNode);
-    QCOMPARE(scanner.progress().filesSeen, 2);
-    QCOMPARE(scanner.progress().bytesSeen, 100);
-}
-
-void TestFastScanner::sameFileIdOnAnotherDeviceCounts()
-{
-    FakeDirectories directories;
-    auto one = aFile("one", 100);
-    one.fileDevice = 1;
-    one.fileId = 42;
-    one.linkCount = 2;
-    auto other = one;
-    other.name = "other";
-    other.fileDevice = 2;
-    directories.folder("/r", { one, other });
-    QCOMPARE(scanned(directories).tree->size(0), 200);
-}
-
-void TestFastScanner::fileWithoutAnIdAlwaysCounts()
-{
-    FakeDirectories directories;
-    auto file = aFile("one", 100);
-    file.linkCount = 2;
-    auto other = file;
-    other.name = "other";
-    directories.folder("/r", { file, other });
-    QCOMPARE(scanned(directories).tree->size(0), 200);
-}
-
-void TestFastScanner::linkIsAFileOfItsOwnSizeAndNotEntered()
-{
-    FakeDirectories directories;
-    auto link = aFile("link", 12);
-    link.type = Type::symlink;
-    directories.folder("/r", { link });
-    directories.folder("/r/link", { aFile("behind", 100) });
-    const auto result = scanned(directories);
-    QCOMPARE(nodes(result), (QStringList{ u"/r 12 1"_s, u"/r/link 12 2"_s }));
-    QCOMPARE(result.tree->fileCount(), 1);
-    QCOMPARE(directories.opened(), Paths{ "/r" });
-}
-
-void TestFastScanner::packagesAreMarkedAndEntered_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<bool>("isPackage");
-    QTest::newRow("app") << QByteArray("Foo.app") << true;
-    QTest::newRow("bundle") << QByteArray("x.bundle") << true;
-    QTest::newRow("framework") << QByteArray("x.framework") << true;
-    QTest::newRow("project") << QByteArray("x.xcodeproj") << true;
-    QTest::newRow("photo library") << QByteArray("x.photoslibrary") << true;
-    QTest::newRow("another case") << QByteArray("Foo.APP") << false;
-    QTest::newRow("suffix alone") << QByteArray(".app") << false;
-    QTest::newRow("suffix inside") << QByteArray("Foo.app.d") << false;
-    QTest::newRow("no dot") << QByteArray("Fooapp") << false;
-}
-
-void TestFastScanner::packagesAreMarkedAndEntered()
-{
-    QFETCH(QByteArray, name);
-    QFETCH(bool, isPackage);
-    FakeDirectories directories;
-    const auto path = "/r/" + name.toStdString();
-    auto file = aFile("file.app", 1);
-    directories.folder("/r", { aFolder({ name.data(), size_t(name.size()) }) });
-    directories.folder(path, { file });
-    const auto result = scanned(directories);
-    QCOMPARE(contains(result.tree->nodeFlags(1), Flags::package), isPackage);
-    QCOMPARE(result.tree->size(1), 1);
-    QCOMPARE(result.tree->nodeFlags(2), Flags::none);
-}
-
-void TestFastScanner::entryWithoutANameIsDropped()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFile("", 100), aFile("f", 1), aFolder("") });
-    FastScanner scanner(directories);
-    const auto result = scanner.scan({ .rootPath = "/r" });
-    QCOMPARE(nodes(result), (QStringList{ u"/r 1 1"_s, u"/r/f 1 0"_s }));
-    QCOMPARE(scanner.progress().filesSeen, 1);
-}
-
-void TestFastScanner::otherDeviceIsListedButNeitherMeasuredNorEntered()
-{
-    FakeDirectories directories;
-    auto file = aFile("file", 100);
-    auto folder = aFolder("folder");
-    file.device = folder.device = FakeDirectories::homeDevice + 1;
-    directories.folder("/r", { file, folder });
-    directories.folder("/r/folder", { aFile("behind", 100) });
-    FastScanner scanner(directories);
-    const auto result = scanner.scan({ .rootPath = "/r" });
-    QCOMPARE(nodes(result), (QStringList{ u"/r 0 1"_s, u"/r/file 0 8"_s, u"/r/folder 0 9"_s }));
-    QCOMPARE(scanner.progress().filesSeen, 0);
-    QCOMPARE(directories.opened(), Paths{ "/r" });
-}
-
-void TestFastScanner::otherDeviceIsMeasuredWhenCrossingIsAllowed()
-{
-    FakeDirectories directories;
-    auto file = aFile("file", 100);
-    auto folder = aFolder("folder");
-    file.device = folder.device = FakeDirectories::homeDevice + 1;
-    directories.folder("/r", { file, folder });
-    directories.folder("/r/folder", { aFile("behind", 100) });
-    const auto result = scanned(directories, { .rootPath = "/r", .crossDevices = true });
-    QCOMPARE(nodes(result),
-        (QStringList{
-            u"/r 200 1"_s, u"/r/file 100 0"_s, u"/r/folder 100 1"_s, u"/r/folder/behind 100 0"_s }));
-}
-
-void TestFastScanner::mountPointIsNeverEntered_data()
-{
-    QTest::addColumn<bool>("crossDevices");
-    QTest::newRow("staying") << false;
-    QTest::newRow("crossing") << true;
-}
-
-void TestFastScanner::mountPointIsNeverEntered()
-{
-    QFETCH(bool, crossDevices);
-    FakeDirectories directories;
-    auto mount = aFolder("Mount.app");
-    mount.isMountPoint = true;
-    directories.folder("/r", { mount });
-    directories.folder("/r/Mount.app", { aFile("behind", 100) });
-    const auto result = scanned(directories, { .rootPath = "/r", .crossDevices = crossDevices });
-    QCOMPARE(result.tree->nodeCount(), 2);
-    QCOMPARE(result.tree->nodeFlags(1), Flags::directory | Flags::package | Flags::mountPoint);
-    QCOMPARE(result.unreadableDirectories, 0);
-}
-
-void TestFastScanner::deviceThatIsNotToldIsNoBoundary()
-{
-    FakeDirectories directories;
-    auto file = aFile("file", 100);
-    file.device = 0;
-    directories.folder("/r", { file });
-    QCOMPARE(scanned(directories).tree->size(0), 100);
-}
-
-void TestFastScanner::exclusionHoldsForFoldersAlone()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFolder("out"), aFolder("outside"), aFile("file", 2) });
-    directories.folder("/r/out", { aFile("hidden", 100) });
-    directories.folder("/r/outside", { aFile("seen", 4) });
-    const auto result
-        = scanned(directories, { .rootPath = "/r", .exclusions = { u"/r/out"_s, u"/r/file"_s } });
-    QCOMPARE(nodes(result),
-        (QStringList{
-            u"/r 6 1"_s, u"/r/out 0 1"_s, u"/r/outside 4 1"_s, u"/r/file 2 0"_s, u"/r/outside/seen 4 0"_s }));
-    QCOMPARE(result.unreadableDirectories, 0);
-}
-
-void TestFastScanner::exclusionsCompareByCanonicalEquivalence()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFolder("caf\xC3\xA9"), aFolder("bar\xE9") });
-    const auto result
-        = scanned(directories, { .rootPath = "/r", .exclusions = { u"/r/cafe\u0301"_s, u"/r/bar\uFFFD"_s } });
-    QCOMPARE(directories.opened(), Paths{ "/r" });
-    QCOMPARE(result.unreadableDirectories, 0);
-}
-
-void TestFastScanner::listsDoNotApplyToTheRoot()
-{
-    FakeDirectories directories;
-    directories.folder("/r/home", { aFile("f", 3) });
-    const auto result = scanned(directories,
-        { .rootPath = "/r/home",
-            .exclusions = { u"/r/home"_s },
-            .allowlist = { { u"/r"_s, { u"other"_s } } } });
-    QCOMPARE(result.tree->size(0), 3);
-}
-
-void TestFastScanner::allowlistRestrictsOnlyItsKeys()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFolder("in"), aFolder("out") });
-    directories.folder("/r/in", { aFolder("any"), aFolder("deep") });
-    directories.folder("/r/in/any", { aFile("f", 1) });
-    directories.folder("/r/in/deep", { aFolder("in"), aFolder("out") });
-    directories.folder("/r/in/deep/in", { aFile("f", 2) });
-    directories.folder("/r/in/deep/out", { aFile("f", 4) });
-    directories.folder("/r/out", { aFile("f", 8) });
-    const auto result = scanned(directories,
-        { .rootPath = "/r",
-            .allowlist = { { u"/r"_s, { u"in"_s } }, { u"/r/in/deep"_s, { u"in"_s, u"missing"_s } } } });
-    QCOMPARE(result.tree->size(0), 3);
-    QCOMPARE(result.tree->nodeFlags(find(result, u"/r/out"_s)), Flags::directory);
-    QCOMPARE(result.tree->children(find(result, u"/r/in/deep/out"_s)), QList<qint32>());
-    QCOMPARE(result.unreadableDirectories, 0);
-}
-
-void TestFastScanner::emptyAllowedSetStillMeasuresFiles()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFile("f", 3), aFolder("a") });
-    directories.folder("/r/a", { aFile("g", 5) });
-    const auto result = scanned(directories, { .rootPath = "/r", .allowlist = { { u"/r"_s, {} } } });
-    QCOMPARE(nodes(result), (QStringList{ u"/r 3 1"_s, u"/r/f 3 0"_s, u"/r/a 0 1"_s }));
-}
-
-void TestFastScanner::quietScopeMeasuresFilesOfTheHomeAndNotItsDocuments()
-{
-    FakeDirectories directories;
-    directories.folder("/h", { aFile("notes", 3), aFolder("Documents"), aFolder(".cache") });
-    directories.folder("/h/Documents", { aFile("letter", 100) });
-    directories.folder("/h/.cache", { aFile("thing", 5) });
-    const auto result
-        = scanned(directories, { .rootPath = "/h", .allowlist = FastScanner::quietAllowlist(u"/h"_s) });
-    QCOMPARE(result.tree->size(0), 8);
-    const auto documents = find(result, u"/h/Documents"_s);
-    QVERIFY(result.tree->isDirectory(documents));
-    QCOMPARE(result.tree->size(documents), 0);
-}
-
-void TestFastScanner::namesThatAreNotTextAreOpenedRaw()
-{
-    FakeDirectories directories;
-    directories.folder("/r", { aFolder("caf\xE9"), aFolder("line\nfeed") });
-    directories.folder("/r/caf\xE9", { aFile("f\xFF", 3) });
-    directories.folder("/r/line\nfeed", { aFile("g", 5) });
-    const auto result = scanned(directories);
-    QCOMPARE(result.unreadableDirectories, 0);
-    QCOMPARE(result.tree->size(0), 8);
-    QCOMPARE(result.tree->rawPath(find(result, u"/r/caf\uFFFD/f\uFFFD"_s)), std::string("/r/caf\xE9/f\xFF"));
-}
-
-void TestFastScanner::folderNamedWithTheWholePathOfTheFileSystemRoot()
-{
-    FakeDirectories directories;
-    directories.folder("/", { aFolder("home"), aFolder("usr") });
-    directories.folder("/home", { aFile("f", 100) });
-    directories.folder("/usr", { aFile("f", 5) });
-    const auto result
-        = scanned(directories, { .rootPath = "/", .exclusions = FastScanner::defaultExclusions() });
-    QCOMPARE(directories.opened(), (Paths{ "/", "/usr" }));
-    QCOMPARE(result.tree->size(0), 5);
-    QCOMPARE(result.tree->path(3), u"/usr/f"_s);
 }
 
 void TestFastScanner::threadCountIsClamped_data()
