@@ -75,4 +75,10 @@ std::string standardisedPath(const std::string &path, const std::string &home)
     return standardised<std::string, std::string_view>(path, home, '~', '.', '/');
 }
 
+std::string parentOf(const std::string &path)
+{
+    const auto slash = path.find_last_of('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
 } // namespace Quillbrook

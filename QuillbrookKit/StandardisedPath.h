@@ -16,4 +16,7 @@ namespace Quillbrook {
 /// The same for raw bytes.
 [[nodiscard]] std::string standardisedPath(const std::string &path, const std::string &home);
 
+/// The folder that `path` (absolute, raw bytes) lies in; "/" for what lies there, and for "/" itself.
+[[nodiscard]] std::string parentOf(const std::string &path);
+
 } // namespace Quillbrook

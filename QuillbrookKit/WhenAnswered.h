@@ -1,7 +1,7 @@
 #pragma once
 
-// Waiting for an answer without outliving the one who waits: QFuture::then takes its context's end for a
-// mistake.
+// Calls a function with the answer of a future, unless the object that waits for it has gone. QFuture::then
+// can't be used for that: it warns when its context ends before the answer comes.
 
 #include <QFuture>
 #include <QFutureWatcher>
@@ -11,8 +11,8 @@
 
 namespace Quillbrook {
 
-/// Calls `take` with the answer, at once where it is there already, else on the thread of `context`; never
-/// when `context` has gone by then, or when the answer was called off.
+/// Calls `take` with the answer: at once where the answer is there already, else on the thread of `context`.
+/// Nothing is called when `context` has gone by then, or when the future was cancelled.
 template <typename Answer, typename Take>
 void whenAnswered(const QFuture<Answer> &future, QObject *context, Take take)
 {

@@ -19,7 +19,7 @@ public:
         std::chrono::milliseconds leeway{};
     };
 
-    /// Ends the timer, drops what has not begun and waits for the work in hand.
+    /// Ends the timer, drops what has not begun and waits for the work that runs.
     virtual ~UtilityQueue() = default;
     /// Runs `work` on the queue after what waits there already. From any thread.
     virtual void async(std::function<void()> work) = 0;

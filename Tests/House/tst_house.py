@@ -23,6 +23,7 @@ KIT_DIRECTIONS = {
     "Platform/Linux/Trash": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Scan"},
     "Platform/Linux/Backups": {"Platform", "Platform/Linux/Files"},
     "Platform/Linux/Processes": {"Platform", "Platform/Linux/Files"},
+    "Platform/Linux": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Trash"},
     "Scan": {"Platform"},
     "Catalogue": {"Platform", "Scan"},
     "Catalogue/Linux": {"Catalogue", "Platform", "Scan", "Platform/Linux/Files", "Platform/Linux/Folders"},
@@ -38,11 +39,16 @@ KIT_DIRECTIONS = {
 # the rooms of Linux its rooms too.
 APPLICATION_DIRECTIONS = {
     "Platform": set(),
-    "Platform/Linux/Sandbox": {"Platform"},
-    "Platform/Linux/Session": {"Platform", "Platform/Linux/Sandbox"},
-    "Platform/Linux/Notifications": {"Platform", "Platform/Linux/Session", "Platform/Linux/Sandbox"},
-    "Platform/Linux/Opening": {"Platform", "Platform/Linux/Sandbox"},
-    "Platform/Linux/Tray": {"Platform", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Bus": set(),
+    "Platform/Linux/Sandbox": {"Platform", "Platform/Linux/Bus"},
+    "Platform/Linux/Session": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Notifications": {
+        "Platform", "Platform/Linux/Bus", "Platform/Linux/Session", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Opening": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Tray": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
+    "Platform/Linux": {
+        "Platform", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
+        "Platform/Linux/Opening", "Platform/Linux/Tray"},
     "Core": {"Platform"},
     "Screens": {"Platform", "Core"},
     "Screens/Symbols": {"Screens"},

@@ -11,6 +11,9 @@ namespace Quillbrook {
 
 namespace {
 
+// The kernel's own files tell no size, and are written anew for each read: a large one keeps a table whole.
+constexpr qsizetype bytesOfAnUnknownSize = 65536;
+
 ssize_t readSome(int descriptor, char *buffer, size_t size)
 {
     ssize_t count = 0;
@@ -32,7 +35,8 @@ std::optional<QByteArray> LinuxFileReading::contents(const std::string &path, qs
         || facts.st_size > limit)
         return std::nullopt;
     // One byte more than the size said, so that a file that grows meanwhile is noticed.
-    QByteArray bytes(static_cast<qsizetype>(facts.st_size) + 1, Qt::Uninitialized);
+    QByteArray bytes(facts.st_size > 0 ? static_cast<qsizetype>(facts.st_size) + 1 : bytesOfAnUnknownSize,
+        Qt::Uninitialized);
     qsizetype length = 0;
     for (;;) {
         if (length > limit)

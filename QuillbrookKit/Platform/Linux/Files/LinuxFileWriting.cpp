@@ -3,6 +3,7 @@
 #include "Platform/Linux/Files/FileDescriptor.h"
 #include "Platform/Linux/Files/LinuxErrorText.h"
 #include "Platform/SpaceReserve.h"
+#include "StandardisedPath.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -29,12 +30,6 @@ std::expected<void, QString> answer(int error)
     if (error == 0)
         return {};
     return std::unexpected(LinuxErrorText::sentence(error));
-}
-
-std::string parentOf(const std::string &path)
-{
-    const auto slash = path.find_last_of('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
 // 0, or the error number of the folder that could not be made.

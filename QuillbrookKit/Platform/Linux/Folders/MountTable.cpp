@@ -1,6 +1,6 @@
 #include "Platform/Linux/Folders/MountTable.h"
 
-#include "Platform/Linux/Files/TextFile.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
 
 #include <algorithm>
 #include <array>
@@ -14,6 +14,8 @@ constexpr size_t idField = 0;
 constexpr size_t parentField = 1;
 constexpr size_t mountPointField = 4;
 constexpr size_t fieldsNeeded = 5;
+// A machine of many containers has some thousand mounts, with a line each.
+constexpr qsizetype longestTable = qsizetype{ 64 } * 1024 * 1024;
 
 std::optional<std::uint64_t> number(std::string_view text)
 {
@@ -77,10 +79,10 @@ std::vector<Mount> MountTable::parse(std::string_view mountinfo)
 
 std::optional<std::vector<Mount>> MountTable::read()
 {
-    const auto text = TextFile::read("/proc/self/mountinfo");
+    const auto text = LinuxFileReading().contents("/proc/self/mountinfo", longestTable);
     if (!text)
         return std::nullopt;
-    return parse(*text);
+    return parse({ text->constData(), static_cast<size_t>(text->size()) });
 }
 
 } // namespace Quillbrook

@@ -41,7 +41,7 @@ int OpenFolders::open(const std::string &path)
         return -1;
     if (m_line.size() == mostOpenFolders)
         m_line.erase(m_line.begin());
-    // `m_path` begins with the nearest ancestor's path already.
+    // `m_path` begins with the nearest ancestor's path already; only what follows is copied.
     const auto known = m_line.empty() ? 0 : m_line.back().pathLength;
     m_path.replace(known, std::string::npos, path, known);
     m_line.push_back({ path.size(), std::move(folder) });

@@ -1,6 +1,6 @@
 #include "Platform/Linux/Processes/LinuxProcessors.h"
 
-#include "Platform/Linux/Files/TextFile.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
 
 #include <algorithm>
 #include <charconv>
@@ -17,6 +17,14 @@ namespace {
 constexpr int mostProcessors = 8192;
 // Capacities of one kind of core differ a little by favoured clock rates; the slow kind is far below this.
 constexpr double sameKindShare = 0.75;
+// What the kernel tells here takes some lines; all control groups of a process do too.
+constexpr qsizetype longestText = qsizetype{ 1024 } * 1024;
+
+std::optional<std::string> textOf(const std::string &path)
+{
+    const auto text = LinuxFileReading().contents(path, longestText);
+    return text ? std::optional(text->toStdString()) : std::nullopt;
+}
 
 std::optional<long> numberIn(std::string_view text)
 {
@@ -29,7 +37,7 @@ std::optional<long> numberIn(std::string_view text)
 
 std::optional<long> numberInFile(const std::string &path)
 {
-    const auto text = TextFile::read(path);
+    const auto text = textOf(path);
     return text ? numberIn(*text) : std::nullopt;
 }
 
@@ -62,17 +70,18 @@ int processorsPaidBy(std::string_view quotaAndPeriod)
     return static_cast<int>(std::min<long>((*quota - 1) / *period + 1, unlimited));
 }
 
-// The path of the own group in the unified hierarchy: the line "0::/path".
-std::string groupPathIn(std::string_view text)
+// The path of the own group in the unified hierarchy: the line "0::/path". Empty for its root, which is what
+// a container is told of its own group; absent where there is no such hierarchy.
+std::optional<std::string> groupPathIn(std::string_view text)
 {
     while (!text.empty()) {
         const auto length = std::min(text.find('\n'), text.size());
         const auto line = text.substr(0, length);
         if (line.starts_with("0::/"))
-            return std::string(line.substr(3));
+            return std::string(line == "0::/" ? std::string_view() : line.substr(3));
         text.remove_prefix(std::min(length + 1, text.size()));
     }
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
@@ -127,7 +136,7 @@ int LinuxProcessors::activeProcessors() const
 // the slow ones has those as its fastest.
 std::vector<int> LinuxProcessors::fastest(const std::vector<int> &allowed) const
 {
-    if (const auto text = TextFile::read(m_sources.sys + "/devices/cpu_core/cpus")) {
+    if (const auto text = textOf(m_sources.sys + "/devices/cpu_core/cpus")) {
         std::vector<int> fast;
         std::ranges::set_intersection(allowed, parseProcessorList(*text), std::back_inserter(fast));
         return fast.empty() ? allowed : fast;
@@ -152,16 +161,11 @@ std::vector<int> LinuxProcessors::fastest(const std::vector<int> &allowed) const
 // A limit on any enclosing group holds for the own one.
 int LinuxProcessors::withinQuota(int count) const
 {
-    const auto groups = TextFile::read(m_sources.ownControlGroup);
-    auto path = groups ? groupPathIn(*groups) : std::string();
-    while (!path.empty()) {
-        if (path != "/") {
-            const auto limit = TextFile::read(m_sources.sys + "/fs/cgroup" + path + "/cpu.max");
-            if (limit)
-                count = std::min(count, processorsPaidBy(*limit));
-        }
-        const auto slash = path.rfind('/');
-        path.resize(slash == std::string::npos ? 0 : slash);
+    const auto groups = textOf(m_sources.ownControlGroup);
+    for (auto path = groups ? groupPathIn(*groups) : std::nullopt; path;) {
+        if (const auto limit = textOf(m_sources.sys + "/fs/cgroup" + *path + "/cpu.max"))
+            count = std::min(count, processorsPaidBy(*limit));
+        path = path->empty() ? std::nullopt : std::optional(path->substr(0, path->rfind('/')));
     }
     return std::max(count, 1);
 }

@@ -21,15 +21,15 @@ using Moment = std::chrono::steady_clock::time_point;
 constexpr int lowNice = 10;
 constexpr auto shortestInterval = std::chrono::milliseconds(1);
 
-// Of the calling thread, which 0 stands for. A machine that refuses serves the thread like any other.
+// Both calls take 0 for the calling thread. Where the system refuses them, the thread runs like any other.
 void takeLowPriority()
 {
     ::setpriority(PRIO_PROCESS, 0, lowNice);
     ::syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, 0, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
 }
 
-// How much later than asked the kernel may wake the calling thread. Only while it waits for the timer: the
-// threads that it starts take over what it has then.
+// While it lives, the kernel may wake the calling thread this much later than asked. It lives only while the
+// thread waits for the timer, because a thread that is started inherits the slack of the one that starts it.
 class Slack
 {
 public:

@@ -15,8 +15,8 @@ namespace Quillbrook {
 class LinuxUtilityQueue final : public UtilityQueue
 {
 public:
-    /// `patience`: how long the end waits for the work in hand. Work that takes longer hangs in the kernel,
-    /// and is left behind with its thread.
+    /// `patience`: how long the destructor waits for the work that runs. Work that takes longer hangs in the
+    /// kernel, and is left behind with its thread.
     explicit LinuxUtilityQueue(std::chrono::milliseconds patience = std::chrono::seconds(20));
     LinuxUtilityQueue(const LinuxUtilityQueue &) = delete;
     LinuxUtilityQueue &operator=(const LinuxUtilityQueue &) = delete;

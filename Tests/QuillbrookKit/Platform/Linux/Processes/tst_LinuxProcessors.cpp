@@ -161,27 +161,40 @@ void TestLinuxProcessors::affinityIsHonoured()
 
 void TestLinuxProcessors::quotaOfAnyEnclosingGroupCaps_data()
 {
+    QTest::addColumn<QByteArray>("groups");
     QTest::addColumn<QByteArray>("own");
     QTest::addColumn<QByteArray>("parent");
+    QTest::addColumn<QByteArray>("root");
     QTest::addColumn<int>("most");
-    QTest::newRow("none") << QByteArray("max 100000") << QByteArray("max 100000") << 1000;
-    QTest::newRow("own, one processor") << QByteArray("100000 100000") << QByteArray("max 100000") << 1;
-    QTest::newRow("own, less than one") << QByteArray("10000 100000") << QByteArray("max 100000") << 1;
-    QTest::newRow("own, one and a half") << QByteArray("150000 100000") << QByteArray("max 100000") << 2;
-    QTest::newRow("of the parent") << QByteArray("max 100000") << QByteArray("100000 100000") << 1;
-    QTest::newRow("damaged") << QByteArray("100000") << QByteArray("x y") << 1000;
-    QTest::newRow("period of nothing") << QByteArray("100000 0") << QByteArray("max 0") << 1000;
+    const QByteArray usual("12:cpu:/old\n0::/user.slice/app.scope\n");
+    const QByteArray none("max 100000");
+    const QByteArray one("100000 100000");
+    QTest::newRow("none") << usual << none << none << none << 1000;
+    QTest::newRow("own, one processor") << usual << one << none << none << 1;
+    QTest::newRow("own, less than one") << usual << QByteArray("10000 100000") << none << none << 1;
+    QTest::newRow("own, one and a half") << usual << QByteArray("150000 100000") << none << none << 2;
+    QTest::newRow("of the parent") << usual << none << one << none << 1;
+    QTest::newRow("of the root, as a container sees it") << usual << none << none << one << 1;
+    QTest::newRow("a container's own") << QByteArray("0::/\n") << none << none << one << 1;
+    QTest::newRow("of a group that is not the own") << QByteArray("0::/\n") << one << one << none << 1000;
+    QTest::newRow("no unified hierarchy") << QByteArray("12:cpu:/old\n") << one << one << one << 1000;
+    QTest::newRow("damaged") << usual << QByteArray("100000") << QByteArray("x y") << none << 1000;
+    QTest::newRow("period of nothing")
+        << usual << QByteArray("100000 0") << QByteArray("max 0") << none << 1000;
 }
 
 void TestLinuxProcessors::quotaOfAnyEnclosingGroupCaps()
 {
+    QFETCH(QByteArray, groups);
     QFETCH(QByteArray, own);
     QFETCH(QByteArray, parent);
+    QFETCH(QByteArray, root);
     QFETCH(int, most);
     const MadeMachine machine;
-    machine.tree.fileWith("cgroup", "12:cpu:/old\n0::/user.slice/app.scope\n");
+    machine.tree.fileWith("cgroup", groups.toStdString());
     machine.group("/user.slice/app.scope", own.toStdString());
     machine.group("/user.slice", parent.toStdString());
+    machine.group("", root.toStdString());
     QCOMPARE(machine.processors().performanceCores(), std::optional(std::min(machine.count, most)));
     QCOMPARE(machine.processors().activeProcessors(), std::min(machine.count, most));
 }

@@ -1,0 +1,11 @@
+#pragma once
+
+// How many files this process may have open at once.
+
+namespace Quillbrook {
+
+/// Raises the limit to the most that the system grants without asking. To be called once, before there are
+/// threads. Where it fails, the limit stays as it was.
+void raiseOpenFileLimit();
+
+} // namespace Quillbrook
