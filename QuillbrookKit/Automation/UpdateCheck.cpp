@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -34,12 +35,20 @@ bool isExample(const QString &host)
     });
 }
 
-// The person is led there by a link, which has to go to a web site and nowhere else.
+// The person is led there by a link, which has to go to a web site that proves who it is, and nowhere else.
 std::optional<QUrl> webAddress(const std::string &text)
 {
     const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
-    const bool isWeb = url.scheme() == u"https" || url.scheme() == u"http";
-    return url.isValid() && isWeb && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
+    const bool isWeb = url.isValid() && url.scheme() == u"https" && !url.host().isEmpty();
+    return isWeb ? std::optional(url) : std::nullopt;
+}
+
+// The version is shown, and the feed is not trusted with more than a word.
+bool canBeShown(const std::string &version)
+{
+    constexpr std::size_t longest = 40;
+    constexpr std::string_view allowed = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-";
+    return version.size() <= longest && version.find_first_not_of(allowed) == std::string::npos;
 }
 
 std::optional<AvailableUpdate> decode(const QByteArray &json)
@@ -50,7 +59,7 @@ std::optional<AvailableUpdate> decode(const QByteArray &json)
     const auto version = text(object, "version");
     const auto address = text(object, "url");
     const auto url = address ? webAddress(*address) : std::nullopt;
-    if (!version || !url)
+    if (!version || !canBeShown(*version) || !url)
         return std::nullopt;
     AvailableUpdate update{ .version = QString::fromStdString(*version), .url = *url };
     if (const auto *notes = member(object, "notes"); notes != nullptr && !notes->is_null()) {

@@ -16,9 +16,9 @@ class HttpClient;
 
 struct AvailableUpdate
 {
-    /// Numbers with dots between them.
+    /// Numbers with dots between them; at most 40 letters and digits of ASCII, dots and hyphens.
     QString version{};
-    /// Where to get it.
+    /// Where to get it: an https address with a host.
     QUrl url{};
     std::optional<QString> notes{};
 

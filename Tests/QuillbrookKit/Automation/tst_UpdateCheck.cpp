@@ -242,11 +242,15 @@ void TestUpdateCheck::bodyThatIsNotWholeIsNoUpdate_data()
     QTest::newRow("a number for notes")
         << QByteArray(R"({"version":"2","url":"https://updates.test/","notes":7})");
     QTest::newRow("another letter case") << QByteArray(R"({"Version":"2","url":"https://updates.test/"})");
-    for (const auto *url :
-        { "", "updates.test", "/get", "//updates.test/get", "file:///etc/passwd", "javascript:alert(1)",
-            "data:text/html,x", "ftp://updates.test/", "mailto:a@updates.test", "https:", "https://",
-            "https:///get", "https://a b/", "https://[1/", "https://updates.test:99999/",
-            " https://updates.test/", "smb://updates.test/", "quillbrook:update" })
+    for (const auto &version : { QByteArray("2 and more"), QByteArray("2\\n3"), QByteArray("2\u202e1"),
+             QByteArray("2<b>"), QByteArray("2\u00b2"), QByteArray(41, '2') })
+        QTest::addRow("version '%s'", version.constData())
+            << R"({"version":")" + version + R"(","url":"https://updates.test/"})";
+    for (const auto *url : { "", "updates.test", "http://updates.test/", "/get", "//updates.test/get",
+             "file:///etc/passwd", "javascript:alert(1)", "data:text/html,x", "ftp://updates.test/",
+             "mailto:a@updates.test", "https:", "https://", "https:///get", "https://a b/", "https://[1/",
+             "https://updates.test:99999/", " https://updates.test/", "smb://updates.test/",
+             "quillbrook:update" })
         QTest::addRow("leads to '%s'", url) << R"({"version":"2","url":")" + QByteArray(url) + R"("})";
 }
 
@@ -260,7 +264,7 @@ void TestUpdateCheck::addressOfAWebSiteIsTaken_data()
 {
     QTest::addColumn<QString>("url");
     for (const auto *url : { "https://updates.test", "https://updates.test/get?version=2#linux",
-             "HTTPS://updates.test/", "http://updates.test/", "https://updates.test:8443/" })
+             "HTTPS://updates.test/", "https://updates.test:8443/" })
         QTest::newRow(url) << QString::fromLatin1(url);
 }
 

@@ -8,9 +8,7 @@ using namespace Qt::StringLiterals;
 
 void LinuxLinkOpener::open(const QUrl &url)
 {
-    const auto scheme = url.scheme();
-    const bool isWebAddress = scheme == u"https"_s || scheme == u"http"_s;
-    if (isWebAddress && url.isValid() && !url.host().isEmpty())
+    if (url.isValid() && url.scheme() == u"https"_s && !url.host().isEmpty())
         QDesktopServices::openUrl(url);
 }
 

@@ -27,7 +27,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("url");
         QTest::addColumn<bool>("isOpened");
         QTest::newRow("https") << u"https://example.org/a%20b?c=d#e"_s << true;
-        QTest::newRow("http") << u"http://example.org/"_s << true;
+        QTest::newRow("http") << u"http://example.org/"_s << false;
         QTest::newRow("capitals") << u"HTTPS://example.org/"_s << true;
         QTest::newRow("file") << u"file:///usr/bin/true"_s << false;
         QTest::newRow("a path") << u"/usr/bin/true"_s << false;
