@@ -1,6 +1,9 @@
 #include "Platform/SettingsUserDefaults.h"
 
+#include "Platform/SpaceReserve.h"
+
 #include <cmath>
+#include <utility>
 
 namespace Quillbrook {
 
@@ -15,15 +18,22 @@ constexpr int exactDigits = 17;
 
 } // namespace
 
-SettingsUserDefaults::SettingsUserDefaults()
+SettingsUserDefaults::SettingsUserDefaults(SpaceReserve *reserve)
     : m_settings(u"Quillbrook"_s, u"Quillbrook"_s)
+    , m_reserve(reserve)
 {
     m_settings.setFallbacksEnabled(false);
 }
 
-SettingsUserDefaults::SettingsUserDefaults(const QString &path)
+SettingsUserDefaults::SettingsUserDefaults(const QString &path, SpaceReserve *reserve)
     : m_settings(path, QSettings::IniFormat)
+    , m_reserve(reserve)
 {
+}
+
+SettingsUserDefaults::~SettingsUserDefaults()
+{
+    write();
 }
 
 // The settings file knows texts only. Numbers are written as texts too, so that a value reads the same in
@@ -87,37 +97,69 @@ std::optional<QDateTime> SettingsUserDefaults::date(const QString &key) const
 
 void SettingsUserDefaults::setInteger(const QString &key, qint64 value)
 {
-    m_settings.setValue(key, QString::number(value));
+    set(key, QString::number(value));
 }
 
 void SettingsUserDefaults::setBoolean(const QString &key, bool value)
 {
-    m_settings.setValue(key, value ? trueText : falseText);
+    set(key, value ? trueText : falseText);
 }
 
 void SettingsUserDefaults::setReal(const QString &key, double value)
 {
-    m_settings.setValue(key, QString::number(value, 'g', exactDigits));
+    set(key, QString::number(value, 'g', exactDigits));
 }
 
 void SettingsUserDefaults::setTexts(const QString &key, const QStringList &value)
 {
-    m_settings.setValue(key, value);
+    set(key, value);
 }
 
 void SettingsUserDefaults::setData(const QString &key, const QByteArray &value)
 {
-    m_settings.setValue(key, value);
+    set(key, value);
 }
 
 void SettingsUserDefaults::setDate(const QString &key, const QDateTime &value)
 {
-    m_settings.setValue(key, value.toUTC().toString(Qt::ISODateWithMs));
+    set(key, value.toUTC().toString(Qt::ISODateWithMs));
 }
 
 void SettingsUserDefaults::remove(const QString &key)
 {
     m_settings.remove(key);
+    writeSoon();
+}
+
+void SettingsUserDefaults::set(const QString &key, const QVariant &value)
+{
+    m_settings.setValue(key, value);
+    writeSoon();
+}
+
+// Later, so that several changes in one go are one writing.
+void SettingsUserDefaults::writeSoon()
+{
+    if (!std::exchange(m_hasUnwritten, true))
+        QMetaObject::invokeMethod(
+            &m_settings, [this] { write(); }, Qt::QueuedConnection);
+}
+
+void SettingsUserDefaults::write()
+{
+    if (!std::exchange(m_hasUnwritten, false) || isWritten() || m_reserve == nullptr || !m_reserve->release())
+        return;
+    std::ignore = isWritten();
+    m_reserve->replenish();
+}
+
+// Whether the file holds everything, after an attempt to write what it doesn't. A store of its own asks,
+// because one that failed once says so for ever; both write the same unwritten values.
+bool SettingsUserDefaults::isWritten() const
+{
+    QSettings same(m_settings.fileName(), m_settings.format());
+    same.sync();
+    return same.status() != QSettings::AccessError;
 }
 
 } // namespace Quillbrook

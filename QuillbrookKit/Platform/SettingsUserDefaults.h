@@ -1,7 +1,7 @@
 #pragma once
 
-// The user defaults in the settings file of the program, ~/.config/Quillbrook/Quillbrook.conf. Main thread
-// only.
+// The user defaults in the settings file of the program, ~/.config/Quillbrook/Quillbrook.conf. What is set is
+// written soon, from the event loop. Main thread only.
 
 #include "Platform/UserDefaults.h"
 
@@ -9,12 +9,19 @@
 
 namespace Quillbrook {
 
+class SpaceReserve;
+
 class SettingsUserDefaults final : public UserDefaults
 {
 public:
-    SettingsUserDefaults();
+    /// `reserve` is given up for a second try where the file could not be written, and kept again afterwards;
+    /// it outlives this object. None: a full disk keeps the old file.
+    explicit SettingsUserDefaults(SpaceReserve *reserve = nullptr);
     /// Keeps them in the file at `path` instead.
-    explicit SettingsUserDefaults(const QString &path);
+    explicit SettingsUserDefaults(const QString &path, SpaceReserve *reserve = nullptr);
+    ~SettingsUserDefaults() override;
+    SettingsUserDefaults(const SettingsUserDefaults &) = delete;
+    SettingsUserDefaults &operator=(const SettingsUserDefaults &) = delete;
 
     [[nodiscard]] std::optional<qint64> integer(const QString &key) const override;
     [[nodiscard]] std::optional<bool> boolean(const QString &key) const override;
@@ -32,8 +39,14 @@ public:
 
 private:
     [[nodiscard]] std::optional<QString> text(const QString &key) const;
+    void set(const QString &key, const QVariant &value);
+    void writeSoon();
+    void write();
+    [[nodiscard]] bool isWritten() const;
 
     QSettings m_settings;
+    SpaceReserve *m_reserve;
+    bool m_hasUnwritten = false;
 };
 
 } // namespace Quillbrook

@@ -1,4 +1,5 @@
 #include "Platform/SettingsUserDefaults.h"
+#include "Support/FakeSpaceReserve.h"
 #include "Support/TempTree.h"
 
 #include <QDir>
@@ -47,6 +48,22 @@ SettingsUserDefaults inAnotherProcess(const TempTree &folder)
     return SettingsUserDefaults(copy);
 }
 
+// Sets a value, reads it again and once more in another process, and tells what that found.
+template <typename Value, typename Given>
+Value comesBack(const Value &value, void (SettingsUserDefaults::*set)(const QString &, Given),
+    std::optional<Value> (SettingsUserDefaults::*get)(const QString &) const)
+{
+    const TempTree folder;
+    {
+        SettingsUserDefaults defaults(folder.text("settings"));
+        (defaults.*set)(key, value);
+        [&] { QVERIFY((defaults.*get)(key) == value); }();
+    }
+    const auto other = (inAnotherProcess(folder).*get)(key);
+    [&] { QVERIFY(other == value); }();
+    return other.value_or(Value());
+}
+
 } // namespace
 
 class TestSettingsUserDefaults : public QObject
@@ -57,17 +74,7 @@ private Q_SLOTS:
     void initTestCase();
     void nothingIsThereAtFirst();
     void liesInTheProgramsSettingsFile();
-    void integersComeBack_data();
-    void integersComeBack();
-    void booleansComeBack();
-    void realsComeBack_data();
-    void realsComeBack();
-    void textListsComeBack_data();
-    void textListsComeBack();
-    void dataComesBack_data();
-    void dataComesBack();
-    void datesComeBack_data();
-    void datesComeBack();
+    void valuesComeBack();
     void whatIsNoMomentIsNoDate_data();
     void whatIsNoMomentIsNoDate();
     void laterValueReplacesTheEarlier();
@@ -78,8 +85,9 @@ private Q_SLOTS:
     void damagedFileMeansDefaults_data();
     void damagedFileMeansDefaults();
     void placeThatCanNotBeWrittenIsSilent();
-    void folderInThePlaceOfTheFileIsSilent();
     void fullDiskKeepsTheOldFile();
+    void fullDiskTakesTheReserve_data();
+    void fullDiskTakesTheReserve();
 };
 
 void TestSettingsUserDefaults::initTestCase()
@@ -112,134 +120,33 @@ void TestSettingsUserDefaults::liesInTheProgramsSettingsFile()
     QCOMPARE(file.readAll(), QByteArray("[General]\nQuillbrook.something=12\n"));
 }
 
-void TestSettingsUserDefaults::integersComeBack_data()
+void TestSettingsUserDefaults::valuesComeBack()
 {
-    QTest::addColumn<qint64>("value");
-    QTest::newRow("none") << qint64(0);
-    QTest::newRow("some") << qint64(1'234'567);
-    QTest::newRow("negative") << qint64(-1);
-    QTest::newRow("largest") << std::numeric_limits<qint64>::max();
-    QTest::newRow("smallest") << std::numeric_limits<qint64>::min();
-}
-
-void TestSettingsUserDefaults::integersComeBack()
-{
-    QFETCH(qint64, value);
-    const TempTree folder;
-    {
-        SettingsUserDefaults defaults(folder.text("settings"));
-        defaults.setInteger(key, value);
-        QCOMPARE(defaults.integer(key), std::optional(value));
-    }
-    QCOMPARE(inAnotherProcess(folder).integer(key), std::optional(value));
-}
-
-void TestSettingsUserDefaults::booleansComeBack()
-{
-    for (const bool value : { true, false }) {
-        const TempTree folder;
-        {
-            SettingsUserDefaults defaults(folder.text("settings"));
-            defaults.setBoolean(key, value);
-            QCOMPARE(defaults.boolean(key), std::optional(value));
-        }
-        QCOMPARE(inAnotherProcess(folder).boolean(key), std::optional(value));
-    }
-}
-
-void TestSettingsUserDefaults::realsComeBack_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::newRow("none") << 0.0;
-    QTest::newRow("a third") << 1.0 / 3;
-    QTest::newRow("a time") << 739'801'234.123'456;
-    QTest::newRow("largest") << std::numeric_limits<double>::max();
-    QTest::newRow("smallest") << std::numeric_limits<double>::denorm_min();
-    QTest::newRow("negative") << -0.1;
-}
-
-void TestSettingsUserDefaults::realsComeBack()
-{
-    QFETCH(double, value);
-    const TempTree folder;
-    {
-        SettingsUserDefaults defaults(folder.text("settings"));
-        defaults.setReal(key, value);
-        QVERIFY(defaults.real(key) == value);
-    }
-    QVERIFY(inAnotherProcess(folder).real(key) == value);
-}
-
-void TestSettingsUserDefaults::textListsComeBack_data()
-{
-    QTest::addColumn<QStringList>("value");
-    QTest::newRow("none") << QStringList();
-    QTest::newRow("one") << QStringList{ u"a.b"_s };
-    QTest::newRow("one empty") << QStringList{ QString() };
-    QTest::newRow("some") << QStringList{ u"a"_s, QString(), u"c"_s };
-    QTest::newRow("signs") << QStringList{ u"a,b"_s, u"\"c\""_s, u"@d"_s, u"e;f=g"_s, u"h\ni"_s, u"\\j"_s };
-    QTest::newRow("beyond ASCII") << QStringList{ u"größe"_s, u"отчёт"_s, u"📁"_s };
-}
-
-void TestSettingsUserDefaults::textListsComeBack()
-{
-    QFETCH(QStringList, value);
-    const TempTree folder;
-    {
-        SettingsUserDefaults defaults(folder.text("settings"));
-        defaults.setTexts(key, value);
-        QCOMPARE(defaults.texts(key), std::optional(value));
-    }
-    QCOMPARE(inAnotherProcess(folder).texts(key), std::optional(value));
-}
-
-void TestSettingsUserDefaults::dataComesBack_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::newRow("none") << QByteArray("");
-    QTest::newRow("text") << QByteArray("text");
-    QByteArray all;
+    using Defaults = SettingsUserDefaults;
+    using Integers = std::numeric_limits<qint64>;
+    using Reals = std::numeric_limits<double>;
+    for (const qint64 value : { qint64(0), qint64(1'234'567), qint64(-1), Integers::max(), Integers::min() })
+        comesBack(value, &Defaults::setInteger, &Defaults::integer);
+    for (const bool value : { true, false })
+        comesBack(value, &Defaults::setBoolean, &Defaults::boolean);
+    for (const double value : { 0.0, 1.0 / 3, 739'801'234.123'456, Reals::max(), Reals::denorm_min(), -0.1 })
+        comesBack(value, &Defaults::setReal, &Defaults::real);
+    for (const auto &value : { QStringList(), QStringList{ u"a.b"_s }, QStringList{ QString() },
+             QStringList{ u"a"_s, QString(), u"c"_s },
+             QStringList{ u"a,b"_s, u"\"c\""_s, u"@d"_s, u"e;f=g"_s, u"h\ni"_s, u"\\j"_s },
+             QStringList{ u"größe"_s, u"отчёт"_s, u"📁"_s } })
+        comesBack(value, &Defaults::setTexts, &Defaults::texts);
+    QByteArray everyByte;
     for (int byte = 0; byte < 256; ++byte)
-        all.append(static_cast<char>(byte));
-    QTest::newRow("every byte") << all;
-}
-
-void TestSettingsUserDefaults::dataComesBack()
-{
-    QFETCH(QByteArray, value);
-    const TempTree folder;
-    {
-        SettingsUserDefaults defaults(folder.text("settings"));
-        defaults.setData(key, value);
-        QCOMPARE(defaults.data(key), std::optional(value));
-    }
-    QCOMPARE(inAnotherProcess(folder).data(key), std::optional(value));
-}
-
-void TestSettingsUserDefaults::datesComeBack_data()
-{
-    QTest::addColumn<QDateTime>("value");
+        everyByte.append(static_cast<char>(byte));
+    for (const auto &value : { QByteArray(""), QByteArray("text"), everyByte })
+        comesBack(value, &Defaults::setData, &Defaults::data);
     const QDateTime noon(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC);
-    QTest::newRow("whole") << noon;
-    QTest::newRow("to the millisecond") << noon.addMSecs(7);
-    QTest::newRow("the last one of a second") << noon.addMSecs(999);
-    QTest::newRow("before 1970") << QDateTime(QDate(1912, 1, 1), QTime(0, 0, 0, 1), Qt::UTC);
-    QTest::newRow("elsewhere") << QDateTime(QDate(2024, 6, 15), QTime(23, 30), Qt::OffsetFromUTC, -5 * 3600);
-    QTest::newRow("by the clock on the wall") << QDateTime(QDate(2024, 6, 15), QTime(12, 0), Qt::LocalTime);
-}
-
-void TestSettingsUserDefaults::datesComeBack()
-{
-    QFETCH(QDateTime, value);
-    const TempTree folder;
-    {
-        SettingsUserDefaults defaults(folder.text("settings"));
-        defaults.setDate(key, value);
-        QVERIFY(defaults.date(key) == value);
-    }
-    const auto read = inAnotherProcess(folder).date(key);
-    QVERIFY(read == value);
-    QCOMPARE(read->timeSpec(), Qt::UTC);
+    for (const auto &value : { noon, noon.addMSecs(7), noon.addMSecs(999),
+             QDateTime(QDate(1912, 1, 1), QTime(0, 0, 0, 1), Qt::UTC),
+             QDateTime(QDate(2024, 6, 15), QTime(23, 30), Qt::OffsetFromUTC, -5 * 3600),
+             QDateTime(QDate(2024, 6, 15), QTime(12, 0), Qt::LocalTime) })
+        QCOMPARE(comesBack(value, &Defaults::setDate, &Defaults::date).timeSpec(), Qt::UTC);
 }
 
 void TestSettingsUserDefaults::whatIsNoMomentIsNoDate_data()
@@ -373,26 +280,17 @@ void TestSettingsUserDefaults::placeThatCanNotBeWrittenIsSilent()
 {
     const TempTree folder;
     folder.file("file");
-    {
-        SettingsUserDefaults defaults(folder.text("file/settings"));
-        QVERIFY(!defaults.integer(key));
-        defaults.setInteger(key, 12);
-        QCOMPARE(defaults.integer(key), std::optional<qint64>(12));
+    folder.folder("folder");
+    for (const auto &place : { folder.text("file/settings"), folder.text("folder") }) {
+        {
+            SettingsUserDefaults defaults(place);
+            QVERIFY(!defaults.integer(key));
+            defaults.setInteger(key, 12);
+            QCOMPARE(defaults.integer(key), std::optional<qint64>(12));
+        }
+        QVERIFY(!SettingsUserDefaults(place).integer(key));
     }
-    QVERIFY(!SettingsUserDefaults(folder.text("file/settings")).integer(key));
-}
-
-void TestSettingsUserDefaults::folderInThePlaceOfTheFileIsSilent()
-{
-    const TempTree folder;
-    folder.folder("settings");
-    {
-        SettingsUserDefaults defaults(folder.text("settings"));
-        QVERIFY(!defaults.integer(key));
-        defaults.setInteger(key, 12);
-        QCOMPARE(defaults.integer(key), std::optional<qint64>(12));
-    }
-    QVERIFY(QDir(folder.text("settings")).exists());
+    QVERIFY(QDir(folder.text("folder")).exists());
 }
 
 void TestSettingsUserDefaults::fullDiskKeepsTheOldFile()
@@ -408,6 +306,35 @@ void TestSettingsUserDefaults::fullDiskKeepsTheOldFile()
         defaults.setInteger(key, 13);
     }
     QCOMPARE(inAnotherProcess(folder).integer(key), std::optional<qint64>(12));
+}
+
+// Soon, from the event loop, and at the end.
+void TestSettingsUserDefaults::fullDiskTakesTheReserve_data()
+{
+    QTest::addColumn<bool>("ends");
+    QTest::newRow("while it lives") << false;
+    QTest::newRow("at its end") << true;
+}
+
+void TestSettingsUserDefaults::fullDiskTakesTheReserve()
+{
+    QFETCH(bool, ends);
+    const TempTree folder;
+    FakeSpaceReserve reserve;
+    auto defaults = std::make_unique<SettingsUserDefaults>(folder.text("settings"), &reserve);
+    defaults->setInteger(key, 12);
+    QCoreApplication::processEvents();
+    QCOMPARE(reserve.released, 0);
+
+    auto noRoom = std::make_unique<NoRoom>();
+    reserve.onRelease = [&noRoom] { noRoom.reset(); };
+    defaults->setInteger(key, 13);
+    if (ends)
+        defaults.reset();
+    QCoreApplication::processEvents();
+    QCOMPARE(reserve.released, 1);
+    QCOMPARE(reserve.replenished, 1);
+    QCOMPARE(inAnotherProcess(folder).integer(key), std::optional<qint64>(13));
 }
 
 QTEST_GUILESS_MAIN(TestSettingsUserDefaults)
