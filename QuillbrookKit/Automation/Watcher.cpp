@@ -27,7 +27,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto firstLook = 5s;
+constexpr auto firstCheck = 5s;
 constexpr auto leeway = 60s;
 // What no clock has trouble with: thirty years.
 constexpr double longestInterval = 1e9;
@@ -72,12 +72,12 @@ struct Watcher::State
     {
     }
 
-    void look(bool force);
+    void check(bool force);
     [[nodiscard]] std::optional<ReclaimReport> measure() const;
     void tell();
 
     const KitServices kit;
-    /// Requested when the watcher goes, so that a look does not outlast it by much.
+    /// Requested when the watcher goes, so that a check does not outlast it by much.
     std::stop_source stop{};
 
     mutable std::mutex lock;
@@ -111,7 +111,7 @@ std::optional<ReclaimReport> Watcher::State::measure() const
             .places = { .homeDirectory = home, .skipping = fences.skipping, .host = &host.catalogue } });
 }
 
-void Watcher::State::look(bool force)
+void Watcher::State::check(bool force)
 {
     const auto report = measure();
     if (!report)
@@ -187,10 +187,10 @@ void Watcher::start()
     const auto present = settings();
     if (!present.enabled)
         return;
-    m_queue.startTimer({ .first = firstLook, .interval = intervalOf(present), .leeway = leeway },
+    m_queue.startTimer({ .first = firstCheck, .interval = intervalOf(present), .leeway = leeway },
         [weak = std::weak_ptr(m_state)] {
             if (const auto state = weak.lock())
-                state->look(false);
+                state->check(false);
         });
 }
 
@@ -202,14 +202,14 @@ void Watcher::stop()
 void Watcher::check(bool force)
 {
     const auto state = m_state;
-    state->look(force);
+    state->check(force);
 }
 
 void Watcher::checkSoon()
 {
     m_queue.async([weak = std::weak_ptr(m_state)] {
         if (const auto state = weak.lock())
-            state->look(false);
+            state->check(false);
     });
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 // Looks at the disk now and then while the program sits in the tray, and says something only if it is worth
-// saying. Every look is a complete, quiet scan of the home folder of its own, whatever the window shows.
+// saying. Every check is a complete, quiet scan of the home folder of its own, whatever the window shows.
 
 #include "Catalogue/ReclaimReport.h"
 
@@ -26,7 +26,7 @@ public:
         qint64 lowSpaceBytes = 21'474'836'480;
         /// Reclaimable bytes below this aren't worth a notice.
         qint64 minimumWorthMentioning = 2'147'483'648;
-        /// Seconds between looks.
+        /// Seconds between checks.
         double interval = 1800;
         /// The least number of seconds between two notices.
         double quietPeriod = 21600;
@@ -44,7 +44,7 @@ public:
         qint64 reclaimableBytes = 0;
         /// Title of the rule of the largest safe finding.
         std::optional<QString> biggestGroup{};
-        /// When the look finished.
+        /// When the check finished.
         QDateTime checkedAt{};
         bool shouldNotify = false;
         QString headline{};
@@ -67,10 +67,10 @@ public:
     void start();
     /// Ends the timer; the settings stay.
     void stop();
-    /// One look, on the calling thread, for as long as a scan takes. From any thread, even while another look
-    /// runs. A forced look is always worth a notice.
+    /// One check, on the calling thread, for as long as a scan takes. From any thread, even while another
+    /// check runs. A forced check is always worth a notice.
     void check(bool force);
-    /// One look that is not forced, soon and on the watcher's own queue.
+    /// One check that is not forced, soon and on the watcher's own queue.
     void checkSoon();
     /// Called with each observation, on the main thread, later.
     void setOnObservation(Observer observer);
@@ -86,7 +86,7 @@ public:
 private:
     struct State;
 
-    /// Shared with looks that run: they may outlast the watcher, and then tell no one.
+    /// Shared with checks that run: they may outlast the watcher, and then tell no one.
     std::shared_ptr<State> m_state;
     UtilityQueue &m_queue;
 };

@@ -1,12 +1,12 @@
 #include "Platform/Linux/Notifications/LinuxNotifier.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
 #include "Platform/Linux/Notifications/NotificationSettingsPage.h"
 #include "Platform/Linux/Notifications/NotificationSwitches.h"
 #include "Platform/UserDefaults.h"
 #include "WhenAnswered.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 #include <QProcess>
 #include <QPromise>
 #include <QUuid>
@@ -71,14 +71,14 @@ bool isKeptBack(const QDBusMessage &reply, const QString &name)
 } // namespace
 
 LinuxNotifier::LinuxNotifier(
-    const Needs &needs, const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
-    : m_needs(needs)
+    const Services &services, const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
+    : m_services(services)
     , m_bus(sessionBus)
-    , m_timeout(static_cast<int>(timeout.count()))
+    , m_timeout(timeout)
 {
     m_worker.setMaxThreadCount(1);
-    if (!m_needs.start)
-        m_needs.start = [](const QString &program, const QStringList &arguments) {
+    if (!m_services.start)
+        m_services.start = [](const QString &program, const QStringList &arguments) {
             QProcess::startDetached(program, arguments);
         };
 }
@@ -125,13 +125,13 @@ QFuture<NotificationState> LinuxNotifier::state()
 
 bool LinuxNotifier::hasSettings() const
 {
-    return NotificationSettingsPage::of(m_needs.session).has_value();
+    return NotificationSettingsPage::of(m_services.session).has_value();
 }
 
 void LinuxNotifier::openSettings()
 {
-    if (const auto page = NotificationSettingsPage::of(m_needs.session))
-        m_needs.start(page->program, page->arguments);
+    if (const auto page = NotificationSettingsPage::of(m_services.session))
+        m_services.start(page->program, page->arguments);
 }
 
 void LinuxNotifier::postToPortal(const QString &title, const QString &body)
@@ -156,16 +156,7 @@ void LinuxNotifier::postToServer(const QString &title, const QString &body)
 
 void LinuxNotifier::ask(const QDBusMessage &question, std::function<void(const QDBusMessage &)> take)
 {
-    // Without a bus a call would never come to an end.
-    if (!m_bus.isConnected()) {
-        take(QDBusMessage());
-        return;
-    }
-    auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(question, m_timeout), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [call, take = std::move(take)] {
-        call->deleteLater();
-        take(call->reply());
-    });
+    BusCall::ask(m_bus, question, m_timeout, this, std::move(take));
 }
 
 // A service is there that runs, or that the bus would start.
@@ -191,15 +182,15 @@ void LinuxNotifier::askPermissionStore(const Answer &answer)
         u"Lookup"_s);
     question << u"notifications"_s << u"notification"_s;
     ask(question, [this, answer](const QDBusMessage &reply) {
-        answer(isKeptBack(reply, m_needs.session.sandbox.application) ? NotificationState::denied
-                                                                      : stateByMemory());
+        answer(isKeptBack(reply, m_services.session.sandbox.application) ? NotificationState::denied
+                                                                         : stateByMemory());
     });
 }
 
 void LinuxNotifier::askSwitches(const Answer &answer)
 {
     const auto question
-        = [session = m_needs.session, processes = &m_needs.processes, reading = &m_needs.reading] {
+        = [session = m_services.session, processes = &m_services.processes, reading = &m_services.reading] {
               return NotificationSwitches::areOff(session, *processes, *reading);
           };
     whenAnswered(QtConcurrent::run(&m_worker, question), this,
@@ -208,14 +199,14 @@ void LinuxNotifier::askSwitches(const Answer &answer)
 
 NotificationState LinuxNotifier::stateByMemory() const
 {
-    return m_needs.defaults.boolean(askedKey).value_or(false) ? NotificationState::allowed
-                                                              : NotificationState::notAsked;
+    return m_services.defaults.boolean(askedKey).value_or(false) ? NotificationState::allowed
+                                                                 : NotificationState::notAsked;
 }
 
 void LinuxNotifier::rememberAsking()
 {
-    if (!m_needs.defaults.boolean(askedKey).value_or(false))
-        m_needs.defaults.setBoolean(askedKey, true);
+    if (!m_services.defaults.boolean(askedKey).value_or(false))
+        m_services.defaults.setBoolean(askedKey, true);
 }
 
 } // namespace Quillbrook

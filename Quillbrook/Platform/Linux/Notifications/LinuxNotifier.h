@@ -29,7 +29,7 @@ public:
     /// How long each service has to answer.
     static constexpr std::chrono::milliseconds patience{ 5000 };
 
-    struct Needs
+    struct Services
     {
         /// They outlive it.
         const ProcessRunner &processes;
@@ -40,7 +40,7 @@ public:
         std::function<void(const QString &program, const QStringList &arguments)> start{};
     };
 
-    explicit LinuxNotifier(const Needs &needs,
+    explicit LinuxNotifier(const Services &services,
         const QDBusConnection &sessionBus = QDBusConnection::sessionBus(),
         std::chrono::milliseconds timeout = patience);
 
@@ -53,7 +53,7 @@ public:
 private:
     using Answer = std::function<void(NotificationState)>;
 
-    [[nodiscard]] bool isSandboxed() const { return !m_needs.session.sandbox.isNone(); }
+    [[nodiscard]] bool isSandboxed() const { return !m_services.session.sandbox.isNone(); }
     void postToPortal(const QString &title, const QString &body);
     void postToServer(const QString &title, const QString &body);
     /// `take` gets the reply or the error, unless this object has gone by then.
@@ -65,9 +65,9 @@ private:
     [[nodiscard]] NotificationState stateByMemory() const;
     void rememberAsking();
 
-    Needs m_needs;
+    Services m_services;
     QDBusConnection m_bus;
-    int m_timeout;
+    std::chrono::milliseconds m_timeout;
     /// For the programs that tell of switches. Its end waits for them.
     QThreadPool m_worker;
 };

@@ -1,7 +1,10 @@
 #include "Platform/Linux/Opening/LinuxFileRevealer.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
+#include "Platform/Linux/Files/FileDescriptor.h"
+#include "StandardisedPath.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
 #include <QStringList>
@@ -9,19 +12,12 @@
 #include <QVariantMap>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace Quillbrook {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-std::string parentFolder(const std::string &path)
-{
-    const auto slash = path.find_last_of('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
 
 QDBusMessage showItems(const std::string &path)
 {
@@ -43,21 +39,14 @@ QDBusMessage openDirectory(int file)
 
 LinuxFileRevealer::LinuxFileRevealer(const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
     : m_bus(sessionBus)
-    , m_timeout(static_cast<int>(timeout.count()))
+    , m_timeout(timeout)
 {
 }
 
 void LinuxFileRevealer::reveal(const std::string &path)
 {
-    // Without a bus a call would never come to an end.
-    if (!m_bus.isConnected()) {
-        openFolder(path);
-        return;
-    }
-    auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(showItems(path), m_timeout), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, path] {
-        call->deleteLater();
-        if (call->isError())
+    BusCall::ask(m_bus, showItems(path), m_timeout, this, [this, path](const QDBusMessage &reply) {
+        if (reply.type() != QDBusMessage::ReplyMessage)
             askPortal(path);
     });
 }
@@ -65,23 +54,21 @@ void LinuxFileRevealer::reveal(const std::string &path)
 void LinuxFileRevealer::askPortal(const std::string &path)
 {
     // The portal is told by a handle that can't read, and opens the folder that holds what the handle names.
-    const auto file = ::open(path.c_str(), O_PATH | O_CLOEXEC);
-    if (file < 0) {
+    const FileDescriptor file(::open(path.c_str(), O_PATH | O_CLOEXEC));
+    if (!file.isOpen()) {
         openFolder(path);
         return;
     }
-    auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(openDirectory(file), m_timeout), this);
-    ::close(file);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, path] {
-        call->deleteLater();
-        if (call->isError())
-            openFolder(path);
-    });
+    BusCall::ask(
+        m_bus, openDirectory(file.number()), m_timeout, this, [this, path](const QDBusMessage &reply) {
+            if (reply.type() != QDBusMessage::ReplyMessage)
+                openFolder(path);
+        });
 }
 
 void LinuxFileRevealer::openFolder(const std::string &path)
 {
-    QDesktopServices::openUrl(QUrl(fileUri(parentFolder(path)), QUrl::StrictMode));
+    QDesktopServices::openUrl(QUrl(fileUri(parentOf(path)), QUrl::StrictMode));
 }
 
 QString fileUri(const std::string &path)

@@ -30,7 +30,7 @@ private:
     void openFolder(const std::string &path);
 
     QDBusConnection m_bus;
-    int m_timeout;
+    std::chrono::milliseconds m_timeout;
 };
 
 /// The file URI of a path in raw bytes: each byte that a URI can't hold is percent-encoded, so that a name

@@ -1,8 +1,10 @@
 #include "Platform/Linux/Sandbox/LinuxFolderGrants.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
 #include "Platform/Linux/Files/FileDescriptor.h"
 #include "Platform/Linux/Files/LinuxErrorText.h"
 #include "Platform/Linux/Sandbox/FolderBookmark.h"
+#include "StandardisedPath.h"
 
 #include <QDBusMessage>
 #include <QDBusReply>
@@ -31,11 +33,6 @@ constexpr std::string_view runtimeFolders = "/run/user/";
 /// The document portal's mount point below it, and in every Flatpak.
 constexpr std::string_view documentFolder = "/doc";
 constexpr std::string_view flatpakMountPoint = "/run/flatpak/doc";
-
-std::string parentOf(const std::string &path)
-{
-    return path.substr(0, path.find_last_of('/'));
-}
 
 // The error number of opening it for reading as a folder; 0 when it can be.
 int openingError(const std::string &path)
@@ -78,8 +75,8 @@ std::optional<PortalDocument> documentByLooks(const std::string &path, const std
 
 } // namespace
 
-LinuxFolderGrants::LinuxFolderGrants(Surroundings surroundings, const QDBusConnection &sessionBus)
-    : m_surroundings(std::move(surroundings))
+LinuxFolderGrants::LinuxFolderGrants(Options options, const QDBusConnection &sessionBus)
+    : m_options(std::move(options))
     , m_bus(sessionBus)
 {
 }
@@ -89,9 +86,9 @@ std::expected<QByteArray, QString> LinuxFolderGrants::bookmark(const std::string
     if (!path.starts_with('/') || path.find('\0') != std::string::npos)
         return std::unexpected(LinuxErrorText::sentence(EINVAL));
     // What can't be read now may be readable later; what is no folder never will be.
-    if (const auto error = openingErrorWithin(path, m_surroundings.patience); error != 0 && error != EACCES)
+    if (const auto error = openingErrorWithin(path, m_options.patience); error != 0 && error != EACCES)
         return std::unexpected(LinuxErrorText::sentence(error));
-    FolderBookmark bookmark{ .path = path, .document = documentByLooks(path, m_surroundings.runtimeFolder) };
+    FolderBookmark bookmark{ .path = path, .document = documentByLooks(path, m_options.runtimeFolder) };
     if (!bookmark.document && path.find(std::string(documentFolder) + '/') != std::string::npos)
         bookmark.document = portalDocument(path, askForMountPoint().value_or(std::string()));
     return encode(bookmark);
@@ -117,31 +114,28 @@ std::optional<FolderGrants::Resolved> LinuxFolderGrants::resolve(const QByteArra
 
 bool LinuxFolderGrants::startAccessing(const std::string &path)
 {
-    return openingErrorWithin(path, m_surroundings.patience) == 0;
+    return openingErrorWithin(path, m_options.patience) == 0;
 }
 
 bool LinuxFolderGrants::isOnStartupDisk(const std::string &path) const
 {
-    const auto &home = m_surroundings.realHome;
+    const auto &home = m_options.realHome;
     if (!home.empty() && (path == home || path.starts_with(home + '/')))
         return true;
     // A home right below the root says nothing about its neighbours.
-    if (const auto homes = parentOf(home); !homes.empty() && path.starts_with(homes + '/'))
+    if (const auto homes = parentOf(home); homes != "/" && path.starts_with(homes + '/'))
         return true;
     return std::ranges::any_of(homePrefixes, [&path](auto prefix) { return path.starts_with(prefix); })
-        || documentByLooks(path, m_surroundings.runtimeFolder);
+        || documentByLooks(path, m_options.runtimeFolder);
 }
 
 std::optional<std::string> LinuxFolderGrants::askForMountPoint() const
 {
-    // Without a bus a call would never come to an end.
-    if (!m_bus.isConnected())
-        return std::nullopt;
     const auto name = u"org.freedesktop.portal.Documents"_s;
-    const QDBusReply<QByteArray> reply
-        = m_bus.call(QDBusMessage::createMethodCall(
-                         name, u"/org/freedesktop/portal/documents"_s, name, u"GetMountPoint"_s),
-            QDBus::Block, static_cast<int>(m_surroundings.patience.count()));
+    const QDBusReply<QByteArray> reply = BusCall::wait(m_bus,
+        QDBusMessage::createMethodCall(
+            name, u"/org/freedesktop/portal/documents"_s, name, u"GetMountPoint"_s),
+        m_options.patience);
     if (!reply.isValid())
         return std::nullopt;
     // The bytes end with a zero.

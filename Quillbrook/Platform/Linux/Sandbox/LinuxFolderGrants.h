@@ -14,7 +14,7 @@ namespace Quillbrook {
 class LinuxFolderGrants final : public FolderGrants
 {
 public:
-    struct Surroundings
+    struct Options
     {
         /// The home by the account database; absolute, in raw bytes.
         std::string realHome{};
@@ -25,7 +25,7 @@ public:
     };
 
     explicit LinuxFolderGrants(
-        Surroundings surroundings, const QDBusConnection &sessionBus = QDBusConnection::sessionBus());
+        Options options, const QDBusConnection &sessionBus = QDBusConnection::sessionBus());
 
     [[nodiscard]] std::expected<QByteArray, QString> bookmark(const std::string &path) override;
     [[nodiscard]] std::optional<Resolved> resolve(const QByteArray &bookmark) override;
@@ -39,7 +39,7 @@ public:
 private:
     [[nodiscard]] std::optional<std::string> askForMountPoint() const;
 
-    Surroundings m_surroundings;
+    Options m_options;
     QDBusConnection m_bus;
 };
 

@@ -1,9 +1,10 @@
 #include "Platform/Linux/Sandbox/LinuxFolderPicker.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
 #include "Platform/Linux/Sandbox/PortalRequest.h"
 
 #include <QApplication>
-#include <QDBusPendingCallWatcher>
+#include <QDBusMessage>
 #include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
@@ -64,8 +65,8 @@ std::optional<std::string> pickByDialog(const FolderPicker::Request &request)
 
 } // namespace
 
-LinuxFolderPicker::LinuxFolderPicker(Surroundings surroundings, const QDBusConnection &sessionBus)
-    : m_surroundings(surroundings)
+LinuxFolderPicker::LinuxFolderPicker(Options options, const QDBusConnection &sessionBus)
+    : m_options(options)
     , m_bus(sessionBus)
 {
 }
@@ -75,26 +76,25 @@ std::optional<std::string> LinuxFolderPicker::pick(const Request &request)
     if (m_isPicking)
         return std::nullopt;
     const QScopedValueRollback<bool> picking(m_isPicking, true);
-    return m_surroundings.isSandboxed && hasPortal() ? pickByPortal(request) : pickByDialog(request);
+    return m_options.isSandboxed && hasPortal() ? pickByPortal(request) : pickByDialog(request);
 }
 
 bool LinuxFolderPicker::hasPortal() const
 {
-    // Without a bus a call would never come to an end.
-    if (!m_bus.isConnected())
-        return false;
     auto question = QDBusMessage::createMethodCall(
         portalName, u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     question << chooser << u"version"_s;
     QEventLoop loop;
-    const QDBusPendingCallWatcher call(
-        m_bus.asyncCall(question, static_cast<int>(m_surroundings.patience.count())));
-    QObject::connect(&call, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    if (!call.isFinished())
+    std::optional<QDBusMessage> answer;
+    BusCall::ask(m_bus, question, m_options.patience, &loop, [&](const QDBusMessage &reply) {
+        answer = reply;
+        loop.quit();
+    });
+    if (!answer)
         loop.exec();
-    if (!call.isFinished())
+    if (!answer)
         return false;
-    const QDBusReply<QDBusVariant> version = call.reply();
+    const QDBusReply<QDBusVariant> version = *answer;
     return version.isValid() && version.value().variant().toUInt() >= firstWithFolders;
 }
 
@@ -113,7 +113,7 @@ std::optional<std::string> LinuxFolderPicker::pickByPortal(const Request &reques
     QObject::connect(&presence, &QDBusServiceWatcher::serviceUnregistered, &loop, &QEventLoop::quit);
     QFutureWatcher<std::optional<PortalRequest::Response>> answer;
     QObject::connect(&answer, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
-    const auto future = portal.call(question, m_surroundings.leisure);
+    const auto future = portal.call(question, m_options.leisure);
     answer.setFuture(future);
     loop.exec();
 

@@ -15,7 +15,7 @@ namespace Quillbrook {
 class LinuxFolderPicker final : public FolderPicker
 {
 public:
-    struct Surroundings
+    struct Options
     {
         bool isSandboxed = false;
         /// How long the portal has to say what it can do.
@@ -25,7 +25,7 @@ public:
     };
 
     explicit LinuxFolderPicker(
-        Surroundings surroundings, const QDBusConnection &sessionBus = QDBusConnection::sessionBus());
+        Options options, const QDBusConnection &sessionBus = QDBusConnection::sessionBus());
 
     /// Absent also when the portal fails or goes away, when the program is quitting, and while an earlier
     /// question is still open. Qt's own window picks only what has text for its path.
@@ -35,7 +35,7 @@ private:
     [[nodiscard]] bool hasPortal() const;
     [[nodiscard]] std::optional<std::string> pickByPortal(const Request &request) const;
 
-    Surroundings m_surroundings;
+    Options m_options;
     QDBusConnection m_bus;
     bool m_isPicking = false;
 };

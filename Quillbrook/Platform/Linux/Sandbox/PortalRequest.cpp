@@ -1,8 +1,9 @@
 #include "Platform/Linux/Sandbox/PortalRequest.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
+
 #include <QDBusError>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
 #include <QPromise>
 #include <QTimer>
 #include <QUuid>
@@ -71,11 +72,8 @@ public:
             takeBack();
             finish({});
         });
-        auto *call = new QDBusPendingCallWatcher(m_bus.asyncCall(message, milliseconds), this);
-        connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
-            call->deleteLater();
-            takeHandle(call->reply());
-        });
+        BusCall::ask(m_bus, message, std::chrono::milliseconds(milliseconds), this,
+            [this](const QDBusMessage &reply) { takeHandle(reply); });
     }
 
 private Q_SLOTS:
@@ -149,8 +147,7 @@ PortalRequest::PortalRequest(const QDBusConnection &sessionBus)
 QFuture<std::optional<PortalRequest::Response>> PortalRequest::call(
     const QDBusMessage &message, std::chrono::milliseconds timeout)
 {
-    // Without a bus a call would never come to an end.
-    if (!m_bus.isConnected() || message.arguments().isEmpty())
+    if (message.arguments().isEmpty())
         return QtFuture::makeReadyFuture(std::optional<Response>());
     auto *question = new PortalQuestion(m_bus, this);
     auto future = question->future();

@@ -34,8 +34,8 @@ std::string bytes(const QString &path)
 } // namespace
 
 LinuxLoginItem::LinuxLoginItem(
-    const Needs &needs, const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
-    : m_needs(needs)
+    const Services &services, const QDBusConnection &sessionBus, std::chrono::milliseconds timeout)
+    : m_services(services)
     , m_timeout(timeout)
     , m_portal(sessionBus)
 {
@@ -43,19 +43,19 @@ LinuxLoginItem::LinuxLoginItem(
 
 bool LinuxLoginItem::isEnabled() const
 {
-    if (!m_needs.session.sandbox.isNone())
-        return m_needs.defaults.boolean(rememberedKey).value_or(false);
-    return startsFrom(QStringList(m_needs.session.configFolder) + m_needs.session.systemConfigFolders);
+    if (!m_services.session.sandbox.isNone())
+        return m_services.defaults.boolean(rememberedKey).value_or(false);
+    return startsFrom(QStringList(m_services.session.configFolder) + m_services.session.systemConfigFolders);
 }
 
 QFuture<LinuxLoginItem::Outcome> LinuxLoginItem::setEnabled(bool enabled)
 {
-    if (!m_needs.session.sandbox.isNone())
+    if (!m_services.session.sandbox.isNone())
         return askPortal(enabled);
     if (enabled)
         return QtFuture::makeReadyFuture(write(false));
     // What the system brings for everyone can only be hidden.
-    const bool wouldStartYet = startsFrom(m_needs.session.systemConfigFolders);
+    const bool wouldStartYet = startsFrom(m_services.session.systemConfigFolders);
     return QtFuture::makeReadyFuture(wouldStartYet ? write(true) : remove());
 }
 
@@ -75,10 +75,10 @@ bool LinuxLoginItem::startsFrom(const QStringList &configFolders) const
         const auto path = folder + entryName;
         if (!QFileInfo::exists(path))
             continue;
-        const auto text = m_needs.reading.contents(bytes(path), entryLimit);
+        const auto text = m_services.reading.contents(bytes(path), entryLimit);
         const auto entry = text ? AutostartEntry::parse(*text) : std::nullopt;
-        return entry && entry->isFor(m_needs.session.desktops)
-            && (entry->tryExec.isEmpty() || !m_needs.session.findProgram(entry->tryExec).isEmpty());
+        return entry && entry->isFor(m_services.session.desktops)
+            && (entry->tryExec.isEmpty() || !m_services.session.findProgram(entry->tryExec).isEmpty());
     }
     return false;
 }
@@ -86,16 +86,16 @@ bool LinuxLoginItem::startsFrom(const QStringList &configFolders) const
 LinuxLoginItem::Outcome LinuxLoginItem::write(bool isHidden) const
 {
     // An entry is text; a name of other bytes would make it start something else.
-    if (!m_needs.program.startsWith(u'/') || m_needs.program.contains(QChar::ReplacementCharacter))
+    if (!m_services.program.startsWith(u'/') || m_services.program.contains(QChar::ReplacementCharacter))
         return std::unexpected(u"The program's own path can't be written down."_s);
-    return m_needs.writing.replace(
-        bytes(m_needs.session.configFolder + entryName), autostartFile(m_needs.program, isHidden));
+    return m_services.writing.replace(
+        bytes(m_services.session.configFolder + entryName), autostartFile(m_services.program, isHidden));
 }
 
 LinuxLoginItem::Outcome LinuxLoginItem::remove() const
 {
     // A link goes as a link.
-    if (::unlink(bytes(m_needs.session.configFolder + entryName).c_str()) == 0 || errno == ENOENT)
+    if (::unlink(bytes(m_services.session.configFolder + entryName).c_str()) == 0 || errno == ENOENT)
         return {};
     return std::unexpected(LinuxErrorText::sentence(errno));
 }
@@ -130,9 +130,9 @@ LinuxLoginItem::Outcome LinuxLoginItem::takeAnswer(
     const auto starts = response->results.value(autostartKey);
     const bool isGranted = response->code == PortalRequest::Response::granted;
     if (starts.metaType() == QMetaType::fromType<bool>())
-        m_needs.defaults.setBoolean(rememberedKey, starts.toBool());
+        m_services.defaults.setBoolean(rememberedKey, starts.toBool());
     else if (isGranted)
-        m_needs.defaults.setBoolean(rememberedKey, enabled);
+        m_services.defaults.setBoolean(rememberedKey, enabled);
     if (!isGranted)
         return std::unexpected(u"The request was turned down."_s);
     if (isEnabled() != enabled)

@@ -23,7 +23,7 @@ public:
     /// How long the person has to answer the desktop's question in a sandbox.
     static constexpr std::chrono::milliseconds patience{ 120'000 };
 
-    struct Needs
+    struct Services
     {
         /// They outlive it.
         FileReading &reading;
@@ -34,7 +34,7 @@ public:
         QString program{};
     };
 
-    explicit LinuxLoginItem(const Needs &needs,
+    explicit LinuxLoginItem(const Services &services,
         const QDBusConnection &sessionBus = QDBusConnection::sessionBus(),
         std::chrono::milliseconds timeout = patience);
 
@@ -55,7 +55,7 @@ private:
     [[nodiscard]] QFuture<Outcome> askPortal(bool enabled);
     [[nodiscard]] Outcome takeAnswer(bool enabled, const std::optional<PortalRequest::Response> &response);
 
-    Needs m_needs;
+    Services m_services;
     std::chrono::milliseconds m_timeout;
     PortalRequest m_portal;
 };

@@ -1,8 +1,9 @@
 #include "Platform/Linux/Session/LinuxMotionPreference.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QStringList>
 
 #include <algorithm>
@@ -17,7 +18,7 @@ namespace {
 const auto service = u"org.freedesktop.portal.Desktop"_s;
 const auto path = u"/org/freedesktop/portal/desktop"_s;
 const auto interface = u"org.freedesktop.portal.Settings"_s;
-constexpr int patienceMilliseconds = 5000;
+constexpr std::chrono::milliseconds patience{ 5000 };
 
 using Groups = QMap<QString, QVariantMap>;
 
@@ -99,11 +100,9 @@ void LinuxMotionPreference::ask()
 {
     auto question = QDBusMessage::createMethodCall(service, path, interface, u"ReadAll"_s);
     question << groups();
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(question, patienceMilliseconds), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const auto arguments = watcher->reply().arguments();
-        if (watcher->isError() || arguments.size() != 1)
+    BusCall::ask(m_bus, question, patience, this, [this](const QDBusMessage &reply) {
+        const auto arguments = reply.arguments();
+        if (reply.type() != QDBusMessage::ReplyMessage || arguments.size() != 1)
             return;
         const auto before = isReduced();
         const auto answer = qdbus_cast<Groups>(arguments.first());

@@ -1,9 +1,10 @@
 #include "Platform/Linux/Tray/StatusNotifierRegistration.h"
 
+#include "Platform/Linux/Bus/BusCall.h"
+
 #include <QCoreApplication>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 
 #include <utility>
 
@@ -78,31 +79,27 @@ void StatusNotifierRegistration::takeName()
 
 void StatusNotifierRegistration::enlist()
 {
-    auto *call = new QDBusPendingCallWatcher(
-        m_bus.asyncCall(registering(m_name), static_cast<int>(patience.count())), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, generation = m_generation] {
-        call->deleteLater();
-        if (call->isError() || generation != m_generation)
-            return;
-        m_isKnown = true;
-        askForPanel();
-    });
+    BusCall::ask(m_bus, registering(m_name), patience, this,
+        [this, generation = m_generation](const QDBusMessage &reply) {
+            if (reply.type() != QDBusMessage::ReplyMessage || generation != m_generation)
+                return;
+            m_isKnown = true;
+            askForPanel();
+        });
 }
 
 void StatusNotifierRegistration::askForPanel()
 {
     if (!m_isKnown)
         return;
-    auto *call = new QDBusPendingCallWatcher(
-        m_bus.asyncCall(panelQuestion(), static_cast<int>(patience.count())), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, generation = m_generation] {
-        call->deleteLater();
-        if (generation != m_generation)
-            return;
-        const QDBusPendingReply<QVariant> reply = *call;
-        // A watcher that took the item but can't tell of panels is itself one.
-        setShown(reply.isError() || reply.value().toBool());
-    });
+    BusCall::ask(m_bus, panelQuestion(), patience, this,
+        [this, generation = m_generation](const QDBusMessage &answer) {
+            if (generation != m_generation)
+                return;
+            const QDBusReply<QVariant> reply = answer;
+            // A watcher that took the item but can't tell of panels is itself one.
+            setShown(!reply.isValid() || reply.value().toBool());
+        });
 }
 
 void StatusNotifierRegistration::startOver()

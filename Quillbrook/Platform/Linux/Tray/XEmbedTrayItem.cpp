@@ -67,7 +67,7 @@ void XEmbedTrayItem::show(const Appearance &appearance)
     m_icon.setToolTip(TrayTexts::whole(appearance.title));
     m_icon.setIcon(icon(TrayPicture::look(appearance.usedShare, appearance.isDanger)));
     m_icon.show();
-    look();
+    seekTray();
 }
 
 void XEmbedTrayItem::press(QSystemTrayIcon::ActivationReason reason)
@@ -78,7 +78,7 @@ void XEmbedTrayItem::press(QSystemTrayIcon::ActivationReason reason)
         Q_EMIT openChosen();
 }
 
-void XEmbedTrayItem::look()
+void XEmbedTrayItem::seekTray()
 {
     const auto isShown = m_icon.isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
     if (std::exchange(m_isShown, isShown) != m_isShown)

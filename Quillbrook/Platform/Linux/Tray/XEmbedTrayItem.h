@@ -30,7 +30,7 @@ public:
 private:
     void press(QSystemTrayIcon::ActivationReason reason);
     /// Nobody tells when such a tray comes or goes: it is looked for whenever the figure changes.
-    void look();
+    void seekTray();
 
     QMenu m_menu;
     QAction m_figure;

@@ -27,48 +27,49 @@ constexpr qsizetype mostDatabaseBytes = qsizetype{ 64 } * 1024 * 1024;
 // Far more timers or settings files than anybody has.
 constexpr std::size_t mostEntries = 1000;
 
-// One look, with its time running.
-class Look
+// What is asked for one answer, while its time runs.
+class Questions
 {
 public:
-    explicit Look(const LinuxBackupProbe::Surroundings &surroundings)
-        : m_surroundings(surroundings)
-        , m_deadline(surroundings.timeLimit)
+    explicit Questions(const LinuxBackupProbe::Services &services)
+        : m_services(services)
+        , m_deadline(services.timeLimit)
     {
     }
 
     [[nodiscard]] bool hasDestination() const
     {
         // Files first: they answer at once.
-        static constexpr std::array<bool (Look::*)() const, 9> programs{ &Look::hasBackInTime,
-            &Look::hasBorgmatic, &Look::hasDuply, &Look::hasKopia, &Look::hasPika, &Look::hasTimeshift,
-            &Look::hasVorta, &Look::hasTimer, &Look::hasDejaDup };
+        static constexpr std::array<bool (Questions::*)() const, 9> programs{ &Questions::hasBackInTime,
+            &Questions::hasBorgmatic, &Questions::hasDuply, &Questions::hasKopia, &Questions::hasPika,
+            &Questions::hasTimeshift, &Questions::hasVorta, &Questions::hasTimer, &Questions::hasDejaDup };
         return std::ranges::any_of(programs, [this](auto program) { return (this->*program)(); });
     }
 
-    // Several tools may tell of the same snapshots; which they are they don't.
+    // Several tools may count the same snapshots, and none says which ones it counted. So the largest number
+    // is taken, not the sum.
     [[nodiscard]] int localSnapshots() const
     {
         std::error_code unresolved;
-        const auto home = std::filesystem::canonical(m_surroundings.home, unresolved).string();
+        const auto home = std::filesystem::canonical(m_services.home, unresolved).string();
         const auto subvolume = unresolved ? std::string() : BtrfsSnapshots::subvolumeOf(home);
         const auto inBtrfs = subvolume.empty() ? 0 : BtrfsSnapshots::count(subvolume);
         return std::max({ timeshift().homeSnapshots, inBtrfs, snapper(subvolume), zfs(home) });
     }
 
 private:
-    [[nodiscard]] std::string inHome(const char *path) const { return m_surroundings.home + '/' + path; }
+    [[nodiscard]] std::string inHome(const char *path) const { return m_services.home + '/' + path; }
     [[nodiscard]] std::string inSystem(const char *path) const
     {
-        return m_surroundings.systemSettings + '/' + path;
+        return m_services.systemSettings + '/' + path;
     }
     [[nodiscard]] QByteArray contents(const std::string &path, qsizetype limit = mostSettingsBytes) const
     {
-        return m_surroundings.reading.contents(path, limit).value_or(QByteArray());
+        return m_services.reading.contents(path, limit).value_or(QByteArray());
     }
     [[nodiscard]] bool exists(const std::string &path) const
     {
-        return m_surroundings.files.kind(path).has_value();
+        return m_services.files.kind(path).has_value();
     }
     [[nodiscard]] std::chrono::milliseconds timeLeft() const
     {
@@ -91,7 +92,7 @@ private:
     {
         if (m_deadline.hasExpired() || !exists(program.toStdString()))
             return {};
-        const auto result = m_surroundings.processes.run(
+        const auto result = m_services.processes.run(
             { .program = program, .arguments = arguments, .timeLimit = timeLeft() });
         return result && result->exited && result->exitCode == 0 ? result->output : QByteArray();
     }
@@ -138,7 +139,7 @@ private:
     {
         const auto present = contents(inSystem("timeshift/timeshift.json"));
         return BackupSettings::timeshift(
-            present.isEmpty() ? contents(inSystem("timeshift.json")) : present, m_surroundings.home);
+            present.isEmpty() ? contents(inSystem("timeshift.json")) : present, m_services.home);
     }
     [[nodiscard]] bool hasTimeshift() const { return timeshift().copiesHome; }
 
@@ -170,8 +171,7 @@ private:
     {
         if (subvolume.empty() || m_deadline.hasExpired())
             return 0;
-        return SnapperSnapshots::count(
-            QString::fromStdString(subvolume), m_surroundings.systemBus, timeLeft());
+        return SnapperSnapshots::count(QString::fromStdString(subvolume), m_services.systemBus, timeLeft());
     }
 
     // The tool takes a path for the data set that is mounted there.
@@ -184,21 +184,21 @@ private:
             listing.split('\n'), [](const QByteArray &line) { return line.contains('@'); }));
     }
 
-    const LinuxBackupProbe::Surroundings &m_surroundings;
+    const LinuxBackupProbe::Services &m_services;
     QDeadlineTimer m_deadline;
 };
 
 } // namespace
 
-LinuxBackupProbe::LinuxBackupProbe(Surroundings surroundings)
-    : m_surroundings(std::move(surroundings))
+LinuxBackupProbe::LinuxBackupProbe(Services services)
+    : m_services(std::move(services))
 {
 }
 
 Backups LinuxBackupProbe::look() const
 {
-    const Look look(m_surroundings);
-    return { .hasDestination = look.hasDestination(), .localSnapshots = look.localSnapshots() };
+    const Questions questions(m_services);
+    return { .hasDestination = questions.hasDestination(), .localSnapshots = questions.localSnapshots() };
 }
 
 } // namespace Quillbrook

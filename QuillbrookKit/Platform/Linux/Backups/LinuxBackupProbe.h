@@ -20,7 +20,7 @@ class LinuxBackupProbe final : public BackupProbe
 {
 public:
     /// Where to look. References outlive the probe; paths are absolute, in raw bytes.
-    struct Surroundings
+    struct Services
     {
         const FileReading &reading;
         const FileFacts &files;
@@ -34,12 +34,12 @@ public:
         std::chrono::milliseconds timeLimit = std::chrono::seconds(5);
     };
 
-    explicit LinuxBackupProbe(Surroundings surroundings);
+    explicit LinuxBackupProbe(Services services);
 
     [[nodiscard]] Backups look() const override;
 
 private:
-    const Surroundings m_surroundings;
+    const Services m_services;
 };
 
 } // namespace Quillbrook

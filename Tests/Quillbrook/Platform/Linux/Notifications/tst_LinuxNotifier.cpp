@@ -243,20 +243,6 @@ private Q_SLOTS:
         QVERIFY(m_server->notified.isEmpty());
     }
 
-    void withoutABusIsDenied()
-    {
-        m_defaults.setBoolean(askedKey, true);
-        m_client = QDBusConnection(u"not connected"_s);
-        QCOMPARE(stateOf(*made()), NotificationState::denied);
-    }
-
-    void withoutAServerIsDenied()
-    {
-        m_defaults.setBoolean(askedKey, true);
-        QVERIFY(m_portal->offer(m_services));
-        QCOMPARE(stateOf(*made()), NotificationState::denied);
-    }
-
     void serverThatWouldBeStartedIsThere()
     {
         const TempTree services;
@@ -451,7 +437,7 @@ private:
     [[nodiscard]] std::unique_ptr<LinuxNotifier> made(std::chrono::milliseconds timeout = 10s)
     {
         return std::make_unique<LinuxNotifier>(
-            LinuxNotifier::Needs{ .processes = m_processes,
+            LinuxNotifier::Services{ .processes = m_processes,
                 .reading = m_files,
                 .defaults = m_defaults,
                 .session = m_session,

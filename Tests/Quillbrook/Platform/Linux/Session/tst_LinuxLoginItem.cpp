@@ -348,24 +348,6 @@ private Q_SLOTS:
         QTEST(item->isEnabled(), "isEnabled");
     }
 
-    void lateAnswerUnderAnotherHandleCounts()
-    {
-        PrivateBus bus;
-        auto services = bus.connection();
-        FakePortal portal;
-        portal.answer = FakePortal::Answer::otherHandle;
-        QVERIFY(portal.offer(services));
-        const auto item = sandboxed(bus.connection());
-        const auto future = item->setEnabled(true);
-        QTRY_COMPARE(portal.handles.size(), 1);
-        // Until the new handle is listened to, an answer would be lost: as a person would, answer later.
-        QTest::qWait(50);
-        portal.respond(services);
-        QTRY_VERIFY(future.isFinished());
-        QVERIFY(future.result().has_value());
-        QVERIFY(item->isEnabled());
-    }
-
     void withoutAPortalNothingIsRemembered()
     {
         PrivateBus bus;
@@ -404,7 +386,7 @@ private:
 
     [[nodiscard]] std::unique_ptr<LinuxLoginItem> loginItem()
     {
-        return std::make_unique<LinuxLoginItem>(LinuxLoginItem::Needs{ .reading = m_reading,
+        return std::make_unique<LinuxLoginItem>(LinuxLoginItem::Services{ .reading = m_reading,
                                                     .writing = m_writing,
                                                     .defaults = m_defaults,
                                                     .session = session(),
@@ -417,7 +399,7 @@ private:
     {
         auto inside = session();
         inside.sandbox = { .kind = Sandbox::Kind::flatpak, .application = u"com.tarnwick.Quillbrook"_s };
-        return std::make_unique<LinuxLoginItem>(LinuxLoginItem::Needs{ .reading = m_reading,
+        return std::make_unique<LinuxLoginItem>(LinuxLoginItem::Services{ .reading = m_reading,
                                                     .writing = m_writing,
                                                     .defaults = m_defaults,
                                                     .session = inside,
