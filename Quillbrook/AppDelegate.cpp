@@ -3,7 +3,8 @@
 #include "Core/AppModel.h"
 #include "Core/Background.h"
 #include "PanelPlacement.h"
-#include "Platform/AppInstance.h"
+#include "Platform/AppServices.h"
+#include "Platform/Clock.h"
 #include "Platform/TrayItem.h"
 
 #include <QDebug>
@@ -25,6 +26,10 @@ using namespace std::chrono_literals;
 
 constexpr double dangerShare = 0.9;
 
+/// How often it is seen whether a day has gone by: not once a day, which a machine that sleeps would stretch.
+constexpr auto updateClockInterval = 1h;
+constexpr qint64 secondsOfADay = 86'400;
+
 /// A press on the tray's item takes the keyboard from the panel before it is told: within this time it means
 /// to close the panel, not to open it again.
 constexpr auto samePress = 300ms;
@@ -41,40 +46,35 @@ const QScreen *screenFor(const std::optional<QPoint> &place)
     return screen ? screen : QGuiApplication::primaryScreen();
 }
 
-/// The token reaches the window system by the environment, and must not reach programs started later.
-void bringToFront(QWindow &window, const QByteArray &token)
+void bringToFront(QWindow &window)
 {
-    if (!token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token);
     if (window.windowStates().testFlag(Qt::WindowMinimized))
         window.setWindowStates(window.windowStates() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
     window.requestActivate();
-    if (!token.isEmpty())
-        QMetaObject::invokeMethod(
-            qApp, [] { qunsetenv("XDG_ACTIVATION_TOKEN"); }, Qt::QueuedConnection);
 }
 
 } // namespace
 
-AppDelegate::AppDelegate(const Parts &parts, const Windows &windows, QObject *parent)
+AppDelegate::AppDelegate(const Services &services, const Windows &windows, QObject *parent)
     : QObject(parent)
-    , m_parts(parts)
+    , m_services(services)
     , m_windows(windows)
 {
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    connect(&parts.tray, &TrayItem::activated, this, &AppDelegate::togglePanel);
-    connect(
-        &parts.tray, &TrayItem::openChosen, this, [this] { openWindow(m_parts.tray.takeActivationToken()); });
-    connect(&parts.tray, &TrayItem::checkChosen, this, [this] {
-        // On the main thread, as the panel's button does it.
-        m_parts.model.watcher().check(false);
-    });
-    connect(&parts.tray, &TrayItem::quitChosen, this, &AppDelegate::quit);
-    connect(&parts.instance, &AppInstance::activated, this, &AppDelegate::openWindow);
-    connect(&parts.model, &AppModel::menuBarTitleChanged, this, &AppDelegate::showTray);
-    connect(&parts.model, &AppModel::volumeChanged, this, &AppDelegate::showTray);
+    connect(&services.tray, &TrayItem::activated, this, &AppDelegate::togglePanel);
+    connect(&services.tray, &TrayItem::openChosen, this,
+        [this] { openWindow(m_services.tray.takeActivationToken()); });
+    connect(&services.tray, &TrayItem::checkChosen, this, &AppDelegate::checkDisk);
+    connect(&services.tray, &TrayItem::quitChosen, this, &AppDelegate::quit);
+    connect(&services.instance, &AppInstance::activated, this, &AppDelegate::openWindow);
+    connect(&services.model, &AppModel::menuBarTitleChanged, this, &AppDelegate::showTray);
+    connect(&services.model, &AppModel::volumeChanged, this, &AppDelegate::showTray);
+    m_updateClock.setObjectName(u"updateClock"_s);
+    m_updateClock.setParent(this);
+    m_updateClock.setInterval(updateClockInterval);
+    connect(&m_updateClock, &QTimer::timeout, this, &AppDelegate::askForUpdate);
 }
 
 AppDelegate::~AppDelegate()
@@ -87,21 +87,55 @@ AppDelegate::~AppDelegate()
     }
 }
 
-bool AppDelegate::startsInBackground(const QStringList &arguments)
+AppInstance::Start AppDelegate::startOf(const QStringList &arguments)
 {
-    return arguments.contains(u"--background"_s);
+    using enum AppInstance::Start;
+    return arguments.contains(u"--background"_s) ? inBackground : withWindow;
 }
 
-bool AppDelegate::start(bool inBackground)
+bool AppDelegate::start(AppInstance::Start start)
 {
-    if (inBackground) {
-        m_parts.model.startRuleClock();
-        m_parts.model.configureWatcher(m_parts.background);
-        m_parts.background.refresh();
-        m_parts.model.refreshVolume();
-    }
+    m_lastAskedForUpdate = m_services.model.services().kit.clock.now();
+    m_updateClock.start();
+    const bool isInBackground = start == AppInstance::Start::inBackground;
+    if (isInBackground)
+        startWithoutWindow();
     showTray();
-    return inBackground || openWindow();
+    return isInBackground || openWindow();
+}
+
+void AppDelegate::startWithoutWindow()
+{
+    auto &model = m_services.model;
+    model.startRuleClock();
+    model.configureWatcher(m_services.background);
+    m_services.background.refresh();
+    model.checkForUpdate();
+    model.refreshVolume();
+    model.refreshSafetyNet();
+}
+
+// The model itself asks once a day, but for a notice that it shows already: that it asks about every time.
+void AppDelegate::askForUpdate()
+{
+    auto &model = m_services.model;
+    const auto now = model.services().kit.clock.now();
+    if (model.update() && m_lastAskedForUpdate.secsTo(now) < secondsOfADay)
+        return;
+    m_lastAskedForUpdate = now;
+    model.checkForUpdate();
+}
+
+void AppDelegate::checkDisk()
+{
+    if (m_isChecking)
+        return;
+    m_isChecking = true;
+    // On the main thread, as the panel's button does it.
+    m_services.model.watcher().check(false);
+    // The presses that came meanwhile are delivered before this, and asked for the check that has just run.
+    QMetaObject::invokeMethod(
+        this, [this] { m_isChecking = false; }, Qt::QueuedConnection);
 }
 
 bool AppDelegate::openWindow(const QByteArray &token)
@@ -116,7 +150,8 @@ bool AppDelegate::openWindow(const QByteArray &token)
                 release(m_main);
         });
     }
-    bringToFront(*m_main, token);
+    m_services.instance.useActivationToken(token);
+    bringToFront(*m_main);
     return true;
 }
 
@@ -128,7 +163,7 @@ void AppDelegate::quit()
 
 QQuickWindow *AppDelegate::make(const QUrl &file, const QVariantMap &properties)
 {
-    QQmlComponent component(&m_parts.engine, file);
+    QQmlComponent component(&m_services.engine, file);
     auto *made = component.isReady() ? component.createWithInitialProperties(properties) : nullptr;
     auto *window = qobject_cast<QQuickWindow *>(made);
     if (!window) {
@@ -171,7 +206,8 @@ void AppDelegate::showPanel(const std::optional<QPoint> &place)
         m_sincePanelLeft.start();
         hidePanel();
     });
-    bringToFront(*m_panel, m_parts.tray.takeActivationToken());
+    m_services.instance.useActivationToken(m_services.tray.takeActivationToken());
+    bringToFront(*m_panel);
 }
 
 void AppDelegate::hidePanel()
@@ -187,16 +223,17 @@ void AppDelegate::release(QPointer<QQuickWindow> &window)
     // Later: what closed it may be a handler of its own.
     gone->deleteLater();
     connect(
-        gone, &QObject::destroyed, &m_parts.engine, [&engine = m_parts.engine] { engine.collectGarbage(); },
-        Qt::QueuedConnection);
+        gone, &QObject::destroyed, &m_services.engine,
+        [&engine = m_services.engine] { engine.collectGarbage(); }, Qt::QueuedConnection);
 }
 
 void AppDelegate::showTray()
 {
-    const auto &model = m_parts.model;
+    const auto &model = m_services.model;
     const auto total = static_cast<double>(model.liveTotal());
     const auto used = total > 0 ? (total - static_cast<double>(model.liveFree())) / total : 0;
-    m_parts.tray.show({ .title = model.menuBarTitle(), .usedShare = used, .isDanger = used > dangerShare });
+    m_services.tray.show(
+        { .title = model.menuBarTitle(), .usedShare = used, .isDanger = used > dangerShare });
 }
 
 } // namespace Quillbrook

@@ -1,15 +1,20 @@
 #pragma once
 
 // Holds the windows together: makes them when they are wanted and lets go of them when they are closed, while
-// the program goes on in the tray until it is told to quit. What the screens show lives on without them. Main
-// thread only.
+// the program goes on in the tray until it is told to quit. What the screens show lives on without them. It
+// also does what has to be done without any window: what a start in the background sets going, and the daily
+// question for a newer version. Main thread only.
+
+#include "Platform/AppInstance.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QQuickWindow>
 #include <QStringList>
+#include <QTimer>
 #include <QUrl>
 #include <QVariantMap>
 
@@ -20,7 +25,6 @@ class QQmlEngine;
 
 namespace Quillbrook {
 
-class AppInstance;
 class AppModel;
 class Background;
 class TrayItem;
@@ -30,7 +34,8 @@ class AppDelegate : public QObject
     Q_OBJECT
 
 public:
-    struct Parts
+    /// What it works on; all of it outlives this object.
+    struct Services
     {
         AppModel &model;
         Background &background;
@@ -48,16 +53,18 @@ public:
         QVariantMap panelProperties{};
     };
 
-    /// The parts outlive it. From here on the program does not end with its last window.
-    AppDelegate(const Parts &parts, const Windows &windows, QObject *parent = nullptr);
+    /// From here on the program does not end with its last window.
+    AppDelegate(const Services &services, const Windows &windows, QObject *parent = nullptr);
     ~AppDelegate() override;
 
     /// The start at login asks for no window.
-    [[nodiscard]] static bool startsInBackground(const QStringList &arguments);
+    [[nodiscard]] static AppInstance::Start startOf(const QStringList &arguments);
 
-    /// Shows the item in the tray, and the main window unless it starts in the background; the watcher is
-    /// then set going here, since no window does it. False when the window could not be made.
-    [[nodiscard]] bool start(bool inBackground);
+    /// Shows the item in the tray, and the main window unless it starts in the background. What the window's
+    /// content sets going when it appears is then set going here, all but the first scan: the clocks, the
+    /// watcher, and the questions for a newer version, the volume's figures and the backups' state. From now
+    /// on a newer version is asked for daily. False when the window could not be made.
+    [[nodiscard]] bool start(AppInstance::Start start);
 
     /// Brings the main window to the front, and makes it when there is none. The token lets it come there,
     /// where the desktop asks for one. False when it could not be made.
@@ -76,13 +83,19 @@ private:
     void hidePanel();
     void release(QPointer<QQuickWindow> &window);
     void showTray();
+    void startWithoutWindow();
+    void askForUpdate();
+    void checkDisk();
 
-    Parts m_parts;
+    Services m_services;
     Windows m_windows;
     QPointer<QQuickWindow> m_main;
     QPointer<QQuickWindow> m_panel;
     /// Since the panel went because something else was pressed.
     QElapsedTimer m_sincePanelLeft;
+    QTimer m_updateClock;
+    QDateTime m_lastAskedForUpdate;
+    bool m_isChecking = false;
 };
 
 } // namespace Quillbrook

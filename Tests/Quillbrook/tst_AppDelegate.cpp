@@ -38,13 +38,14 @@ private Q_SLOTS:
     void secondOpeningRaisesTheSame();
     void minimisedWindowComesBack();
     void otherStartBringsTheWindow();
-    void tokenIsThereForTheWindowOnly();
+    void tokenGoesToTheWindowSystem();
+    void newerVersionIsAskedForDaily_data();
+    void newerVersionIsAskedForDaily();
     void pressTogglesThePanel();
     void panelStandsBesideTheItem_data();
     void panelStandsBesideTheItem();
     void panelGoesWhenItLosesTheKeyboard();
     void pressThatTookTheKeyboardClosesThePanel();
-    void panelTakesTheTokenOfThePress();
     void openingTheWindowHidesThePanel();
     void panelThatCanNotBeMadeIsTold();
     void checkingLooksAtOnce();
@@ -55,6 +56,9 @@ private Q_SLOTS:
     void windowsGoWithTheDelegate();
 
 private:
+    static constexpr auto withWindow = AppInstance::Start::withWindow;
+    static constexpr auto inBackground = AppInstance::Start::inBackground;
+
     [[nodiscard]] QUrl file(const QString &name, const QByteArray &text);
     void make(const AppDelegate::Windows &windows);
     void press(const std::optional<QPoint> &place = {}) { Q_EMIT m_tray->activated(place); }
@@ -113,7 +117,7 @@ QUrl AppDelegateTest::file(const QString &name, const QByteArray &text)
 void AppDelegateTest::make(const AppDelegate::Windows &windows)
 {
     m_delegate.reset();
-    m_delegate = std::make_unique<AppDelegate>(AppDelegate::Parts{ .model = *m_model,
+    m_delegate = std::make_unique<AppDelegate>(AppDelegate::Services{ .model = *m_model,
                                                    .background = *m_background,
                                                    .tray = *m_tray,
                                                    .instance = *m_instance,
@@ -124,22 +128,22 @@ void AppDelegateTest::make(const AppDelegate::Windows &windows)
 void AppDelegateTest::backgroundIsAskedForByArgument_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<bool>("expected");
-    QTest::newRow("none") << QStringList{ u"quillbrook"_s } << false;
-    QTest::newRow("login") << QStringList{ u"quillbrook"_s, u"--background"_s } << true;
-    QTest::newRow("another") << QStringList{ u"quillbrook"_s, u"--backgrounds"_s } << false;
+    QTest::addColumn<AppInstance::Start>("expected");
+    QTest::newRow("none") << QStringList{ u"quillbrook"_s } << withWindow;
+    QTest::newRow("login") << QStringList{ u"quillbrook"_s, u"--background"_s } << inBackground;
+    QTest::newRow("another") << QStringList{ u"quillbrook"_s, u"--backgrounds"_s } << withWindow;
 }
 
 void AppDelegateTest::backgroundIsAskedForByArgument()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(bool, expected);
-    QCOMPARE(AppDelegate::startsInBackground(arguments), expected);
+    QFETCH(AppInstance::Start, expected);
+    QCOMPARE(AppDelegate::startOf(arguments), expected);
 }
 
 void AppDelegateTest::startOpensTheWindow()
 {
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     QVERIFY(m_delegate->mainWindow());
     QVERIFY(m_delegate->mainWindow()->isVisible());
     QCOMPARE(m_delegate->mainWindow()->title(), u"main window"_s);
@@ -151,11 +155,14 @@ void AppDelegateTest::startOpensTheWindow()
 void AppDelegateTest::startInBackgroundOpensNone()
 {
     const auto questions = m_machine->desktop.notifier.questions;
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     QCoreApplication::processEvents();
     QVERIFY(!m_delegate->mainWindow());
     QCOMPARE(windowCount(), 0);
-    // What a window would have set going.
+    // What a window would have set going, but for the first scan.
+    QCOMPARE(m_machine->desktop.http.requests.size(), 1);
+    QTRY_VERIFY(m_model->safetyNet());
+    QCOMPARE(m_model->phase().kind, Phase::Kind::idle);
     QVERIFY(m_model->findChild<QTimer *>(u"volumeClock"_s)->isActive());
     QVERIFY(m_machine->desktop.notifier.questions > questions);
     QCOMPARE(m_tray->appearances.last(),
@@ -173,18 +180,18 @@ void AppDelegateTest::windowThatCanNotBeMadeIsTold()
     make(windows);
     QTest::ignoreMessage(
         QtWarningMsg, QRegularExpression(u"^Quillbrook: could not make a window — .*Broken.qml"_s));
-    QVERIFY(!m_delegate->start(false));
+    QVERIFY(!m_delegate->start(withWindow));
 
     windows.main = file(u"Item.qml"_s, "import QtQuick\nItem {}\n");
     windows.mainProperties.clear();
     make(windows);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Quillbrook: could not make a window"_s));
-    QVERIFY(!m_delegate->start(false));
+    QVERIFY(!m_delegate->start(withWindow));
 }
 
 void AppDelegateTest::closingKeepsTheProgram()
 {
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     // A loop that the last window's end would end.
     QTimer::singleShot(0, this, [this] { m_delegate->mainWindow()->close(); });
     auto lasted = false;
@@ -199,7 +206,7 @@ void AppDelegateTest::closingKeepsTheProgram()
 
 void AppDelegateTest::closedWindowIsLetGoAndMadeAgain()
 {
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     const QPointer<QQuickWindow> first = m_delegate->mainWindow();
     first->close();
     QTRY_VERIFY(!first);
@@ -219,7 +226,7 @@ void AppDelegateTest::closedWindowIsLetGoAndMadeAgain()
 
 void AppDelegateTest::secondOpeningRaisesTheSame()
 {
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     const auto *window = m_delegate->mainWindow();
     QWindow other;
     other.show();
@@ -233,7 +240,7 @@ void AppDelegateTest::secondOpeningRaisesTheSame()
 
 void AppDelegateTest::minimisedWindowComesBack()
 {
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     m_delegate->mainWindow()->showMinimized();
     QVERIFY(m_delegate->mainWindow());
     Q_EMIT m_tray->openChosen();
@@ -243,29 +250,60 @@ void AppDelegateTest::minimisedWindowComesBack()
 
 void AppDelegateTest::otherStartBringsTheWindow()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     Q_EMIT m_instance->activated({});
     QVERIFY(m_delegate->mainWindow());
     QVERIFY(QTest::qWaitForWindowActive(m_delegate->mainWindow()));
 }
 
-void AppDelegateTest::tokenIsThereForTheWindowOnly()
+void AppDelegateTest::tokenGoesToTheWindowSystem()
 {
-    QVERIFY(m_delegate->start(true));
-    Q_EMIT m_instance->activated("abc");
-    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("abc"));
-    QTRY_VERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
-    m_tray->token = "def";
+    QVERIFY(m_delegate->start(inBackground));
+    Q_EMIT m_instance->activated("of a start");
+    m_tray->token = "of the menu";
     Q_EMIT m_tray->openChosen();
-    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("def"));
-    QTRY_VERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
     Q_EMIT m_tray->openChosen();
-    QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+    m_tray->token = "of the item";
+    press();
+    QCOMPARE(m_instance->tokens, QList<QByteArray>({ "of a start", "of the menu", "of the item" }));
+}
+
+void AppDelegateTest::newerVersionIsAskedForDaily_data()
+{
+    QTest::addColumn<AppInstance::Start>("start");
+    QTest::addColumn<bool>("hasNotice");
+    QTest::newRow("in the background") << inBackground << false;
+    QTest::newRow("in the background, with a notice") << inBackground << true;
+    QTest::newRow("with a window") << withWindow << false;
+}
+
+void AppDelegateTest::newerVersionIsAskedForDaily()
+{
+    QFETCH(AppInstance::Start, start);
+    QFETCH(bool, hasNotice);
+    if (hasNotice)
+        m_machine->desktop.http.answer
+            = HttpAnswer{ .status = 200, .body = R"({"version":"9","url":"https://updates.test/"})" };
+    QVERIFY(m_delegate->start(start));
+    // As the window's content does it.
+    if (start == withWindow)
+        m_model->checkForUpdate();
+    QTRY_VERIFY(m_machine->defaults.values.contains(u"Quillbrook.updateCheckedAt"_s));
+    QCOMPARE(m_model->update().has_value(), hasNotice);
+    auto *clock = m_delegate->findChild<QTimer *>(u"updateClock"_s);
+    QVERIFY(clock->isActive());
+    const auto begin = m_machine->clock.moment;
+    for (int hour = 1; hour <= 50; ++hour) {
+        m_machine->clock.moment = begin.addSecs(hour * 3600);
+        Q_EMIT clock->timeout({});
+        QCoreApplication::processEvents();
+        QCOMPARE(m_machine->desktop.http.requests.size(), 1 + hour / 24);
+    }
 }
 
 void AppDelegateTest::pressTogglesThePanel()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     press();
     QVERIFY(m_delegate->panel());
     QVERIFY(m_delegate->panel()->isVisible());
@@ -289,7 +327,7 @@ void AppDelegateTest::panelStandsBesideTheItem_data()
 void AppDelegateTest::panelStandsBesideTheItem()
 {
     QFETCH(bool, isTold);
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     const auto *screen = QGuiApplication::primaryScreen();
     const auto place = isTold ? std::optional(QPoint(400, 10)) : std::nullopt;
     press(place);
@@ -303,7 +341,7 @@ void AppDelegateTest::panelStandsBesideTheItem()
 
 void AppDelegateTest::panelGoesWhenItLosesTheKeyboard()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     press();
     QVERIFY(QTest::qWaitForWindowActive(m_delegate->panel()));
     QWindow other;
@@ -315,7 +353,7 @@ void AppDelegateTest::panelGoesWhenItLosesTheKeyboard()
 
 void AppDelegateTest::pressThatTookTheKeyboardClosesThePanel()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     press();
     QVERIFY(QTest::qWaitForWindowActive(m_delegate->panel()));
     QWindow tray;
@@ -343,19 +381,9 @@ void AppDelegateTest::pressThatTookTheKeyboardClosesThePanel()
     QVERIFY(m_delegate->panel());
 }
 
-void AppDelegateTest::panelTakesTheTokenOfThePress()
-{
-    QVERIFY(m_delegate->start(true));
-    m_tray->token = "abc";
-    press();
-    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("abc"));
-    QVERIFY(m_tray->token.isEmpty());
-    QTRY_VERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
-}
-
 void AppDelegateTest::openingTheWindowHidesThePanel()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     press();
     QVERIFY(QTest::qWaitForWindowActive(m_delegate->panel()));
     QVERIFY(m_delegate->openWindow());
@@ -371,7 +399,7 @@ void AppDelegateTest::panelThatCanNotBeMadeIsTold()
     auto windows = m_windows;
     windows.panel = QUrl::fromLocalFile(m_folder->filePath(u"not there.qml"_s));
     make(windows);
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Quillbrook: could not make a window"_s));
     press();
     QVERIFY(!m_delegate->panel());
@@ -379,10 +407,19 @@ void AppDelegateTest::panelThatCanNotBeMadeIsTold()
 
 void AppDelegateTest::checkingLooksAtOnce()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     QVERIFY(!m_model->watcher().lastObservation());
     Q_EMIT m_tray->checkChosen();
     QVERIFY(m_model->watcher().lastObservation());
+    // Presses that came while it checked are answered by that check; a later one is not.
+    const auto checks = [this] { return m_machine->directories.sessionsMade(); };
+    const auto one = checks();
+    Q_EMIT m_tray->checkChosen();
+    Q_EMIT m_tray->checkChosen();
+    QCOMPARE(checks(), one);
+    QCoreApplication::processEvents();
+    Q_EMIT m_tray->checkChosen();
+    QCOMPARE(checks(), 2 * one);
 }
 
 void AppDelegateTest::quitEndsTheLoopWhateverAWindowSays()
@@ -392,7 +429,7 @@ void AppDelegateTest::quitEndsTheLoopWhateverAWindowSays()
         "import QtQuick\nWindow { visible: true; onClosing: close => { close.accepted = false } }\n");
     windows.mainProperties.clear();
     make(windows);
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     QTimer::singleShot(0, this, [this] { Q_EMIT m_tray->quitChosen(); });
     QTimer late;
     late.setSingleShot(true);
@@ -421,7 +458,7 @@ void AppDelegateTest::trayShowsTheVolume()
     QFETCH(double, usedShare);
     QFETCH(bool, isDanger);
     m_machine->volumes.answer = VolumeCapacity{ .available = free, .total = total };
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     QCOMPARE(m_tray->appearances.last().title, m_model->menuBarTitle());
     QCOMPARE(m_tray->appearances.last().usedShare, usedShare);
     QCOMPARE(m_tray->appearances.last().isDanger, isDanger);
@@ -429,7 +466,7 @@ void AppDelegateTest::trayShowsTheVolume()
 
 void AppDelegateTest::trayFollowsTheModel()
 {
-    QVERIFY(m_delegate->start(true));
+    QVERIFY(m_delegate->start(inBackground));
     m_machine->volumes.answer = VolumeCapacity{ .available = 20, .total = 1000 };
     m_model->refreshVolume();
     QCOMPARE(m_tray->appearances.last(),
@@ -441,7 +478,7 @@ void AppDelegateTest::trayFollowsTheModel()
 
 void AppDelegateTest::windowsGoWithTheDelegate()
 {
-    QVERIFY(m_delegate->start(false));
+    QVERIFY(m_delegate->start(withWindow));
     press();
     QCOMPARE(windowCount(), 2);
     m_delegate.reset();

@@ -4,14 +4,22 @@
 
 #include "Platform/AppInstance.h"
 
+#include <QList>
+
 namespace Quillbrook {
 
 class FakeAppInstance final : public AppInstance
 {
 public:
-    bool claim() override { return isTheOne; }
+    bool claim(Start /*start*/) override { return isTheOne; }
+    void useActivationToken(const QByteArray &token) override
+    {
+        if (!token.isEmpty())
+            tokens.append(token);
+    }
 
     bool isTheOne = true;
+    QList<QByteArray> tokens;
 };
 
 } // namespace Quillbrook

@@ -2,6 +2,7 @@
 
 // The services of a desktop and of the network, made up: nothing leaves the test.
 
+#include "Platform/AppServices.h"
 #include "Support/FakeFileRevealer.h"
 #include "Support/FakeFolders.h"
 #include "Support/FakeHttpClient.h"
@@ -22,6 +23,20 @@ struct FakeDesktop
     FakeFolderGrants folderGrants;
     FakeHttpClient http;
     FakeUtilityQueue utility;
+
+    /// The application's services: these over `kit`.
+    [[nodiscard]] AppServices services(const KitServices &kit)
+    {
+        return { .kit = kit,
+            .revealer = revealer,
+            .notifier = notifier,
+            .loginItem = loginItem,
+            .links = links,
+            .folderPicker = folderPicker,
+            .folderGrants = folderGrants,
+            .version = QStringLiteral("1.0"),
+            .updateFeed = QUrl(QStringLiteral("https://updates.test/version.json")) };
+    }
 };
 
 } // namespace Quillbrook

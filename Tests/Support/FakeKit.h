@@ -1,13 +1,14 @@
 #pragma once
 
-// The Kit's services, made up but for the folders and what is known of files, which a test brings along or
-// takes from the real disk.
+// The Kit's services, all of them made up: at first an empty disk, without volume figures and with nothing in
+// the catalogue's places. A test takes real ones for those that it is about.
 
 #include "Platform/KitServices.h"
-#include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Removal/HostGuards.h"
 #include "Support/FakeBackupProbe.h"
 #include "Support/FakeClock.h"
+#include "Support/FakeDirectories.h"
+#include "Support/FakeFileFacts.h"
 #include "Support/FakeHomeFolder.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeHttpClient.h"
@@ -23,36 +24,64 @@ namespace Quillbrook {
 
 struct FakeKit
 {
-    /// `realQueue` takes the place of the made-up one, and outlives this.
-    FakeKit(DirectoryReading &directories, const QString &homeFolder, UtilityQueue *realQueue = nullptr)
-        : services{ .directories = directories,
-            .processors = processors,
+    /// What takes the place of the made-up ones; all of it outlives whoever gets the services.
+    struct Instead
+    {
+        DirectoryReading *directories = nullptr;
+        Processors *processors = nullptr;
+        FileFacts *files = nullptr;
+        FileReading *reading = nullptr;
+        ProcessRunner *processes = nullptr;
+        HostKnowledge *host = nullptr;
+        Trash *trash = nullptr;
+        FileRemoval *removal = nullptr;
+        FileWriting *writing = nullptr;
+        HttpClient *http = nullptr;
+        UtilityQueue *utility = nullptr;
+        std::string dataFolder = "/home/someone/.local/share";
+    };
+
+    FakeKit()
+        : kitServices(with({}))
+    {
+    }
+    explicit FakeKit(const Instead &instead)
+        : kitServices(with(instead))
+    {
+    }
+
+    [[nodiscard]] KitServices with(const Instead &instead)
+    {
+        const auto either = [](auto *real, auto &madeUp) -> auto &
+        {
+            return real != nullptr ? *real : madeUp;
+        };
+        return { .directories = either(instead.directories, directories),
+            .processors = either(instead.processors, processors),
             .volumes = volumes,
             .defaults = defaults,
             .home = home,
-            .files = files,
-            .reading = stored,
-            .processes = processes,
+            .files = either(instead.files, files),
+            .reading = either(instead.reading, stored),
+            .processes = either(instead.processes, processes),
             .clock = clock,
-            .host = host,
-            .trash = trash,
-            .removal = trash,
-            .writing = stored,
+            .host = either(instead.host, host),
+            .trash = either(instead.trash, trash),
+            .removal = either(instead.removal, trash),
+            .writing = either(instead.writing, stored),
             .backups = backups,
-            .http = http,
-            .utility = realQueue != nullptr ? *realQueue : queue,
+            .http = either(instead.http, http),
+            .utility = either(instead.utility, queue),
             .guards = guards,
-            .dataFolder = {} }
-    {
-        home.home = homeFolder;
-        home.realHome = homeFolder;
+            .dataFolder = instead.dataFolder };
     }
 
+    FakeDirectories directories;
     FakeProcessors processors;
     FakeVolumes volumes;
     FakeUserDefaults defaults;
     FakeHomeFolder home;
-    LinuxFileFacts files;
+    FakeFileFacts files;
     FakeProcessRunner processes;
     FakeClock clock;
     FakeHostKnowledge host;
@@ -62,7 +91,7 @@ struct FakeKit
     FakeHttpClient http;
     FakeUtilityQueue queue;
     HostGuards guards;
-    KitServices services;
+    KitServices kitServices;
 };
 
 } // namespace Quillbrook

@@ -1,26 +1,12 @@
 #pragma once
 
-// A real home folder in a temporary folder, and a model over it whose every service but the volume figures,
-// the backups and the clock is the machine's own. For tests of what removes things.
+// A real home folder in a temporary folder, and a model that reads and changes it by the machine's own
+// services; all others are made up. For tests of what removes things.
 
 #include "Core/AppModel.h"
-#include "Platform/Linux/Files/LinuxFileFacts.h"
-#include "Platform/Linux/Files/LinuxFileReading.h"
-#include "Platform/Linux/Files/LinuxFileWriting.h"
-#include "Platform/Linux/Files/LinuxSpaceReserve.h"
-#include "Platform/Linux/Folders/LinuxDirectoryReading.h"
-#include "Platform/Linux/Trash/LinuxFileRemoval.h"
-#include "Platform/Linux/Trash/LinuxTrash.h"
-#include "Removal/HostGuards.h"
-#include "Support/FakeBackupProbe.h"
-#include "Support/FakeClock.h"
+#include "Platform/Linux/LinuxDisk.h"
 #include "Support/FakeDesktop.h"
-#include "Support/FakeHomeFolder.h"
-#include "Support/FakeHostKnowledge.h"
-#include "Support/FakeProcessRunner.h"
-#include "Support/FakeProcessors.h"
-#include "Support/FakeUserDefaults.h"
-#include "Support/FakeVolumes.h"
+#include "Support/FakeKit.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -31,7 +17,7 @@
 
 namespace Quillbrook {
 
-struct HomeOnDisk
+struct HomeOnDisk : FakeKit
 {
     /// `data` is where programs keep the user's data, relative to the temporary folder.
     explicit HomeOnDisk(const std::string &data = "data")
@@ -53,7 +39,7 @@ struct HomeOnDisk
         model->scan({ .scope = Scope::complete });
         settled();
     }
-    /// Waits for the end of the scan in hand.
+    /// Waits for the end of the present scan.
     void settled() const { QTRY_COMPARE(model->phase().kind, Phase::Kind::ready); }
 
     [[nodiscard]] std::string path(const std::string &name) const { return tree.path("home/" + name); }
@@ -89,52 +75,22 @@ struct HomeOnDisk
     TempTree tree;
     const std::string dataFolder;
     const std::string trashFolder = dataFolder + "/Trash";
-    LinuxDirectoryReading directories;
-    FakeProcessors processors;
-    FakeVolumes volumes;
-    FakeUserDefaults defaults;
-    FakeHomeFolder home;
-    LinuxFileFacts files;
-    LinuxFileReading reading;
-    FakeProcessRunner processes;
-    FakeClock clock;
-    FakeHostKnowledge host;
-    LinuxSpaceReserve reserve{ dataFolder + "/Quillbrook/reserve" };
-    LinuxTrash trash{ { .homeTrash = trashFolder, .user = ::getuid() }, reserve, clock };
-    LinuxFileRemoval removal;
-    LinuxFileWriting writing{ &reserve };
-    FakeBackupProbe backups;
-    HostGuards guards;
+    LinuxDisk disk{ dataFolder + "/Quillbrook", { .homeTrash = trashFolder, .user = ::getuid() }, clock };
     FakeDesktop desktop;
     std::unique_ptr<AppModel> model;
 
 private:
     [[nodiscard]] AppServices services()
     {
-        return { .kit = { .directories = directories,
-                     .processors = processors,
-                     .volumes = volumes,
-                     .defaults = defaults,
-                     .home = home,
-                     .files = files,
-                     .reading = reading,
-                     .processes = processes,
-                     .clock = clock,
-                     .host = host,
-                     .trash = trash,
-                     .removal = removal,
-                     .writing = writing,
-                     .backups = backups,
-                     .http = desktop.http,
-                     .utility = desktop.utility,
-                     .guards = guards,
-                     .dataFolder = dataFolder },
-            .revealer = desktop.revealer,
-            .notifier = desktop.notifier,
-            .loginItem = desktop.loginItem,
-            .links = desktop.links,
-            .folderPicker = desktop.folderPicker,
-            .folderGrants = desktop.folderGrants };
+        return desktop.services(with({ .directories = &disk.directories,
+            .files = &disk.files,
+            .reading = &disk.reading,
+            .trash = &disk.trash,
+            .removal = &disk.removal,
+            .writing = &disk.writing,
+            .http = &desktop.http,
+            .utility = &desktop.utility,
+            .dataFolder = dataFolder }));
     }
 };
 

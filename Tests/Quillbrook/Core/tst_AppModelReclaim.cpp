@@ -454,7 +454,7 @@ void AppModelReclaimTest::linesOfASelectionGoFirstAndOthersLast()
 void AppModelReclaimTest::finishingRemovesOnlyWhatWeMoved()
 {
     Fixture fixture;
-    QVERIFY(fixture.trash.move(fixture.path("notes.txt")).has_value());
+    QVERIFY(fixture.disk.trash.move(fixture.path("notes.txt")).has_value());
     fixture.model->reclaim({ fixture.finding(logs) }, false);
     fixture.settled();
     const auto verified = fixture.model->lastVerification();

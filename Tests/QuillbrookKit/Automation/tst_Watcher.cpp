@@ -31,8 +31,7 @@ ReclaimReport report(qint64 free, qint64 reclaimable)
 
 struct Machine
 {
-    FakeDirectories directories;
-    FakeKit kit{ directories, u"/home/someone"_s };
+    FakeKit kit;
 };
 
 } // namespace
@@ -184,18 +183,18 @@ void TestWatcher::observationTellsTheFigures()
 void TestWatcher::newWatcherHasNoTimer()
 {
     Machine machine;
-    const Watcher watcher(machine.kit.services, { .enabled = true });
+    const Watcher watcher(machine.kit.kitServices, { .enabled = true });
     QVERIFY(watcher.settings().enabled);
     QVERIFY(!machine.kit.queue.timer);
     QVERIFY(!watcher.lastObservation());
     QVERIFY(!watcher.lastNotifiedAt());
-    QCOMPARE(machine.directories.sessionsMade(), 0);
+    QCOMPARE(machine.kit.directories.sessionsMade(), 0);
 }
 
 void TestWatcher::startWithoutLeaveMakesNoTimer()
 {
     Machine machine;
-    Watcher watcher(machine.kit.services);
+    Watcher watcher(machine.kit.kitServices);
     watcher.start();
     QVERIFY(!machine.kit.queue.timer);
     QCOMPARE(machine.kit.queue.starts, 0);
@@ -204,7 +203,7 @@ void TestWatcher::startWithoutLeaveMakesNoTimer()
 void TestWatcher::startSetsTheTimer()
 {
     Machine machine;
-    Watcher watcher(machine.kit.services, { .enabled = true });
+    Watcher watcher(machine.kit.kitServices, { .enabled = true });
     watcher.start();
     QVERIFY(machine.kit.queue.timer);
     QCOMPARE(machine.kit.queue.timer->first, 5'000ms);
@@ -216,7 +215,7 @@ void TestWatcher::startSetsTheTimer()
 void TestWatcher::updateSwitchesTheTimer()
 {
     Machine machine;
-    Watcher watcher(machine.kit.services);
+    Watcher watcher(machine.kit.kitServices);
     watcher.update({ .interval = 60, .enabled = true });
     QVERIFY(machine.kit.queue.timer);
     QCOMPARE(machine.kit.queue.timer->interval, 60'000ms);
@@ -231,7 +230,7 @@ void TestWatcher::updateSwitchesTheTimer()
 void TestWatcher::everyStartBeginsAnew()
 {
     Machine machine;
-    Watcher watcher(machine.kit.services, { .enabled = true });
+    Watcher watcher(machine.kit.kitServices, { .enabled = true });
     watcher.start();
     watcher.start();
     watcher.update({ .interval = 2, .enabled = true });
@@ -243,7 +242,7 @@ void TestWatcher::stopKeepsTheSettings()
 {
     Machine machine;
     const Watcher::Settings settings{ .interval = 3, .enabled = true };
-    Watcher watcher(machine.kit.services, settings);
+    Watcher watcher(machine.kit.kitServices, settings);
     watcher.start();
     watcher.stop();
     QVERIFY(!machine.kit.queue.timer);
@@ -269,7 +268,7 @@ void TestWatcher::oddIntervals()
     QFETCH(double, interval);
     QFETCH(qint64, milliseconds);
     Machine machine;
-    Watcher watcher(machine.kit.services);
+    Watcher watcher(machine.kit.kitServices);
     watcher.update({ .interval = interval, .enabled = true });
     QCOMPARE(machine.kit.queue.timer->interval, std::chrono::milliseconds(milliseconds));
 }
@@ -278,7 +277,7 @@ void TestWatcher::endOfTheWatcherEndsTheTimer()
 {
     Machine machine;
     {
-        Watcher watcher(machine.kit.services);
+        Watcher watcher(machine.kit.kitServices);
         watcher.update({ .enabled = true });
     }
     QVERIFY(!machine.kit.queue.timer);

@@ -1,4 +1,5 @@
 #include "Automation/Watcher.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Platform/Linux/Folders/LinuxDirectoryReading.h"
 #include "Platform/Linux/Processes/LinuxUtilityQueue.h"
 #include "Support/FakeDirectories.h"
@@ -31,6 +32,8 @@ struct Home
         tree.file("home/.npm/_cacache/content", packageBytes);
         tree.file("home/.gradle/daemon/log", mebibyte);
         tree.file("home/Documents/letter", 1024);
+        kit.home.home = tree.text("home");
+        kit.home.realHome = kit.home.home;
         kit.volumes.answer = VolumeCapacity{ .available = 1024, .total = qint64(1) << 40 };
         directories.beforeOpen = [this](const std::string &path) {
             const std::lock_guard guard(lock);
@@ -49,7 +52,8 @@ struct Home
     TempTree tree;
     LinuxDirectoryReading real;
     HookedDirectories directories{ real };
-    FakeKit kit{ directories, tree.text("home") };
+    LinuxFileFacts files;
+    FakeKit kit{ { .directories = &directories, .files = &files } };
     mutable std::mutex lock;
     std::set<std::string> opened;
 };
@@ -65,8 +69,8 @@ struct SlowHome
         directories.folder("/home/someone/.npm/_cacache", { Disk::aFile("content", packageBytes) });
     }
 
-    FakeDirectories directories;
-    FakeKit kit{ directories, u"/home/someone"_s };
+    FakeKit kit;
+    FakeDirectories &directories = kit.directories;
 };
 
 // What a watcher tells, and on which thread.
@@ -119,7 +123,7 @@ private Q_SLOTS:
 void TestWatcherLooks::looksAtTheHomeFolder()
 {
     Home home;
-    Watcher watcher(home.kit.services, Home::settings());
+    Watcher watcher(home.kit.kitServices, Home::settings());
     watcher.check(false);
     const auto observation = watcher.lastObservation();
     QVERIFY(observation);
@@ -139,7 +143,7 @@ void TestWatcherLooks::looksAtTheHomeOfTheProcess()
     Home home;
     home.tree.file("sandbox/.npm/_cacache/content", mebibyte);
     home.kit.home.home = home.tree.text("sandbox");
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     watcher.check(false);
     QCOMPARE(
         watcher.lastObservation()->reclaimableBytes, home.tree.allocated("sandbox/.npm/_cacache/content"));
@@ -152,7 +156,7 @@ void TestWatcherLooks::staysOutOfWhatIsAPersonsOwn()
     home.tree.file("home/Library/Containers/x/y", 1024);
     home.tree.file("home/Library/Caches/pip/y", 1024);
     home.tree.file("home/projects/x", 1024);
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     watcher.check(true);
     QVERIFY(home.hasOpened(".npm/_cacache"));
     QVERIFY(home.hasOpened("Library/Caches/pip"));
@@ -172,7 +176,7 @@ void TestWatcherLooks::goesWhereTheHostSays()
     home.kit.host.facts.catalogue.rules = { { .rule
         = { .id = u"scratch"_s, .title = u"Scratch"_s, .safety = Safety::safe, .paths = { u"scratch"_s } },
         .locations = { { .path = u"scratch"_s } } } };
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     watcher.check(false);
     QVERIFY(home.hasOpened("scratch"));
     QVERIFY(!home.hasOpened("letters"));
@@ -186,7 +190,7 @@ void TestWatcherLooks::homeThatIsNotThereIsASmallerTree()
 {
     Home home;
     home.kit.home.home = home.tree.text("nowhere");
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     watcher.check(false);
     const Watcher::Observation expected{ .freeBytes = 1024,
         .checkedAt = home.kit.clock.moment,
@@ -198,7 +202,7 @@ void TestWatcherLooks::unreadableFolderIsASmallerTree()
 {
     SlowHome home;
     home.directories.closed = { "/home/someone/.npm/_cacache" };
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     watcher.check(false);
     QVERIFY(watcher.lastObservation());
     QCOMPARE(watcher.lastObservation()->reclaimableBytes, qint64(0));
@@ -208,7 +212,7 @@ void TestWatcherLooks::unreadableFolderIsASmallerTree()
 void TestWatcherLooks::tellsOnTheMainThread()
 {
     Home home;
-    Watcher watcher(home.kit.services, Home::settings());
+    Watcher watcher(home.kit.kitServices, Home::settings());
     Told told(watcher);
     std::thread([&watcher] { watcher.check(false); }).join();
     QVERIFY(told.observations.isEmpty());
@@ -220,7 +224,7 @@ void TestWatcherLooks::tellsOnTheMainThread()
 void TestWatcherLooks::tellsLater()
 {
     Home home;
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     Told told(watcher);
     watcher.check(false);
     QVERIFY(told.observations.isEmpty());
@@ -231,7 +235,7 @@ void TestWatcherLooks::tellsLater()
 void TestWatcherLooks::toldBeforeAnyoneListenedIsKept()
 {
     Home home;
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     watcher.check(false);
     Told told(watcher);
     QCoreApplication::processEvents();
@@ -242,7 +246,7 @@ void TestWatcherLooks::toldBeforeAnyoneListenedIsKept()
 void TestWatcherLooks::observerThatLeftIsNotTold()
 {
     Home home;
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     Told told(watcher);
     watcher.check(false);
     watcher.setOnObservation({});
@@ -253,7 +257,7 @@ void TestWatcherLooks::observerThatLeftIsNotTold()
 void TestWatcherLooks::secondLookInTheQuietPeriodIsQuiet()
 {
     Home home;
-    Watcher watcher(home.kit.services, Home::settings());
+    Watcher watcher(home.kit.kitServices, Home::settings());
     const auto first = home.kit.clock.moment;
     watcher.check(false);
     home.kit.clock.moment = first.addSecs(1800);
@@ -271,7 +275,7 @@ void TestWatcherLooks::forcedLookSpeaksAgain()
 {
     Home home;
     home.kit.volumes.answer->available = qint64(1) << 39;
-    Watcher watcher(home.kit.services, Home::settings());
+    Watcher watcher(home.kit.kitServices, Home::settings());
     watcher.check(false);
     QVERIFY(!watcher.lastObservation()->shouldNotify);
     QVERIFY(!watcher.lastNotifiedAt());
@@ -286,7 +290,7 @@ void TestWatcherLooks::forcedLookSpeaksAgain()
 void TestWatcherLooks::noticeCountsWhetherOrNotItIsTold()
 {
     Home home;
-    Watcher watcher(home.kit.services, Home::settings());
+    Watcher watcher(home.kit.kitServices, Home::settings());
     watcher.check(false);
     Told told(watcher);
     watcher.check(false);
@@ -298,7 +302,7 @@ void TestWatcherLooks::looksMayOverlap()
 {
     SlowHome home;
     FolderHold hold(home.directories, "/home/someone/.npm/_cacache");
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     Told told(watcher);
     std::thread first([&watcher] { watcher.check(false); });
     std::thread second([&watcher] { watcher.check(false); });
@@ -314,7 +318,7 @@ void TestWatcherLooks::looksMayOverlap()
 void TestWatcherLooks::timerLooks()
 {
     Home home;
-    Watcher watcher(home.kit.services, Home::settings());
+    Watcher watcher(home.kit.kitServices, Home::settings());
     watcher.update({ .minimumWorthMentioning = packageBytes, .enabled = true });
     Told told(watcher);
     home.kit.queue.fire();
@@ -328,7 +332,7 @@ void TestWatcherLooks::timerLooks()
 void TestWatcherLooks::soonIsOnTheQueue()
 {
     Home home;
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     Told told(watcher);
     watcher.checkSoon();
     QCoreApplication::processEvents();
@@ -341,7 +345,7 @@ void TestWatcherLooks::soonIsOnTheQueue()
 void TestWatcherLooks::nothingIsToldOnceTheWatcherIsGone()
 {
     Home home;
-    auto watcher = std::make_unique<Watcher>(home.kit.services);
+    auto watcher = std::make_unique<Watcher>(home.kit.kitServices);
     Told told(*watcher);
     watcher->check(false);
     watcher.reset();
@@ -352,7 +356,7 @@ void TestWatcherLooks::nothingIsToldOnceTheWatcherIsGone()
 void TestWatcherLooks::waitingLookOfAGoneWatcherDoesNothing()
 {
     Home home;
-    auto watcher = std::make_unique<Watcher>(home.kit.services);
+    auto watcher = std::make_unique<Watcher>(home.kit.kitServices);
     Told told(*watcher);
     watcher->checkSoon();
     watcher.reset();
@@ -366,7 +370,7 @@ void TestWatcherLooks::endOfTheWatcherEndsALook()
 {
     SlowHome home;
     FolderHold hold(home.directories, "/home/someone/.npm");
-    auto watcher = std::make_unique<Watcher>(home.kit.services);
+    auto watcher = std::make_unique<Watcher>(home.kit.kitServices);
     Told told(*watcher);
     watcher->checkSoon();
     std::thread queue([&home] { home.kit.queue.run(); });
@@ -386,7 +390,7 @@ void TestWatcherLooks::switchingOffLetsALookEnd()
 {
     SlowHome home;
     FolderHold hold(home.directories, "/home/someone/.npm");
-    Watcher watcher(home.kit.services);
+    Watcher watcher(home.kit.kitServices);
     Told told(watcher);
     watcher.update({ .enabled = true });
     watcher.checkSoon();
@@ -404,7 +408,7 @@ void TestWatcherLooks::switchingOffLetsALookEnd()
 void TestWatcherLooks::observerMayEndTheWatcher()
 {
     Home home;
-    auto watcher = std::make_unique<Watcher>(home.kit.services);
+    auto watcher = std::make_unique<Watcher>(home.kit.kitServices);
     int calls = 0;
     watcher->setOnObservation([&](const Watcher::Observation &) {
         ++calls;
@@ -420,11 +424,10 @@ void TestWatcherLooks::observerMayEndTheWatcher()
 
 void TestWatcherLooks::looksOnTheRealQueue()
 {
-    FakeDirectories directories;
-    directories.folder("/home/someone", {});
     LinuxUtilityQueue queue;
-    FakeKit kit(directories, u"/home/someone"_s, &queue);
-    Watcher watcher(kit.services);
+    FakeKit kit({ .utility = &queue });
+    kit.directories.folder("/home/someone", {});
+    Watcher watcher(kit.kitServices);
     Told told(watcher);
     constexpr int looks = 50;
     for (int look = 0; look < looks; ++look)
@@ -444,11 +447,10 @@ void TestWatcherLooks::looksOnTheRealQueue()
 void TestWatcherLooks::watcherAndQueueMayEndInTheMidstOfLooks()
 {
     for (int round = 0; round < 20; ++round) {
-        FakeDirectories directories;
-        directories.folder("/home/someone", {});
         auto queue = std::make_unique<LinuxUtilityQueue>();
-        FakeKit kit(directories, u"/home/someone"_s, queue.get());
-        auto watcher = std::make_unique<Watcher>(kit.services);
+        FakeKit kit({ .utility = queue.get() });
+        kit.directories.folder("/home/someone", {});
+        auto watcher = std::make_unique<Watcher>(kit.kitServices);
         int told = 0;
         watcher->setOnObservation([&told](const Watcher::Observation &) { ++told; });
         for (int look = 0; look < 5; ++look)

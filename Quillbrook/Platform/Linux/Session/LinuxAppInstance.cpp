@@ -1,16 +1,17 @@
 #include "Platform/Linux/Session/LinuxAppInstance.h"
 
+#include "Platform/Linux/Session/ActivationToken.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDebug>
-#include <QDir>
-#include <QFile>
 
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
+#include <thread>
+#include <utility>
 
 namespace Quillbrook {
 
@@ -24,11 +25,27 @@ constexpr int attempts = 5;
 constexpr auto tokenKey = "activation-token";
 constexpr auto startupIdKey = "desktop-startup-id";
 
-bool isFolderOfThisUser(const QByteArray &path)
+// One that ends gives up its name and its lock in one go, but not at one moment; a kill leaves it to the
+// system.
+constexpr int lockAttempts = 10;
+constexpr auto lockPause = std::chrono::milliseconds(50);
+
+void makeFolders(const std::string &path)
 {
-    struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid()
-        && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+    for (auto slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
+        ::mkdir(path.substr(0, slash).c_str(), S_IRWXU);
+    ::mkdir(path.c_str(), S_IRWXU);
+}
+
+bool isLocked(int file)
+{
+    for (int attempt = 0; attempt < lockAttempts; ++attempt) {
+        if (attempt > 0)
+            std::this_thread::sleep_for(lockPause);
+        if (::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+            return false;
+    }
+    return true;
 }
 
 QByteArray tokenOf(const QVariantMap &platformData)
@@ -44,18 +61,6 @@ LinuxAppInstance::StartTokens LinuxAppInstance::StartTokens::ofEnvironment()
     return { .activationToken = qgetenv("XDG_ACTIVATION_TOKEN"), .startupId = qgetenv("DESKTOP_STARTUP_ID") };
 }
 
-QString LinuxAppInstance::usersRuntimeFolder()
-{
-    const auto told = qgetenv("XDG_RUNTIME_DIR");
-    if (told.startsWith('/') && isFolderOfThisUser(told))
-        return QFile::decodeName(told);
-    const auto own = u"%1/%2-%3"_s.arg(QDir::tempPath(), name()).arg(::getuid());
-    const auto path = QFile::encodeName(own);
-    // Anyone may have put something in its place, which is then not used.
-    ::mkdir(path.constData(), S_IRWXU);
-    return isFolderOfThisUser(path) ? own : QString();
-}
-
 LinuxAppInstance::LinuxAppInstance(const Options &options)
     : m_options(options)
 {
@@ -63,19 +68,43 @@ LinuxAppInstance::LinuxAppInstance(const Options &options)
 
 LinuxAppInstance::~LinuxAppInstance()
 {
+    // Before the name: whoever gets the name wants the lock next.
+    m_lock = {};
+    giveUpName();
+}
+
+// The lock holds in any case: one without a bus, or with another bus, would write the same stores.
+bool LinuxAppInstance::claim(Start start)
+{
+    const auto found = m_options.bus.isConnected() ? claimName(start) : Name::unavailable;
+    if (found == Name::ownedByAnother)
+        return false;
+    if (claimLock())
+        return true;
+    giveUpName();
+    return false;
+}
+
+void LinuxAppInstance::useActivationToken(const QByteArray &token)
+{
+    if (token.isEmpty())
+        return;
+    ActivationToken::set(token);
+    // Programs started later must not get it.
+    QMetaObject::invokeMethod(
+        this, [] { ActivationToken::set({}); }, Qt::QueuedConnection);
+}
+
+void LinuxAppInstance::giveUpName()
+{
     if (!m_options.bus.isConnected())
         return;
-    if (m_ownsName)
+    if (std::exchange(m_ownsName, false))
         m_options.bus.unregisterService(name());
     m_options.bus.unregisterObject(objectPath());
 }
 
-bool LinuxAppInstance::claim()
-{
-    return m_options.bus.isConnected() ? claimName() : claimLock();
-}
-
-bool LinuxAppInstance::claimName()
+LinuxAppInstance::Name LinuxAppInstance::claimName(Start start)
 {
     // Before the name, so that whoever finds the name also finds the object.
     m_options.bus.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots);
@@ -85,25 +114,27 @@ bool LinuxAppInstance::claimName()
                 QDBusConnectionInterface::DontAllowReplacement);
         m_ownsName = reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
         if (m_ownsName)
-            return true;
+            return Name::owned;
         if (!reply.isValid()) {
             // A sandbox may keep the name back, and a bus may go down.
             qWarning("Quillbrook: could not take the name %ls — %ls", qUtf16Printable(name()),
                 qUtf16Printable(reply.error().message()));
-            return claimLock();
+            return Name::unavailable;
         }
+        if (start == Start::inBackground)
+            return Name::ownedByAnother;
         switch (activateOwner()) {
         case Answer::done:
-            return false;
+            return Name::ownedByAnother;
         case Answer::silent:
             qWarning("Quillbrook: is running already, but does not answer");
-            return false;
+            return Name::ownedByAnother;
         case Answer::gone:
             break;
         }
     }
     qWarning("Quillbrook: is running already, but can't be reached");
-    return false;
+    return Name::ownedByAnother;
 }
 
 LinuxAppInstance::Answer LinuxAppInstance::activateOwner() const
@@ -128,20 +159,20 @@ LinuxAppInstance::Answer LinuxAppInstance::activateOwner() const
 
 bool LinuxAppInstance::claimLock()
 {
-    if (m_options.runtimeFolder.isEmpty()) {
-        qWarning("Quillbrook: no folder for a lock; make sure that it runs once only");
+    makeFolders(m_options.lockFolder);
+    const auto path = m_options.lockFolder + "/lock";
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    FileDescriptor file(::open(path.c_str(), flags, S_IRUSR | S_IWUSR));
+    if (!file.isOpen()) {
+        qWarning("Quillbrook: could not lock %s — %ls; make sure that it runs once only", path.c_str(),
+            qUtf16Printable(qt_error_string()));
         return true;
     }
-    const auto path = QFile::encodeName(m_options.runtimeFolder + u'/' + name() + u".lock"_s);
-    FileDescriptor file(
-        ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
     // The lock goes with the process, however that ends; the file may stay.
-    if (file.isOpen() && ::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        qWarning("Quillbrook: is running already; without a session bus its window can't be brought forward");
+    if (isLocked(file.number())) {
+        qWarning("Quillbrook: is running already, where its window can't be brought forward from here");
         return false;
     }
-    if (!file.isOpen())
-        qWarning("Quillbrook: could not lock %s — %ls", path.constData(), qUtf16Printable(qt_error_string()));
     m_lock = std::move(file);
     return true;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-// One running program by its name on the session bus, where a second start, a launcher and a notification
-// find it. Without a bus one by a lock: a second start then can't bring the first one forward, and says so.
+// One running program by a lock beside the stores that it writes, and by its name on the session bus, where a
+// second start, a launcher and a notification find it. Without a bus a second start can't bring the first one
+// forward, and says so.
 
 #include "Platform/AppInstance.h"
 #include "Platform/Linux/Files/FileDescriptor.h"
@@ -12,6 +13,7 @@
 #include <QVariantMap>
 
 #include <chrono>
+#include <string>
 
 namespace Quillbrook {
 
@@ -35,22 +37,21 @@ public:
     {
         QDBusConnection bus = QDBusConnection::sessionBus();
         StartTokens tokens{};
-        /// Where the lock lies.
-        QString runtimeFolder = usersRuntimeFolder();
+        /// Where the lock lies, in raw bytes: beside the stores, so that it holds for all who would write
+        /// them, from whatever session. Made when it is not there.
+        std::string lockFolder{};
         /// How long the one that runs has to answer.
         std::chrono::milliseconds patience{ 5000 };
     };
 
-    /// Of the session; where there is none, a folder of the user's own among the temporary ones. Empty when
-    /// not even that can be had.
-    [[nodiscard]] static QString usersRuntimeFolder();
     [[nodiscard]] static QString name() { return QStringLiteral("com.tarnwick.Quillbrook"); }
     [[nodiscard]] static QString objectPath() { return QStringLiteral("/com/tarnwick/Quillbrook"); }
 
     explicit LinuxAppInstance(const Options &options);
     ~LinuxAppInstance() override;
 
-    [[nodiscard]] bool claim() override;
+    [[nodiscard]] bool claim(Start start) override;
+    void useActivationToken(const QByteArray &token) override;
 
 public Q_SLOTS:
     Q_SCRIPTABLE void Activate(const QVariantMap &platformData);
@@ -62,8 +63,10 @@ public Q_SLOTS:
 
 private:
     enum class Answer { done, gone, silent };
+    enum class Name { owned, ownedByAnother, unavailable };
 
-    [[nodiscard]] bool claimName();
+    [[nodiscard]] Name claimName(Start start);
+    void giveUpName();
     [[nodiscard]] bool claimLock();
     [[nodiscard]] Answer activateOwner() const;
 

@@ -33,7 +33,7 @@ extern "C" void noteQuitSignal(int)
 } // namespace
 
 LinuxQuitSignals::LinuxQuitSignals(QObject *parent)
-    : QObject(parent)
+    : QuitRequests(parent)
 {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
@@ -51,7 +51,7 @@ LinuxQuitSignals::LinuxQuitSignals(QObject *parent)
     ::sigemptyset(&action.sa_mask);
     action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
     for (const auto signal : asking) {
-        // What the one who started the program has it pass over stays so.
+        // A signal that the parent process had ignored stays ignored, as nohup wants it.
         struct sigaction earlier = {};
         if (::sigaction(signal, nullptr, &earlier) == 0 && earlier.sa_handler != SIG_IGN)
             ::sigaction(signal, &action, nullptr);

@@ -5,8 +5,7 @@
 // thread; with it go the handlers.
 
 #include "Platform/Linux/Files/FileDescriptor.h"
-
-#include <QObject>
+#include "Platform/QuitRequests.h"
 
 #include <memory>
 
@@ -14,17 +13,13 @@ class QSocketNotifier;
 
 namespace Quillbrook {
 
-class LinuxQuitSignals : public QObject
+class LinuxQuitSignals final : public QuitRequests
 {
     Q_OBJECT
 
 public:
     explicit LinuxQuitSignals(QObject *parent = nullptr);
     ~LinuxQuitSignals() override;
-
-Q_SIGNALS:
-    /// In the event loop, once the signal has come.
-    void asked();
 
 private:
     void receive();

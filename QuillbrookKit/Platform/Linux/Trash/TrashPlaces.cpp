@@ -46,7 +46,7 @@ TrashPlaces TrashPlaces::ofThisUser(const HomeFolder &home)
     // In a Flatpak the usual variable tells of the sandbox's own folder.
     auto data = environment(environment("FLATPAK_ID").empty() ? "XDG_DATA_HOME" : "HOST_XDG_DATA_HOME");
     if (!data.starts_with('/'))
-        data = home.realHomeDirectory().toStdString() + "/.local/share";
+        data = home.rawRealHomeDirectory() + "/.local/share";
     return { .homeTrash = standardisedPath(data + "/Trash", {}), .user = ::getuid() };
 }
 

@@ -1,9 +1,11 @@
+#include "Platform/Linux/Session/ActivationToken.h"
 #include "Platform/Linux/Session/LinuxAppInstance.h"
 #include "Support/PrivateBus.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusContext>
 #include <QDBusMessage>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
@@ -12,12 +14,18 @@
 #include <QTest>
 #include <QThread>
 
+#include <algorithm>
 #include <memory>
-#include <sys/stat.h>
+#include <span>
+#include <unistd.h>
+#include <vector>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+
+constexpr auto refusal
+    = "Quillbrook: is running already, where its window can't be brought forward from here";
 
 /// The one that runs, in an event loop of its own as another process would be.
 class OtherInstance : public QObject, protected QDBusContext
@@ -75,6 +83,7 @@ private Q_SLOTS:
     void firstOneIsTheOne();
     void secondOneBringsTheFirstForward_data();
     void secondOneBringsTheFirstForward();
+    void startInTheBackgroundLeavesTheFirstWhereItIs();
     void ownerThatHangsIsWaitedForSoLong();
     void ownerThatEndsLeavesTheName();
     void nameIsFreeAfterTheFirst();
@@ -82,14 +91,24 @@ private Q_SLOTS:
     void launcherActivates();
     void otherActionsArePassedOver();
     void tokensAreTakenFromTheEnvironment();
-    void lockHoldsWithoutABus();
+    void lockHoldsWhateverTheBus_data();
+    void lockHoldsWhateverTheBus();
     void lockOfAKilledProcessIsTakenOver();
-    void noFolderForTheLock();
-    void runtimeFolderIsTheUsersOwn();
+    void placeThatCanNotBeLockedIsTold();
+    void tokenReachesTheEnvironmentForOneRound();
 
 private:
     [[nodiscard]] std::unique_ptr<LinuxAppInstance> make(const LinuxAppInstance::StartTokens &tokens = {});
     [[nodiscard]] std::unique_ptr<LinuxAppInstance> makeWithoutBus() const;
+
+    /// Not there at first, nor is the folder above.
+    [[nodiscard]] std::string lockFolder() const
+    {
+        return m_folder->path().toStdString() + "/data/Quillbrook";
+    }
+
+    static constexpr auto withWindow = AppInstance::Start::withWindow;
+    static constexpr auto inBackground = AppInstance::Start::inBackground;
 
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -112,20 +131,20 @@ void LinuxAppInstanceTest::cleanup()
 std::unique_ptr<LinuxAppInstance> LinuxAppInstanceTest::make(const LinuxAppInstance::StartTokens &tokens)
 {
     return std::make_unique<LinuxAppInstance>(LinuxAppInstance::Options{
-        .bus = m_bus->connection(), .tokens = tokens, .runtimeFolder = m_folder->path(), .patience = 5s });
+        .bus = m_bus->connection(), .tokens = tokens, .lockFolder = lockFolder(), .patience = 5s });
 }
 
 std::unique_ptr<LinuxAppInstance> LinuxAppInstanceTest::makeWithoutBus() const
 {
-    return std::make_unique<LinuxAppInstance>(LinuxAppInstance::Options{
-        .bus = QDBusConnection(u"not connected"_s), .runtimeFolder = m_folder->path() });
+    return std::make_unique<LinuxAppInstance>(
+        LinuxAppInstance::Options{ .bus = QDBusConnection(u"not connected"_s), .lockFolder = lockFolder() });
 }
 
 void LinuxAppInstanceTest::firstOneIsTheOne()
 {
     auto instance = make();
     const QSignalSpy activations(instance.get(), &AppInstance::activated);
-    QVERIFY(instance->claim());
+    QVERIFY(instance->claim(withWindow));
     QVERIFY(m_bus->connection().interface()->isServiceRegistered(u"com.tarnwick.Quillbrook"_s));
     QCoreApplication::processEvents();
     QCOMPARE(activations.count(), 0);
@@ -153,18 +172,25 @@ void LinuxAppInstanceTest::secondOneBringsTheFirstForward()
     QFETCH(QVariantMap, expected);
     const OtherInstance first(m_bus->connection(), OtherInstance::Manner::answers);
     auto second = make({ .activationToken = token, .startupId = startupId });
-    QVERIFY(!second->claim());
+    QVERIFY(!second->claim(withWindow));
     QCOMPARE(first.platformData, QList<QVariantMap>({ expected }));
+}
+
+void LinuxAppInstanceTest::startInTheBackgroundLeavesTheFirstWhereItIs()
+{
+    const OtherInstance first(m_bus->connection(), OtherInstance::Manner::answers);
+    QVERIFY(!make()->claim(inBackground));
+    QVERIFY(first.platformData.isEmpty());
 }
 
 void LinuxAppInstanceTest::ownerThatHangsIsWaitedForSoLong()
 {
     const OtherInstance first(m_bus->connection(), OtherInstance::Manner::isSilent);
-    LinuxAppInstance second({ .bus = m_bus->connection(), .patience = 300ms });
+    LinuxAppInstance second({ .bus = m_bus->connection(), .lockFolder = lockFolder(), .patience = 300ms });
     QElapsedTimer time;
     time.start();
     QTest::ignoreMessage(QtWarningMsg, "Quillbrook: is running already, but does not answer");
-    QVERIFY(!second.claim());
+    QVERIFY(!second.claim(withWindow));
     QVERIFY(time.elapsed() >= 200);
     QVERIFY(time.elapsed() < 5000);
     QCOMPARE(first.platformData.size(), 1);
@@ -176,7 +202,7 @@ void LinuxAppInstanceTest::ownerThatEndsLeavesTheName()
     auto second = make();
     QElapsedTimer time;
     time.start();
-    QVERIFY(second->claim());
+    QVERIFY(second->claim(withWindow));
     QVERIFY(time.elapsed() < 4000);
     QCOMPARE(first.platformData.size(), 1);
 }
@@ -184,9 +210,9 @@ void LinuxAppInstanceTest::ownerThatEndsLeavesTheName()
 void LinuxAppInstanceTest::nameIsFreeAfterTheFirst()
 {
     auto first = make();
-    QVERIFY(first->claim());
+    QVERIFY(first->claim(withWindow));
     first.reset();
-    QVERIFY(make()->claim());
+    QVERIFY(make()->claim(withWindow));
 }
 
 void LinuxAppInstanceTest::launcherActivates_data()
@@ -213,7 +239,7 @@ void LinuxAppInstanceTest::launcherActivates()
     QFETCH(QVariantList, arguments);
     QFETCH(QByteArray, token);
     auto instance = make();
-    QVERIFY(instance->claim());
+    QVERIFY(instance->claim(withWindow));
     const QSignalSpy activations(instance.get(), &AppInstance::activated);
     auto message = QDBusMessage::createMethodCall(u"com.tarnwick.Quillbrook"_s, u"/com/tarnwick/Quillbrook"_s,
         u"org.freedesktop.Application"_s, method);
@@ -227,7 +253,7 @@ void LinuxAppInstanceTest::launcherActivates()
 void LinuxAppInstanceTest::otherActionsArePassedOver()
 {
     auto instance = make();
-    QVERIFY(instance->claim());
+    QVERIFY(instance->claim(withWindow));
     const QSignalSpy activations(instance.get(), &AppInstance::activated);
     auto message = QDBusMessage::createMethodCall(LinuxAppInstance::name(), LinuxAppInstance::objectPath(),
         u"org.freedesktop.Application"_s, u"ActivateAction"_s);
@@ -247,76 +273,78 @@ void LinuxAppInstanceTest::tokensAreTakenFromTheEnvironment()
     QCOMPARE(tokens.startupId, QByteArray("x_TIME1"));
 }
 
-void LinuxAppInstanceTest::lockHoldsWithoutABus()
+// Whichever of the two comes first, with a bus or without one: the stores have one writer.
+void LinuxAppInstanceTest::lockHoldsWhateverTheBus_data()
 {
-    auto first = makeWithoutBus();
-    QVERIFY(first->claim());
-    auto second = makeWithoutBus();
-    QTest::ignoreMessage(QtWarningMsg,
-        "Quillbrook: is running already; without a session bus its window can't be brought forward");
-    QVERIFY(!second->claim());
+    QTest::addColumn<bool>("firstHasBus");
+    QTest::addColumn<bool>("secondHasBus");
+    QTest::newRow("neither") << false << false;
+    QTest::newRow("first") << true << false;
+    QTest::newRow("second") << false << true;
+}
+
+void LinuxAppInstanceTest::lockHoldsWhateverTheBus()
+{
+    QFETCH(bool, firstHasBus);
+    QFETCH(bool, secondHasBus);
+    auto first = firstHasBus ? make() : makeWithoutBus();
+    QVERIFY(first->claim(withWindow));
+    auto second = secondHasBus ? make() : makeWithoutBus();
+    QTest::ignoreMessage(QtWarningMsg, refusal);
+    QVERIFY(!second->claim(withWindow));
+    QCOMPARE(
+        m_bus->connection().interface()->isServiceRegistered(LinuxAppInstance::name()).value(), firstHasBus);
     first.reset();
-    QVERIFY(second->claim());
+    QVERIFY(second->claim(withWindow));
 }
 
 void LinuxAppInstanceTest::lockOfAKilledProcessIsTakenOver()
 {
-    const auto lock = m_folder->filePath(u"com.tarnwick.Quillbrook.lock"_s);
+    QVERIFY(QDir().mkpath(QString::fromStdString(lockFolder())));
+    const auto lock = QString::fromStdString(lockFolder()) + u"/lock"_s;
     QProcess holder;
     holder.start(u"flock"_s, { u"--no-fork"_s, lock, u"sh"_s, u"-c"_s, u"echo held; exec sleep 60"_s });
     QVERIFY(holder.waitForStarted(5000));
     QVERIFY(holder.waitForReadyRead(5000));
     auto instance = makeWithoutBus();
-    QTest::ignoreMessage(QtWarningMsg,
-        "Quillbrook: is running already; without a session bus its window can't be brought forward");
-    QVERIFY(!instance->claim());
+    QTest::ignoreMessage(QtWarningMsg, refusal);
+    QVERIFY(!instance->claim(withWindow));
     holder.kill();
     QVERIFY(holder.waitForFinished(5000));
     QVERIFY(QFileInfo::exists(lock));
-    QVERIFY(instance->claim());
+    QVERIFY(instance->claim(withWindow));
 }
 
-void LinuxAppInstanceTest::noFolderForTheLock()
+void LinuxAppInstanceTest::placeThatCanNotBeLockedIsTold()
 {
-    LinuxAppInstance none({ .bus = QDBusConnection(u"not connected"_s), .runtimeFolder = {} });
-    QTest::ignoreMessage(QtWarningMsg, "Quillbrook: no folder for a lock; make sure that it runs once only");
-    QVERIFY(none.claim());
-    LinuxAppInstance missing(
-        { .bus = QDBusConnection(u"not connected"_s), .runtimeFolder = m_folder->filePath(u"not there"_s) });
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Quillbrook: could not lock .*not there"_s));
-    QVERIFY(missing.claim());
+    QFile file(m_folder->filePath(u"data"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression(u"^Quillbrook: could not lock .*data/Quillbrook/lock"_s));
+    QVERIFY(makeWithoutBus()->claim(withWindow));
 }
 
-void LinuxAppInstanceTest::runtimeFolderIsTheUsersOwn()
+void LinuxAppInstanceTest::tokenReachesTheEnvironmentForOneRound()
 {
-    const auto kept = qgetenv("XDG_RUNTIME_DIR");
-    const auto keptTemporary = qgetenv("TMPDIR");
-    qputenv("XDG_RUNTIME_DIR", m_folder->path().toUtf8());
-    QCOMPARE(LinuxAppInstance::usersRuntimeFolder(), m_folder->path());
-
-    // One that others may write to, none, and one that is no path: then among the temporary ones.
-    qputenv("TMPDIR", m_folder->path().toUtf8());
-    const auto own = QFile::decodeName(m_folder->path().toUtf8()) + u"/com.tarnwick.Quillbrook-"_s;
-    const auto open = m_folder->filePath(u"open"_s).toUtf8();
-    QCOMPARE(::mkdir(open.constData(), 0700), 0);
-    QCOMPARE(::chmod(open.constData(), 0777), 0);
-    QStringList found;
-    for (const auto &told : { open, QByteArray(), QByteArray("relative"), QByteArray("/not there") }) {
-        qputenv("XDG_RUNTIME_DIR", told);
-        found.append(LinuxAppInstance::usersRuntimeFolder());
-    }
-    // Something that others may write to in its place is not used.
-    const auto made = found.first();
-    QCOMPARE(::chmod(QFile::encodeName(made).constData(), 0777), 0);
-    const auto notUsed = LinuxAppInstance::usersRuntimeFolder();
-
-    kept.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", kept);
-    keptTemporary.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", keptTemporary);
-    for (const auto &folder : found) {
-        QVERIFY2(folder.startsWith(own), qPrintable(folder));
-        QCOMPARE(folder, made);
-    }
-    QCOMPARE(notUsed, QString());
+    qputenv("XDG_ACTIVATION_TOKEN", "of this start");
+    ActivationToken::reserve();
+    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("of this start"));
+    auto instance = make();
+    // What other threads read while a token comes and goes: it must not move.
+    std::vector<char *> before;
+    for (auto **entry = environ; *entry != nullptr; ++entry)
+        before.push_back(*entry);
+    instance->useActivationToken("abc");
+    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("abc"));
+    QVERIFY(std::ranges::equal(before, std::span(environ, before.size())));
+    QCoreApplication::processEvents();
+    QVERIFY(qgetenv("XDG_ACTIVATION_TOKEN").isEmpty());
+    instance->useActivationToken(QByteArray(2000, 'x'));
+    QVERIFY(qgetenv("XDG_ACTIVATION_TOKEN").isEmpty());
+    // As the window system leaves it behind.
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    instance->useActivationToken("def");
+    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("def"));
 }
 
 QTEST_GUILESS_MAIN(LinuxAppInstanceTest)

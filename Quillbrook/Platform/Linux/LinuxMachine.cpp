@@ -1,0 +1,172 @@
+#include "Catalogue/Linux/LinuxHostKnowledge.h"
+#include "Platform/AppServices.h"
+#include "Platform/Clock.h"
+#include "Platform/Linux/Backups/LinuxBackupProbe.h"
+#include "Platform/Linux/Folders/LinuxDataFolder.h"
+#include "Platform/Linux/Folders/LinuxHomeFolder.h"
+#include "Platform/Linux/Folders/LinuxVolumes.h"
+#include "Platform/Linux/LinuxDisk.h"
+#include "Platform/Linux/Notifications/LinuxNotifier.h"
+#include "Platform/Linux/Opening/LinuxFileRevealer.h"
+#include "Platform/Linux/Opening/LinuxLinkOpener.h"
+#include "Platform/Linux/Processes/LinuxProcessRunner.h"
+#include "Platform/Linux/Processes/LinuxProcessors.h"
+#include "Platform/Linux/Processes/LinuxUtilityQueue.h"
+#include "Platform/Linux/Processes/OpenFileLimit.h"
+#include "Platform/Linux/Sandbox/LinuxFolderGrants.h"
+#include "Platform/Linux/Sandbox/LinuxFolderPicker.h"
+#include "Platform/Linux/Session/ActivationToken.h"
+#include "Platform/Linux/Session/DesktopSession.h"
+#include "Platform/Linux/Session/LinuxAppInstance.h"
+#include "Platform/Linux/Session/LinuxLoginItem.h"
+#include "Platform/Linux/Session/LinuxMotionPreference.h"
+#include "Platform/Linux/Session/LinuxQuitSignals.h"
+#include "Platform/Linux/Tray/LinuxTrayItem.h"
+#include "Platform/Machine.h"
+#include "Platform/NetworkHttpClient.h"
+#include "Platform/SettingsUserDefaults.h"
+#include "Removal/Linux/LinuxGuards.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+
+#include <optional>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QProcessEnvironment &environment()
+{
+    static const auto present = QProcessEnvironment::systemEnvironment();
+    return present;
+}
+
+/// Where the program finds itself: the folders that everything else goes by.
+struct Places
+{
+    LinuxHomeFolder home;
+    const std::string realHome = home.rawRealHomeDirectory();
+    const std::string dataFolder = linuxDataFolder(home);
+    const std::string programFolder = dataFolder + "/Quillbrook";
+};
+
+/// The services, in the order in which they need each other.
+struct Services
+{
+    explicit Services(Places &given)
+        : places(given)
+    {
+        // While there is room: on the day the disk is full it is too late.
+        disk.reserve.replenish();
+    }
+
+    Places &places;
+    SystemClock clock;
+    LinuxDisk disk{ places.programFolder, TrashPlaces::ofThisUser(places.home), clock };
+    SettingsUserDefaults defaults{ &disk.reserve };
+    LinuxProcessors processors;
+    LinuxVolumes volumes;
+    LinuxProcessRunner processes;
+    LinuxHostKnowledge host{ disk.reading };
+    LinuxBackupProbe backups{
+        { .reading = disk.reading, .files = disk.files, .processes = processes, .home = places.realHome }
+    };
+    const HostGuards guards = LinuxGuards::guards(LinuxGuards::surroundings(places.home, disk.reading));
+    LinuxFileRevealer revealer;
+    LinuxMotionPreference motion;
+    const DesktopSession session = DesktopSession::of(environment(), places.home.realHomeDirectory());
+    LinuxNotifier notifier{ { .processes = processes,
+        .reading = disk.reading,
+        .defaults = defaults,
+        .session = session,
+        .start = [](const QString &program, const QStringList &arguments) {
+            QProcess::startDetached(program, arguments);
+        } } };
+    LinuxLoginItem loginItem{ { .reading = disk.reading,
+        .writing = disk.writing,
+        .defaults = defaults,
+        .session = session,
+        .program = LinuxLoginItem::programToStart(environment(), QCoreApplication::applicationFilePath()) } };
+    LinuxLinkOpener links;
+    LinuxFolderPicker folderPicker{ { .isSandboxed = !session.sandbox.isNone() } };
+    LinuxFolderGrants folderGrants{ { .realHome = places.realHome,
+        .runtimeFolder = environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
+    NetworkHttpClient http;
+    LinuxTrayItem tray;
+    LinuxQuitSignals quitSignals;
+    /// Its work uses the others, and ends before they do.
+    LinuxUtilityQueue utility;
+};
+
+class LinuxMachine final : public Machine
+{
+public:
+    LinuxMachine()
+    {
+        raiseOpenFileLimit();
+        ActivationToken::reserve();
+    }
+
+    [[nodiscard]] AppInstance &instance() override
+    {
+        if (!m_instance)
+            m_instance.emplace(
+                LinuxAppInstance::Options{ .tokens = m_tokens, .lockFolder = places().programFolder });
+        return *m_instance;
+    }
+
+    [[nodiscard]] AppServices services() override
+    {
+        auto &all = made();
+        return { .kit = { .directories = all.disk.directories,
+                     .processors = all.processors,
+                     .volumes = all.volumes,
+                     .defaults = all.defaults,
+                     .home = all.places.home,
+                     .files = all.disk.files,
+                     .reading = all.disk.reading,
+                     .processes = all.processes,
+                     .clock = all.clock,
+                     .host = all.host,
+                     .trash = all.disk.trash,
+                     .removal = all.disk.removal,
+                     .writing = all.disk.writing,
+                     .backups = all.backups,
+                     .http = all.http,
+                     .utility = all.utility,
+                     .guards = all.guards,
+                     .dataFolder = all.places.dataFolder },
+            .revealer = all.revealer,
+            .notifier = all.notifier,
+            .loginItem = all.loginItem,
+            .links = all.links,
+            .folderPicker = all.folderPicker,
+            .folderGrants = all.folderGrants };
+    }
+
+    [[nodiscard]] MotionPreference &motion() override { return made().motion; }
+    [[nodiscard]] TrayItem &tray() override { return made().tray; }
+    [[nodiscard]] QuitRequests &quitRequests() override { return made().quitSignals; }
+
+private:
+    [[nodiscard]] Places &places() { return m_places ? *m_places : m_places.emplace(); }
+    [[nodiscard]] Services &made() { return m_services ? *m_services : m_services.emplace(places()); }
+
+    const LinuxAppInstance::StartTokens m_tokens = LinuxAppInstance::StartTokens::ofEnvironment();
+    std::optional<Places> m_places;
+    std::optional<LinuxAppInstance> m_instance;
+    std::optional<Services> m_services;
+};
+
+} // namespace
+
+std::unique_ptr<Machine> Machine::ofThisSystem()
+{
+    return std::make_unique<LinuxMachine>();
+}
+
+} // namespace Quillbrook
