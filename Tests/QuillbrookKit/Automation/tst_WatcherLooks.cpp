@@ -102,12 +102,10 @@ private Q_SLOTS:
     void homeThatIsNotThereIsASmallerTree();
     void unreadableFolderIsASmallerTree();
     void tellsOnTheMainThread();
-    void tellsLater();
     void toldBeforeAnyoneListenedIsKept();
     void observerThatLeftIsNotTold();
     void secondLookInTheQuietPeriodIsQuiet();
     void forcedLookSpeaksAgain();
-    void noticeCountsWhetherOrNotItIsTold();
     void looksMayOverlap();
     void timerLooks();
     void soonIsOnTheQueue();
@@ -221,17 +219,6 @@ void TestWatcherLooks::tellsOnTheMainThread()
     QVERIFY(told.observations.first() == watcher.lastObservation());
 }
 
-void TestWatcherLooks::tellsLater()
-{
-    Home home;
-    Watcher watcher(home.kit.kitServices);
-    Told told(watcher);
-    watcher.check(false);
-    QVERIFY(told.observations.isEmpty());
-    QCoreApplication::processEvents();
-    QCOMPARE(told.observations.size(), 1);
-}
-
 void TestWatcherLooks::toldBeforeAnyoneListenedIsKept()
 {
     Home home;
@@ -285,17 +272,6 @@ void TestWatcherLooks::forcedLookSpeaksAgain()
     QVERIFY(watcher.lastNotifiedAt() == home.kit.clock.moment);
     watcher.check(true);
     QVERIFY(watcher.lastObservation()->shouldNotify);
-}
-
-void TestWatcherLooks::noticeCountsWhetherOrNotItIsTold()
-{
-    Home home;
-    Watcher watcher(home.kit.kitServices, Home::settings());
-    watcher.check(false);
-    Told told(watcher);
-    watcher.check(false);
-    QTRY_COMPARE(told.observations.size(), 1);
-    QVERIFY(!told.observations.first().shouldNotify);
 }
 
 void TestWatcherLooks::looksMayOverlap()

@@ -12,6 +12,7 @@
 #include <QQmlComponent>
 #include <QQuickWindow>
 #include <QTest>
+#include <QTimer>
 #include <QtQml/QQmlExtensionPlugin>
 
 #include <memory>
@@ -378,8 +379,17 @@ void MainWindowTest::startChecksRunAgainWhenTheWindowComesBack()
     m_window->hide();
     QTest::qWait(0);
     QCOMPARE(questions, before);
+    // Two days later the clock and what listens to the watcher are back, though somebody took them away. The
+    // start action does not run again: it would ask for an update by now.
+    m_machine->clock.moment = m_machine->clock.moment.addDays(2);
+    auto *clock = m_model->findChild<QTimer *>(u"volumeClock"_s);
+    clock->stop();
+    m_model->watcher().setOnObservation({});
     m_window->show();
     QTRY_COMPARE(questions, before + 1);
+    QVERIFY(clock->isActive());
+    m_model->watcher().check(true);
+    QTRY_VERIFY(m_model->lastWatch());
     QCOMPARE(m_machine->desktop.http.requests.size(), 1);
 }
 

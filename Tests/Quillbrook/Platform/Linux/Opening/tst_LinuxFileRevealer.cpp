@@ -99,12 +99,10 @@ private Q_SLOTS:
     void fileUriEncodesEveryByte();
     void asksTheFileManager_data();
     void asksTheFileManager();
-    void asksThePortalWithoutAFileManager();
-    void asksThePortalWhenTheFileManagerFails();
-    void asksThePortalWhenTheFileManagerIsSilent();
-    void opensTheFolderWithoutBoth();
-    void opensTheFolderWhenThePortalFails();
-    void opensTheFolderWhenThePortalIsSilent();
+    void asksThePortalWhereTheFileManagerDoesNot_data();
+    void asksThePortalWhereTheFileManagerDoesNot();
+    void opensTheFolderWhereThePortalDoesNot_data();
+    void opensTheFolderWhereThePortalDoesNot();
     void opensTheFolderOfWhatIsGone();
     void opensTheFolderWithoutABus();
     void folderKeepsItsBytes();
@@ -227,57 +225,45 @@ void TestLinuxFileRevealer::asksTheFileManager()
     QVERIFY(m_browser->urls.isEmpty());
 }
 
-void TestLinuxFileRevealer::asksThePortalWithoutAFileManager()
+void TestLinuxFileRevealer::asksThePortalWhereTheFileManagerDoesNot_data()
 {
+    QTest::addColumn<std::optional<Answer>>("fileManager");
+    QTest::newRow("none") << std::optional<Answer>();
+    QTest::newRow("fails") << std::optional(Answer::error);
+    QTest::newRow("silent") << std::optional(Answer::none);
+}
+
+void TestLinuxFileRevealer::asksThePortalWhereTheFileManagerDoesNot()
+{
+    QFETCH(std::optional<Answer>, fileManager);
+    if (fileManager)
+        offerFileManager(*fileManager);
     offerPortal(Answer::good);
-    const auto revealing = revealer();
+    const auto revealing = revealer(fileManager == Answer::none ? 20ms : 10s);
     revealing->reveal(m_tree->path("folder/file"));
     QTRY_COMPARE(m_portal->inodes, QList<quint64>{ inode(m_tree->path("folder/file")) });
+    QCOMPARE(m_fileManager->uris.size(), fileManager ? 1 : 0);
     QVERIFY(!m_portal->couldRead);
     QVERIFY(m_browser->urls.isEmpty());
 }
 
-void TestLinuxFileRevealer::asksThePortalWhenTheFileManagerFails()
+void TestLinuxFileRevealer::opensTheFolderWhereThePortalDoesNot_data()
 {
-    offerFileManager(Answer::error);
-    offerPortal(Answer::good);
-    const auto revealing = revealer();
-    revealing->reveal(m_tree->path("folder"));
-    QTRY_COMPARE(m_portal->inodes, QList<quint64>{ inode(m_tree->path("folder")) });
+    QTest::addColumn<std::optional<Answer>>("portal");
+    QTest::newRow("none") << std::optional<Answer>();
+    QTest::newRow("fails") << std::optional(Answer::error);
+    QTest::newRow("silent") << std::optional(Answer::none);
 }
 
-void TestLinuxFileRevealer::asksThePortalWhenTheFileManagerIsSilent()
+void TestLinuxFileRevealer::opensTheFolderWhereThePortalDoesNot()
 {
-    offerFileManager(Answer::none);
-    offerPortal(Answer::good);
-    const auto revealing = revealer(20ms);
-    revealing->reveal(m_tree->path("folder"));
-    QTRY_COMPARE(m_portal->inodes, QList<quint64>{ inode(m_tree->path("folder")) });
-    QCOMPARE(m_fileManager->uris.size(), 1);
-}
-
-void TestLinuxFileRevealer::opensTheFolderWithoutBoth()
-{
-    const auto revealing = revealer();
+    QFETCH(std::optional<Answer>, portal);
+    if (portal)
+        offerPortal(*portal);
+    const auto revealing = revealer(portal == Answer::none ? 20ms : 10s);
     revealing->reveal(m_tree->path("folder/file"));
     QTRY_COMPARE(m_browser->urls, QList<QByteArray>{ fileUri(m_tree->path("folder")).toLatin1() });
-}
-
-void TestLinuxFileRevealer::opensTheFolderWhenThePortalFails()
-{
-    offerPortal(Answer::error);
-    const auto revealing = revealer();
-    revealing->reveal(m_tree->path("folder/file"));
-    QTRY_COMPARE(m_browser->urls, QList<QByteArray>{ fileUri(m_tree->path("folder")).toLatin1() });
-    QCOMPARE(m_portal->inodes.size(), 1);
-}
-
-void TestLinuxFileRevealer::opensTheFolderWhenThePortalIsSilent()
-{
-    offerPortal(Answer::none);
-    const auto revealing = revealer(20ms);
-    revealing->reveal(m_tree->path("folder/file"));
-    QTRY_COMPARE(m_browser->urls, QList<QByteArray>{ fileUri(m_tree->path("folder")).toLatin1() });
+    QCOMPARE(m_portal->inodes.size(), portal ? 1 : 0);
 }
 
 void TestLinuxFileRevealer::opensTheFolderOfWhatIsGone()

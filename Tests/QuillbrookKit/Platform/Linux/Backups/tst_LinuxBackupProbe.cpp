@@ -392,16 +392,6 @@ private Q_SLOTS:
         QVERIFY(timer.elapsed() < 5000);
         QCOMPARE(snapper.calls, 1);
     }
-
-    void busWithoutTheServiceSaysNothing()
-    {
-        Machine machine;
-        PrivateBus bus;
-        if (!bus.connection().isConnected())
-            QSKIP("there is no dbus-daemon");
-        machine.bus = bus.address();
-        QCOMPARE(lookFrom(machine), Backups());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestLinuxBackupProbe)
