@@ -60,10 +60,12 @@ struct EvaluateRequest
     /// The node under which to look.
     qint32 root = -1;
     Places places{};
+    /// A stop ends the evaluation before the next location.
+    std::stop_token stop{};
 };
 
 /// Reads the same findings out of a finished tree, which already holds every size. A location that is a
-/// link gives a finding that is marked so.
+/// link gives a finding that is marked so. After a stop, the report holds what was found before.
 [[nodiscard]] ReclaimReport evaluate(const CatalogueServices &services, const EvaluateRequest &request);
 
 /// Rules worth mentioning beside one, in order; empty for an id without any. Not filtered against what

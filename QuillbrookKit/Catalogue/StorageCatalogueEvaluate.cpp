@@ -14,7 +14,7 @@ ReclaimReport evaluate(const CatalogueServices &services, const EvaluateRequest 
     const auto nodes = findAll(request.tree, paths, request.root);
 
     FindingList findings(services.files, services.clock);
-    for (size_t index = 0; index < locations.size(); ++index) {
+    for (size_t index = 0; index < locations.size() && !request.stop.stop_requested(); ++index) {
         const auto bytes = request.tree.size(nodes[index]);
         if (bytes < 1)
             continue;

@@ -53,8 +53,7 @@ std::optional<qint64> measured(
     const CatalogueServices &services, const QString &path, int threads, const std::stop_token &stop)
 {
     FastScanner scanner(services.directories);
-    const std::stop_callback cancelling(stop, [&scanner] { scanner.cancel(); });
-    const auto result = scanner.scan({ .rootPath = path.toStdString(), .threads = threads });
+    const auto result = scanner.scan({ .rootPath = path.toStdString(), .threads = threads, .stop = stop });
     if (stop.stop_requested())
         return std::nullopt;
     return result.tree ? result.tree->size(result.root) : 0;

@@ -61,6 +61,8 @@ FastScanner::Result FastScanner::scan(const Request &request)
     state.rootDevice = session->rootDevice().value_or(state.rootDevice);
     const auto root = state.tree->addNode(FileTree::noNode, rootPath, 0, FileTree::Flags::directory);
     state.queue.restart({ rootPath, root });
+    // All that a cancel writes is new from here on, so that a stop which was requested earlier is not undone.
+    const std::stop_callback cancelling(request.stop, [this] { cancel(); });
     const auto threads = std::clamp(request.threads, 1, mostThreads);
     runWorkers(state, *session, threads);
     state.tree->rollUp();

@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string>
+#include <stop_token>
 
 namespace Quillbrook {
 
@@ -38,6 +39,9 @@ public:
         bool crossDevices = false;
         /// What a leading "~" of `rootPath` stands for, in raw bytes.
         std::string home{};
+        /// A stop requested here ends the scan like `cancel`, and one requested before the scan began is
+        /// obeyed as well: nothing is read then.
+        std::stop_token stop{};
     };
 
     struct Progress
@@ -73,7 +77,8 @@ public:
     /// May be read at any time; between scans it tells of the last one.
     [[nodiscard]] Progress progress() const;
     /// Asks the running scan to stop; folders being read are still finished. Without one it does nothing that
-    /// lasts: the next scan starts uncancelled.
+    /// lasts: the next scan starts uncancelled. Whoever can't know whether the scan has begun uses the
+    /// request's `stop`.
     void cancel();
 
     /// Volumes of the system and pseudo file systems that no scan enters.

@@ -28,7 +28,6 @@
 #include "Removal/Linux/LinuxGuards.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QProcess>
 
 #include <optional>

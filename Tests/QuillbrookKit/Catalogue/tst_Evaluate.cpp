@@ -52,6 +52,21 @@ private Q_SLOTS:
             home.tree.allocated(".npm/_cacache/content"));
     }
 
+    void stopEndsTheEvaluation()
+    {
+        MadeUpHome home;
+        home.fill(".npm/_cacache", 4096);
+        const auto scanned = home.scan();
+        std::stop_source stop;
+        stop.request_stop();
+        const auto report = StorageCatalogue::evaluate(home.services(),
+            { .tree = *scanned.tree,
+                .root = scanned.root,
+                .places = { .homeDirectory = home.path() },
+                .stop = stop.get_token() });
+        QVERIFY(report.findings.isEmpty());
+    }
+
     void emptyLocationGivesNoFinding()
     {
         MadeUpHome home;

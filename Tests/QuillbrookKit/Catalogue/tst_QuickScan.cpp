@@ -22,6 +22,19 @@ QStringList idsOf(const ReclaimReport &report)
     return ids;
 }
 
+// Requests the stop when a location has been begun and nothing of it was read.
+struct StoppingDirectories final : DirectoryReading
+{
+    std::unique_ptr<DirectorySession> session(const std::string &rootPath) override
+    {
+        stop.request_stop();
+        return disk.session(rootPath);
+    }
+
+    FakeDirectories disk;
+    std::stop_source stop;
+};
+
 } // namespace
 
 class TestQuickScan : public QObject
@@ -343,6 +356,18 @@ private Q_SLOTS:
             { .places = { .homeDirectory = home.path() },
                 .onFinding = [&](const Finding &) { QCOMPARE(directories.sessionsMade(), ++measured); } });
         QCOMPARE(report.findings.size(), 2);
+    }
+
+    void stopBetweenTwoLocationsReadsNothingMore()
+    {
+        MadeUpHome home;
+        home.tree.folder(".gradle/daemon");
+        StoppingDirectories directories;
+        directories.disk.folder(home.tree.path(".gradle/daemon"), { FakeDirectories::aFile("file", 4096) });
+        const auto report = StorageCatalogue::quickScan(home.services(directories),
+            { .places = { .homeDirectory = home.path() }, .stop = directories.stop.get_token() });
+        QVERIFY(report.findings.isEmpty());
+        QCOMPARE(directories.disk.opened(), std::vector<std::string>());
     }
 
     void stopBeforehandMeasuresNothing()

@@ -98,6 +98,7 @@ private Q_SLOTS:
     void twoChildrenStayWithTheirWorkerAndTheRestGoesNewestFirst();
     void cancelWakesWaitingWorkersAndLeavesAPartialTree();
     void cancelDropsTheJobsThatAWorkerKept();
+    void stopBeforeTheScanReadsNothing();
     void scannerServesAgainAfterACancel();
     void progressCountsWhileTheScanRuns();
     void manyWorkersBuildTheSameTree();
@@ -350,6 +351,21 @@ void TestFastScanner::cancelDropsTheJobsThatAWorkerKept()
     QCOMPARE(directories.opened(), (Paths{ "/r", "/r/b" }));
     QCOMPARE(result.tree->size(0), 5);
     QCOMPARE(result.unreadableDirectories, 0);
+}
+
+void TestFastScanner::stopBeforeTheScanReadsNothing()
+{
+    std::stop_source stop;
+    stop.request_stop();
+    for (const auto threads : { 1, 8 }) {
+        FakeDirectories directories;
+        directories.folder("/r", { aFile("f", 3) });
+        FastScanner scanner(directories);
+        const auto result
+            = scanner.scan({ .rootPath = u"/r"_s, .threads = threads, .stop = stop.get_token() });
+        QCOMPARE(directories.opened(), Paths());
+        QCOMPARE(result.tree->nodeCount(), 1);
+    }
 }
 
 void TestFastScanner::scannerServesAgainAfterACancel()
