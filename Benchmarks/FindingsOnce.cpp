@@ -48,8 +48,8 @@ struct Moments
 // To be called before anything else observes the model, so that what the others make of the report counts.
 void noteReport(AppModel &model, Moments &moments)
 {
-    QObject::connect(&model, &AppModel::reportChanged, &model, [&model, &moments] {
-        if (model.phase().kind == Phase::Kind::ready)
+    QObject::connect(&model.scans(), &ScanDriver::reportChanged, &model, [&model, &moments] {
+        if (model.scans().phase().kind == Phase::Kind::ready)
             moments.report = now();
     });
 }
@@ -57,7 +57,7 @@ void noteReport(AppModel &model, Moments &moments)
 void noteFrames(QQuickWindow &window, AppModel &model, Moments &moments)
 {
     QObject::connect(&window, &QQuickWindow::frameSwapped, &model, [&model, &moments] {
-        if (!moments.firstFindingShown && !model.scanProgress().findings().isEmpty())
+        if (!moments.firstFindingShown && !model.scans().scanProgress().findings().isEmpty())
             moments.firstFindingShown = now();
         if (!moments.report || moments.reportShown)
             return;
@@ -101,7 +101,8 @@ int main(int count, char **texts)
     const QJsonObject output{ { "first_finding_seconds",
                                   *moments.firstFindingShown - arguments[2].toDouble() },
         { "painted_seconds", *moments.reportShown - *moments.report },
-        { "findings", model.report()->deletable().size() }, { "files", model.scannedFileCount() } };
+        { "findings", model.scans().report()->deletable().size() },
+        { "files", model.scans().scannedFileCount() } };
     std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
     return 0;
 }

@@ -54,10 +54,10 @@ int main(int count, char **texts)
     if (code != 0)
         return code;
     auto output = scans.figures();
-    output["files"] = model.scannedFileCount();
-    output["largest"] = timed([&] { return model.largestFiles(largestShown); });
-    output["rare"] = timed([&] { return model.search(arguments[2], foundShown); });
-    output["common"] = timed([&] { return model.search(arguments[3], foundShown); });
+    output["files"] = model.scans().scannedFileCount();
+    output["largest"] = timed([&] { return model.navigation().largestFiles(largestShown); });
+    output["rare"] = timed([&] { return model.navigation().search(arguments[2], foundShown); });
+    output["common"] = timed([&] { return model.navigation().search(arguments[3], foundShown); });
     std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
     return 0;
 }

@@ -24,8 +24,8 @@ WatchedScans::WatchedScans(AppModel &model, QList<Pane> panes)
     : m_model(model)
     , m_panes(std::move(panes))
 {
-    connect(&m_model, &AppModel::phaseChanged, this, [this] {
-        if (m_model.phase().kind != Phase::Kind::scanning)
+    connect(&m_model.scans(), &ScanDriver::phaseChanged, this, [this] {
+        if (m_model.scans().phase().kind != Phase::Kind::scanning)
             QTimer::singleShot(settling, this, &WatchedScans::goOn);
     });
 }
@@ -35,7 +35,7 @@ int WatchedScans::run()
     QTimer::singleShot(longestRun, this, [] { QCoreApplication::exit(1); });
     // A window starts a scan by itself, which then comes first.
     QTimer::singleShot(settling, this, [this] {
-        if (m_model.phase().kind == Phase::Kind::idle)
+        if (m_model.scans().phase().kind == Phase::Kind::idle)
             goOn();
     });
     return QCoreApplication::exec();
@@ -43,7 +43,7 @@ int WatchedScans::run()
 
 void WatchedScans::goOn()
 {
-    if (m_model.phase().kind == Phase::Kind::scanning)
+    if (m_model.scans().phase().kind == Phase::Kind::scanning)
         return;
     if (m_next == m_panes.size()) {
         m_monitor.stop();
@@ -52,8 +52,8 @@ void WatchedScans::goOn()
     }
     if (m_next == 0)
         m_monitor.start();
-    m_model.setRequestedPane(m_panes[m_next++]);
-    m_model.scan({ .scope = Scope::complete });
+    m_model.navigation().setRequestedPane(m_panes[m_next++]);
+    m_model.scans().scan({ .scope = Scope::complete });
 }
 
 QJsonObject WatchedScans::figures() const

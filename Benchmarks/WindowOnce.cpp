@@ -49,7 +49,7 @@ int main(int count, char **texts)
     if (code != 0)
         return code;
     auto output = scans.figures();
-    output["files"] = model.scannedFileCount();
+    output["files"] = model.scans().scannedFileCount();
     std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
     return 0;
 }

@@ -69,8 +69,8 @@ AppDelegate::AppDelegate(const Services &services, const Windows &windows, QObje
     connect(&services.tray, &TrayItem::checkChosen, this, &AppDelegate::checkDisk);
     connect(&services.tray, &TrayItem::quitChosen, this, &AppDelegate::quit);
     connect(&services.instance, &AppInstance::activated, this, &AppDelegate::openWindow);
-    connect(&services.model, &AppModel::menuBarTitleChanged, this, &AppDelegate::showTray);
-    connect(&services.model, &AppModel::volumeChanged, this, &AppDelegate::showTray);
+    connect(&services.model.volume(), &VolumeFigures::menuBarTitleChanged, this, &AppDelegate::showTray);
+    connect(&services.model.volume(), &VolumeFigures::volumeChanged, this, &AppDelegate::showTray);
     m_updateClock.setObjectName(u"updateClock"_s);
     m_updateClock.setParent(this);
     m_updateClock.setInterval(updateClockInterval);
@@ -108,11 +108,11 @@ void AppDelegate::startWithoutWindow()
 {
     auto &model = m_services.model;
     model.startRuleClock();
-    model.configureWatcher(m_services.background);
+    model.watch().configureWatcher(m_services.background);
     m_services.background.refresh();
-    model.checkForUpdate();
-    model.refreshVolume();
-    model.refreshSafetyNet();
+    model.updates().checkForUpdate();
+    model.volume().refreshVolume();
+    model.reclaims().refreshSafetyNet();
 }
 
 // The model itself asks once a day, but for a notice that it shows already: that it asks about every time.
@@ -120,10 +120,10 @@ void AppDelegate::askForUpdate()
 {
     auto &model = m_services.model;
     const auto now = model.services().kit.clock.now();
-    if (model.update() && m_lastAskedForUpdate.secsTo(now) < secondsOfADay)
+    if (model.updates().update() && m_lastAskedForUpdate.secsTo(now) < secondsOfADay)
         return;
     m_lastAskedForUpdate = now;
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
 }
 
 void AppDelegate::checkDisk()
@@ -132,7 +132,7 @@ void AppDelegate::checkDisk()
         return;
     m_isChecking = true;
     // On the main thread, as the panel's button does it.
-    m_services.model.watcher().check(false);
+    m_services.model.watch().watcher().check(false);
     // The presses that came meanwhile are delivered before this, and asked for the check that has just run.
     QMetaObject::invokeMethod(
         this, [this] { m_isChecking = false; }, Qt::QueuedConnection);
@@ -230,10 +230,10 @@ void AppDelegate::release(QPointer<QQuickWindow> &window)
 void AppDelegate::showTray()
 {
     const auto &model = m_services.model;
-    const auto total = static_cast<double>(model.liveTotal());
-    const auto used = total > 0 ? (total - static_cast<double>(model.liveFree())) / total : 0;
+    const auto total = static_cast<double>(model.volume().liveTotal());
+    const auto used = total > 0 ? (total - static_cast<double>(model.volume().liveFree())) / total : 0;
     m_services.tray.show(
-        { .title = model.menuBarTitle(), .usedShare = used, .isDanger = used > dangerShare });
+        { .title = model.volume().menuBarTitle(), .usedShare = used, .isDanger = used > dangerShare });
 }
 
 } // namespace Quillbrook

@@ -5,11 +5,12 @@
 
 namespace Quillbrook {
 
-void FindingCollector::add(const Finding &finding)
+qsizetype FindingCollector::add(const Finding &finding)
 {
     const std::scoped_lock lock(m_lock);
     m_items.append(finding);
     m_latest = finding.rule.title;
+    return m_items.size();
 }
 
 void FindingCollector::finish()
@@ -18,15 +19,15 @@ void FindingCollector::finish()
     m_finished = true;
 }
 
-FindingCollector::Look FindingCollector::look() const
+FindingCollector::Found FindingCollector::found() const
 {
-    Look look;
+    Found found;
     {
         const std::scoped_lock lock(m_lock);
-        look = { .findings = m_items, .latest = m_latest, .finished = m_finished };
+        found = { .findings = m_items, .latest = m_latest, .finished = m_finished };
     }
-    std::ranges::stable_sort(look.findings, std::greater(), &Finding::bytes);
-    return look;
+    std::ranges::stable_sort(found.findings, std::greater(), &Finding::bytes);
+    return found;
 }
 
 } // namespace Quillbrook

@@ -1,7 +1,7 @@
 #pragma once
 
 // Carries findings from the quick stage of a scan, which runs on a pool thread, to the main thread, which
-// looks now and then. Every function may be called from any thread.
+// fetches them now and then. Every function may be called from any thread.
 
 #include "Catalogue/Finding.h"
 
@@ -15,8 +15,8 @@ namespace Quillbrook {
 class FindingCollector
 {
 public:
-    /// What there is at one moment.
-    struct Look
+    /// What has been found up to one moment.
+    struct Found
     {
         /// Largest first; equal sizes in the order in which they came.
         QList<Finding> findings{};
@@ -26,9 +26,10 @@ public:
         bool finished = false;
     };
 
-    void add(const Finding &finding);
+    /// Returns how many there are then.
+    qsizetype add(const Finding &finding);
     void finish();
-    [[nodiscard]] Look look() const;
+    [[nodiscard]] Found found() const;
 
 private:
     mutable std::mutex m_lock;

@@ -90,7 +90,7 @@ bool FolderAccess::prepare(AppModel &model)
     if (isGated())
         return false;
     beginAccess();
-    model.setScanRoot(scanRoot());
+    model.scans().setScanRoot(scanRoot());
     return true;
 }
 

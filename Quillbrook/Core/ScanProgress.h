@@ -1,30 +1,31 @@
 #pragma once
 
-// What the scanning view shows of a scan in hand. Main thread only.
+// What the scanning view shows of a scan that runs. Main thread only.
 
 #include "Catalogue/Finding.h"
 
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QtQmlIntegration>
 
 namespace Quillbrook {
 
 class ScanProgress : public QObject
 {
     Q_OBJECT
+    QML_ANONYMOUS
 
     /// The bar, 0 to 1.
-    Q_PROPERTY(double fraction READ fraction NOTIFY fractionChanged)
-    /// What is being measured now; empty before anything is known.
-    Q_PROPERTY(QString detail READ detail NOTIFY detailChanged)
-    /// How much has been seen, in words.
-    Q_PROPERTY(QString counts READ counts NOTIFY countsChanged)
+    Q_PROPERTY(double fraction READ fraction NOTIFY fractionChanged FINAL)
+    /// How much has been seen, in words; empty at first.
+    Q_PROPERTY(QString counts READ counts NOTIFY countsChanged FINAL)
 
 public:
     using QObject::QObject;
 
     [[nodiscard]] double fraction() const { return m_fraction; }
+    /// What is being measured now; empty before anything is known.
     [[nodiscard]] const QString &detail() const { return m_detail; }
     [[nodiscard]] const QString &counts() const { return m_counts; }
     /// What has been found so far, largest first.

@@ -1,14 +1,14 @@
 #include "Automation/Watcher.h"
 
 #include "Catalogue/HostKnowledge.h"
-#include "Catalogue/QuietFences.h"
+#include "Catalogue/ScanFences.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Platform/Clock.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/KitServices.h"
 #include "Platform/UtilityQueue.h"
+#include "Scan/FastScanner.h"
 #include "Scan/Format.h"
-#include "Scan/ScanInHand.h"
 
 #include <QObject>
 
@@ -96,13 +96,13 @@ std::optional<ReclaimReport> Watcher::State::measure() const
 {
     const auto home = kit.home.homeDirectory();
     const auto host = kit.host.about(home);
-    const auto fences = QuietFences::of(home, host);
-    ScanInHand scanner(kit.directories);
-    const std::stop_callback cancel(stop.get_token(), [&scanner] { scanner.cancel(); });
-    const auto scanned = scanner.run({ .rootPath = kit.home.rawHomeDirectory(),
+    const auto fences = ScanFences::quiet(home, host);
+    FastScanner scanner(kit.directories);
+    const auto scanned = scanner.scan({ .rootPath = kit.home.rawHomeDirectory(),
         .threads = FastScanner::defaultThreadCount(kit.processors),
         .exclusions = fences.exclusions,
-        .allowlist = fences.allowlist });
+        .allowlist = fences.allowlist,
+        .stop = stop.get_token() });
     if (stop.stop_requested())
         return std::nullopt;
     return StorageCatalogue::evaluate(CatalogueServices::of(kit),

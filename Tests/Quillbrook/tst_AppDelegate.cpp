@@ -161,16 +161,16 @@ void AppDelegateTest::startInBackgroundOpensNone()
     QCOMPARE(windowCount(), 0);
     // What a window would have set going, but for the first scan.
     QCOMPARE(m_machine->desktop.http.requests.size(), 1);
-    QTRY_VERIFY(m_model->safetyNet());
-    QCOMPARE(m_model->phase().kind, Phase::Kind::idle);
+    QTRY_VERIFY(m_model->reclaims().safetyNet());
+    QCOMPARE(m_model->scans().phase().kind, Phase::Kind::idle);
     QVERIFY(m_model->findChild<QTimer *>(u"volumeClock"_s)->isActive());
     QVERIFY(m_machine->desktop.notifier.questions > questions);
     QCOMPARE(m_tray->appearances.last(),
-        (TrayItem::Appearance{ .title = m_model->menuBarTitle(), .usedShare = 0.75 }));
-    QCOMPARE(m_model->menuBarTitle(), u"250 B"_s);
-    QVERIFY(!m_model->lastWatch());
-    m_model->watcher().check(false);
-    QTRY_VERIFY(m_model->lastWatch());
+        (TrayItem::Appearance{ .title = m_model->volume().menuBarTitle(), .usedShare = 0.75 }));
+    QCOMPARE(m_model->volume().menuBarTitle(), u"250 B"_s);
+    QVERIFY(!m_model->watch().lastWatch());
+    m_model->watch().watcher().check(false);
+    QTRY_VERIFY(m_model->watch().lastWatch());
 }
 
 void AppDelegateTest::windowThatCanNotBeMadeIsTold()
@@ -287,9 +287,9 @@ void AppDelegateTest::newerVersionIsAskedForDaily()
     QVERIFY(m_delegate->start(start));
     // As the window's content does it.
     if (start == withWindow)
-        m_model->checkForUpdate();
+        m_model->updates().checkForUpdate();
     QTRY_VERIFY(m_machine->defaults.values.contains(u"Quillbrook.updateCheckedAt"_s));
-    QCOMPARE(m_model->update().has_value(), hasNotice);
+    QCOMPARE(m_model->updates().update().has_value(), hasNotice);
     auto *clock = m_delegate->findChild<QTimer *>(u"updateClock"_s);
     QVERIFY(clock->isActive());
     const auto begin = m_machine->clock.moment;
@@ -408,9 +408,9 @@ void AppDelegateTest::panelThatCanNotBeMadeIsTold()
 void AppDelegateTest::checkingLooksAtOnce()
 {
     QVERIFY(m_delegate->start(inBackground));
-    QVERIFY(!m_model->watcher().lastObservation());
+    QVERIFY(!m_model->watch().watcher().lastObservation());
     Q_EMIT m_tray->checkChosen();
-    QVERIFY(m_model->watcher().lastObservation());
+    QVERIFY(m_model->watch().watcher().lastObservation());
     // Presses that came while it checked are answered by that check; a later one is not.
     const auto checks = [this] { return m_machine->directories.sessionsMade(); };
     const auto one = checks();
@@ -459,7 +459,7 @@ void AppDelegateTest::trayShowsTheVolume()
     QFETCH(bool, isDanger);
     m_machine->volumes.answer = VolumeCapacity{ .available = free, .total = total };
     QVERIFY(m_delegate->start(inBackground));
-    QCOMPARE(m_tray->appearances.last().title, m_model->menuBarTitle());
+    QCOMPARE(m_tray->appearances.last().title, m_model->volume().menuBarTitle());
     QCOMPARE(m_tray->appearances.last().usedShare, usedShare);
     QCOMPARE(m_tray->appearances.last().isDanger, isDanger);
 }
@@ -468,11 +468,11 @@ void AppDelegateTest::trayFollowsTheModel()
 {
     QVERIFY(m_delegate->start(inBackground));
     m_machine->volumes.answer = VolumeCapacity{ .available = 20, .total = 1000 };
-    m_model->refreshVolume();
+    m_model->volume().refreshVolume();
     QCOMPARE(m_tray->appearances.last(),
         (TrayItem::Appearance{ .title = u"20 B"_s, .usedShare = 0.98, .isDanger = true }));
     const auto count = m_tray->appearances.size();
-    m_model->refreshVolume();
+    m_model->volume().refreshVolume();
     QCOMPARE(m_tray->appearances.size(), count);
 }
 

@@ -4,6 +4,7 @@
 
 #include "Platform/FileFacts.h"
 
+#include <functional>
 #include <map>
 
 namespace Quillbrook {
@@ -20,6 +21,8 @@ public:
 
     [[nodiscard]] std::optional<FileKind> kind(const std::string &path) const override
     {
+        if (beforeKind)
+            beforeKind(path);
         const auto found = entries.find(path);
         return found == entries.end() ? std::nullopt : std::optional(found->second.kind);
     }
@@ -37,6 +40,8 @@ public:
     }
 
     std::map<std::string, Entry> entries{};
+    /// Called on the asking thread. May be empty.
+    std::function<void(const std::string &path)> beforeKind{};
 };
 
 } // namespace Quillbrook

@@ -36,11 +36,11 @@ struct HomeOnDisk : FakeKit
 
     void scan() const
     {
-        model->scan({ .scope = Scope::complete });
+        model->scans().scan({ .scope = Scope::complete });
         settled();
     }
-    /// Waits for the end of the present scan.
-    void settled() const { QTRY_COMPARE(model->phase().kind, Phase::Kind::ready); }
+    /// Waits for the end of the scan in hand.
+    void settled() const { QTRY_COMPARE(model->scans().phase().kind, Phase::Kind::ready); }
 
     [[nodiscard]] std::string path(const std::string &name) const { return tree.path("home/" + name); }
     [[nodiscard]] bool has(const std::string &name) const
@@ -61,15 +61,15 @@ struct HomeOnDisk : FakeKit
     /// The finding of the present report at that place. REQUIRES: it is there.
     [[nodiscard]] Finding finding(const std::string &name) const
     {
-        for (const auto &found : model->report()->findings)
+        for (const auto &found : model->scans().report()->findings)
             if (found.path.toStdString() == path(name))
                 return found;
         qFatal("no finding at %s", name.c_str());
     }
     [[nodiscard]] std::optional<NodeSnapshot> node(const std::string &name) const
     {
-        return model->tree()->snapshot(
-            model->tree()->find(QString::fromStdString(path(name)), model->rootNode()));
+        return model->scans().tree()->snapshot(
+            model->scans().tree()->find(QString::fromStdString(path(name)), model->scans().rootNode()));
     }
 
     TempTree tree;

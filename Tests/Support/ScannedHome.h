@@ -60,19 +60,19 @@ struct ScannedHome : FakeServices
 
     void scan(Scope scope = Scope::complete)
     {
-        model.scan({ .scope = scope });
-        QTRY_COMPARE(model.phase().kind, Phase::Kind::ready);
+        model.scans().scan({ .scope = scope });
+        QTRY_COMPARE(model.scans().phase().kind, Phase::Kind::ready);
     }
 
     /// The node of a path below the home folder; -1 when there is none.
     [[nodiscard]] qint32 node(const std::string &name) const
     {
-        return model.tree()->find(QString::fromStdString(path(name)), model.rootNode());
+        return model.scans().tree()->find(QString::fromStdString(path(name)), model.scans().rootNode());
     }
     /// What a screen keeps of it. REQUIRES: it is there.
     [[nodiscard]] NodeSnapshot snapshot(const std::string &name) const
     {
-        return model.tree()->snapshot(node(name)).value();
+        return model.scans().tree()->snapshot(node(name)).value();
     }
 
 private:

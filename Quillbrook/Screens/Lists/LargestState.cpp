@@ -17,7 +17,7 @@ QString LargestState::emptyMessage() const
 
 QList<NodeSnapshot> LargestState::fetch() const
 {
-    return model().largestFiles(rowLimit);
+    return model().navigation().largestFiles(rowLimit);
 }
 
 } // namespace Quillbrook

@@ -10,9 +10,9 @@ NodeTableState::NodeTableState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model, &AppModel::phaseChanged, this, &NodeTableState::followTree);
-    connect(&m_model, &AppModel::treeChanged, this, &NodeTableState::followTree);
-    connect(&m_model, &AppModel::selectionChanged, this, &NodeTableState::refreshSelectedRow);
+    connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &NodeTableState::followTree);
+    connect(&m_model.scans(), &ScanDriver::treeChanged, this, &NodeTableState::followTree);
+    connect(&m_model.navigation(), &Navigation::selectionChanged, this, &NodeTableState::refreshSelectedRow);
 }
 
 void NodeTableState::setShown(bool shown)
@@ -34,7 +34,7 @@ void NodeTableState::invalidateRows()
 // that shows the new tree.
 void NodeTableState::followTree()
 {
-    if (m_source.lock() != m_model.tree())
+    if (m_source.lock() != m_model.scans().tree())
         invalidateRows();
 }
 
@@ -43,14 +43,14 @@ void NodeTableState::reloadIfNeeded()
     if (!m_shown || !m_stale)
         return;
     m_stale = false;
-    m_source = m_model.tree();
+    m_source = m_model.scans().tree();
     m_rows.setRows(fetch(), m_model.services().kit.home.homeDirectory());
     refreshSelectedRow();
 }
 
 void NodeTableState::refreshSelectedRow()
 {
-    const auto &selection = m_model.selection();
+    const auto &selection = m_model.navigation().selection();
     const auto row = selection ? static_cast<int>(m_rows.rows().indexOf(*selection)) : -1;
     if (m_selectedRow == row)
         return;
@@ -61,13 +61,13 @@ void NodeTableState::refreshSelectedRow()
 void NodeTableState::select(int row)
 {
     if (row >= 0 && row < m_rows.rowCount())
-        m_model.setSelection(m_rows.rows().at(row));
+        m_model.navigation().setSelection(m_rows.rows().at(row));
 }
 
 void NodeTableState::reveal(int row)
 {
     if (row >= 0 && row < m_rows.rowCount())
-        m_model.services().revealer.reveal(m_model.rawPath(m_rows.rows().at(row)));
+        m_model.services().revealer.reveal(m_model.navigation().rawPath(m_rows.rows().at(row)));
 }
 
 } // namespace Quillbrook

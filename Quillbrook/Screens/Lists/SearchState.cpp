@@ -14,7 +14,7 @@ constexpr qsizetype shortestQuery = 2;
 SearchState::SearchState(AppModel &model, QObject *parent)
     : NodeTableState(model, parent)
 {
-    connect(&model, &AppModel::searchTextChanged, this, [this] {
+    connect(&model.navigation(), &Navigation::searchTextChanged, this, [this] {
         invalidateRows();
         Q_EMIT textChanged();
         Q_EMIT emptyMessageChanged();
@@ -23,12 +23,12 @@ SearchState::SearchState(AppModel &model, QObject *parent)
 
 QString SearchState::text() const
 {
-    return model().searchText();
+    return model().navigation().searchText();
 }
 
 void SearchState::setText(const QString &text)
 {
-    model().setSearchText(text);
+    model().navigation().setSearchText(text);
 }
 
 QString SearchState::emptyMessage() const
@@ -38,7 +38,7 @@ QString SearchState::emptyMessage() const
 
 QList<NodeSnapshot> SearchState::fetch() const
 {
-    return model().search(text(), rowLimit);
+    return model().navigation().search(text(), rowLimit);
 }
 
 } // namespace Quillbrook

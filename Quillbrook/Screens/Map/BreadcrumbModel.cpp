@@ -8,15 +8,15 @@ namespace Quillbrook {
 BreadcrumbModel::BreadcrumbModel(AppModel &model, QObject *parent)
     : QAbstractListModel(parent)
     , m_model(model)
-    , m_names(model.breadcrumbNames())
+    , m_names(model.navigation().breadcrumbNames())
 {
-    connect(&m_model, &AppModel::breadcrumbChanged, this, &BreadcrumbModel::reload);
+    connect(&m_model.navigation(), &Navigation::breadcrumbChanged, this, &BreadcrumbModel::reload);
 }
 
 void BreadcrumbModel::reload()
 {
     beginResetModel();
-    m_names = m_model.breadcrumbNames();
+    m_names = m_model.navigation().breadcrumbNames();
     endResetModel();
 }
 
@@ -46,7 +46,7 @@ QHash<int, QByteArray> BreadcrumbModel::roleNames() const
 void BreadcrumbModel::popTo(int row)
 {
     if (row >= 0)
-        m_model.popTo(row);
+        m_model.navigation().popTo(row);
 }
 
 } // namespace Quillbrook

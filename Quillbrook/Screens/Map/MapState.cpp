@@ -54,10 +54,11 @@ MapState::MapState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    for (const auto signal : { &AppModel::phaseChanged, &AppModel::treeChanged, &AppModel::focusChanged,
-             &AppModel::treeGenerationChanged })
-        connect(&m_model, signal, this, &MapState::layoutDue);
-    connect(&m_model, &AppModel::selectionChanged, this, &MapState::marksChanged);
+    for (const auto signal :
+        { &ScanDriver::phaseChanged, &ScanDriver::treeChanged, &ScanDriver::treeGenerationChanged })
+        connect(&m_model.scans(), signal, this, &MapState::layoutDue);
+    connect(&m_model.navigation(), &Navigation::focusChanged, this, &MapState::layoutDue);
+    connect(&m_model.navigation(), &Navigation::selectionChanged, this, &MapState::marksChanged);
 }
 
 void MapState::setSize(QSizeF size)
@@ -71,14 +72,14 @@ void MapState::setSize(QSizeF size)
 TreemapLayoutKey MapState::presentKey() const
 {
     return { .size = m_size,
-        .focus = m_model.focus(),
-        .phase = text(m_model.phase()),
-        .generation = m_model.treeGeneration() };
+        .focus = m_model.navigation().focus(),
+        .phase = text(m_model.scans().phase()),
+        .generation = m_model.scans().treeGeneration() };
 }
 
 bool MapState::canLayOut(const TreemapLayoutKey &key) const
 {
-    return m_model.tree() && key.focus >= 0 && key.size.width() > smallestView
+    return m_model.scans().tree() && key.focus >= 0 && key.size.width() > smallestView
         && key.size.height() > smallestView;
 }
 
@@ -90,7 +91,7 @@ void MapState::layoutIfNeeded()
     m_key = key;
     m_tiles.clear();
     if (canLayOut(key)) {
-        m_tiles = Treemap::layout({ .tree = *m_model.tree(),
+        m_tiles = Treemap::layout({ .tree = *m_model.scans().tree(),
             .node = key.focus,
             .in = QRectF(QPointF(0, 0), key.size),
             .maximumDepth = layoutDepth,
@@ -108,7 +109,7 @@ void MapState::layoutIfNeeded()
 
 QString MapState::emptyText() const
 {
-    if (m_model.phase().kind == Phase::Kind::scanning)
+    if (m_model.scans().phase().kind == Phase::Kind::scanning)
         return tr("Measuring…");
     return tr("Scan this Mac to see what is using it.");
 }
@@ -149,12 +150,12 @@ void MapState::clickAt(QPointF point)
     const auto position = TreemapGeometry::tileAt(m_tiles, point);
     m_lastClick = Click{ .node = position ? m_tiles[*position].id : FileTree::noNode,
         .revision = m_revision,
-        .generation = m_model.treeGeneration() };
+        .generation = m_model.scans().treeGeneration() };
     if (position) {
         setCurrent(m_tiles[*position].id);
-        m_model.setSelection(snapshotOf(m_tiles[*position]));
+        m_model.navigation().setSelection(snapshotOf(m_tiles[*position]));
     } else {
-        m_model.setSelection(std::nullopt);
+        m_model.navigation().setSelection(std::nullopt);
     }
 }
 
@@ -164,11 +165,11 @@ void MapState::doubleClickAt(QPointF point)
     // The first click may have brought the selection bar, and with it a smaller map: what the person pressed
     // twice is what lay under the pointer the first time.
     if (m_lastClick && m_lastClick->revision != m_revision
-        && m_lastClick->generation == m_model.treeGeneration())
+        && m_lastClick->generation == m_model.scans().treeGeneration())
         node = m_lastClick->node;
     m_lastClick.reset();
     if (node != FileTree::noNode)
-        m_model.drillInto(node);
+        m_model.navigation().drillInto(node);
 }
 
 void MapState::walk(TreemapGeometry::Direction direction)
@@ -214,10 +215,10 @@ void MapState::selectCurrent()
 
 bool MapState::goUp()
 {
-    if (m_model.breadcrumb().size() < 2)
+    if (m_model.navigation().breadcrumb().size() < 2)
         return false;
-    const auto left = m_model.focus();
-    m_model.popTo(m_model.breadcrumb().size() - 2);
+    const auto left = m_model.navigation().focus();
+    m_model.navigation().popTo(m_model.navigation().breadcrumb().size() - 2);
     layoutIfNeeded();
     if (TreemapGeometry::tileOf(m_tiles, left))
         setCurrent(left);
@@ -227,13 +228,13 @@ bool MapState::goUp()
 void MapState::activate(size_t position)
 {
     if (position < m_tiles.size())
-        m_model.drillInto(m_tiles[position].id);
+        m_model.navigation().drillInto(m_tiles[position].id);
 }
 
 void MapState::select(size_t position)
 {
     if (position < m_tiles.size())
-        m_model.setSelection(snapshotOf(m_tiles[position]));
+        m_model.navigation().setSelection(snapshotOf(m_tiles[position]));
 }
 
 void MapState::setCurrent(qint32 node)
@@ -247,11 +248,11 @@ void MapState::setCurrent(qint32 node)
 
 qint32 MapState::selected() const
 {
-    if (!m_model.selection())
+    if (!m_model.navigation().selection())
         return FileTree::noNode;
-    const auto position = TreemapGeometry::tileOf(m_tiles, m_model.selection()->id);
-    const bool sameItem = position && m_tiles[*position].path == m_model.selection()->path;
-    return sameItem ? m_model.selection()->id : FileTree::noNode;
+    const auto position = TreemapGeometry::tileOf(m_tiles, m_model.navigation().selection()->id);
+    const bool sameItem = position && m_tiles[*position].path == m_model.navigation().selection()->path;
+    return sameItem ? m_model.navigation().selection()->id : FileTree::noNode;
 }
 
 const Treemap::Tile *MapState::hoveredTile() const

@@ -52,7 +52,7 @@ SelectionBarState::SelectionBarState(AppModel &model, Counter counter, QObject *
     , m_model(model)
     , m_counter(std::move(counter))
 {
-    connect(&m_model, &AppModel::selectionChanged, this, &SelectionBarState::refresh);
+    connect(&m_model.navigation(), &Navigation::selectionChanged, this, &SelectionBarState::refresh);
 }
 
 void SelectionBarState::refresh()
@@ -61,28 +61,31 @@ void SelectionBarState::refresh()
     setJudgement(std::nullopt);
     Q_EMIT itemChanged();
     if (canOpen())
-        count(*m_model.selection());
+        count(*m_model.navigation().selection());
     if (present())
-        judge(*m_model.selection());
+        judge(*m_model.navigation().selection());
 }
 
 QCoro::Task<> SelectionBarState::count(NodeSnapshot item)
 {
     const QPointer self(this);
     // The future has a name because the compiler destroys what is made in an awaiting expression twice.
-    const auto counting = QtConcurrent::run(countingPool(),
-        [rawPath = m_model.rawPath(item), counter = m_counter] { return counter(rawPath, itemCap); });
+    const auto counting = QtConcurrent::run(
+        countingPool(), [rawPath = m_model.navigation().rawPath(item), counter = m_counter] {
+            return counter(rawPath, itemCap);
+        });
     const auto inside = co_await counting;
-    if (self && self->m_model.selection() && self->m_model.selection()->path == item.path)
+    if (self && self->m_model.navigation().selection()
+        && self->m_model.navigation().selection()->path == item.path)
         self->setInside(inside);
 }
 
 QCoro::Task<> SelectionBarState::judge(NodeSnapshot item)
 {
     const QPointer self(this);
-    const auto judging = QtConcurrent::run(judgingPool(), m_model.guardedPath(item));
+    const auto judging = QtConcurrent::run(judgingPool(), m_model.reclaims().guardedPath(item));
     const auto refusal = co_await judging;
-    if (self && self->m_model.selection() == item)
+    if (self && self->m_model.navigation().selection() == item)
         self->setJudgement(Judgement{ .refusal = refusal });
 }
 
@@ -105,7 +108,7 @@ void SelectionBarState::setInside(const std::optional<PathRemoval::ItemCount> &i
 
 bool SelectionBarState::present() const
 {
-    return m_model.selection().has_value();
+    return m_model.navigation().selection().has_value();
 }
 
 QString SelectionBarState::symbol() const
@@ -115,12 +118,12 @@ QString SelectionBarState::symbol() const
 
 QString SelectionBarState::name() const
 {
-    return present() ? singleLine(m_model.selection()->name) : QString();
+    return present() ? singleLine(m_model.navigation().selection()->name) : QString();
 }
 
 QString SelectionBarState::size() const
 {
-    return present() ? Format::bytes(m_model.selection()->bytes) : QString();
+    return present() ? Format::bytes(m_model.navigation().selection()->bytes) : QString();
 }
 
 QString SelectionBarState::path() const
@@ -128,12 +131,12 @@ QString SelectionBarState::path() const
     if (!present())
         return {};
     const auto home = m_model.services().kit.home.homeDirectory();
-    return singleLine(Format::friendlyPath(m_model.selection()->path, home));
+    return singleLine(Format::friendlyPath(m_model.navigation().selection()->path, home));
 }
 
 bool SelectionBarState::canOpen() const
 {
-    return present() && m_model.selection()->isDirectory;
+    return present() && m_model.navigation().selection()->isDirectory;
 }
 
 QString SelectionBarState::items() const
@@ -158,7 +161,7 @@ void SelectionBarState::askToRemove(bool permanently)
 {
     if (!removable())
         return;
-    m_asked = m_model.selection();
+    m_asked = m_model.navigation().selection();
     m_permanently = permanently;
     Q_EMIT confirmChanged();
     Q_EMIT removeAsked();
@@ -166,8 +169,9 @@ void SelectionBarState::askToRemove(bool permanently)
 
 void SelectionBarState::remove()
 {
-    if (const auto asked = std::exchange(m_asked, std::nullopt); asked && asked == m_model.selection())
-        m_model.removeSelected(m_permanently);
+    if (const auto asked = std::exchange(m_asked, std::nullopt);
+        asked && asked == m_model.navigation().selection())
+        m_model.reclaims().removeSelected(m_permanently);
 }
 
 QString SelectionBarState::confirmTitle() const
@@ -193,7 +197,7 @@ QString SelectionBarState::confirmMessage() const
     else
         sentences.append(
             tr("It goes to the Trash and can be put back. The space comes back once the Trash is emptied."));
-    if (m_permanently && m_model.safetyNet() && m_model.safetyNet()->isUnprotected())
+    if (m_permanently && m_model.reclaims().safetyNet() && m_model.reclaims().safetyNet()->isUnprotected())
         sentences.append(tr("This Mac has no backup, so there is no other copy."));
     sentences.append(
         tr("Quillbrook did not suggest this item — you chose it off the map, so it has no idea what is "
@@ -203,25 +207,25 @@ QString SelectionBarState::confirmMessage() const
 
 void SelectionBarState::open()
 {
-    if (!canOpen() || !m_model.tree())
+    if (!canOpen() || !m_model.scans().tree())
         return;
     // A selection that was taken from an older tree may name another node of this one.
-    const auto node = m_model.selection()->id;
-    if (m_model.tree()->snapshot(node) != m_model.selection())
+    const auto node = m_model.navigation().selection()->id;
+    if (m_model.scans().tree()->snapshot(node) != m_model.navigation().selection())
         return;
-    m_model.drillInto(node);
-    m_model.setRequestedPane(Pane::map);
+    m_model.navigation().drillInto(node);
+    m_model.navigation().setRequestedPane(Pane::map);
 }
 
 void SelectionBarState::reveal()
 {
     if (present())
-        m_model.services().revealer.reveal(m_model.rawPath(*m_model.selection()));
+        m_model.services().revealer.reveal(m_model.navigation().rawPath(*m_model.navigation().selection()));
 }
 
 void SelectionBarState::dismiss()
 {
-    m_model.setSelection(std::nullopt);
+    m_model.navigation().setSelection(std::nullopt);
 }
 
 } // namespace Quillbrook

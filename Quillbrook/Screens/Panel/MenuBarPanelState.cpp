@@ -30,11 +30,11 @@ MenuBarPanelState::MenuBarPanelState(
     m_ageClock.setInterval(60s);
     connect(&m_ageClock, &QTimer::timeout, this, &MenuBarPanelState::changed);
 
-    connect(&m_model, &AppModel::menuBarTitleChanged, this, &MenuBarPanelState::changed);
-    connect(&m_model, &AppModel::phaseChanged, this, &MenuBarPanelState::changed);
-    connect(&m_model, &AppModel::reportChanged, this, &MenuBarPanelState::changed);
-    connect(&m_model, &AppModel::watchingChanged, this, &MenuBarPanelState::changed);
-    connect(&m_model, &AppModel::lastWatchChanged, this, &MenuBarPanelState::changed);
+    connect(&m_model.volume(), &VolumeFigures::menuBarTitleChanged, this, &MenuBarPanelState::changed);
+    connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &MenuBarPanelState::changed);
+    connect(&m_model.scans(), &ScanDriver::reportChanged, this, &MenuBarPanelState::changed);
+    connect(&m_model.watch(), &WatchDriver::watchingChanged, this, &MenuBarPanelState::changed);
+    connect(&m_model.watch(), &WatchDriver::lastWatchChanged, this, &MenuBarPanelState::changed);
     connect(&m_background, &Background::launchesAtLoginChanged, this, &MenuBarPanelState::changed);
     connect(&m_background, &Background::notificationStateChanged, this, &MenuBarPanelState::changed);
     connect(&m_background, &Background::notificationsWantedChanged, this, &MenuBarPanelState::changed);
@@ -50,11 +50,11 @@ QString MenuBarPanelState::summaryOf(const std::optional<qint64> &reclaimable)
 
 void MenuBarPanelState::appear()
 {
-    m_model.refreshVolume();
+    m_model.volume().refreshVolume();
     // The person may come from the desktop's settings.
     m_background.refresh();
-    if (!m_model.report() && m_access.prepare(m_model))
-        m_model.scan({ .scope = Scope::quiet, .automatic = true });
+    if (!m_model.scans().report() && m_access.prepare(m_model))
+        m_model.scans().scan({ .scope = Scope::quiet, .automatic = true });
     m_ageClock.start();
     Q_EMIT changed();
 }
@@ -66,7 +66,7 @@ void MenuBarPanelState::disappear()
 
 void MenuBarPanelState::setWatching(bool watching)
 {
-    m_model.setWatching(watching);
+    m_model.watch().setWatching(watching);
     Q_EMIT changed();
 }
 
@@ -89,7 +89,7 @@ void MenuBarPanelState::openSettings()
 
 void MenuBarPanelState::checkNow()
 {
-    m_model.watcher().check(false);
+    m_model.watch().watcher().check(false);
 }
 
 void MenuBarPanelState::open()
@@ -104,16 +104,16 @@ void MenuBarPanelState::quit()
 
 std::optional<qint64> MenuBarPanelState::reclaimableNow() const
 {
-    if (const auto &watch = m_model.lastWatch())
+    if (const auto &watch = m_model.watch().lastWatch())
         return watch->reclaimableBytes;
-    if (const auto &report = m_model.report())
+    if (const auto &report = m_model.scans().report())
         return report->bytes(Safety::safe);
     return std::nullopt;
 }
 
 QString MenuBarPanelState::freeText() const
 {
-    return m_model.menuBarTitle();
+    return m_model.volume().menuBarTitle();
 }
 
 QString MenuBarPanelState::summary() const
@@ -128,7 +128,7 @@ bool MenuBarPanelState::isReclaimable() const
 
 bool MenuBarPanelState::watching() const
 {
-    return m_model.watching();
+    return m_model.watch().watching();
 }
 
 QString MenuBarPanelState::watchingLine() const
@@ -136,7 +136,7 @@ QString MenuBarPanelState::watchingLine() const
     if (!watching())
         return tr("It checks every half hour and tells you before the disk fills up. It never removes "
                   "anything on its own, and it only runs while Quillbrook is in the menu bar.");
-    const auto &watch = m_model.lastWatch();
+    const auto &watch = m_model.watch().lastWatch();
     if (!watch)
         return tr("Checking shortly…");
     return tr("Last checked %1 · checks every 30 minutes")
@@ -186,7 +186,7 @@ QString MenuBarPanelState::quitHelp() const
 
 bool MenuBarPanelState::isMeasuring() const
 {
-    return m_model.phase().kind == Phase::Kind::scanning;
+    return m_model.scans().phase().kind == Phase::Kind::scanning;
 }
 
 } // namespace Quillbrook

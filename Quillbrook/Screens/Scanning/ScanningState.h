@@ -1,7 +1,8 @@
 #pragma once
 
-// What the scanning view tells of the scan in hand. Main thread only; the progress outlives it.
+// What the scanning view shows of the scan that runs. Main thread only; the progress outlives it.
 
+#include "Core/ScanProgress.h"
 #include "Screens/Scanning/ArrivingFindingsModel.h"
 
 #include <QObject>
@@ -9,8 +10,6 @@
 #include <QtQmlIntegration>
 
 namespace Quillbrook {
-
-class ScanProgress;
 
 class ScanningState : public QObject
 {
@@ -20,11 +19,7 @@ class ScanningState : public QObject
 
     /// What is being measured, in words at any time.
     Q_PROPERTY(QString title READ title NOTIFY titleChanged FINAL)
-    /// The bar, 0 to 1.
-    Q_PROPERTY(double fraction READ fraction NOTIFY fractionChanged FINAL)
-    /// How much has been seen; empty at first.
-    Q_PROPERTY(QString counts READ counts NOTIFY countsChanged FINAL)
-
+    Q_PROPERTY(Quillbrook::ScanProgress *progress READ progress CONSTANT FINAL)
     /// What has been found so far, largest first.
     Q_PROPERTY(Quillbrook::ArrivingFindingsModel *findings READ findings CONSTANT FINAL)
 
@@ -32,14 +27,11 @@ public:
     explicit ScanningState(ScanProgress &progress, QObject *parent = nullptr);
 
     [[nodiscard]] QString title() const;
-    [[nodiscard]] double fraction() const;
-    [[nodiscard]] QString counts() const;
+    [[nodiscard]] ScanProgress *progress() const { return &m_progress; }
     [[nodiscard]] ArrivingFindingsModel *findings() { return &m_findings; }
 
 Q_SIGNALS:
     void titleChanged();
-    void fractionChanged();
-    void countsChanged();
 
 private:
     void takeFindings();

@@ -28,14 +28,14 @@ Item {
         ProgressLine {
             Accessible.name: root.scan.title
             Accessible.role: Accessible.ProgressBar
-            value: root.scan.fraction
+            value: root.scan.progress.fraction
             width: parent.width
         }
 
         BodyText {
             color: Theme.label
             font.pointSize: Metrics.smallFont
-            text: root.scan.counts
+            text: root.scan.progress.counts
             width: parent.width
         }
     }

@@ -9,32 +9,32 @@ FreeNowState::FreeNowState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model, &AppModel::freeNowOfferChanged, this, &FreeNowState::changed);
+    connect(&m_model.reclaims(), &ReclaimDriver::freeNowOfferChanged, this, &FreeNowState::changed);
 }
 
 bool FreeNowState::asked() const
 {
-    return m_model.freeNowOffer().has_value();
+    return m_model.reclaims().freeNowOffer().has_value();
 }
 
 QString FreeNowState::title() const
 {
-    return asked()
-        ? tr("Moved %1 to the Trash. Free the space now?").arg(Format::bytes(*m_model.freeNowOffer()))
-        : QString();
+    return asked() ? tr("Moved %1 to the Trash. Free the space now?")
+                         .arg(Format::bytes(*m_model.reclaims().freeNowOffer()))
+                   : QString();
 }
 
 void FreeNowState::free()
 {
     if (!asked())
         return;
-    m_model.clearFreeNowOffer();
-    m_model.finishRemoving();
+    m_model.reclaims().clearFreeNowOffer();
+    m_model.reclaims().finishRemoving();
 }
 
 void FreeNowState::keep()
 {
-    m_model.clearFreeNowOffer();
+    m_model.reclaims().clearFreeNowOffer();
 }
 
 } // namespace Quillbrook

@@ -33,26 +33,26 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model, &AppModel::phaseChanged, this, &WardenState::followPhase);
-    connect(&m_model, &AppModel::reportChanged, this, &WardenState::refresh);
-    connect(&m_model, &AppModel::scopeChanged, this, &WardenState::refresh);
-    connect(&m_model, &AppModel::reclaimLogChanged, this, &WardenState::refresh);
-    connect(&m_model, &AppModel::lastVerificationChanged, this, &WardenState::refresh);
-    connect(&m_model, &AppModel::safetyNetChanged, this, &WardenState::refresh);
-    connect(&m_model, &AppModel::ledgerChanged, this, &WardenState::lookAgain);
+    connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &WardenState::followPhase);
+    connect(&m_model.scans(), &ScanDriver::reportChanged, this, &WardenState::refresh);
+    connect(&m_model.scans(), &ScanDriver::scopeChanged, this, &WardenState::refresh);
+    connect(&m_model.reclaims(), &ReclaimDriver::reclaimLogChanged, this, &WardenState::refresh);
+    connect(&m_model.reclaims(), &ReclaimDriver::lastVerificationChanged, this, &WardenState::refresh);
+    connect(&m_model.reclaims(), &ReclaimDriver::safetyNetChanged, this, &WardenState::refresh);
+    connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::lookAgain);
     lookAgain();
 }
 
 void WardenState::appear()
 {
-    m_chosen = WardenRows::defaultSelection(m_model.report());
+    m_chosen = WardenRows::defaultSelection(m_model.scans().report());
     lookAgain();
 }
 
 // The ledger asks the disk about each of its things, which is too much for every tick.
 void WardenState::lookAgain()
 {
-    m_pending = m_model.ledger().pending();
+    m_pending = m_model.reclaims().ledger().pending();
     Q_EMIT pendingChanged();
     refresh();
 }
@@ -61,7 +61,7 @@ void WardenState::lookAgain()
 // left it during the scan either way.
 void WardenState::followPhase()
 {
-    if (m_model.phase().kind != Phase::Kind::ready)
+    if (m_model.scans().phase().kind != Phase::Kind::ready)
         return;
     if (m_touched)
         lookAgain();
@@ -71,7 +71,7 @@ void WardenState::followPhase()
 
 QList<Finding> WardenState::chosenFindings() const
 {
-    auto findings = WardenRows::actionable(m_model.report());
+    auto findings = WardenRows::actionable(m_model.scans().report());
     findings.removeIf([this](const Finding &finding) { return !m_chosen.contains(finding.id); });
     return findings;
 }
@@ -98,11 +98,11 @@ void WardenState::togglePath(int row)
 void WardenState::reveal(int row)
 {
     const auto *line = m_rows.at(row);
-    if (!line || !m_model.report())
+    if (!line || !m_model.scans().report())
         return;
-    for (const auto &finding : m_model.report()->findings)
+    for (const auto &finding : m_model.scans().report()->findings)
         if (finding.id == line->id)
-            return m_model.services().revealer.reveal(m_model.rawPath(finding));
+            return m_model.services().revealer.reveal(m_model.navigation().rawPath(finding));
 }
 
 void WardenState::act(int row)
@@ -111,11 +111,11 @@ void WardenState::act(int row)
     if (!line || line->kind != WardenLines::Kind::Banner)
         return;
     if (line->id == WardenRows::verificationBanner)
-        m_model.dismissVerification();
+        m_model.reclaims().dismissVerification();
     else if (line->id == WardenRows::pendingTrashBanner)
         Q_EMIT finishAsked();
     else if (line->id == WardenRows::completeScanOffer)
-        m_model.scan({ .scope = Scope::complete });
+        m_model.scans().scan({ .scope = Scope::complete });
 }
 
 void WardenState::askToReclaim()
@@ -132,13 +132,13 @@ void WardenState::reclaim(bool permanently)
     if (asked.isEmpty())
         return;
     m_chosen.clear();
-    m_model.reclaim(asked, permanently);
+    m_model.reclaims().reclaim(asked, permanently);
     refresh();
 }
 
 void WardenState::finishRemoving()
 {
-    m_model.finishRemoving();
+    m_model.reclaims().finishRemoving();
 }
 
 QString WardenState::confirmTitle() const
@@ -151,7 +151,7 @@ QString WardenState::confirmMessage() const
     auto message
         = tr("Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
              "Quillbrook will offer to finish the job.");
-    if (m_model.safetyNet() && m_model.safetyNet()->isUnprotected())
+    if (m_model.reclaims().safetyNet() && m_model.reclaims().safetyNet()->isUnprotected())
         message += tr(" This Mac has no backup, so deleting permanently is final.");
     return message;
 }
@@ -168,14 +168,14 @@ QString WardenState::finishTitle() const
 
 void WardenState::refresh()
 {
-    m_rows.setRows(WardenRows::rows({ .report = m_model.report(),
+    m_rows.setRows(WardenRows::rows({ .report = m_model.scans().report(),
         .chosen = m_chosen,
         .pathShown = m_pathShown,
-        .safetyNet = m_model.safetyNet(),
-        .verification = m_model.lastVerification(),
+        .safetyNet = m_model.reclaims().safetyNet(),
+        .verification = m_model.reclaims().lastVerification(),
         .pending = m_pending,
-        .offersCompleteScan = m_model.scope() == Scope::quiet,
-        .log = m_model.reclaimLog(),
+        .offersCompleteScan = m_model.scans().scope() == Scope::quiet,
+        .log = m_model.reclaims().reclaimLog(),
         .home = m_model.services().kit.home.homeDirectory(),
         .now = m_model.services().kit.clock.now() }));
     setSums();
@@ -188,7 +188,7 @@ void WardenState::setSums()
     auto total = tr("%1 selected").arg(Format::bytes(sum(chosen)));
     auto counts = tr("%1 of %2 reclaimable items")
                       .arg(Format::count(chosen.size()),
-                          Format::count(WardenRows::actionable(m_model.report()).size()));
+                          Format::count(WardenRows::actionable(m_model.scans().report()).size()));
     if (m_total == total && m_counts == counts)
         return;
     m_total = std::move(total);
@@ -199,7 +199,7 @@ void WardenState::setSums()
 
 void WardenState::setEmptyMessage()
 {
-    const bool isEmpty = !m_model.report() || m_model.report()->deletable().isEmpty();
+    const bool isEmpty = !m_model.scans().report() || m_model.scans().report()->deletable().isEmpty();
     auto message = isEmpty ? tr("Nothing to clear was found.") : QString();
     if (m_emptyMessage == message)
         return;

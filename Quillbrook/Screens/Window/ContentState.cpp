@@ -12,8 +12,8 @@ ContentState::ContentState(AppModel &model, FolderAccess &access, Background &ba
     , m_background(background)
 {
     connect(&m_access, &FolderAccess::grantedChanged, this, &ContentState::refresh);
-    connect(&m_model, &AppModel::phaseChanged, this, &ContentState::refresh);
-    connect(&m_model, &AppModel::requestedPaneChanged, this, &ContentState::followRequest);
+    connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &ContentState::refresh);
+    connect(&m_model.navigation(), &Navigation::requestedPaneChanged, this, &ContentState::followRequest);
     m_shown = presentlyShown();
     followRequest();
 }
@@ -21,14 +21,14 @@ ContentState::ContentState(AppModel &model, FolderAccess &access, Background &ba
 void ContentState::appear()
 {
     m_model.startRuleClock();
-    m_model.configureWatcher(m_background);
+    m_model.watch().configureWatcher(m_background);
     m_background.refresh();
     if (m_didStart)
         return;
     m_didStart = true;
-    m_model.checkForUpdate();
-    m_model.refreshVolume();
-    m_model.refreshSafetyNet();
+    m_model.updates().checkForUpdate();
+    m_model.volume().refreshVolume();
+    m_model.reclaims().refreshSafetyNet();
     startScanning();
 }
 
@@ -41,7 +41,7 @@ void ContentState::chooseHomeFolder()
         if (m_access.granted())
             startScanning();
         // The automatic start is spent when a grant was given up before.
-        if (m_access.granted() && m_model.phase().kind != Phase::Kind::scanning)
+        if (m_access.granted() && m_model.scans().phase().kind != Phase::Kind::scanning)
             rescan();
     };
     QMetaObject::invokeMethod(this, choose, Qt::QueuedConnection);
@@ -49,9 +49,9 @@ void ContentState::chooseHomeFolder()
 
 void ContentState::rescan()
 {
-    m_model.cancelScan();
+    m_model.scans().cancelScan();
     if (m_access.prepare(m_model))
-        m_model.scan({ .scope = std::nullopt, .automatic = false });
+        m_model.scans().scan({ .scope = std::nullopt, .automatic = false });
 }
 
 void ContentState::setPane(Pane pane)
@@ -104,7 +104,7 @@ ContentState::Shown ContentState::shownForPane(Pane pane)
 
 ContentState::Shown ContentState::presentlyShown() const
 {
-    return shownFor({ .isGated = m_access.isGated(), .phase = m_model.phase(), .pane = m_pane });
+    return shownFor({ .isGated = m_access.isGated(), .phase = m_model.scans().phase(), .pane = m_pane });
 }
 
 void ContentState::refresh()
@@ -118,19 +118,19 @@ void ContentState::refresh()
 
 void ContentState::followRequest()
 {
-    const auto requested = m_model.requestedPane();
+    const auto requested = m_model.navigation().requestedPane();
     if (!requested)
         return;
     setPane(*requested);
     // Later, not within the change itself: whoever set it still sees what it set.
     QMetaObject::invokeMethod(
-        this, [this] { m_model.setRequestedPane(std::nullopt); }, Qt::QueuedConnection);
+        this, [this] { m_model.navigation().setRequestedPane(std::nullopt); }, Qt::QueuedConnection);
 }
 
 void ContentState::startScanning()
 {
     if (m_access.prepare(m_model))
-        m_model.scan({ .scope = Scope::quiet, .automatic = true });
+        m_model.scans().scan({ .scope = Scope::quiet, .automatic = true });
 }
 
 } // namespace Quillbrook

@@ -22,7 +22,7 @@ MainWindowState::MainWindowState(
     , m_largest(model)
     , m_search(model)
     , m_selection(model)
-    , m_scanning(model.scanProgress())
+    , m_scanning(model.scans().scanProgress())
     , m_askBar(m_content)
     , m_freeNow(model)
 {

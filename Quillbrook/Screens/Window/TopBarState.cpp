@@ -9,9 +9,9 @@ TopBarState::TopBarState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model, &AppModel::phaseChanged, this, &TopBarState::actionTextChanged);
-    connect(&m_model, &AppModel::lastScanDurationChanged, this, &TopBarState::summaryChanged);
-    connect(&m_model, &AppModel::scannedFileCountChanged, this, &TopBarState::summaryChanged);
+    connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &TopBarState::actionTextChanged);
+    connect(&m_model.scans(), &ScanDriver::lastScanDurationChanged, this, &TopBarState::summaryChanged);
+    connect(&m_model.scans(), &ScanDriver::scannedFileCountChanged, this, &TopBarState::summaryChanged);
 }
 
 QString TopBarState::summaryOf(qsizetype fileCount, double seconds)
@@ -24,14 +24,14 @@ QString TopBarState::summaryOf(qsizetype fileCount, double seconds)
 void TopBarState::act()
 {
     if (isScanning())
-        m_model.cancelScan();
+        m_model.scans().cancelScan();
     else
-        m_model.scan({ .scope = std::nullopt, .automatic = false });
+        m_model.scans().scan({ .scope = std::nullopt, .automatic = false });
 }
 
 QString TopBarState::summary() const
 {
-    return summaryOf(m_model.scannedFileCount(), m_model.lastScanDuration());
+    return summaryOf(m_model.scans().scannedFileCount(), m_model.scans().lastScanDuration());
 }
 
 QString TopBarState::actionText() const
@@ -41,7 +41,7 @@ QString TopBarState::actionText() const
 
 bool TopBarState::isScanning() const
 {
-    return m_model.phase().kind == Phase::Kind::scanning;
+    return m_model.scans().phase().kind == Phase::Kind::scanning;
 }
 
 } // namespace Quillbrook

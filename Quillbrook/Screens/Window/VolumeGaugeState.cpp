@@ -39,18 +39,18 @@ VolumeGaugeState::VolumeGaugeState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model, &AppModel::volumeChanged, this, &VolumeGaugeState::refresh);
-    connect(&m_model, &AppModel::reportChanged, this, &VolumeGaugeState::refresh);
+    connect(&m_model.volume(), &VolumeFigures::volumeChanged, this, &VolumeGaugeState::refresh);
+    connect(&m_model.scans(), &ScanDriver::reportChanged, this, &VolumeGaugeState::refresh);
     refresh();
 }
 
 void VolumeGaugeState::refresh()
 {
     const VolumeGauge gauge({
-        .free = m_model.volumeFree(),
-        .total = m_model.volumeTotal(),
-        .liveFree = m_model.liveFree(),
-        .liveOptimistic = m_model.liveOptimistic(),
+        .free = m_model.volume().volumeFree(),
+        .total = m_model.volume().volumeTotal(),
+        .liveFree = m_model.volume().liveFree(),
+        .liveOptimistic = m_model.volume().liveOptimistic(),
     });
     if (m_gauge == gauge)
         return;

@@ -147,12 +147,13 @@ int showWindow(FakeServices &machine, const QString &what)
     engine.setInitialProperties({ { u"screens"_s, QVariant::fromValue(&screens) } });
     // Before the window's own, which would stay out of most of what the made-up home holds.
     if (what != u"gate"_s)
-        model.scan({ .scope = Scope::complete });
+        model.scans().scan({ .scope = Scope::complete });
     if (what == u"idle"_s)
-        QTimer::singleShot(0, &model, &AppModel::cancelScan);
+        QTimer::singleShot(0, &model.scans(), &ScanDriver::cancelScan);
     // The model's own clock tells of a scan that is held every second.
     QTimer pretending;
-    QObject::connect(&pretending, &QTimer::timeout, [&model] { pretendProgress(model.scanProgress()); });
+    QObject::connect(
+        &pretending, &QTimer::timeout, [&model] { pretendProgress(model.scans().scanProgress()); });
     if (what == u"scanning"_s)
         pretending.start(50);
 
@@ -178,7 +179,7 @@ int showPanel(FakeServices &machine, const QString &what)
     Background background(machine.services);
     FolderAccess access(machine.services);
     MenuBarPanelState panel(model, background, access);
-    model.configureWatcher(background);
+    model.watch().configureWatcher(background);
     QObject::connect(
         &panel, &MenuBarPanelState::quitRequested, qApp, &QGuiApplication::quit, Qt::QueuedConnection);
     panel.setWatching(what != u"off"_s);

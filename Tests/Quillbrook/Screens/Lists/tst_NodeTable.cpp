@@ -181,8 +181,8 @@ void NodeTableTest::searchTextIsTheModels()
     Fixture fixture;
     QSignalSpy changes(&fixture.search, &SearchState::textChanged);
     fixture.search.setText("lab");
-    QCOMPARE(fixture.model.searchText(), "lab");
-    fixture.model.setSearchText("film");
+    QCOMPARE(fixture.model.navigation().searchText(), "lab");
+    fixture.model.navigation().setSearchText("film");
     QCOMPARE(fixture.search.text(), "film");
     QCOMPARE(changes.count(), 2);
 }
@@ -193,7 +193,7 @@ void NodeTableTest::selectingARowMakesItTheSelection()
     fixture.scan();
     fixture.largest.setShown(true);
     fixture.largest.select(4);
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("lab.txt"));
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("lab.txt"));
 }
 
 void NodeTableTest::selectedRowFollowsTheSelection()
@@ -202,9 +202,9 @@ void NodeTableTest::selectedRowFollowsTheSelection()
     fixture.scan();
     fixture.largest.setShown(true);
     QCOMPARE(fixture.largest.selectedRow(), -1);
-    fixture.model.setSelection(fixture.snapshot("Projects/notes.txt"));
+    fixture.model.navigation().setSelection(fixture.snapshot("Projects/notes.txt"));
     QCOMPARE(fixture.largest.selectedRow(), 3);
-    fixture.model.setSelection(fixture.snapshot("Projects"));
+    fixture.model.navigation().setSelection(fixture.snapshot("Projects"));
     QCOMPARE(fixture.largest.selectedRow(), -1);
 }
 
@@ -239,7 +239,7 @@ void NodeTableTest::rowsOutsideDoNothing()
     fixture.largest.select(-1);
     fixture.largest.select(5);
     fixture.largest.reveal(5);
-    QVERIFY(!fixture.model.selection());
+    QVERIFY(!fixture.model.navigation().selection());
     QVERIFY(fixture.desktop.revealer.revealed.empty());
 }
 

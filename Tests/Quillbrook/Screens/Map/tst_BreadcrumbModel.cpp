@@ -51,20 +51,20 @@ void BreadcrumbModelTest::followsDrillingAndPopping()
 {
     Fixture fixture;
     fixture.scan();
-    fixture.model.drillInto(fixture.node("Projects"));
-    fixture.model.drillInto(fixture.node("Projects/renderer"));
+    fixture.model.navigation().drillInto(fixture.node("Projects"));
+    fixture.model.navigation().drillInto(fixture.node("Projects/renderer"));
     QCOMPARE(fixture.breadcrumb.rowCount(), 3);
     QCOMPARE(fixture.value(2, BreadcrumbModel::Role::name).toString(), "renderer");
     fixture.breadcrumb.popTo(1);
     QCOMPARE(fixture.breadcrumb.rowCount(), 2);
-    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Projects"));
 }
 
 void BreadcrumbModelTest::onlyTheLastRowIsLast()
 {
     Fixture fixture;
     fixture.scan();
-    fixture.model.drillInto(fixture.node("Projects"));
+    fixture.model.navigation().drillInto(fixture.node("Projects"));
     QVERIFY(!fixture.value(0, BreadcrumbModel::Role::last).toBool());
     QVERIFY(fixture.value(1, BreadcrumbModel::Role::last).toBool());
 }
@@ -75,7 +75,7 @@ void BreadcrumbModelTest::rowsOutsideDoNothing()
     fixture.scan();
     fixture.breadcrumb.popTo(-1);
     fixture.breadcrumb.popTo(7);
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
 }
 
 QTEST_GUILESS_MAIN(BreadcrumbModelTest)

@@ -116,14 +116,14 @@ void MapStateTest::layoutRunsAgainOnlyWhenItsKeyChanges()
     fixture.scanAndShow();
     fixture.show({ 900, 600 });
     QCOMPARE(fixture.map.layoutCount(), 2U);
-    fixture.model.drillInto(fixture.node("Projects"));
+    fixture.model.navigation().drillInto(fixture.node("Projects"));
     fixture.map.layoutIfNeeded();
     QCOMPARE(fixture.map.layoutCount(), 3U);
-    fixture.model.popTo(0);
+    fixture.model.navigation().popTo(0);
     fixture.map.layoutIfNeeded();
     QCOMPARE(fixture.map.layoutCount(), 4U);
-    fixture.model.popTo(0);
-    fixture.model.drillInto(fixture.node("lab.txt"));
+    fixture.model.navigation().popTo(0);
+    fixture.model.navigation().drillInto(fixture.node("lab.txt"));
     fixture.show({ 900, 600 });
     QCOMPARE(fixture.map.layoutCount(), 4U);
 }
@@ -157,11 +157,11 @@ void MapStateTest::emptyMapSaysWhy()
     fixture.show();
     QVERIFY(fixture.map.tiles().empty());
     QCOMPARE(fixture.map.emptyText(), "Scan this Mac to see what is using it.");
-    fixture.model.scan({ .scope = Scope::complete });
+    fixture.model.scans().scan({ .scope = Scope::complete });
     fixture.map.layoutIfNeeded();
     QVERIFY(fixture.map.tiles().empty());
     QCOMPARE(fixture.map.emptyText(), "Measuring…");
-    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
+    QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
 }
 
 void MapStateTest::hoverReportsTheInnermostTile()
@@ -204,7 +204,7 @@ void MapStateTest::hoverFollowsALayoutUnderARestingPointer()
     fixture.scanAndShow();
     const auto point = fixture.middle("Projects/renderer/scene.glb");
     fixture.map.hoverAt(point);
-    fixture.model.drillInto(fixture.node("Videos"));
+    fixture.model.navigation().drillInto(fixture.node("Videos"));
     fixture.map.layoutIfNeeded();
     QCOMPARE(fixture.map.hover(), fixture.node("Videos/film.mp4"));
     QCOMPARE(fixture.map.tooltipName(), "film.mp4");
@@ -215,8 +215,8 @@ void MapStateTest::clickSelectsTheTileUnderThePointer()
     Fixture fixture;
     fixture.scanAndShow();
     fixture.map.clickAt(fixture.title("Projects"));
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("Projects"));
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("Projects"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
     QCOMPARE(fixture.map.selected(), fixture.node("Projects"));
 }
 
@@ -225,9 +225,9 @@ void MapStateTest::clickWhereNoTileIsClearsTheSelection()
     Fixture fixture;
     fixture.scanAndShow();
     fixture.map.clickAt(fixture.middle("lab.txt"));
-    QVERIFY(fixture.model.selection());
+    QVERIFY(fixture.model.navigation().selection());
     fixture.map.clickAt({ 5000, 5000 });
-    QVERIFY(!fixture.model.selection());
+    QVERIFY(!fixture.model.navigation().selection());
 }
 
 void MapStateTest::doubleClickGoesIntoAFolder()
@@ -237,8 +237,8 @@ void MapStateTest::doubleClickGoesIntoAFolder()
     const auto point = fixture.title("Projects");
     fixture.map.clickAt(point);
     fixture.map.doubleClickAt(point);
-    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
-    QVERIFY(!fixture.model.selection());
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Projects"));
+    QVERIFY(!fixture.model.navigation().selection());
 }
 
 void MapStateTest::doubleClickOnAFileSelectsItAndKeepsTheFocus()
@@ -248,8 +248,8 @@ void MapStateTest::doubleClickOnAFileSelectsItAndKeepsTheFocus()
     const auto point = fixture.middle("Videos/film.mp4");
     fixture.map.clickAt(point);
     fixture.map.doubleClickAt(point);
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("Videos/film.mp4"));
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("Videos/film.mp4"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
 }
 
 void MapStateTest::doubleClickMeansWhatTheFirstClickMet()
@@ -262,7 +262,7 @@ void MapStateTest::doubleClickMeansWhatTheFirstClickMet()
     fixture.show({ 1400, 600 });
     QCOMPARE(fixture.map.hitTest(point), fixture.node("Projects"));
     fixture.map.doubleClickAt(point);
-    QCOMPARE(fixture.model.focus(), fixture.node("Videos"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Videos"));
 }
 
 void MapStateTest::tooltipTellsNameSizeAndPath()
@@ -307,7 +307,7 @@ void MapStateTest::selectionOfAnotherTreeIsNotMarked()
     fixture.scanAndShow();
     auto older = fixture.snapshot("lab.txt");
     older.path = "/home/someone/was-here-before.txt";
-    fixture.model.setSelection(older);
+    fixture.model.navigation().setSelection(older);
     QCOMPARE(fixture.map.selected(), FileTree::noNode);
 }
 
@@ -315,7 +315,7 @@ void MapStateTest::walkStartsAtTheSelection()
 {
     Fixture fixture;
     fixture.scanAndShow();
-    fixture.model.setSelection(fixture.snapshot("lab.txt"));
+    fixture.model.navigation().setSelection(fixture.snapshot("lab.txt"));
     fixture.map.enterWalk();
     QCOMPARE(fixture.map.current(), fixture.node("lab.txt"));
 
@@ -342,26 +342,26 @@ void MapStateTest::currentTileCanBeOpenedAndSelected()
     fixture.scanAndShow();
     fixture.map.standOn(TreemapGeometry::tileOf(fixture.map.tiles(), fixture.node("Videos")).value());
     fixture.map.selectCurrent();
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("Videos"));
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("Videos"));
     fixture.map.activateCurrent();
-    QCOMPARE(fixture.model.focus(), fixture.node("Videos"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Videos"));
 
     fixture.map.walk(Direction::down);
     QCOMPARE(fixture.map.current(), fixture.node("Videos/film.mp4"));
     fixture.map.activateCurrent();
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("Videos/film.mp4"));
-    QCOMPARE(fixture.model.focus(), fixture.node("Videos"));
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("Videos/film.mp4"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Videos"));
 }
 
 void MapStateTest::goingUpStandsOnTheFolderJustLeft()
 {
     Fixture fixture;
     fixture.scanAndShow();
-    fixture.model.drillInto(fixture.node("Projects"));
+    fixture.model.navigation().drillInto(fixture.node("Projects"));
     fixture.map.layoutIfNeeded();
     fixture.map.walk(Direction::down);
     QVERIFY(fixture.map.goUp());
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
     QCOMPARE(fixture.map.current(), fixture.node("Projects"));
 }
 
@@ -370,7 +370,7 @@ void MapStateTest::goingUpAtTheTopDoesNothing()
     Fixture fixture;
     fixture.scanAndShow();
     QVERIFY(!fixture.map.goUp());
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
 }
 
 void MapStateTest::scanEmptiesTheMapAndItsMarks()
@@ -379,13 +379,13 @@ void MapStateTest::scanEmptiesTheMapAndItsMarks()
     fixture.scanAndShow();
     fixture.map.hoverAt(fixture.middle("lab.txt"));
     fixture.map.standOn(0);
-    fixture.model.scan({});
+    fixture.model.scans().scan({});
     fixture.map.layoutIfNeeded();
     QVERIFY(fixture.map.tiles().empty());
     QCOMPARE(fixture.map.hover(), FileTree::noNode);
     QCOMPARE(fixture.map.current(), FileTree::noNode);
     QVERIFY(!fixture.map.tooltipVisible());
-    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
+    QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
 }
 
 QTEST_MAIN(MapStateTest)

@@ -31,7 +31,7 @@ struct HeldCounter
 
 struct Fixture : ScannedHome
 {
-    void select(const std::string &name) { model.setSelection(snapshot(name)); }
+    void select(const std::string &name) { model.navigation().setSelection(snapshot(name)); }
 
     std::shared_ptr<HeldCounter> counter = std::make_shared<HeldCounter>();
     SelectionBarState bar{ model,
@@ -62,7 +62,7 @@ struct DiskFixture : HomeOnDisk
 
     void select(const std::string &name)
     {
-        model->setSelection(node(name));
+        model->navigation().setSelection(node(name));
         QTRY_VERIFY(bar.removable());
     }
 
@@ -161,7 +161,7 @@ void SelectionBarStateTest::itemCountIsWorded()
     CountedFixture fixture(count);
     fixture.scan();
     QSignalSpy changes(&fixture.bar, &SelectionBarState::itemsChanged);
-    fixture.model.setSelection(fixture.snapshot("Projects"));
+    fixture.model.navigation().setSelection(fixture.snapshot("Projects"));
     QTRY_COMPARE(changes.count(), 1);
     QCOMPARE(fixture.bar.items(), words);
 }
@@ -218,7 +218,7 @@ void SelectionBarStateTest::goingWhileCountingIsHarmless()
         home.scan();
         SelectionBarState bar(
             home.model, [counter](const std::string &path, qsizetype cap) { return (*counter)(path, cap); });
-        home.model.setSelection(home.snapshot("Projects"));
+        home.model.navigation().setSelection(home.snapshot("Projects"));
         QVERIFY(counter->started.tryAcquire(1, 10'000));
     }
     counter->goOn.release();
@@ -245,7 +245,7 @@ void SelectionBarStateTest::realFolderIsCounted()
     ScannedHome home;
     home.scan();
     SelectionBarState bar(home.model);
-    home.model.setSelection(
+    home.model.navigation().setSelection(
         NodeSnapshot{ .id = 1, .name = "many", .path = disk.text("many"), .bytes = 1, .isDirectory = true });
     QTRY_COMPARE_WITH_TIMEOUT(bar.items(), words, 10'000);
 }
@@ -254,21 +254,21 @@ void SelectionBarStateTest::openGoesIntoTheFolderAndShowsTheMap()
 {
     CountedFixture fixture({});
     fixture.scan();
-    fixture.model.setSelection(fixture.snapshot("Projects"));
+    fixture.model.navigation().setSelection(fixture.snapshot("Projects"));
     fixture.bar.open();
-    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
-    QVERIFY(!fixture.model.selection());
-    QCOMPARE(fixture.model.requestedPane(), std::optional(Pane::map));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Projects"));
+    QVERIFY(!fixture.model.navigation().selection());
+    QCOMPARE(fixture.model.navigation().requestedPane(), std::optional(Pane::map));
 }
 
 void SelectionBarStateTest::openOnAFileDoesNothing()
 {
     CountedFixture fixture({});
     fixture.scan();
-    fixture.model.setSelection(fixture.snapshot("lab.txt"));
+    fixture.model.navigation().setSelection(fixture.snapshot("lab.txt"));
     fixture.bar.open();
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("lab.txt"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("lab.txt"));
 }
 
 void SelectionBarStateTest::openOfAnOlderTreesFolderDoesNothing()
@@ -277,10 +277,10 @@ void SelectionBarStateTest::openOfAnOlderTreesFolderDoesNothing()
     fixture.scan();
     auto older = fixture.snapshot("Projects");
     older.path = "/home/someone/Elsewhere";
-    fixture.model.setSelection(older);
+    fixture.model.navigation().setSelection(older);
     fixture.bar.open();
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
-    QCOMPARE(fixture.model.selection(), older);
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
+    QCOMPARE(fixture.model.navigation().selection(), older);
 }
 
 void SelectionBarStateTest::revealShowsTheRawPath()
@@ -288,7 +288,7 @@ void SelectionBarStateTest::revealShowsTheRawPath()
     CountedFixture fixture({});
     fixture.addFile("odd\xFF.iso", 900);
     fixture.scan();
-    fixture.model.setSelection(fixture.model.largestFiles(1).constFirst());
+    fixture.model.navigation().setSelection(fixture.model.navigation().largestFiles(1).constFirst());
     fixture.bar.reveal();
     QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
 }
@@ -297,22 +297,23 @@ void SelectionBarStateTest::dismissClearsTheSelection()
 {
     CountedFixture fixture({});
     fixture.scan();
-    fixture.model.setSelection(fixture.snapshot("Projects"));
+    fixture.model.navigation().setSelection(fixture.snapshot("Projects"));
     fixture.bar.dismiss();
-    QVERIFY(!fixture.model.selection());
+    QVERIFY(!fixture.model.navigation().selection());
     QVERIFY(!fixture.bar.present());
 }
 
 void SelectionBarStateTest::refusalStandsInPlaceOfTheRemoval()
 {
     DiskFixture fixture;
-    fixture.model->setSelection(fixture.model->tree()->snapshot(fixture.model->rootNode()));
+    fixture.model->navigation().setSelection(
+        fixture.model->scans().tree()->snapshot(fixture.model->scans().rootNode()));
     QTRY_VERIFY(!fixture.bar.refusal().isEmpty());
     QVERIFY(!fixture.bar.removable());
     fixture.bar.askToRemove(true);
     fixture.bar.remove();
     QVERIFY(fixture.has("notes.txt"));
-    QVERIFY(fixture.model->reclaimLog().isEmpty());
+    QVERIFY(fixture.model->reclaims().reclaimLog().isEmpty());
     fixture.select("notes.txt");
     QCOMPARE(fixture.bar.refusal(), QString());
 }
@@ -329,7 +330,7 @@ void SelectionBarStateTest::whatMayGoIsKnownOnlyOnceTheGuardsHaveAnswered()
     fixture.scan();
     SelectionBarState bar(*fixture.model);
     QVERIFY(!bar.removable());
-    fixture.model->setSelection(fixture.node("notes.txt"));
+    fixture.model->navigation().setSelection(fixture.node("notes.txt"));
     QTest::qWait(50);
     QVERIFY(!bar.removable());
     QCOMPARE(bar.refusal(), QString());
@@ -401,7 +402,7 @@ void SelectionBarStateTest::questionTellsHowManyThingsGo()
         return PathRemoval::ItemCount{ .count = cap, .capped = true };
     });
     home.scan();
-    home.model.setSelection(home.snapshot("Projects"));
+    home.model.navigation().setSelection(home.snapshot("Projects"));
     QTRY_COMPARE(bar.items(), u"over 5,000 items"_s);
     QVERIFY(bar.confirmMessage().startsWith(u"Over 5,000 items, 120 MB, at ~/Projects. "_s));
 }
@@ -414,8 +415,8 @@ void SelectionBarStateTest::questionSaysThatThereIsNoOtherCopy()
     fixture.bar.askToRemove(true);
     QVERIFY(!fixture.bar.confirmMessage().contains(warning));
     fixture.backups.backups = {};
-    fixture.model->refreshSafetyNet();
-    QTRY_VERIFY(fixture.model->safetyNet());
+    fixture.model->reclaims().refreshSafetyNet();
+    QTRY_VERIFY(fixture.model->reclaims().safetyNet());
     QVERIFY(fixture.bar.confirmMessage().contains(warning));
     fixture.bar.askToRemove(false);
     QVERIFY(!fixture.bar.confirmMessage().contains(u"no backup"_s));

@@ -157,7 +157,7 @@ void TreemapItemTest::hoverAndSelectionRedrawWithoutALayout()
     fixture.click(fixture.middle("lab.txt"));
     const auto selected = fixture.colourAt(edge);
     QVERIFY(selected != hovered);
-    fixture.model.setSelection(std::nullopt);
+    fixture.model.navigation().setSelection(std::nullopt);
     QTest::mouseMove(&fixture.window, { 1, 1 });
     fixture.item.setFocus(false);
     QTRY_COMPARE(fixture.colourAt(edge), plain);
@@ -179,8 +179,8 @@ void TreemapItemTest::clickSelects()
     Fixture fixture;
     fixture.scanAndShow();
     fixture.click(fixture.title("Projects"));
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("Projects"));
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("Projects"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
     QVERIFY(fixture.item.hasActiveFocus());
 }
 
@@ -189,8 +189,8 @@ void TreemapItemTest::doubleClickGoesIntoAFolder()
     Fixture fixture;
     fixture.scanAndShow();
     QTest::mouseDClick(&fixture.window, Qt::LeftButton, {}, fixture.title("Projects"));
-    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
-    QVERIFY(!fixture.model.selection());
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Projects"));
+    QVERIFY(!fixture.model.navigation().selection());
 }
 
 void TreemapItemTest::doubleClickOnAFileKeepsItSelected()
@@ -198,8 +198,8 @@ void TreemapItemTest::doubleClickOnAFileKeepsItSelected()
     Fixture fixture;
     fixture.scanAndShow();
     QTest::mouseDClick(&fixture.window, Qt::LeftButton, {}, fixture.middle("lab.txt"));
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("lab.txt"));
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("lab.txt"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
 }
 
 void TreemapItemTest::releaseOutsideIsNoClick()
@@ -208,7 +208,7 @@ void TreemapItemTest::releaseOutsideIsNoClick()
     fixture.scanAndShow();
     QTest::mousePress(&fixture.window, Qt::LeftButton, {}, fixture.middle("lab.txt"));
     QTest::mouseRelease(&fixture.window, Qt::LeftButton, {}, { 2, 2 });
-    QVERIFY(!fixture.model.selection());
+    QVERIFY(!fixture.model.navigation().selection());
 }
 
 void TreemapItemTest::wheelIsLeftToWhatIsBelow()
@@ -244,10 +244,10 @@ void TreemapItemTest::arrowsWalkAndEnterOpens()
     fixture.press(Qt::Key_Down);
     QCOMPARE(fixture.map.current(), fixture.node("Videos/film.mp4"));
     fixture.press(Qt::Key_Space);
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("Videos/film.mp4"));
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("Videos/film.mp4"));
     fixture.press(Qt::Key_Up);
     fixture.press(Qt::Key_Return);
-    QCOMPARE(fixture.model.focus(), fixture.node("Videos"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Videos"));
 }
 
 void TreemapItemTest::escapeGoesUpOnlyBelowTheTop()
@@ -255,12 +255,12 @@ void TreemapItemTest::escapeGoesUpOnlyBelowTheTop()
     Fixture fixture;
     fixture.scanAndShow();
     fixture.item.forceActiveFocus();
-    fixture.model.drillInto(fixture.node("Projects"));
-    fixture.model.drillInto(fixture.node("Projects/renderer"));
+    fixture.model.navigation().drillInto(fixture.node("Projects"));
+    fixture.model.navigation().drillInto(fixture.node("Projects/renderer"));
     fixture.press(Qt::Key_Escape);
-    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Projects"));
     fixture.press(Qt::Key_Backspace);
-    QCOMPARE(fixture.model.focus(), fixture.model.rootNode());
+    QCOMPARE(fixture.model.navigation().focus(), fixture.model.scans().rootNode());
     QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     QCoreApplication::sendEvent(&fixture.item, &escape);
     QVERIFY(!escape.isAccepted());
@@ -335,11 +335,11 @@ void TreemapItemTest::pressingATileOpensIt()
     auto *lab = childNamed(list, "lab.txt, 10.0 MB");
     QVERIFY(lab != nullptr && lab->actionInterface() != nullptr);
     lab->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    QCOMPARE(fixture.model.selection(), fixture.snapshot("lab.txt"));
+    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("lab.txt"));
     auto *projects = childNamed(list, "Projects, 120 MB");
     QVERIFY(projects != nullptr);
     projects->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    QCOMPARE(fixture.model.focus(), fixture.node("Projects"));
+    QCOMPARE(fixture.model.navigation().focus(), fixture.node("Projects"));
 }
 
 void TreemapItemTest::statesTellFocusAndSelection()
@@ -366,12 +366,12 @@ void TreemapItemTest::tilesOfAnOlderLayoutAreInvalid()
     auto *list = QAccessible::queryAccessibleInterface(&fixture.item);
     auto *projects = childNamed(list, "Projects, 120 MB");
     QVERIFY(projects != nullptr && projects->isValid());
-    fixture.model.drillInto(fixture.node("Projects"));
+    fixture.model.navigation().drillInto(fixture.node("Projects"));
     fixture.map.layoutIfNeeded();
     QVERIFY(!projects->isValid());
     QCOMPARE(projects->text(QAccessible::Name), "");
     projects->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    QCOMPARE(fixture.model.breadcrumb().size(), 2);
+    QCOMPARE(fixture.model.navigation().breadcrumb().size(), 2);
     QVERIFY(childNamed(list, "renderer, 100 MB") != nullptr);
 }
 

@@ -47,7 +47,7 @@ struct Machine : ScannedHome
         volumes.answer = VolumeCapacity{
             .available = 50 * gibi, .availableForImportantUsage = 50 * gibi, .total = 200 * gibi
         };
-        model.configureWatcher(background);
+        model.watch().configureWatcher(background);
     }
 
     Background background{ services };
@@ -121,7 +121,7 @@ void MenuBarPanelTest::init()
 
     m_machine = std::make_unique<Machine>();
     load();
-    QTRY_COMPARE(m_machine->model.phase().kind, Phase::Kind::ready);
+    QTRY_COMPARE(m_machine->model.scans().phase().kind, Phase::Kind::ready);
 }
 
 void MenuBarPanelTest::load()
@@ -153,7 +153,7 @@ void MenuBarPanelTest::watch(NotificationState state)
     m_machine->desktop.notifier.afterRequest = state;
     m_machine->panel.setWatching(true);
     m_machine->desktop.utility.run();
-    QTRY_VERIFY(m_machine->model.lastWatch());
+    QTRY_VERIFY(m_machine->model.watch().lastWatch());
     m_machine->background.refresh();
     QTRY_COMPARE(m_machine->background.notificationState(), state);
 }
@@ -190,7 +190,7 @@ void MenuBarPanelTest::tellsWhatIsFreeAndWhatCouldBe()
     const auto safe = summary->property("color").value<QColor>();
 
     FolderHold hold(m_machine->directories, m_machine->path());
-    m_machine->model.scan({ .scope = Scope::complete });
+    m_machine->model.scans().scan({ .scope = Scope::complete });
     const auto *measuring = item(Role::StaticText, u"Measuring…"_s);
     QVERIFY(measuring);
     QVERIFY(measuring->property("color").value<QColor>() != safe);
@@ -220,7 +220,7 @@ void MenuBarPanelTest::onlyTheFirstSwitchStandsWhileOff()
 void MenuBarPanelTest::switchesDoWhatTheySay()
 {
     press(toggle(watchingTitle));
-    QVERIFY(m_machine->model.watching());
+    QVERIFY(m_machine->model.watch().watching());
     QVERIFY(isOn(watchingTitle));
     QVERIFY(shows(u"Checking shortly…"_s));
 
@@ -235,7 +235,7 @@ void MenuBarPanelTest::switchesDoWhatTheySay()
     QVERIFY(shows(u"Quillbrook starts with your Mac and sits in the menu bar."_s));
 
     press(toggle(watchingTitle));
-    QVERIFY(!m_machine->model.watching());
+    QVERIFY(!m_machine->model.watch().watching());
     QVERIFY(!toggle(loginTitle));
 }
 
@@ -278,7 +278,7 @@ void MenuBarPanelTest::switchFollowsWhatIsTrueElsewhere()
     m_machine->desktop.loginItem.enabled = true;
     m_machine->background.refresh();
     QTRY_VERIFY(isOn(loginTitle));
-    m_machine->model.setWatching(false);
+    m_machine->model.watch().setWatching(false);
     QVERIFY(!isOn(watchingTitle));
 }
 
@@ -308,9 +308,9 @@ void MenuBarPanelTest::footActs()
     press(item(Role::Button, u"Quit"_s));
     QCOMPARE(quits.count(), 1);
 
-    QVERIFY(!m_machine->model.watcher().lastObservation());
+    QVERIFY(!m_machine->model.watch().watcher().lastObservation());
     press(item(Role::Button, u"Check now"_s));
-    QVERIFY(m_machine->model.watcher().lastObservation());
+    QVERIFY(m_machine->model.watch().watcher().lastObservation());
 }
 
 void MenuBarPanelTest::quitTellsWhatItMeans()
@@ -360,7 +360,7 @@ void MenuBarPanelTest::everySwitchWorksByKey()
 {
     QTest::keyClick(m_window, Qt::Key_Tab);
     QTest::keyClick(m_window, Qt::Key_Space);
-    QVERIFY(m_machine->model.watching());
+    QVERIFY(m_machine->model.watch().watching());
     int rings = 0;
     for (auto *part : visibleItemsBelow(*toggle(watchingTitle)))
         rings += part->objectName() == u"focusRing"_s ? 1 : 0;

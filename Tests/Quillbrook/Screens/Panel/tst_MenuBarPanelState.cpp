@@ -20,7 +20,7 @@ struct Fixture : ScannedHome
     Fixture()
     {
         addPlace(".gradle/daemon", 30);
-        model.configureWatcher(background);
+        model.watch().configureWatcher(background);
         haveFree(50 * gibi);
     }
 
@@ -32,7 +32,7 @@ struct Fixture : ScannedHome
     /// The watcher looks once, by the button, and has told what it saw.
     void look()
     {
-        QSignalSpy looks(&model, &AppModel::lastWatchChanged);
+        QSignalSpy looks(&model.watch(), &WatchDriver::lastWatchChanged);
         panel.checkNow();
         QTRY_COMPARE(looks.count(), 1);
     }
@@ -99,11 +99,11 @@ void MenuBarPanelStateTest::freeSpaceIsTheFigureOfTheTray()
     // What is live goes before the report.
     changes.clear();
     fixture.haveFree(40 * gibi);
-    fixture.model.refreshVolume();
+    fixture.model.volume().refreshVolume();
     QCOMPARE(changes.count(), 1);
     QCOMPARE(fixture.panel.freeText(), u"40.0 GB"_s);
-    QCOMPARE(fixture.panel.freeText(), fixture.model.menuBarTitle());
-    QCOMPARE(fixture.model.volumeFree(), 50 * gibi);
+    QCOMPARE(fixture.panel.freeText(), fixture.model.volume().menuBarTitle());
+    QCOMPARE(fixture.model.volume().volumeFree(), 50 * gibi);
 }
 
 void MenuBarPanelStateTest::reclaimableIsToldInWords_data()
@@ -156,7 +156,7 @@ void MenuBarPanelStateTest::readingGoesBeforeANewerReport()
 
     fixture.addFile(".gradle/daemon/still more", 10);
     fixture.scan();
-    QCOMPARE(fixture.model.report()->bytes(Safety::safe), qint64{ 60 } * 1024 * 1024);
+    QCOMPARE(fixture.model.scans().report()->bytes(Safety::safe), qint64{ 60 } * 1024 * 1024);
     QCOMPARE(fixture.panel.summary(), u"50.0 MB can be reclaimed safely"_s);
 }
 
@@ -168,14 +168,14 @@ void MenuBarPanelStateTest::measuringHidesAKnownSize()
 
     FolderHold hold(fixture.directories, fixture.path());
     QSignalSpy changes(&fixture.panel, &MenuBarPanelState::changed);
-    fixture.model.scan({ .scope = Scope::complete });
+    fixture.model.scans().scan({ .scope = Scope::complete });
     QCOMPARE(fixture.panel.summary(), u"Measuring…"_s);
     QVERIFY(!fixture.panel.isReclaimable());
     QVERIFY(fixture.panel.reclaimableNow());
     QVERIFY(changes.count() > 0);
     QTRY_VERIFY(hold.isHolding());
     // The report of the quick stage is there, and hides nothing.
-    QVERIFY(fixture.model.report());
+    QVERIFY(fixture.model.scans().report());
     QCOMPARE(fixture.panel.summary(), u"Measuring…"_s);
 
     hold.release();
@@ -332,14 +332,14 @@ void MenuBarPanelStateTest::refusedLoginItemIsToldAgain()
 void MenuBarPanelStateTest::buttonLooksAtOnceWithoutForce()
 {
     Fixture fixture;
-    QVERIFY(!fixture.model.watcher().lastObservation());
+    QVERIFY(!fixture.model.watch().watcher().lastObservation());
     fixture.panel.checkNow();
     // It has waited for the look; only the telling comes later.
-    QVERIFY(fixture.model.watcher().lastObservation());
-    QVERIFY(!fixture.model.watcher().lastObservation()->shouldNotify);
-    QVERIFY(!fixture.model.watcher().lastNotifiedAt());
+    QVERIFY(fixture.model.watch().watcher().lastObservation());
+    QVERIFY(!fixture.model.watch().watcher().lastObservation()->shouldNotify);
+    QVERIFY(!fixture.model.watch().watcher().lastNotifiedAt());
     QVERIFY(fixture.desktop.utility.waiting.empty());
-    QTRY_VERIFY(fixture.model.lastWatch());
+    QTRY_VERIFY(fixture.model.watch().lastWatch());
     QVERIFY(fixture.desktop.notifier.posted.isEmpty());
 }
 
@@ -372,28 +372,28 @@ void MenuBarPanelStateTest::appearingStartsTheFirstScan()
 {
     Fixture fixture;
     fixture.panel.appear();
-    QCOMPARE(fixture.model.phase().kind, Phase::Kind::scanning);
-    QCOMPARE(fixture.model.scope(), Scope::quiet);
+    QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::scanning);
+    QCOMPARE(fixture.model.scans().scope(), Scope::quiet);
     QCOMPARE(fixture.panel.summary(), u"Measuring…"_s);
-    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
+    QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
 }
 
 void MenuBarPanelStateTest::appearingScansNothingTwice()
 {
     Fixture fixture;
     fixture.scan();
-    const auto generation = fixture.model.treeGeneration();
+    const auto generation = fixture.model.scans().treeGeneration();
     fixture.panel.appear();
-    QCOMPARE(fixture.model.phase().kind, Phase::Kind::ready);
-    QCOMPARE(fixture.model.treeGeneration(), generation);
+    QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
+    QCOMPARE(fixture.model.scans().treeGeneration(), generation);
 
     // A scan that was stopped was the one that starts by itself.
     Fixture stopped;
     stopped.panel.appear();
-    stopped.model.cancelScan();
-    QVERIFY(!stopped.model.report());
+    stopped.model.scans().cancelScan();
+    QVERIFY(!stopped.model.scans().report());
     stopped.panel.appear();
-    QCOMPARE(stopped.model.phase().kind, Phase::Kind::idle);
+    QCOMPARE(stopped.model.scans().phase().kind, Phase::Kind::idle);
 }
 
 void MenuBarPanelStateTest::nothingIsScannedBeforeTheGrant()
@@ -401,16 +401,16 @@ void MenuBarPanelStateTest::nothingIsScannedBeforeTheGrant()
     Fixture fixture;
     fixture.home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
     fixture.panel.appear();
-    QCOMPARE(fixture.model.phase().kind, Phase::Kind::idle);
+    QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::idle);
     QCOMPARE(fixture.panel.summary(), u"Not measured yet"_s);
 
     // The first scan is still to come, and then of what was handed over.
     fixture.desktop.folderPicker.answer = "/Volumes/Backup/someone";
     fixture.access.request();
     fixture.panel.appear();
-    QCOMPARE(fixture.model.phase().kind, Phase::Kind::scanning);
-    QCOMPARE(fixture.model.scanRoot(), u"/Volumes/Backup/someone"_s);
-    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
+    QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::scanning);
+    QCOMPARE(fixture.model.scans().scanRoot(), u"/Volumes/Backup/someone"_s);
+    QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
 }
 
 void MenuBarPanelStateTest::ageIsToldAgainEveryMinuteWhileVisible()
@@ -429,7 +429,7 @@ void MenuBarPanelStateTest::ageIsToldAgainEveryMinuteWhileVisible()
     QCOMPARE(changes.count(), 1);
     fixture.panel.disappear();
     QVERIFY(!clock->isActive());
-    fixture.model.cancelScan();
+    fixture.model.scans().cancelScan();
 }
 
 QTEST_GUILESS_MAIN(MenuBarPanelStateTest)

@@ -1,4 +1,3 @@
-#include "Core/ScanProgress.h"
 #include "Screens/Scanning/ScanningState.h"
 
 #include <QSignalSpy>
@@ -13,7 +12,6 @@ class ScanningStateTest : public QObject
 
 private Q_SLOTS:
     void titleIsTheDetailOrSaysThatMeasuringIsOn();
-    void barAndCountsFollowTheProgress();
     void findingsAreThoseOfTheProgress();
 };
 
@@ -28,22 +26,6 @@ void ScanningStateTest::titleIsTheDetailOrSaysThatMeasuringIsOn()
     progress.reset();
     QCOMPARE(scan.title(), u"Measuring this Mac"_s);
     QCOMPARE(changes.count(), 2);
-}
-
-void ScanningStateTest::barAndCountsFollowTheProgress()
-{
-    ScanProgress progress;
-    const ScanningState scan(progress);
-    QSignalSpy fractions(&scan, &ScanningState::fractionChanged);
-    QSignalSpy counts(&scan, &ScanningState::countsChanged);
-    QCOMPARE(scan.fraction(), 0.0);
-    QCOMPARE(scan.counts(), QString());
-    progress.setFraction(0.4);
-    progress.setCounts(u"12 files"_s);
-    QCOMPARE(scan.fraction(), 0.4);
-    QCOMPARE(scan.counts(), u"12 files"_s);
-    QCOMPARE(fractions.count(), 1);
-    QCOMPARE(counts.count(), 1);
 }
 
 void ScanningStateTest::findingsAreThoseOfTheProgress()

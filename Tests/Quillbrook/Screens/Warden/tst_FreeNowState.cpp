@@ -14,7 +14,7 @@ struct Fixture : HomeOnDisk
     {
         tree.file("home/.gradle/daemon/log", 4096);
         scan();
-        model->reclaim({ finding(".gradle/daemon") }, false);
+        model->reclaims().reclaim({ finding(".gradle/daemon") }, false);
         settled();
     }
 
@@ -41,7 +41,7 @@ void FreeNowStateTest::asksNothingAtFirst()
     QVERIFY(!offer.asked());
     QCOMPARE(offer.title(), QString());
     offer.free();
-    QCOMPARE(home.model->phase().kind, Phase::Kind::idle);
+    QCOMPARE(home.model->scans().phase().kind, Phase::Kind::idle);
 }
 
 void FreeNowStateTest::asksWhatToDoWithWhatHasJustGone()
@@ -68,7 +68,7 @@ void FreeNowStateTest::keepingLeavesItInTheTrash()
     fixture.offer.keep();
     QVERIFY(!fixture.offer.asked());
     QVERIFY(fixture.isTrashed("log"));
-    QCOMPARE(fixture.model->ledger().pendingCount(), qsizetype(1));
+    QCOMPARE(fixture.model->reclaims().ledger().pendingCount(), qsizetype(1));
 }
 
 QTEST_GUILESS_MAIN(FreeNowStateTest)

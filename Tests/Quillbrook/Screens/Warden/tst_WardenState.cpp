@@ -256,7 +256,7 @@ void WardenStateTest::revealShowsTheRawPath()
     fixture.directories.folder("/caf\xE9", { FakeDirectories::aFolder(".npm") });
     fixture.directories.folder("/caf\xE9/.npm", { FakeDirectories::aFolder("_cacache") });
     fixture.directories.folder("/caf\xE9/.npm/_cacache", { FakeDirectories::aFile("f", 8192) });
-    fixture.model.setScanRoot("/caf\xE9");
+    fixture.model.scans().setScanRoot("/caf\xE9");
     fixture.scan();
     fixture.warden.reveal(fixture.row(fixture.packages));
     QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ "/caf\xE9/.npm/_cacache" });
@@ -290,9 +290,9 @@ void WardenStateTest::offerScansEverything()
     Fixture fixture;
     fixture.scan(Scope::quiet);
     fixture.warden.act(0);
-    QCOMPARE(fixture.model.phase().kind, Phase::Kind::scanning);
-    QCOMPARE(fixture.model.scope(), Scope::complete);
-    QTRY_COMPARE(fixture.model.phase().kind, Phase::Kind::ready);
+    QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::scanning);
+    QCOMPARE(fixture.model.scans().scope(), Scope::complete);
+    QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
 }
 
 void WardenStateTest::emptyDiskSaysSo()
@@ -339,8 +339,8 @@ void WardenStateTest::questionSaysWhenThereIsNoBackup()
 {
     DiskFixture fixture;
     fixture.backups.backups = {};
-    fixture.model->refreshSafetyNet();
-    QTRY_VERIFY(fixture.model->safetyNet());
+    fixture.model->reclaims().refreshSafetyNet();
+    QTRY_VERIFY(fixture.model->reclaims().safetyNet());
     QVERIFY(fixture.warden.confirmMessage().endsWith(
         u"finish the job. This Mac has no backup, so deleting permanently is final."_s));
 }
@@ -454,7 +454,7 @@ void WardenStateTest::pendingTrashIsLookedAtAfterEveryScan()
     fixture.settled();
     QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
     std::filesystem::remove_all(fixture.trashFolder);
-    fixture.model->scan({});
+    fixture.model->scans().scan({});
     fixture.settled();
     QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
 }
@@ -476,11 +476,11 @@ void WardenStateTest::missingBackupIsTold()
     DiskFixture fixture;
     QCOMPARE(fixture.banner(WardenRows::safetyNetBanner), -1);
     fixture.backups.backups = {};
-    fixture.model->refreshSafetyNet();
+    fixture.model->reclaims().refreshSafetyNet();
     QTRY_COMPARE(fixture.banner(WardenRows::safetyNetBanner), 0);
     // It has no button, and nothing happens.
     fixture.warden.act(0);
-    QCOMPARE(fixture.model->phase().kind, Phase::Kind::ready);
+    QCOMPARE(fixture.model->scans().phase().kind, Phase::Kind::ready);
 }
 
 void WardenStateTest::logIsListed()

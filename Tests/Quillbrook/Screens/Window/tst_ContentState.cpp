@@ -125,17 +125,17 @@ void ContentStateTest::appearingStartsTheScanOfTheHomeFolder()
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
-    model.setScanRoot("/somewhere/else");
+    model.scans().setScanRoot("/somewhere/else");
     WindowContent window(model);
     auto &content = window.content;
 
     content.appear();
     QVERIFY(content.didStart());
-    QCOMPARE(model.liveFree(), 25);
-    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
-    QVERIFY(model.scope() == Scope::quiet);
+    QCOMPARE(model.volume().liveFree(), 25);
+    QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
+    QVERIFY(model.scans().scope() == Scope::quiet);
     QCOMPARE(content.view(), View::Scanning);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 1);
 }
 
@@ -146,10 +146,10 @@ void ContentStateTest::appearingAgainStartsNothing()
     WindowContent window(model);
     auto &content = window.content;
     content.appear();
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
 
     content.appear();
-    QVERIFY(model.phase().kind == Phase::Kind::ready);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 1);
 }
 
@@ -159,12 +159,12 @@ void ContentStateTest::appearingAfterTheUserScannedStartsNothing()
     AppModel model(machine.services);
     WindowContent window(model);
     auto &content = window.content;
-    model.scan({ .scope = Scope::complete });
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    model.scans().scan({ .scope = Scope::complete });
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
 
     content.appear();
-    QVERIFY(model.phase().kind == Phase::Kind::ready);
-    QVERIFY(model.scope() == Scope::complete);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::ready);
+    QVERIFY(model.scans().scope() == Scope::complete);
 }
 
 void ContentStateTest::appearingAsksWhatHoldsWithoutAWindow()
@@ -182,7 +182,7 @@ void ContentStateTest::appearingAsksWhatHoldsWithoutAWindow()
     QCOMPARE(machine.desktop.notifier.questions, before + 2);
     QVERIFY(window.background.launchesAtLogin());
     QCOMPARE(machine.desktop.http.requests.size(), 1);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
 }
 
 void ContentStateTest::startActionGoesInItsOrder()
@@ -190,7 +190,7 @@ void ContentStateTest::startActionGoesInItsOrder()
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
     AppModel model(machine.services);
-    model.setScanRoot("/somewhere/else");
+    model.scans().setScanRoot("/somewhere/else");
     FolderAccess access(machine.services);
     Background background(machine.services);
     machine.desktop.loginItem.enabled = true;
@@ -201,13 +201,13 @@ void ContentStateTest::startActionGoesInItsOrder()
         steps.append(QString::fromLatin1(step) + QString::number(machine.desktop.http.requests.size()));
     };
     connect(&background, &Background::launchesAtLoginChanged, this, [&] { note("background "); });
-    connect(&model, &AppModel::volumeChanged, this, [&] { note("volume "); });
-    connect(&model, &AppModel::scanRootChanged, this, [&] { note("root "); });
-    connect(&model, &AppModel::phaseChanged, this, [&] { note("scan "); });
+    connect(&model.volume(), &VolumeFigures::volumeChanged, this, [&] { note("volume "); });
+    connect(&model.scans(), &ScanDriver::scanRootChanged, this, [&] { note("root "); });
+    connect(&model.scans(), &ScanDriver::phaseChanged, this, [&] { note("scan "); });
     content.appear();
     QCOMPARE(steps, QStringList({ u"background 0"_s, u"volume 1"_s, u"root 1"_s, u"scan 1"_s }));
-    QTRY_VERIFY(model.safetyNet());
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.reclaims().safetyNet());
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
 }
 
 void ContentStateTest::gateStandsAndNothingIsScanned()
@@ -219,10 +219,10 @@ void ContentStateTest::gateStandsAndNothingIsScanned()
     QCOMPARE(window.content.view(), View::Gate);
     window.content.appear();
     QVERIFY(window.content.didStart());
-    QCOMPARE(model.liveFree(), 25);
-    QTRY_VERIFY(model.safetyNet());
+    QCOMPARE(model.volume().liveFree(), 25);
+    QTRY_VERIFY(model.reclaims().safetyNet());
     QCOMPARE(window.content.view(), View::Gate);
-    QVERIFY(model.phase().kind == Phase::Kind::idle);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
     QCOMPARE(machine.directories.sessionsMade(), 0);
     QCOMPARE(machine.questions(), 0);
 
@@ -241,9 +241,9 @@ void ContentStateTest::keptGrantIsScannedByItself()
     QCOMPARE(window.content.view(), View::Notice);
     window.content.appear();
     QCOMPARE(window.content.view(), View::Scanning);
-    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
-    QVERIFY(model.scope() == Scope::quiet);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
+    QVERIFY(model.scans().scope() == Scope::quiet);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.questions(), 0);
     QCOMPARE(machine.desktop.folderGrants.started.size(), 1U);
 }
@@ -256,10 +256,10 @@ void ContentStateTest::refusedFolderIsScannedAllTheSame()
     AppModel model(machine.services);
     WindowContent window(model);
     window.content.appear();
-    QCOMPARE(model.scanRoot(), u"/home/gone"_s);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(model.scans().scanRoot(), u"/home/gone"_s);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 1);
-    QCOMPARE(model.scannedFileCount(), 0);
+    QCOMPARE(model.scans().scannedFileCount(), 0);
 }
 
 void ContentStateTest::gateLetsTheHomeFolderBeChosen()
@@ -276,12 +276,12 @@ void ContentStateTest::gateLetsTheHomeFolderBeChosen()
     QTRY_COMPARE(machine.questions(), 1);
     QTRY_COMPARE(window.content.view(), View::Scanning);
     QVERIFY(views.count() > 0);
-    QVERIFY(model.scope() == Scope::quiet);
-    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QVERIFY(model.scans().scope() == Scope::quiet);
+    QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(window.content.view(), View::Warden);
     QCOMPARE(machine.directories.sessionsMade(), 1);
-    QCOMPARE(model.scannedFileCount(), 1);
+    QCOMPARE(model.scans().scannedFileCount(), 1);
 }
 
 void ContentStateTest::gateStaysWhenTheChoiceIsCancelled()
@@ -295,7 +295,7 @@ void ContentStateTest::gateStaysWhenTheChoiceIsCancelled()
         QTRY_COMPARE(machine.questions(), times);
         QCOMPARE(window.content.view(), View::Gate);
     }
-    QVERIFY(model.phase().kind == Phase::Kind::idle);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
     QCOMPARE(machine.directories.sessionsMade(), 0);
 }
 
@@ -308,9 +308,9 @@ void ContentStateTest::folderOnAnotherVolumeIsScanned()
     WindowContent window(model);
     window.content.appear();
     window.content.chooseHomeFolder();
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
-    QCOMPARE(model.scanRoot(), u"/Volumes/Backup/someone"_s);
-    QCOMPARE(model.scannedFileCount(), 1);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+    QCOMPARE(model.scans().scanRoot(), u"/Volumes/Backup/someone"_s);
+    QCOMPARE(model.scans().scannedFileCount(), 1);
     QVERIFY(window.access.grantedIsWrongVolume());
 }
 
@@ -322,16 +322,16 @@ void ContentStateTest::folderIsMeasuredWhenAnEarlierOneWasTakenBack()
     AppModel model(machine.services);
     WindowContent window(model);
     window.content.appear();
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     window.access.revoke();
     QCOMPARE(window.content.view(), View::Gate);
 
     machine.desktop.folderPicker.answer = "/home/another";
     window.content.chooseHomeFolder();
     QTRY_COMPARE(window.content.view(), View::Scanning);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 2);
-    QCOMPARE(model.scannedFileCount(), 0);
+    QCOMPARE(model.scans().scannedFileCount(), 0);
 }
 
 void ContentStateTest::gateNeverStandsOutsideASandbox()
@@ -344,8 +344,8 @@ void ContentStateTest::gateNeverStandsOutsideASandbox()
     QCOMPARE(window.content.view(), View::Notice);
     window.content.appear();
     QCOMPARE(window.content.view(), View::Scanning);
-    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QVERIFY(machine.desktop.folderGrants.started.empty());
     QCOMPARE(machine.defaults.values.value(bookmarkKey).toByteArray(), QByteArray("/kept/from/elsewhere"));
 }
@@ -356,13 +356,13 @@ void ContentStateTest::rescanTakesThePresentScopeAndFolder()
     machine.keep("/home/someone");
     AppModel model(machine.services);
     WindowContent window(model);
-    model.scan({ .scope = Scope::complete });
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    model.scans().scan({ .scope = Scope::complete });
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     window.content.rescan();
-    QVERIFY(model.phase().kind == Phase::Kind::scanning);
-    QVERIFY(model.scope() == Scope::complete);
-    QCOMPARE(model.scanRoot(), u"/home/someone"_s);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::scanning);
+    QVERIFY(model.scans().scope() == Scope::complete);
+    QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 2);
 }
 
@@ -388,7 +388,7 @@ void ContentStateTest::paneChangesDuringAScanButNotWhatIsShown()
     QCOMPARE(views.count(), 0);
 
     hold.release();
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(content.view(), View::Notice);
     QCOMPARE(content.noticeTitle(), u"Past answers"_s);
     QCOMPARE(content.noticeMessage(), u"Not here yet."_s);
@@ -405,7 +405,7 @@ void ContentStateTest::stoppingBeforeTheFirstTreeShowsTheNotice()
     content.appear();
     QTRY_VERIFY(hold.isHolding());
 
-    model.cancelScan();
+    model.scans().cancelScan();
     QCOMPARE(content.view(), View::Notice);
     QCOMPARE(content.noticeTitle(), u"Nothing scanned yet"_s);
     QCOMPARE(content.noticeMessage(), u"Press Rescan to look at this Mac."_s);
@@ -418,10 +418,10 @@ void ContentStateTest::requestedPaneIsChosenAndThenCleared()
     AppModel model(machine.services);
     WindowContent window(model);
     auto &content = window.content;
-    model.setRequestedPane(Pane::map);
+    model.navigation().setRequestedPane(Pane::map);
     QCOMPARE(content.pane(), Pane::map);
-    QCOMPARE(model.requestedPane(), Pane::map);
-    QTRY_VERIFY(!model.requestedPane());
+    QCOMPARE(model.navigation().requestedPane(), Pane::map);
+    QTRY_VERIFY(!model.navigation().requestedPane());
     QCOMPARE(content.pane(), Pane::map);
 }
 
@@ -432,8 +432,8 @@ void ContentStateTest::requestForThePresentPaneIsClearedToo()
     WindowContent window(model);
     auto &content = window.content;
     QSignalSpy panes(&content, &ContentState::paneChanged);
-    model.setRequestedPane(Pane::warden);
-    QTRY_VERIFY(!model.requestedPane());
+    model.navigation().setRequestedPane(Pane::warden);
+    QTRY_VERIFY(!model.navigation().requestedPane());
     QCOMPARE(content.pane(), Pane::warden);
     QCOMPARE(panes.count(), 0);
 }
@@ -442,11 +442,11 @@ void ContentStateTest::requestMadeBeforeTheWindowIsFollowed()
 {
     FakeServices machine;
     AppModel model(machine.services);
-    model.setRequestedPane(Pane::search);
+    model.navigation().setRequestedPane(Pane::search);
     WindowContent window(model);
     auto &content = window.content;
     QCOMPARE(content.pane(), Pane::search);
-    QTRY_VERIFY(!model.requestedPane());
+    QTRY_VERIFY(!model.navigation().requestedPane());
 }
 
 void ContentStateTest::questionFieldStandsUnderEveryPaneButTheConversation()

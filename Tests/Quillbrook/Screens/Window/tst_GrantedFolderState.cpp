@@ -103,12 +103,13 @@ void GrantedFolderStateTest::changingForgetsAsksAndMeasures()
         steps.append(row.access.granted() ? u"granted"_s : u"revoked"_s);
         steps.append(QString::number(machine.desktop.folderPicker.requests.size()));
     });
-    connect(&row.model, &AppModel::scanRootChanged, this, [&] { steps.append(row.model.scanRoot()); });
+    connect(&row.model.scans(), &ScanDriver::scanRootChanged, this,
+        [&] { steps.append(row.model.scans().scanRoot()); });
     row.folder.change();
     QTRY_COMPARE(steps, QStringList({ u"revoked"_s, u"0"_s, u"granted"_s, u"1"_s, u"/home/another"_s }));
-    QVERIFY(row.model.phase().kind == Phase::Kind::scanning);
+    QVERIFY(row.model.scans().phase().kind == Phase::Kind::scanning);
     QCOMPARE(machine.defaults.values.value(key).toByteArray(), QByteArray("/home/another"));
-    QTRY_VERIFY(row.model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(row.model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 1);
 }
 
@@ -130,7 +131,7 @@ void GrantedFolderStateTest::cancellingTheChangeBringsTheGate()
     QTRY_VERIFY(row.access.isGated());
     QTRY_COMPARE(machine.desktop.folderPicker.requests.size(), 1);
     QCOMPARE(row.content.view(), ContentState::View::Gate);
-    QVERIFY(row.model.phase().kind == Phase::Kind::idle);
+    QVERIFY(row.model.scans().phase().kind == Phase::Kind::idle);
     QCOMPARE(machine.directories.sessionsMade(), 0);
     QVERIFY(!machine.defaults.values.contains(key));
 }
@@ -142,17 +143,17 @@ void GrantedFolderStateTest::changingDuringAScanGivesThatScanUp()
     machine.directories.folder("/home/another", { FakeDirectories::aFile("a", 4096) });
     FolderHold hold(machine.directories, "/home/someone");
     Row row(machine);
-    row.model.setScanRoot("/home/someone");
-    row.model.scan({ .scope = Scope::complete });
+    row.model.scans().setScanRoot("/home/someone");
+    row.model.scans().scan({ .scope = Scope::complete });
     QTRY_VERIFY(hold.isHolding());
 
     machine.desktop.folderPicker.answer = "/home/another";
     row.folder.change();
-    QTRY_COMPARE(row.model.scanRoot(), u"/home/another"_s);
+    QTRY_COMPARE(row.model.scans().scanRoot(), u"/home/another"_s);
     hold.release();
-    QTRY_VERIFY(row.model.phase().kind == Phase::Kind::ready);
-    QCOMPARE(row.model.tree()->snapshot(row.model.rootNode())->path, u"/home/another"_s);
-    QVERIFY(row.model.scope() == Scope::complete);
+    QTRY_VERIFY(row.model.scans().phase().kind == Phase::Kind::ready);
+    QCOMPARE(row.model.scans().tree()->snapshot(row.model.scans().rootNode())->path, u"/home/another"_s);
+    QVERIFY(row.model.scans().scope() == Scope::complete);
 }
 
 QTEST_GUILESS_MAIN(GrantedFolderStateTest)

@@ -161,7 +161,7 @@ void MainWindowTest::cleanup()
 void MainWindowTest::finishScan()
 {
     m_machine->hold.release();
-    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
 }
 
 void MainWindowTest::hasItsTitleAndSizes()
@@ -192,7 +192,7 @@ void MainWindowTest::finishedScanIsToldAndCanBeRepeated()
     QVERIFY(m_screens->topBar()->summary().startsWith(u"scanned 1 files in "_s));
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, u"Rescan"_s)));
     QTRY_COMPARE(m_machine->directories.sessionsMade(), 2);
-    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
 }
 
 void MainWindowTest::panesThatAreNotBuiltSaySo()
@@ -274,10 +274,10 @@ void MainWindowTest::findingsAreListedAndCleared()
     m_machine->directories.folder(place, { FakeDirectories::aFile("log", 4096) });
     m_machine->directories.folder("/home/someone/.gradle", { FakeDirectories::aFolder("daemon") });
     m_machine->directories.folder("/home/someone", { FakeDirectories::aFolder(".gradle") });
-    m_model->cancelScan();
+    m_model->scans().cancelScan();
     m_machine->hold.release();
-    m_model->scan({ .scope = Scope::complete });
-    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    m_model->scans().scan({ .scope = Scope::complete });
+    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
     QTRY_VERIFY(shows(u"4.0 KB selected"_s));
     QVERIFY(shows(u"1 of 1 reclaimable items"_s));
     QVERIFY(item(Role::ListItem, u"Android build logs, 4.0 KB"_s));
@@ -297,7 +297,7 @@ void MainWindowTest::findingsAreListedAndCleared()
     QTest::keyClick(m_window, Qt::Key_Escape);
     QTRY_VERIFY(!shows(u"Move 4.0 KB to the Trash?"_s));
     QVERIFY(m_machine->trash.asked.empty());
-    QVERIFY(m_model->reclaimLog().isEmpty());
+    QVERIFY(m_model->reclaims().reclaimLog().isEmpty());
 
     const auto *list = m_window->findChild<QQuickItem *>(u"wardenList"_s);
     const auto *bar = m_window->findChild<QQuickItem *>(u"wardenScrollBar"_s);
@@ -367,7 +367,7 @@ void MainWindowTest::gaugeNamesTheVolume()
     const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
     m_machine->volumes.answer
         = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
-    m_model->refreshVolume();
+    m_model->volume().refreshVolume();
     QVERIFY(note->isVisible());
     QVERIFY(shows(u"Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use."_s));
 }
@@ -415,7 +415,7 @@ void MainWindowTest::gateAsksForTheHomeFolder()
 
     m_machine->desktop.folderPicker.answer = "/home/someone";
     pressAccessibly(choose);
-    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
     QTRY_VERIFY(!item(Role::Button, u"Choose my home folder…"_s));
     QVERIFY(item(Role::Button, u"Rescan"_s)->isEnabled());
     QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
@@ -447,14 +447,14 @@ void MainWindowTest::grantedFolderIsToldOnlyInASandbox()
 void MainWindowTest::grantedFolderCanBeChanged()
 {
     openInSandbox("/home/someone");
-    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
     m_machine->desktop.folderPicker.answer = "/media/backup";
     auto *change = item(Role::Button, u"Change"_s);
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
     QTRY_VERIFY(shows(u"/media/backup"_s));
     QVERIFY(shows(u"That is not this Mac's startup disk"_s));
-    QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
-    QCOMPARE(m_model->scanRoot(), u"/media/backup"_s);
+    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+    QCOMPARE(m_model->scans().scanRoot(), u"/media/backup"_s);
 
     m_machine->desktop.folderPicker.answer.reset();
     pressAccessibly(change);
@@ -477,8 +477,8 @@ void MainWindowTest::newerVersionIsTold()
     m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
     m_machine->desktop.http.answer
         = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
-    QTRY_VERIFY(m_model->phase().kind != Phase::Kind::idle);
-    m_model->checkForUpdate();
+    QTRY_VERIFY(m_model->scans().phase().kind != Phase::Kind::idle);
+    m_model->updates().checkForUpdate();
     QTRY_VERIFY(item(Role::Button, line));
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
     const QUrl page(u"https://updates.test/2.0"_s);
@@ -508,7 +508,7 @@ void MainWindowTest::fullSidebarIsNotCut()
     openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
     QTRY_VERIFY(item(Role::Button, u"Quillbrook 2.0 is out"_s));
     if (!isGated)
-        QTRY_VERIFY(m_model->phase().kind == Phase::Kind::ready);
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
     nothingIsCut(m_window->minimumSize());
     const auto *rows = item(Role::ListItem, u"Past answers"_s);
     const auto *gauge = m_window->findChild<QQuickItem *>(u"usedBar"_s);

@@ -52,12 +52,12 @@ void TopBarStateTest::buttonStopsAScanAndStartsOne()
     QCOMPARE(bar.actionText(), u"Rescan"_s);
 
     bar.act();
-    QVERIFY(model.phase().kind == Phase::Kind::scanning);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::scanning);
     QCOMPARE(bar.actionText(), u"Stop"_s);
     QTRY_VERIFY(hold.isHolding());
 
     bar.act();
-    QVERIFY(model.phase().kind == Phase::Kind::idle);
+    QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
     QCOMPARE(bar.actionText(), u"Rescan"_s);
     QCOMPARE(changes.count(), 2);
     hold.release();
@@ -68,11 +68,11 @@ void TopBarStateTest::rescanKeepsTheScope()
     FakeServices machine;
     AppModel model(machine.services);
     TopBarState bar(model);
-    model.scan({ .scope = Scope::complete });
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    model.scans().scan({ .scope = Scope::complete });
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     bar.act();
-    QVERIFY(model.scope() == Scope::complete);
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QVERIFY(model.scans().scope() == Scope::complete);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QCOMPARE(machine.directories.sessionsMade(), 2);
 }
 
@@ -86,9 +86,9 @@ void TopBarStateTest::summaryFollowsTheScan()
     QSignalSpy changes(&bar, &TopBarState::summaryChanged);
     QCOMPARE(bar.summary(), QString());
     bar.act();
-    QTRY_VERIFY(model.phase().kind == Phase::Kind::ready);
+    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     QVERIFY(changes.count() > 0);
-    QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.lastScanDuration()));
+    QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.scans().lastScanDuration()));
     QVERIFY(bar.summary().startsWith(u"scanned 2 files in "_s));
 }
 

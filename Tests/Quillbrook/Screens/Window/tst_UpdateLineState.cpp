@@ -42,7 +42,7 @@ void UpdateLineStateTest::newerVersionIsToldAndOpened()
     AppModel model(machine.services);
     UpdateLineState line(model);
     QSignalSpy changes(&line, &UpdateLineState::changed);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(line.text(), u"Quillbrook 1.2.3 is out"_s);
     QVERIFY(changes.count() > 0);
     QVERIFY(machine.desktop.links.opened.isEmpty());
@@ -57,12 +57,12 @@ void UpdateLineStateTest::noticeGoesWithTheUpdate()
     answer(machine, R"({"version": "1.2.3", "url": "https://updates.test/1.2.3"})");
     AppModel model(machine.services);
     UpdateLineState line(model);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_VERIFY(!line.text().isEmpty());
 
     machine.desktop.http.answer.reset();
     QSignalSpy changes(&line, &UpdateLineState::changed);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(line.text(), QString());
     QCOMPARE(changes.count(), 1);
 }
@@ -73,7 +73,7 @@ void UpdateLineStateTest::versionStaysOnOneLine()
     answer(machine, R"({"version": "2.\n%1", "url": "https://updates.test/"})");
     AppModel model(machine.services);
     UpdateLineState line(model);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(line.text(), u"Quillbrook 2. %1 is out"_s);
 }
 

@@ -101,14 +101,14 @@ void VolumeGaugeStateTest::followsTheVolume()
     machine.volumes.answer = VolumeCapacity{
         .available = 5 * gibi, .availableForImportantUsage = 7 * gibi, .total = 100 * gibi
     };
-    model.refreshVolume();
+    model.volume().refreshVolume();
     QCOMPARE(changes.count(), 1);
     QCOMPARE(gauge.usedShare(), 0.95);
     QVERIFY(gauge.isDanger());
     QCOMPARE(gauge.freeText(), u"5.0 GB"_s);
     QVERIFY(gauge.note().contains(u"2.0 GB of purgeable"_s));
 
-    model.refreshVolume();
+    model.volume().refreshVolume();
     QCOMPARE(changes.count(), 1);
 }
 

@@ -21,7 +21,7 @@ HttpAnswer newer(const QByteArray &version = "1.1")
 
 } // namespace
 
-class TestAppModelUpdate : public QObject
+class TestUpdateDriver : public QObject
 {
     Q_OBJECT
 
@@ -40,45 +40,45 @@ private Q_SLOTS:
     void feedThatCanNotExistIsNotAsked();
 };
 
-void TestAppModelUpdate::newerVersionIsTold()
+void TestUpdateDriver::newerVersionIsTold()
 {
     FakeServices fake;
     AppModel model(fake.services);
-    const QSignalSpy updates(&model, &AppModel::updateChanged);
-    QVERIFY(!model.update());
+    const QSignalSpy updates(&model.updates(), &UpdateDriver::updateChanged);
+    QVERIFY(!model.updates().update());
     fake.desktop.http.answer = newer();
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(updates.count(), 1);
     const AvailableUpdate expected{
         .version = u"1.1"_s, .url = QUrl(u"https://updates.test/get"_s), .notes = u"Faster"_s
     };
-    QVERIFY(model.update() == expected);
+    QVERIFY(model.updates().update() == expected);
     QCOMPARE(fake.defaults.values.value(key).toDateTime(), fake.clock.moment);
 }
 
-void TestAppModelUpdate::asksTheFeedOfTheServices()
+void TestUpdateDriver::asksTheFeedOfTheServices()
 {
     FakeServices fake;
     AppModel model(fake.services);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(fake.desktop.http.requests.size(), 1);
     QCOMPARE(fake.desktop.http.requests.first().url, QUrl(u"https://updates.test/version.json"_s));
 }
 
-void TestAppModelUpdate::versionThatIsUnknownCountsAsNone()
+void TestUpdateDriver::versionThatIsUnknownCountsAsNone()
 {
     FakeServices fake;
     fake.services.version.clear();
     AppModel model(fake.services);
     fake.desktop.http.answer = newer("0.0.1");
-    model.checkForUpdate();
-    QTRY_VERIFY(model.update());
+    model.updates().checkForUpdate();
+    QTRY_VERIFY(model.updates().update());
     fake.desktop.http.answer = newer("0.0");
-    model.checkForUpdate();
-    QTRY_VERIFY(!model.update());
+    model.updates().checkForUpdate();
+    QTRY_VERIFY(!model.updates().update());
 }
 
-void TestAppModelUpdate::asksAgainAfterADay_data()
+void TestUpdateDriver::asksAgainAfterADay_data()
 {
     QTest::addColumn<QVariant>("stored");
     QTest::addColumn<bool>("asks");
@@ -92,7 +92,7 @@ void TestAppModelUpdate::asksAgainAfterADay_data()
     QTest::newRow("no date") << QVariant(u"yesterday"_s) << true;
 }
 
-void TestAppModelUpdate::asksAgainAfterADay()
+void TestUpdateDriver::asksAgainAfterADay()
 {
     QFETCH(QVariant, stored);
     QFETCH(bool, asks);
@@ -100,92 +100,92 @@ void TestAppModelUpdate::asksAgainAfterADay()
     if (stored.isValid())
         fake.defaults.values.insert(key, stored);
     AppModel model(fake.services);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QCoreApplication::processEvents();
     QCOMPARE(fake.desktop.http.requests.size(), asks ? 1 : 0);
     QCOMPARE(fake.defaults.values.value(key), asks ? QVariant(fake.clock.moment) : stored);
 }
 
-void TestAppModelUpdate::asksAgainWithANoticeOnHand()
+void TestUpdateDriver::asksAgainWithANoticeOnHand()
 {
     FakeServices fake;
     AppModel model(fake.services);
     fake.desktop.http.answer = newer("1.1");
-    model.checkForUpdate();
-    QTRY_VERIFY(model.update());
+    model.updates().checkForUpdate();
+    QTRY_VERIFY(model.updates().update());
     fake.clock.moment = fake.clock.moment.addSecs(7200);
     fake.desktop.http.answer = newer("1.2");
-    model.checkForUpdate();
-    QTRY_COMPARE(model.update()->version, u"1.2"_s);
+    model.updates().checkForUpdate();
+    QTRY_COMPARE(model.updates().update()->version, u"1.2"_s);
     QCOMPARE(fake.desktop.http.requests.size(), 2);
     QCOMPARE(fake.defaults.values.value(key).toDateTime(), fake.clock.moment);
 }
 
-void TestAppModelUpdate::failedQueryCounts()
+void TestUpdateDriver::failedQueryCounts()
 {
     FakeServices fake;
     AppModel model(fake.services);
-    const QSignalSpy updates(&model, &AppModel::updateChanged);
-    model.checkForUpdate();
+    const QSignalSpy updates(&model.updates(), &UpdateDriver::updateChanged);
+    model.updates().checkForUpdate();
     QTRY_COMPARE(fake.defaults.values.value(key).toDateTime(), fake.clock.moment);
     fake.desktop.http.answer = newer();
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QCoreApplication::processEvents();
     QCOMPARE(fake.desktop.http.requests.size(), 1);
-    QVERIFY(!model.update());
+    QVERIFY(!model.updates().update());
     QCOMPARE(updates.count(), 0);
 }
 
-void TestAppModelUpdate::failedQueryClearsANotice()
+void TestUpdateDriver::failedQueryClearsANotice()
 {
     FakeServices fake;
     AppModel model(fake.services);
     fake.desktop.http.answer = newer();
-    model.checkForUpdate();
-    QTRY_VERIFY(model.update());
+    model.updates().checkForUpdate();
+    QTRY_VERIFY(model.updates().update());
     fake.desktop.http.answer = HttpAnswer{ .status = 500 };
-    const QSignalSpy updates(&model, &AppModel::updateChanged);
-    model.checkForUpdate();
-    QTRY_VERIFY(!model.update());
+    const QSignalSpy updates(&model.updates(), &UpdateDriver::updateChanged);
+    model.updates().checkForUpdate();
+    QTRY_VERIFY(!model.updates().update());
     QCOMPARE(updates.count(), 1);
 }
 
-void TestAppModelUpdate::sameNoticeIsToldOnce()
+void TestUpdateDriver::sameNoticeIsToldOnce()
 {
     FakeServices fake;
     AppModel model(fake.services);
-    const QSignalSpy updates(&model, &AppModel::updateChanged);
+    const QSignalSpy updates(&model.updates(), &UpdateDriver::updateChanged);
     fake.desktop.http.answer = newer();
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(updates.count(), 1);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_COMPARE(fake.desktop.http.requests.size(), 2);
     QCoreApplication::processEvents();
     QCOMPARE(updates.count(), 1);
 }
 
-void TestAppModelUpdate::answerComesLater()
+void TestUpdateDriver::answerComesLater()
 {
     FakeServices fake;
     fake.desktop.http.isSlow = true;
     AppModel model(fake.services);
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QCoreApplication::processEvents();
-    QVERIFY(!model.update());
+    QVERIFY(!model.updates().update());
     QVERIFY(!fake.defaults.values.contains(key));
     fake.clock.moment = fake.clock.moment.addSecs(30);
     fake.desktop.http.answer = newer();
     fake.desktop.http.release();
-    QTRY_VERIFY(model.update());
+    QTRY_VERIFY(model.updates().update());
     QCOMPARE(fake.defaults.values.value(key).toDateTime(), fake.clock.moment);
 }
 
-void TestAppModelUpdate::modelThatIsGoneTakesNoAnswer()
+void TestUpdateDriver::modelThatIsGoneTakesNoAnswer()
 {
     FakeServices fake;
     fake.desktop.http.isSlow = true;
     auto model = std::make_unique<AppModel>(fake.services);
-    model->checkForUpdate();
+    model->updates().checkForUpdate();
     QCoreApplication::processEvents();
     model.reset();
     fake.desktop.http.answer = newer();
@@ -194,17 +194,17 @@ void TestAppModelUpdate::modelThatIsGoneTakesNoAnswer()
     QVERIFY(!fake.defaults.values.contains(key));
 }
 
-void TestAppModelUpdate::feedThatCanNotExistIsNotAsked()
+void TestUpdateDriver::feedThatCanNotExistIsNotAsked()
 {
     FakeServices fake;
     fake.services.updateFeed = QUrl(u"https://quillbrook.example/version.json"_s);
     AppModel model(fake.services);
     fake.desktop.http.answer = newer();
-    model.checkForUpdate();
+    model.updates().checkForUpdate();
     QTRY_VERIFY(fake.defaults.values.contains(key));
     QVERIFY(fake.desktop.http.requests.isEmpty());
-    QVERIFY(!model.update());
+    QVERIFY(!model.updates().update());
 }
 
-QTEST_GUILESS_MAIN(TestAppModelUpdate)
-#include "tst_AppModelUpdate.moc"
+QTEST_GUILESS_MAIN(TestUpdateDriver)
+#include "tst_UpdateDriver.moc"

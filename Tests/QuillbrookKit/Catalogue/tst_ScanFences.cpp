@@ -1,5 +1,5 @@
 #include "Catalogue/HostKnowledge.h"
-#include "Core/ScanFences.h"
+#include "Catalogue/ScanFences.h"
 
 #include <QTest>
 
@@ -31,7 +31,7 @@ private Q_SLOTS:
 
 void ScanFencesTest::completeScanKeepsOutOfWhatNoScanMeasures()
 {
-    const auto fences = ScanFences::of(Scope::complete, home, someHost());
+    const auto fences = ScanFences::complete();
     QCOMPARE(fences.exclusions, FastScanner::defaultExclusions());
     QVERIFY(fences.skipping.isEmpty());
     QVERIFY(fences.allowlist.isEmpty());
@@ -39,7 +39,7 @@ void ScanFencesTest::completeScanKeepsOutOfWhatNoScanMeasures()
 
 void ScanFencesTest::quietScanKeepsOutOfProtectedPathsToo()
 {
-    const auto fences = ScanFences::of(Scope::quiet, home, someHost());
+    const auto fences = ScanFences::quiet(home, someHost());
     const auto expected = FastScanner::tccProtectedPaths(home) + QSet<QString>{ home + u"/Bilder"_s };
     QCOMPARE(fences.skipping, expected);
     QCOMPARE(fences.exclusions, FastScanner::defaultExclusions() + expected);
@@ -48,7 +48,7 @@ void ScanFencesTest::quietScanKeepsOutOfProtectedPathsToo()
 void ScanFencesTest::quietScanEntersWhatEitherTableNames()
 {
     const auto builtIn = FastScanner::quietAllowlist(home);
-    const auto fences = ScanFences::of(Scope::quiet, home, someHost());
+    const auto fences = ScanFences::quiet(home, someHost());
     QCOMPARE(fences.allowlist.value(home), builtIn.value(home) + QSet<QString>{ u".cache"_s });
     QVERIFY(fences.allowlist.value(home + u"/.local"_s).contains(u"share"_s));
     for (auto row = builtIn.cbegin(); row != builtIn.cend(); ++row)
@@ -57,7 +57,7 @@ void ScanFencesTest::quietScanEntersWhatEitherTableNames()
 
 void ScanFencesTest::hostWithNothingToAddLeavesTheBuiltInTables()
 {
-    const auto fences = ScanFences::of(Scope::quiet, home, {});
+    const auto fences = ScanFences::quiet(home, {});
     QCOMPARE(fences.skipping, FastScanner::tccProtectedPaths(home));
     QCOMPARE(fences.allowlist, FastScanner::quietAllowlist(home));
 }

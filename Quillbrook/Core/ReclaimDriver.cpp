@@ -1,5 +1,9 @@
+#include "Core/ReclaimDriver.h"
+
 #include "Catalogue/StorageCatalogue.h"
-#include "Core/AppModel.h"
+#include "Core/Navigation.h"
+#include "Core/ScanDriver.h"
+#include "Core/VolumeFigures.h"
 #include "Platform/Clock.h"
 #include "Platform/FileFacts.h"
 #include "Platform/HomeFolder.h"
@@ -7,11 +11,14 @@
 #include "Platform/UserDefaults.h"
 #include "Removal/HostGuards.h"
 #include "Removal/Reclaimer.h"
+#include "Scan/FastScanner.h"
 #include "Scan/Format.h"
 
 #include <QCoroFuture>
+#include <QPointer>
 #include <QtConcurrent>
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -20,6 +27,8 @@ namespace Quillbrook {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+const auto reclaimedBytesKey = u"Quillbrook.reclaimedBytes"_s;
 
 QString done(const QString &what)
 {
@@ -42,19 +51,26 @@ QString line(const Reclaimer::Outcome &outcome)
 
 } // namespace
 
-QString AppModel::reclaimedBytesKey()
+ReclaimDriver::ReclaimDriver(const KitServices &kit, const Others &others, QObject *parent)
+    : QObject(parent)
+    , m_kit(kit)
+    , m_scans(others.scans)
+    , m_navigation(others.navigation)
+    , m_volume(others.volume)
+    , m_ledger(LedgerServices::of(kit), TrashLedger::standardStore(kit.dataFolder))
+    , m_reclaimedSoFar(std::max<qint64>(kit.defaults.integer(reclaimedBytesKey).value_or(0), 0))
 {
-    return u"Quillbrook.reclaimedBytes"_s;
+    m_askingPool.setMaxThreadCount(1);
 }
 
 // The rows of a finding that failed in part stay unknown to the ledger, on purpose: what it holds is what was
 // claimed.
-void AppModel::reclaim(const QList<Finding> &findings, bool permanently)
+void ReclaimDriver::reclaim(const QList<Finding> &findings, bool permanently)
 {
-    refreshVolume();
+    m_volume.refreshVolume();
     m_freeBeforeReclaim = presentFree();
-    const Reclaimer reclaimer{ .services = RemovalServices::of(m_services.kit),
-        .homeDirectory = m_services.kit.home.homeDirectory() };
+    const Reclaimer reclaimer{ .services = RemovalServices::of(m_kit),
+        .homeDirectory = m_kit.home.homeDirectory() };
     const auto disposal = permanently ? Reclaimer::Disposal::permanent : Reclaimer::Disposal::toTrash;
     qint64 total = 0;
     for (const auto &outcome : reclaimer.reclaimAll(findings, disposal)) {
@@ -68,10 +84,10 @@ void AppModel::reclaim(const QList<Finding> &findings, bool permanently)
     m_pendingClaim = total;
     if (!permanently)
         offerToFree(total);
-    scan({});
+    Q_EMIT diskChanged();
 }
 
-void AppModel::removeItems(const QList<StorageItem> &items, const Finding &finding)
+void ReclaimDriver::removeItems(const QList<StorageItem> &items, const Finding &finding)
 {
     if (finding.rule.safety == Safety::reportOnly)
         return;
@@ -90,12 +106,12 @@ void AppModel::removeItems(const QList<StorageItem> &items, const Finding &findi
     if (total <= 0)
         return;
     offerToFree(total);
-    scan({});
+    Q_EMIT diskChanged();
 }
 
-std::optional<TrashedItem> AppModel::moveItem(const StorageItem &item)
+std::optional<TrashedItem> ReclaimDriver::moveItem(const StorageItem &item)
 {
-    const auto moved = m_services.kit.trash.move(item.rawPath);
+    const auto moved = m_kit.trash.move(item.rawPath);
     if (!moved) {
         appendLog(failed(u"%1: %2"_s.arg(item.name, moved.error())));
         return std::nullopt;
@@ -105,30 +121,31 @@ std::optional<TrashedItem> AppModel::moveItem(const StorageItem &item)
         .originalPath = item.rawPath,
         .trashPath = *moved,
         .bytes = item.bytes,
-        .movedAt = m_services.kit.clock.now() });
+        .movedAt = m_kit.clock.now() });
 }
 
-std::function<std::optional<QString>()> AppModel::guardedPath(const NodeSnapshot &snapshot) const
+std::function<std::optional<QString>()> ReclaimDriver::guardedPath(const NodeSnapshot &snapshot) const
 {
-    return [path = rawPath(snapshot), home = rawHome(), guards = m_services.kit.guards] {
+    return [path = m_navigation.rawPath(snapshot), home = rawHome(), guards = m_kit.guards] {
         return PathRemoval::refusal(path, home, &guards);
     };
 }
 
-std::string AppModel::rawHome() const
+std::string ReclaimDriver::rawHome() const
 {
-    return m_services.kit.home.rawHomeDirectory();
+    return m_kit.home.rawHomeDirectory();
 }
 
 // The tree goes on showing what was removed until the next scan.
-void AppModel::removeSelected(bool permanent)
+void ReclaimDriver::removeSelected(bool permanent)
 {
-    if (!m_selection)
+    const auto selected = m_navigation.selection();
+    if (!selected)
         return;
-    const auto item = *m_selection;
-    const auto removal = PathRemoval::remove(RemovalServices::of(m_services.kit),
-        { .path = rawPath(item), .bytes = item.bytes, .label = item.name },
-        { .permanent = permanent, .home = rawHome(), .host = &m_services.kit.guards });
+    const auto &item = *selected;
+    const auto removal = PathRemoval::remove(RemovalServices::of(m_kit),
+        { .path = m_navigation.rawPath(item), .bytes = item.bytes, .label = item.name },
+        { .permanent = permanent, .home = rawHome(), .host = &m_kit.guards });
     if (removal.error) {
         prependLog(failed(*removal.error));
         return;
@@ -138,11 +155,11 @@ void AppModel::removeSelected(bool permanent)
     const auto fate = permanent ? u"removed"_s : u"moved to the Trash"_s;
     prependLog(done(u"%1 — %2 %3"_s.arg(item.name, Format::bytes(item.bytes), fate)));
     recordReclaimed(removal.bytes);
-    setSelection(std::nullopt);
-    refreshVolume();
+    m_navigation.setSelection(std::nullopt);
+    m_volume.refreshVolume();
 }
 
-void AppModel::absorb(const std::vector<PathRemoval::Removal> &removals, const QString &subject)
+void ReclaimDriver::absorb(const std::vector<PathRemoval::Removal> &removals, const QString &subject)
 {
     qint64 total = 0;
     std::vector<TrashedItem> rows;
@@ -164,34 +181,34 @@ void AppModel::absorb(const std::vector<PathRemoval::Removal> &removals, const Q
         recordReclaimed(total);
     }
     Q_EMIT uninstallLogChanged();
-    refreshVolume();
+    m_volume.refreshVolume();
 }
 
-void AppModel::finishRemoving()
+void ReclaimDriver::finishRemoving()
 {
     const auto purged = m_ledger.purge();
     Q_EMIT ledgerChanged();
     if (purged.removed >= 1)
         appendLog(done(u"permanently removed %1 items · %2 actually freed"_s.arg(
             QString::number(purged.removed), Format::bytes(purged.bytes))));
-    refreshVolume();
-    scan({});
+    m_volume.refreshVolume();
+    Q_EMIT diskChanged();
 }
 
 // What was claimed is measured once a scan has ended after it, be it one that was under way already.
-void AppModel::verifyClaim()
+void ReclaimDriver::verifyClaim()
 {
     if (!m_pendingClaim || !m_freeBeforeReclaim)
         return;
     const auto claimed = *std::exchange(m_pendingClaim, std::nullopt);
     const auto before = *std::exchange(m_freeBeforeReclaim, std::nullopt);
-    refreshVolume();
+    m_volume.refreshVolume();
     m_lastVerification
-        = Verification{ .claimedBytes = claimed, .freeBefore = before, .freeAfter = volumeFree() };
+        = Verification{ .claimedBytes = claimed, .freeBefore = before, .freeAfter = m_volume.volumeFree() };
     Q_EMIT lastVerificationChanged();
 }
 
-void AppModel::dismissVerification()
+void ReclaimDriver::dismissVerification()
 {
     if (!m_lastVerification)
         return;
@@ -199,7 +216,7 @@ void AppModel::dismissVerification()
     Q_EMIT lastVerificationChanged();
 }
 
-void AppModel::clearFreeNowOffer()
+void ReclaimDriver::clearFreeNowOffer()
 {
     if (!m_freeNowOffer)
         return;
@@ -207,7 +224,7 @@ void AppModel::clearFreeNowOffer()
     Q_EMIT freeNowOfferChanged();
 }
 
-void AppModel::offerToFree(qint64 bytes)
+void ReclaimDriver::offerToFree(qint64 bytes)
 {
     if (bytes <= 0)
         return;
@@ -216,72 +233,73 @@ void AppModel::offerToFree(qint64 bytes)
 }
 
 // The report's figure is of the last scan; a claim is held against what was free right before it.
-qint64 AppModel::presentFree() const
+qint64 ReclaimDriver::presentFree() const
 {
-    return m_liveFree >= 1 ? m_liveFree : volumeFree();
+    return m_volume.liveFree() >= 1 ? m_volume.liveFree() : m_volume.volumeFree();
 }
 
-void AppModel::record(const std::vector<TrashedItem> &items)
+void ReclaimDriver::record(const std::vector<TrashedItem> &items)
 {
     m_ledger.record(items);
     Q_EMIT ledgerChanged();
 }
 
-void AppModel::recordReclaimed(qint64 bytes)
+void ReclaimDriver::recordReclaimed(qint64 bytes)
 {
     if (bytes <= 0)
         return;
     // What was stored may be any number.
     constexpr auto most = std::numeric_limits<qint64>::max();
     m_reclaimedSoFar = m_reclaimedSoFar > most - bytes ? most : m_reclaimedSoFar + bytes;
-    m_services.kit.defaults.setInteger(reclaimedBytesKey(), m_reclaimedSoFar);
+    m_kit.defaults.setInteger(reclaimedBytesKey, m_reclaimedSoFar);
     Q_EMIT reclaimedSoFarChanged();
 }
 
-void AppModel::appendLog(const QString &line)
+void ReclaimDriver::appendLog(const QString &line)
 {
     m_reclaimLog.append(line);
     Q_EMIT reclaimLogChanged();
 }
 
-void AppModel::prependLog(const QString &line)
+void ReclaimDriver::prependLog(const QString &line)
 {
     m_reclaimLog.prepend(line);
     Q_EMIT reclaimLogChanged();
 }
 
-QList<StorageItem> AppModel::items(const Finding &finding) const
+QList<StorageItem> ReclaimDriver::items(const Finding &finding) const
 {
-    if (!m_tree || m_rootNode < 0)
+    if (!m_scans.tree() || m_scans.rootNode() < 0)
         return {};
-    return StorageCatalogue::items(CatalogueServices::of(m_services.kit), finding, *m_tree, m_rootNode);
+    return StorageCatalogue::items(
+        CatalogueServices::of(m_kit), finding, *m_scans.tree(), m_scans.rootNode());
 }
 
-qint64 AppModel::measure(const std::string &path) const
+qint64 ReclaimDriver::measure(const std::string &path) const
 {
-    const auto kind = m_services.kit.files.kind(path);
+    const auto kind = m_kit.files.kind(path);
     if (kind != FileKind::directory)
-        return kind ? m_services.kit.files.length(path).value_or(0) : 0;
-    FastScanner scanner(m_services.kit.directories);
+        return kind ? m_kit.files.length(path).value_or(0) : 0;
+    FastScanner scanner(m_kit.directories);
     const auto result = scanner.scan({ .rootPath = path,
-        .threads = FastScanner::defaultThreadCount(m_services.kit.processors),
+        .threads = FastScanner::defaultThreadCount(m_kit.processors),
         .exclusions = FastScanner::defaultExclusions() });
     return result.tree && result.root >= 0 ? result.tree->size(result.root) : 0;
 }
 
-void AppModel::refreshSafetyNet()
+void ReclaimDriver::refreshSafetyNet()
 {
     askForSafetyNet();
 }
 
-QCoro::Task<> AppModel::askForSafetyNet()
+QCoro::Task<> ReclaimDriver::askForSafetyNet()
 {
     const QPointer self(this);
     // The future has a name because the compiler destroys what is made in an awaiting expression twice.
-    const auto asking = QtConcurrent::run(
-        &m_askingPool, [&processes = m_services.kit.processes, &backups = m_services.kit.backups] {
-            return SafetyNet::current(processes, backups);
-        });
+    const auto asking
+        = QtConcurrent::run(&m_askingPool, [&processes = m_kit.processes, &backups = m_kit.backups] {
+              return SafetyNet::current(processes, backups);
+          });
     const auto net = co_await asking;
     if (!self)
         co_return;

@@ -1,10 +1,7 @@
 #pragma once
 
-// Where a scan does not go, by its scope. A quiet scan opens nothing that a privacy layer guards or that the
-// host counts among a person's own, so that a first look raises no question; a complete one walks all of the
-// home folder but what no scan ever measures.
+// Where a scan of a home folder does not go.
 
-#include "Core/Scope.h"
 #include "Scan/FastScanner.h"
 
 #include <QSet>
@@ -23,7 +20,11 @@ struct ScanFences
     /// Absolute paths whose locations the catalogue passes over.
     QSet<QString> skipping{};
 
-    [[nodiscard]] static ScanFences of(Scope scope, const QString &root, const HostFacts &host);
+    /// A quiet scan opens nothing that a privacy layer guards or that the host counts among a person's own,
+    /// so that it raises no question.
+    [[nodiscard]] static ScanFences quiet(const QString &home, const HostFacts &host);
+    /// A complete scan walks all but what no scan ever measures.
+    [[nodiscard]] static ScanFences complete();
 };
 
 } // namespace Quillbrook

@@ -23,7 +23,7 @@ struct FullDisk : ScannedHome
         addPlace(".npm/_cacache", 3072);
         addPlace(".gradle/daemon", 1024);
         volumes.answer = { .available = gibibyte, .total = 500 * gibibyte };
-        model.configureWatcher(background);
+        model.watch().configureWatcher(background);
     }
 
     /// One look by the timer. REQUIRES: the watching is on.
@@ -38,7 +38,7 @@ struct FullDisk : ScannedHome
 
 } // namespace
 
-class TestAppModelWatching : public QObject
+class TestWatchDriver : public QObject
 {
     Q_OBJECT
 
@@ -61,170 +61,170 @@ private Q_SLOTS:
     void looksBesideAScanChangeNothingOfIt();
 };
 
-void TestAppModelWatching::isOffAtFirst()
+void TestWatchDriver::isOffAtFirst()
 {
     FullDisk disk;
-    QVERIFY(!disk.model.watching());
-    QVERIFY(!disk.model.lastWatch());
+    QVERIFY(!disk.model.watch().watching());
+    QVERIFY(!disk.model.watch().lastWatch());
     QVERIFY(!disk.desktop.utility.timer);
     QVERIFY(disk.desktop.utility.waiting.empty());
     QCOMPARE(disk.desktop.notifier.requests, 0);
 }
 
-void TestAppModelWatching::switchingOnStartsTheTimerAndLooks()
+void TestWatchDriver::switchingOnStartsTheTimerAndLooks()
 {
     FullDisk disk;
-    disk.model.setWatching(true);
-    QVERIFY(disk.model.watching());
-    QVERIFY(disk.model.watcher().settings().enabled);
+    disk.model.watch().setWatching(true);
+    QVERIFY(disk.model.watch().watching());
+    QVERIFY(disk.model.watch().watcher().settings().enabled);
     QVERIFY(disk.desktop.utility.timer);
     QCOMPARE(disk.desktop.utility.timer->interval, std::chrono::milliseconds(1'800'000));
     QCOMPARE(disk.desktop.utility.waiting.size(), size_t(1));
-    QVERIFY(!disk.model.lastWatch());
+    QVERIFY(!disk.model.watch().lastWatch());
     disk.desktop.utility.run();
-    QTRY_VERIFY(disk.model.lastWatch());
+    QTRY_VERIFY(disk.model.watch().lastWatch());
 }
 
-void TestAppModelWatching::switchingOnAsksToBeLetThrough()
+void TestWatchDriver::switchingOnAsksToBeLetThrough()
 {
     FullDisk disk;
     QTRY_COMPARE(disk.desktop.notifier.questions, 1);
     QCOMPARE(disk.background.notificationState(), NotificationState::notAsked);
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     QCOMPARE(disk.desktop.notifier.requests, 1);
     QTRY_COMPARE(disk.background.notificationState(), NotificationState::allowed);
-    disk.model.setWatching(false);
+    disk.model.watch().setWatching(false);
     QCoreApplication::processEvents();
     QCOMPARE(disk.desktop.notifier.requests, 1);
     QCOMPARE(disk.desktop.notifier.questions, 2);
 }
 
-void TestAppModelWatching::switchingOnWithoutABackgroundAsksToo()
+void TestWatchDriver::switchingOnWithoutABackgroundAsksToo()
 {
     FakeServices fake;
     AppModel model(fake.services);
-    model.setWatching(true);
+    model.watch().setWatching(true);
     QCoreApplication::processEvents();
     QCOMPARE(fake.desktop.notifier.requests, 1);
     QCOMPARE(fake.desktop.utility.waiting.size(), size_t(1));
 }
 
-void TestAppModelWatching::switchingOffEndsTheTimer()
+void TestWatchDriver::switchingOffEndsTheTimer()
 {
     FullDisk disk;
-    disk.model.setWatching(true);
-    disk.model.setWatching(false);
-    QVERIFY(!disk.model.watching());
-    QVERIFY(!disk.model.watcher().settings().enabled);
+    disk.model.watch().setWatching(true);
+    disk.model.watch().setWatching(false);
+    QVERIFY(!disk.model.watch().watching());
+    QVERIFY(!disk.model.watch().watcher().settings().enabled);
     QVERIFY(!disk.desktop.utility.timer);
     QCOMPARE(disk.desktop.utility.starts, 1);
 }
 
-void TestAppModelWatching::switchingOffLetsALookReport()
+void TestWatchDriver::switchingOffLetsALookReport()
 {
     FullDisk disk;
     FolderHold hold(disk.directories, disk.path(".npm"));
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     std::thread queue([&disk] { disk.desktop.utility.run(); });
     const bool isHeld = QTest::qWaitFor([&hold] { return hold.isHolding(); }, 20'000);
-    disk.model.setWatching(false);
+    disk.model.watch().setWatching(false);
     hold.release();
     queue.join();
     QVERIFY(isHeld);
-    QTRY_VERIFY(disk.model.lastWatch());
+    QTRY_VERIFY(disk.model.watch().lastWatch());
     QCOMPARE(disk.desktop.notifier.posted.size(), 1);
 }
 
-void TestAppModelWatching::switchTellsOnlyChanges()
+void TestWatchDriver::switchTellsOnlyChanges()
 {
     FullDisk disk;
-    const QSignalSpy changes(&disk.model, &AppModel::watchingChanged);
-    disk.model.setWatching(false);
+    const QSignalSpy changes(&disk.model.watch(), &WatchDriver::watchingChanged);
+    disk.model.watch().setWatching(false);
     QCOMPARE(changes.count(), 0);
-    disk.model.setWatching(true);
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
+    disk.model.watch().setWatching(true);
     QCOMPARE(changes.count(), 1);
-    disk.model.setWatching(false);
+    disk.model.watch().setWatching(false);
     QCOMPARE(changes.count(), 2);
 }
 
-void TestAppModelWatching::otherSettingsStay()
+void TestWatchDriver::otherSettingsStay()
 {
     FullDisk disk;
-    QVERIFY(disk.model.watcher().settings() == Watcher::Settings());
-    disk.model.setWatching(true);
-    QVERIFY(disk.model.watcher().settings() == (Watcher::Settings{ .enabled = true }));
-    disk.model.setWatching(false);
-    QVERIFY(disk.model.watcher().settings() == Watcher::Settings());
+    QVERIFY(disk.model.watch().watcher().settings() == Watcher::Settings());
+    disk.model.watch().setWatching(true);
+    QVERIFY(disk.model.watch().watcher().settings() == (Watcher::Settings{ .enabled = true }));
+    disk.model.watch().setWatching(false);
+    QVERIFY(disk.model.watch().watcher().settings() == Watcher::Settings());
 }
 
-void TestAppModelWatching::observationIsKeptAndTold()
+void TestWatchDriver::observationIsKeptAndTold()
 {
     FullDisk disk;
-    disk.model.setWatching(true);
-    const QSignalSpy changes(&disk.model, &AppModel::lastWatchChanged);
+    disk.model.watch().setWatching(true);
+    const QSignalSpy changes(&disk.model.watch(), &WatchDriver::lastWatchChanged);
     disk.look();
     QCOMPARE(changes.count(), 1);
-    QVERIFY(disk.model.lastWatch() == disk.model.watcher().lastObservation());
-    QCOMPARE(disk.model.lastWatch()->reclaimableBytes, 4 * gibibyte);
-    QCOMPARE(disk.model.lastWatch()->checkedAt, disk.clock.moment);
+    QVERIFY(disk.model.watch().lastWatch() == disk.model.watch().watcher().lastObservation());
+    QCOMPARE(disk.model.watch().lastWatch()->reclaimableBytes, 4 * gibibyte);
+    QCOMPARE(disk.model.watch().lastWatch()->checkedAt, disk.clock.moment);
 }
 
-void TestAppModelWatching::worthyObservationIsPosted()
+void TestWatchDriver::worthyObservationIsPosted()
 {
     FullDisk disk;
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     disk.look();
     const QList<std::pair<QString, QString>> expected{ { u"4.0 GB can be reclaimed"_s,
         u"1.0 GB free · 4.0 GB can be reclaimed · mostly Downloaded code packages"_s } };
     QCOMPARE(disk.desktop.notifier.posted, expected);
 }
 
-void TestAppModelWatching::secondObservationInTheQuietPeriodIsNotPosted()
+void TestWatchDriver::secondObservationInTheQuietPeriodIsNotPosted()
 {
     FullDisk disk;
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     disk.look();
     disk.clock.moment = disk.clock.moment.addSecs(1800);
     disk.look();
-    QCOMPARE(disk.model.lastWatch()->checkedAt, disk.clock.moment);
+    QCOMPARE(disk.model.watch().lastWatch()->checkedAt, disk.clock.moment);
     QCOMPARE(disk.desktop.notifier.posted.size(), 1);
     disk.clock.moment = disk.clock.moment.addSecs(21600);
     disk.look();
     QCOMPARE(disk.desktop.notifier.posted.size(), 2);
 }
 
-void TestAppModelWatching::bodyLeavesOutAGroupThatIsNot()
+void TestWatchDriver::bodyLeavesOutAGroupThatIsNot()
 {
     FakeServices fake;
     fake.volumes.answer = { .available = gibibyte, .total = 500 * gibibyte };
     AppModel model(fake.services);
     Background background(fake.services);
-    model.configureWatcher(background);
-    model.watcher().check(true);
+    model.watch().configureWatcher(background);
+    model.watch().watcher().check(true);
     QCoreApplication::processEvents();
     const QList<std::pair<QString, QString>> expected{ { u"0 B can be reclaimed"_s,
         u"1.0 GB free · nothing safe left to reclaim"_s } };
     QCOMPARE(fake.desktop.notifier.posted, expected);
 }
 
-void TestAppModelWatching::unworthyObservationIsNotPosted()
+void TestWatchDriver::unworthyObservationIsNotPosted()
 {
     FullDisk disk;
     disk.volumes.answer->available = 100 * gibibyte;
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     disk.look();
-    QCOMPARE(disk.model.lastWatch()->headline, u"100 GB free"_s);
+    QCOMPARE(disk.model.watch().lastWatch()->headline, u"100 GB free"_s);
     QVERIFY(disk.desktop.notifier.posted.isEmpty());
 }
 
-void TestAppModelWatching::nothingIsPostedToWhoDoesNotWantIt()
+void TestWatchDriver::nothingIsPostedToWhoDoesNotWantIt()
 {
     FullDisk disk;
     disk.background.setNotificationsWanted(false);
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     disk.look();
-    QVERIFY(disk.model.lastWatch()->shouldNotify);
+    QVERIFY(disk.model.watch().lastWatch()->shouldNotify);
     QVERIFY(disk.desktop.notifier.posted.isEmpty());
     // It counted as a notice all the same.
     disk.background.setNotificationsWanted(true);
@@ -232,28 +232,28 @@ void TestAppModelWatching::nothingIsPostedToWhoDoesNotWantIt()
     QVERIFY(disk.desktop.notifier.posted.isEmpty());
 }
 
-void TestAppModelWatching::noticeSurvivesTheWindowsScan()
+void TestWatchDriver::noticeSurvivesTheWindowsScan()
 {
     FullDisk disk;
-    disk.model.setWatching(true);
+    disk.model.watch().setWatching(true);
     disk.look();
-    const auto seen = disk.model.lastWatch();
+    const auto seen = disk.model.watch().lastWatch();
     disk.scan();
-    QVERIFY(disk.model.lastWatch() == seen);
+    QVERIFY(disk.model.watch().lastWatch() == seen);
 }
 
-void TestAppModelWatching::looksBesideAScanChangeNothingOfIt()
+void TestWatchDriver::looksBesideAScanChangeNothingOfIt()
 {
     FullDisk disk;
     disk.scan();
-    const auto tree = disk.model.tree();
-    const auto generation = disk.model.treeGeneration();
-    disk.model.setWatching(true);
+    const auto tree = disk.model.scans().tree();
+    const auto generation = disk.model.scans().treeGeneration();
+    disk.model.watch().setWatching(true);
     disk.look();
-    QCOMPARE(disk.model.tree(), tree);
-    QCOMPARE(disk.model.treeGeneration(), generation);
-    QCOMPARE(disk.model.phase().kind, Phase::Kind::ready);
+    QCOMPARE(disk.model.scans().tree(), tree);
+    QCOMPARE(disk.model.scans().treeGeneration(), generation);
+    QCOMPARE(disk.model.scans().phase().kind, Phase::Kind::ready);
 }
 
-QTEST_GUILESS_MAIN(TestAppModelWatching)
-#include "tst_AppModelWatching.moc"
+QTEST_GUILESS_MAIN(TestWatchDriver)
+#include "tst_WatchDriver.moc"

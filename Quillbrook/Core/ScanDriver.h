@@ -1,0 +1,124 @@
+#pragma once
+
+// Starts scans, follows them and holds the tree and the report that they end with. The only place that does.
+// Main thread only; the services outlive it.
+
+#include "Catalogue/ReclaimReport.h"
+#include "Core/FindingCollector.h"
+#include "Core/Phase.h"
+#include "Core/ScanProgress.h"
+#include "Core/Scope.h"
+#include "Scan/FileTree.h"
+
+#include <QCoroTask>
+#include <QElapsedTimer>
+#include <QFuture>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Quillbrook {
+
+struct KitServices;
+
+class ScanDriver : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Request
+    {
+        /// Absent: the present scope stays.
+        std::optional<Scope> scope{};
+        /// Automatic scans start once per run of the application, and only as its first scan.
+        bool automatic = false;
+    };
+
+    explicit ScanDriver(const KitServices &kit, QObject *parent = nullptr);
+    /// Stops a scan that runs and waits until nothing of it is left on the pool.
+    ~ScanDriver() override;
+
+    /// Returns at once. A request while scanning is dropped.
+    void scan(const Request &request);
+    void cancelScan();
+    /// For the next scan; in raw bytes.
+    void setScanRoot(const std::string &path);
+
+    [[nodiscard]] const Phase &phase() const { return m_phase; }
+    /// Of the last finished scan; null before one.
+    [[nodiscard]] const std::shared_ptr<const FileTree> &tree() const { return m_tree; }
+    [[nodiscard]] qint32 rootNode() const { return m_rootNode; }
+    /// Of the last finished scan, or of the quick stage of the one that runs; absent before one.
+    [[nodiscard]] const std::optional<ReclaimReport> &report() const { return m_report; }
+    [[nodiscard]] Scope scope() const { return m_scope; }
+    /// As text, for people to read and for tables to compare with.
+    [[nodiscard]] QString scanRoot() const;
+    /// Seconds of the last tree scan; 0 before one.
+    [[nodiscard]] double lastScanDuration() const { return m_lastScanDuration; }
+    /// One more at every start of a scan.
+    [[nodiscard]] quint64 treeGeneration() const { return m_treeGeneration; }
+    [[nodiscard]] qsizetype scannedFileCount() const { return m_scannedFileCount; }
+    [[nodiscard]] ScanProgress &scanProgress() { return m_scanProgress; }
+
+Q_SIGNALS:
+    /// A scan has begun: comes before the changes of its start are told.
+    void started();
+    /// A scan has ended with a tree: comes when all else has been told.
+    void finished();
+    void phaseChanged();
+    void treeChanged();
+    void reportChanged();
+    void scopeChanged();
+    void scanRootChanged();
+    void lastScanDurationChanged();
+    void treeGenerationChanged();
+    void scannedFileCountChanged();
+    /// The first finding of the quick stage is there, or its last. Emitted on a thread of the pool.
+    void quickStageAdvanced(QPrivateSignal);
+
+private:
+    struct Run;
+
+    static QCoro::Task<> follow(
+        QPointer<ScanDriver> driver, QCoro::Task<> previous, std::shared_ptr<Run> run);
+    static QCoro::Task<> followQuickStage(QPointer<ScanDriver> driver, std::shared_ptr<Run> run);
+    [[nodiscard]] static bool isCurrent(const QPointer<ScanDriver> &driver, const Run &run);
+    template <typename Work>
+    QFuture<void> onPool(Work work);
+    void showQuickFindings(const FindingCollector::Found &found, qsizetype steps);
+    void endQuickStage(const Run &run);
+    void finish(Run &run);
+    void stopRun();
+    void tick();
+
+    const KitServices &m_kit;
+    Phase m_phase;
+    std::shared_ptr<const FileTree> m_tree;
+    qint32 m_rootNode = FileTree::noNode;
+    std::optional<ReclaimReport> m_report;
+    Scope m_scope = Scope::quiet;
+    std::string m_scanRoot;
+    double m_lastScanDuration = 0;
+    quint64 m_treeGeneration = 0;
+    qsizetype m_scannedFileCount = 0;
+    ScanProgress m_scanProgress;
+    /// The bar's value, 0 to 1, master copy.
+    double m_progress = 0;
+    bool m_hasScanned = false;
+    quint64 m_scanToken = 0;
+    /// The scan that runs; null when none does.
+    std::shared_ptr<Run> m_run;
+    QElapsedTimer m_sinceScanStart;
+    QTimer m_ticker{ this };
+    QCoro::Task<> m_scanTask;
+    /// What of this and of earlier scans may still run on the pool.
+    QList<QFuture<void>> m_poolWork;
+};
+
+} // namespace Quillbrook
