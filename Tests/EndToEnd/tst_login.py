@@ -3,6 +3,7 @@
 import os
 import shlex
 import subprocess
+import time
 
 import case
 import desktop
@@ -136,5 +137,12 @@ class Login(in_tray.InTray):
         quillbrook = self.start(arguments=QUIET)
         item = self.host.item()
         self.assertRegex(item.get("XAyatanaLabel"), f"^{in_tray.SIZE}$")
-        self.assertFalse(os.path.exists(self.home.settings) and "lastFileCount" in self.home.settings.read_text())
+        # Much longer than the scan below takes, which shows that a scan would have been seen.
+        time.sleep(3)
+        self.assertFalse(self.has_measured())
         self.assertTrue(quillbrook.running)
+        self.open_panel(quillbrook, self.host)
+        waiting.until("the count of a first scan", self.has_measured)
+
+    def has_measured(self):
+        return os.path.exists(self.home.settings) and "lastFileCount" in self.home.settings.read_text()

@@ -26,7 +26,19 @@ struct Fixture : ScannedHome
         return names;
     }
 
-    LargestState largest{ model };
+    // Fetching the same rows again changes nothing that is to be seen, so that the fetches are counted.
+    struct CountedLargest final : LargestState
+    {
+        using LargestState::LargestState;
+        [[nodiscard]] QList<NodeSnapshot> fetch() const override
+        {
+            ++fetches;
+            return LargestState::fetch();
+        }
+        mutable int fetches = 0;
+    };
+
+    CountedLargest largest{ model };
     SearchState search{ model };
     QAbstractItemModelTester largestTester{ largest.rows(),
         QAbstractItemModelTester::FailureReportingMode::QtTest };
@@ -104,9 +116,9 @@ void NodeTableTest::newTreeCostsOneFetchOnly()
     fixture.scan();
     fixture.largest.setShown(true);
     fixture.addFile("new.iso", 500);
-    QSignalSpy resets(fixture.largest.rows(), &QAbstractItemModel::modelReset);
+    const auto before = fixture.largest.fetches;
     fixture.scan();
-    QCOMPARE(resets.count(), 1);
+    QCOMPARE(fixture.largest.fetches, before + 1);
 }
 
 void NodeTableTest::hiddenListFetchesNothing()

@@ -205,6 +205,7 @@ void ContentStateTest::startActionGoesInItsOrder()
     connect(&model.scans(), &ScanDriver::scanRootChanged, this, [&] { note("root "); });
     connect(&model.scans(), &ScanDriver::phaseChanged, this, [&] { note("scan "); });
     content.appear();
+    QVERIFY(model.findChild<QTimer *>(u"volumeClock"_s)->isActive());
     QCOMPARE(steps, QStringList({ u"background 0"_s, u"volume 1"_s, u"root 1"_s, u"scan 1"_s }));
     QTRY_VERIFY(model.reclaims().safetyNet());
     QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
