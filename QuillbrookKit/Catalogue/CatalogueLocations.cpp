@@ -64,7 +64,7 @@ public:
     void visit(const HostRule &row)
     {
         for (const auto &[path, label] : row.locations)
-            visit({ .rule = &row.rule, .path = expanded(path), .label = label, .isHosts = true });
+            visit({ .rule = &row.rule, .path = expanded(path), .label = label });
         visitHostLocations(row.rule);
     }
 
@@ -89,7 +89,7 @@ private:
         for (const auto &row : m_host->locations)
             if (row.ruleId == rule.id)
                 for (const auto &[path, label] : row.locations)
-                    visit({ .rule = &rule, .path = expanded(path), .label = label, .isHosts = true });
+                    visit({ .rule = &rule, .path = expanded(path), .label = label });
     }
 
     QString m_home;
@@ -106,9 +106,11 @@ bool isStale(const ReclaimRule &rule, const std::optional<QDateTime> &lastModifi
     return wholeDays(lastModified.value_or(now), now) >= *rule.staleDays;
 }
 
+// A rule whose places are all found on the machine has none of its own, and needs their labels from the
+// first.
 bool isLonePlace(const ReclaimRule &rule)
 {
-    return rule.paths.size() < 2;
+    return rule.paths.size() == 1;
 }
 
 QString lastComponent(const QString &path)

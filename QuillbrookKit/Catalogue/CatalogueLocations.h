@@ -18,7 +18,6 @@ struct CatalogueLocation
     QString path{};
     /// Only where the host names it.
     std::optional<QString> label{};
-    bool isHosts = false;
 };
 
 /// Every location of every table, in table order and path order, without those that `places` skips. The

@@ -10,8 +10,8 @@ namespace Quillbrook::StorageCatalogue {
 
 namespace {
 
-// Tells whether a folder on the way to a host's location is a link. What lies behind it is not in the tree of
-// the home folder, where nobody would find it again. The built-in locations are taken by their text alone.
+// Tells whether a folder on the way to a location is a link. What lies behind it is not in the tree of the
+// home folder, where nobody would find it again, and clearing it frees nothing here.
 class LinkedParents
 {
 public:
@@ -71,7 +71,7 @@ ReclaimReport quickScan(const CatalogueServices &services, const QuickScanReques
         if (request.stop.stop_requested())
             break;
         const auto kind = services.files.kind(location.path.toStdString());
-        if (!kind || kind == FileKind::symlink || (location.isHosts && linkedParents.anyAbove(location.path)))
+        if (!kind || kind == FileKind::symlink || linkedParents.anyAbove(location.path))
             continue;
         const auto bytes = measured(services, location.path, threads, request.stop);
         if (!bytes || *bytes <= 0)

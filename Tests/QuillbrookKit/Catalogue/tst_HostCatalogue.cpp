@@ -145,15 +145,6 @@ private Q_SLOTS:
         QCOMPARE(titles(report.findings), QStringList(u"One"_s));
     }
 
-    void hostsPlaceBehindALinkedFolderIsNotMeasured()
-    {
-        MadeUpHome home;
-        home.fill("disk/firefox", 10);
-        home.tree.link("cache", "disk");
-        QVERIFY(quick(home).findings.isEmpty());
-        QVERIFY(evaluate(home).findings.isEmpty());
-    }
-
     void linkAboveTheHomeFolderDoesNotMatter()
     {
         MadeUpHome home;
