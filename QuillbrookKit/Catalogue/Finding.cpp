@@ -23,7 +23,9 @@ QString Finding::displayTitle() const
 
 QString Finding::friendlyPath(const QString &home) const
 {
-    return path.startsWith(home) ? u'~' + path.sliced(home.size()) : path;
+    const auto composedPath = path.normalized(QString::NormalizationForm_C);
+    const auto composedHome = home.normalized(QString::NormalizationForm_C);
+    return composedPath.startsWith(composedHome) ? u'~' + composedPath.sliced(composedHome.size()) : path;
 }
 
 std::optional<qint64> Finding::daysSinceTouched(const QDateTime &now) const

@@ -34,8 +34,8 @@ struct Finding
     /// The rule's title, followed by the location's label or, for a rule with several paths, by the last
     /// component of the path.
     [[nodiscard]] QString displayTitle() const;
-    /// The path with a leading `home` shortened to "~". A plain prefix test without regard to a separator
-    /// behind it, kept on purpose.
+    /// The path with a leading `home` shortened to "~". A plain prefix test by canonical equivalence, without
+    /// regard to a separator behind it, kept on purpose.
     [[nodiscard]] QString friendlyPath(const QString &home) const;
     /// Whole calendar days since `lastModified`; absent without one.
     [[nodiscard]] std::optional<qint64> daysSinceTouched(const QDateTime &now) const;

@@ -77,6 +77,13 @@ private Q_SLOTS:
         QTEST((Finding{ .path = path }.friendlyPath(u"/Users/ann"_s)), "friendly");
     }
 
+    void friendlyPathComparesByCanonicalEquivalence()
+    {
+        const Finding finding{ .path = u"/Users/Jose\u0301/x"_s };
+        QCOMPARE(finding.friendlyPath(u"/Users/Jos\u00e9"_s), u"~/x"_s);
+        QCOMPARE(finding.friendlyPath(u"/Users/Jose"_s), finding.path);
+    }
+
     void daysSinceTouchedCountsCompleteDays()
     {
         const auto now = QDateTime(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC);
