@@ -43,7 +43,7 @@ private:
     LinuxDisk m_disk{ m_dataFolder + "/Quillbrook", { .homeTrash = m_dataFolder + "/Trash" }, m_kit.clock };
     LinuxProcessors m_processors;
     LinuxProcessRunner m_processes;
-    LinuxHostKnowledge m_host{ m_disk.reading };
+    LinuxHostKnowledge m_host{ m_disk.reading, {} };
 };
 
 } // namespace Quillbrook::Benchmarks

@@ -98,6 +98,8 @@ struct HostCatalogue
     QList<HostRuleIds> presets{};
     QList<HostSuitability> suitability{};
     QList<HostItemisation> itemisations{};
+    /// Folders with the desktop entries of sandboxed applications, absolute or relative to the home folder.
+    QStringList desktopEntryFolders{};
 
     bool operator==(const HostCatalogue &) const = default;
 };

@@ -70,7 +70,7 @@ struct Services
     LinuxProcessors processors;
     LinuxVolumes volumes;
     LinuxProcessRunner processes;
-    LinuxHostKnowledge host{ disk.reading };
+    LinuxHostKnowledge host{ disk.reading, environment() };
     LinuxBackupProbe backups{
         { .reading = disk.reading, .files = disk.files, .processes = processes, .home = places.realHome }
     };

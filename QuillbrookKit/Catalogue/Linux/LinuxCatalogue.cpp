@@ -3,6 +3,7 @@
 #include "Catalogue/StorageCatalogue.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Quillbrook::LinuxCatalogue {
 
@@ -47,6 +48,40 @@ std::vector<Place> placesOf(const HostCatalogue &catalogue)
     return places;
 }
 
+void move(QList<HostLocation> &locations, const LinuxMovedPaths &paths)
+{
+    QList<HostLocation> result;
+    for (auto &location : locations)
+        if (auto path = paths.of(location.path))
+            result.append({ std::move(*path), location.label });
+    locations = std::move(result);
+}
+
+// A row that names places and has none left is of no place; without any it would be of them all.
+QList<HostItemisation> movedItemisations(const LinuxMovedPaths &paths)
+{
+    QList<HostItemisation> rows;
+    for (auto row : itemisations()) {
+        const auto usual = std::exchange(row.paths, {});
+        for (const auto &path : usual)
+            if (auto moved = paths.of(path))
+                row.paths.append(std::move(*moved));
+        if (usual.isEmpty() || !row.paths.isEmpty())
+            rows.append(std::move(row));
+    }
+    return rows;
+}
+
+// Where Flatpak tells of the applications that are installed for the user and for all.
+QStringList desktopEntryFolders(const LinuxMovedPaths &paths)
+{
+    const auto exports = u"/exports/share/applications"_s;
+    QStringList folders{ u"/var/lib/flatpak"_s + exports };
+    if (const auto own = paths.of(u".local/share/flatpak"_s))
+        folders.prepend(*own + exports);
+    return folders;
+}
+
 // Adds a folder that is only shown, unless bytes would count twice.
 void addShownFolder(HostCatalogue &catalogue, const QString &ruleId, const std::optional<QString> &folder,
     const QString &home)
@@ -65,16 +100,35 @@ void addShownFolder(HostCatalogue &catalogue, const QString &ruleId, const std::
 
 } // namespace
 
-HostCatalogue catalogue(const LinuxUserFolders::Folders &folders, const QString &home)
+LinuxMovedPaths movedPaths(const LinuxBaseFolders &bases, const QString &home)
 {
+    LinuxMovedPaths paths(bases, home);
+    HostCatalogue tables{ .locations = locations() };
+    for (const auto *table : { &safeRules(), &developerRules(), &mediaRules(), &reportRules() })
+        for (const auto &row : *table)
+            tables.rules.append(withPaths(row));
+    for (const auto &place : placesOf(tables))
+        paths.keepClearOf(place.path);
+    return paths;
+}
+
+HostCatalogue catalogue(
+    const LinuxUserFolders::Folders &folders, const QString &home, const LinuxBaseFolders &bases)
+{
+    const auto paths = movedPaths(bases, home);
     HostCatalogue result{ .locations = locations(),
         .related = related(),
         .presets = presets(),
         .suitability = suitability(),
-        .itemisations = itemisations() };
+        .itemisations = movedItemisations(paths),
+        .desktopEntryFolders = desktopEntryFolders(paths) };
+    for (auto &row : result.locations)
+        move(row.locations, paths);
     for (const auto *table : { &safeRules(), &developerRules(), &mediaRules(), &reportRules() })
-        for (const auto &row : *table)
-            result.rules.append(withPaths(row));
+        for (auto row : *table) {
+            move(row.locations, paths);
+            result.rules.append(withPaths(std::move(row)));
+        }
     addShownFolder(result, u"downloads.folder"_s, folders.downloads, home);
     addShownFolder(result, u"photos.library"_s, folders.pictures, home);
     addShownFolder(result, u"videos.folder"_s, folders.videos, home);

@@ -18,6 +18,7 @@
 // the only copy is `reportOnly`.
 
 #include "Catalogue/HostCatalogue.h"
+#include "Catalogue/Linux/LinuxBaseFolders.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 
 namespace Quillbrook::LinuxCatalogue {
@@ -32,8 +33,13 @@ namespace Quillbrook::LinuxCatalogue {
 [[nodiscard]] const QList<HostSuitability> &suitability();
 [[nodiscard]] const QList<HostItemisation> &itemisations();
 
+/// The tables' places as they lie on this machine.
+[[nodiscard]] LinuxMovedPaths movedPaths(const LinuxBaseFolders &bases, const QString &home);
+
 /// All of it as one. Where the desktop gives Downloads, Pictures or Videos another name below `home`, that
-/// folder is one of its rule's locations too, unless a location holds it already.
-[[nodiscard]] HostCatalogue catalogue(const LinuxUserFolders::Folders &folders, const QString &home);
+/// folder is one of its rule's locations too, unless a location holds it already. Where a base is moved, all
+/// places in it move along; one that is moved out of `home` has none.
+[[nodiscard]] HostCatalogue catalogue(
+    const LinuxUserFolders::Folders &folders, const QString &home, const LinuxBaseFolders &bases = {});
 
 } // namespace Quillbrook::LinuxCatalogue

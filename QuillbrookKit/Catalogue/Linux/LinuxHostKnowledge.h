@@ -1,8 +1,10 @@
 #pragma once
 
-// The Linux tables, with the user's own folders under the names that the desktop gives them.
+// The Linux tables as they hold on this machine: with the user's own folders under the names that the desktop
+// gives them, the bases where the environment moves them, and what only the home folder itself tells.
 
 #include "Catalogue/HostKnowledge.h"
+#include "Catalogue/Linux/LinuxBaseFolders.h"
 
 namespace Quillbrook {
 
@@ -11,13 +13,14 @@ class FileReading;
 class LinuxHostKnowledge final : public HostKnowledge
 {
 public:
-    /// `reading` outlives this.
-    explicit LinuxHostKnowledge(const FileReading &reading);
+    /// `reading` outlives this. `environment` is that of this process, read once by whoever makes this.
+    LinuxHostKnowledge(const FileReading &reading, const QProcessEnvironment &environment);
 
     [[nodiscard]] HostFacts about(const QString &home) const override;
 
 private:
     const FileReading &m_reading;
+    LinuxBaseFolders m_bases;
 };
 
 } // namespace Quillbrook

@@ -125,16 +125,36 @@ const QStringList &closedFolders()
 
 } // namespace
 
-FastScanner::Allowlist allowlist(const QString &home)
+FastScanner::Allowlist allowlist(const QString &home, const QStringList &moved)
 {
-    return { { home, QSet<QString>(openFolders().begin(), openFolders().end()) } };
+    FastScanner::Allowlist result{ { home, QSet<QString>(openFolders().begin(), openFolders().end()) } };
+    const auto open = result.value(home) + FastScanner::quietAllowlist(home).value(home);
+    for (const auto &path : moved) {
+        const auto pieces = path.split(u'/');
+        if (open.contains(pieces.first()))
+            continue;
+        auto folder = home;
+        for (const auto &piece : pieces) {
+            result[folder].insert(piece);
+            folder += u'/' + piece;
+        }
+    }
+    return result;
 }
 
-QSet<QString> protectedPaths(const QString &home, const LinuxUserFolders::Folders &folders)
+QSet<QString> protectedPaths(
+    const QString &home, const LinuxUserFolders::Folders &folders, const LinuxBaseFolders &bases)
 {
     QSet<QString> paths;
-    for (const auto &path : closedFolders())
+    const auto alsoMoved = [&paths](const QString &path, const QString &usual, const auto &base) {
+        if (base && path.startsWith(usual))
+            paths.insert(*base + u'/' + path.sliced(usual.size()));
+    };
+    for (const auto &path : closedFolders()) {
         paths.insert(home + u'/' + path);
+        alsoMoved(path, u".config/"_s, bases.config);
+        alsoMoved(path, u".local/share/"_s, bases.data);
+    }
     for (const auto &path : folders.all())
         paths.insert(path);
     return paths;

@@ -90,9 +90,9 @@ Folders parse(const QByteArray &text, const QString &home)
     return folders;
 }
 
-Folders read(const FileReading &reading, const QString &home)
+Folders read(const FileReading &reading, const QString &home, const std::optional<QString> &config)
 {
-    const auto path = (home + u"/.config/user-dirs.dirs"_s).toStdString();
+    const auto path = (config.value_or(home + u"/.config"_s) + u"/user-dirs.dirs"_s).toStdString();
     const auto text = reading.contents(path, maximumFileBytes);
     return text ? parse(*text, home) : Folders();
 }

@@ -3,6 +3,7 @@
 #include "Catalogue/Linux/LinuxQuietScope.h"
 #include "Support/FakeFileReading.h"
 
+#include <QProcessEnvironment>
 #include <QTest>
 
 using namespace Quillbrook;
@@ -11,6 +12,30 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const auto home = u"/home/someone"_s;
+
+using Variables = QList<std::pair<QString, QString>>;
+
+HostFacts factsWith(const Variables &variables, const FileReading &reading = FakeFileReading())
+{
+    QProcessEnvironment environment;
+    for (const auto &[name, value] : variables)
+        environment.insert(name, value);
+    return LinuxHostKnowledge(reading, environment).about(home);
+}
+
+// Where a rule's place of that name lies; empty where the rule has none.
+QString placeOf(const HostCatalogue &catalogue, const QString &ruleId, const QString &label)
+{
+    for (const auto &row : catalogue.locations)
+        for (const auto &location : row.locations)
+            if (row.ruleId == ruleId && location.label == label)
+                return location.path;
+    for (const auto &row : catalogue.rules)
+        for (const auto &location : row.locations)
+            if (row.rule.id == ruleId && location.label == label)
+                return location.path;
+    return {};
+}
 
 } // namespace
 
@@ -22,12 +47,15 @@ private Q_SLOTS:
     void tellsTheTablesOfLinux();
     void protectsFoldersUnderTheNamesTheDesktopGivesThem();
     void readsNothingButTheDesktopsFolderNames();
+    void placesMoveWithTheirBase_data();
+    void placesMoveWithTheirBase();
+    void movedBaseIsOpenToTheQuietScopeAndItsKeysAreProtected();
+    void itemsMoveWithTheirPlaces();
 };
 
 void LinuxHostKnowledgeTest::tellsTheTablesOfLinux()
 {
-    const FakeFileReading reading;
-    const auto facts = LinuxHostKnowledge(reading).about(home);
+    const auto facts = factsWith({});
     QVERIFY(facts.catalogue == LinuxCatalogue::catalogue({}, home));
     QVERIFY(facts.catalogue.rules.size() >= LinuxCatalogue::safeRules().size());
     QCOMPARE(facts.quietAllowlist, LinuxQuietScope::allowlist(home));
@@ -38,9 +66,11 @@ void LinuxHostKnowledgeTest::protectsFoldersUnderTheNamesTheDesktopGivesThem()
 {
     FakeFileReading reading;
     reading.files["/home/someone/.config/user-dirs.dirs"] = "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n";
-    const auto facts = LinuxHostKnowledge(reading).about(home);
-    QVERIFY(facts.protectedPaths.contains(home + u"/Bilder"_s));
-    QVERIFY(!LinuxHostKnowledge(FakeFileReading()).about(home).protectedPaths.contains(home + u"/Bilder"_s));
+    QVERIFY(factsWith({}, reading).protectedPaths.contains(home + u"/Bilder"_s));
+    QVERIFY(!factsWith({}).protectedPaths.contains(home + u"/Bilder"_s));
+    reading.files["/etc/someone/user-dirs.dirs"] = "XDG_PICTURES_DIR=\"$HOME/Fotos\"\n";
+    const auto moved = factsWith({ { u"XDG_CONFIG_HOME"_s, u"/etc/someone"_s } }, reading).protectedPaths;
+    QVERIFY(moved.contains(home + u"/Fotos"_s) && !moved.contains(home + u"/Bilder"_s));
 }
 
 void LinuxHostKnowledgeTest::readsNothingButTheDesktopsFolderNames()
@@ -56,8 +86,83 @@ void LinuxHostKnowledgeTest::readsNothingButTheDesktopsFolderNames()
         mutable std::vector<std::string> asked;
     };
     const Noting reading;
-    (void)LinuxHostKnowledge(reading).about(home);
+    (void)factsWith({}, reading);
     QCOMPARE(reading.asked, std::vector<std::string>{ "/home/someone/.config/user-dirs.dirs" });
+}
+
+void LinuxHostKnowledgeTest::placesMoveWithTheirBase_data()
+{
+    QTest::addColumn<Variables>("variables");
+    QTest::addColumn<QString>("rule");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("path");
+    const auto trash = u"trash"_s;
+    const auto files = u"What you threw away"_s;
+    const auto tools = u"caches.devtools"_s;
+    const auto pip = u"pip"_s;
+    const auto data = [](const QString &value) { return Variables{ { u"XDG_DATA_HOME"_s, value } }; };
+    const auto cache = [](const QString &value) { return Variables{ { u"XDG_CACHE_HOME"_s, value } }; };
+    QTest::newRow("data") << data(home + u"/.data"_s) << trash << files << u".data/Trash/files"_s;
+    QTest::newRow("cache") << cache(home + u"/.c/d"_s) << tools << pip << u".c/d/pip"_s;
+    QTest::newRow("cache, of another base") << data(home + u"/.data"_s) << tools << pip << u".cache/pip"_s;
+    QTest::newRow("config") << Variables{ { u"XDG_CONFIG_HOME"_s, home + u"/.settings"_s } }
+                            << u"chrome.profile"_s << u"Chrome"_s << u".settings/google-chrome"_s;
+    QTest::newRow("state") << Variables{ { u"XDG_STATE_HOME"_s, home + u"/.state"_s } }
+                           << u"language.packages"_s << u"Cabal, built"_s << u".state/cabal/store"_s;
+    QTest::newRow("spelt oddly") << data(home + u"//x/../.data/"_s) << trash << files
+                                 << u".data/Trash/files"_s;
+    QTest::newRow("no absolute path") << cache(u"c"_s) << tools << pip << u".cache/pip"_s;
+    QTest::newRow("outside home") << data(u"/srv/data"_s) << trash << files << QString();
+    QTest::newRow("begins like home") << data(home + u"else/data"_s) << trash << files << QString();
+    QTest::newRow("out of home by dots") << data(home + u"/../other/data"_s) << trash << files << QString();
+    QTest::newRow("home itself") << cache(home) << tools << pip << QString();
+    QTest::newRow("where another base is") << cache(home + u"/.config"_s) << tools << pip << QString();
+    QTest::newRow("inside another base") << cache(home + u"/.local/share/c"_s) << tools << pip << QString();
+    QTest::newRow("around another base") << data(home + u"/.local"_s) << trash << files << QString();
+    QTest::newRow("inside a place of its own")
+        << cache(home + u"/snap/code/1"_s) << tools << pip << QString();
+    QTest::newRow("around such a place") << cache(home + u"/.npm"_s) << tools << pip << QString();
+    QTest::newRow("in a Flatpak") << Variables{ { u"FLATPAK_ID"_s, u"com.tarnwick.Quillbrook"_s },
+        { u"XDG_DATA_HOME"_s, home + u"/.var/app/com.tarnwick.Quillbrook/data"_s },
+        { u"HOST_XDG_DATA_HOME"_s, home + u"/.data"_s } }
+                                  << trash << files << u".data/Trash/files"_s;
+}
+
+void LinuxHostKnowledgeTest::placesMoveWithTheirBase()
+{
+    QFETCH(Variables, variables);
+    QFETCH(QString, rule);
+    QFETCH(QString, label);
+    QTEST(placeOf(factsWith(variables).catalogue, rule, label), "path");
+}
+
+void LinuxHostKnowledgeTest::movedBaseIsOpenToTheQuietScopeAndItsKeysAreProtected()
+{
+    const auto facts = factsWith({ { u"XDG_DATA_HOME"_s, home + u"/kept/data"_s },
+        { u"XDG_CACHE_HOME"_s, home + u"/kept/cache"_s }, { u"XDG_CONFIG_HOME"_s, u"/srv/settings"_s } });
+    QVERIFY(facts.quietAllowlist.value(home).contains(u"kept"_s));
+    QCOMPARE(facts.quietAllowlist.value(home + u"/kept"_s), QSet<QString>({ u"data"_s, u"cache"_s }));
+    for (const auto &path :
+        { home + u"/kept/data/keyrings"_s, u"/srv/settings/Bitwarden"_s, home + u"/.local/share/keyrings"_s })
+        QVERIFY2(facts.protectedPaths.contains(path), qPrintable(path));
+}
+
+void LinuxHostKnowledgeTest::itemsMoveWithTheirPlaces()
+{
+    const auto itemised = [](const HostCatalogue &catalogue) {
+        QStringList paths;
+        for (const auto &row : catalogue.itemisations)
+            paths.append(row.ruleId + u':' + row.paths.join(u','));
+        return paths;
+    };
+    const auto usual = itemised(factsWith({}).catalogue);
+    auto moved = itemised(factsWith({ { u"XDG_CACHE_HOME"_s, home + u"/.c"_s } }).catalogue);
+    QVERIFY(moved.contains(u"ai.huggingface:.c/huggingface/hub"_s));
+    QCOMPARE(moved.replaceInStrings(u".c/"_s, u".cache/"_s), usual);
+    // A row that has lost its last place is of none.
+    const auto gone = itemised(factsWith({ { u"XDG_CACHE_HOME"_s, u"/srv/c"_s } }).catalogue);
+    QVERIFY(!gone.contains(u"ai.huggingface:"_s));
+    QVERIFY(gone.contains(u"python.envs:.local/share/virtualenvs"_s));
 }
 
 QTEST_GUILESS_MAIN(LinuxHostKnowledgeTest)
