@@ -5,6 +5,7 @@
 #include "PropertyList.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Quillbrook::Simulators {
 
@@ -39,8 +40,11 @@ QSet<QString> parseBootedIds(const QByteArray &listing)
 
 QSet<QString> bootedIds(const ProcessRunner &processes)
 {
-    const auto result = processes.run(
-        { .program = u"/usr/bin/xcrun"_s, .arguments = { u"simctl"_s, u"list"_s, u"devices"_s } });
+    // Read to its end: a listing that was cut would show a running device as one that may go.
+    const auto result = processes.run({ .program = u"/usr/bin/xcrun"_s,
+        .arguments = { u"simctl"_s, u"list"_s, u"devices"_s },
+        .timeLimit = std::chrono::milliseconds::max(),
+        .outputLimit = std::numeric_limits<qsizetype>::max() });
     return result ? parseBootedIds(result->output) : QSet<QString>();
 }
 

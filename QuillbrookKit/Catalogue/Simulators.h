@@ -16,8 +16,8 @@ class ProcessRunner;
 
 namespace Simulators {
 
-/// The identifiers of the devices that run now, asked of the simulator tool. Empty when the tool can't be
-/// started; of one that had to be stopped, what it had said by then counts.
+/// The identifiers of the devices that run now, asked of the simulator tool, whose listing is read to its end
+/// however long that takes. Empty when the tool can't be started.
 [[nodiscard]] QSet<QString> bootedIds(const ProcessRunner &processes);
 /// The identifiers in the tool's listing, taken from behind the first "(" of each line of a booted
 /// device. A device whose own name holds a parenthesis gives a wrong piece, kept on purpose.

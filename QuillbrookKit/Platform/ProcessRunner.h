@@ -19,7 +19,8 @@ public:
         /// Absolute.
         QString program{};
         QStringList arguments{};
-        /// The program is killed, with all it started, when it has run for longer.
+        /// The program is killed, with all it started, when it has run for longer; never with the largest
+        /// value.
         std::chrono::milliseconds timeLimit = std::chrono::seconds(10);
         /// The program is killed when it has printed more bytes.
         qsizetype outputLimit = qsizetype{ 4 } * 1024 * 1024;
