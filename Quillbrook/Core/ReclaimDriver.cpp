@@ -271,8 +271,9 @@ QList<StorageItem> ReclaimDriver::items(const Finding &finding) const
 {
     if (!m_scans.tree() || m_scans.rootNode() < 0)
         return {};
-    return StorageCatalogue::items(
-        CatalogueServices::of(m_kit), finding, *m_scans.tree(), m_scans.rootNode());
+    const auto &tree = *m_scans.tree();
+    return StorageCatalogue::items(CatalogueServices::of(m_kit), finding, tree, m_scans.rootNode(),
+        { .homeDirectory = tree.path(m_scans.rootNode()), .host = &m_scans.hostCatalogue() });
 }
 
 qint64 ReclaimDriver::measure(const std::string &path) const

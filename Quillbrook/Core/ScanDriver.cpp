@@ -288,6 +288,7 @@ void ScanDriver::finish(Run &run)
     auto oldTree = std::exchange(m_tree, std::move(run.walked.tree));
     m_rootNode = run.walked.root;
     m_report = std::move(run.report);
+    m_hostCatalogue = std::move(run.host.catalogue);
     m_lastScanDuration = run.walked.duration;
     m_scannedFileCount = m_tree->fileCount();
     m_kit.defaults.setInteger(lastFileCountKey, m_scannedFileCount);

@@ -3,6 +3,7 @@
 // Starts scans, follows them and holds the tree and the report that they end with. The only place that does.
 // Main thread only; the services outlive it.
 
+#include "Catalogue/HostCatalogue.h"
 #include "Catalogue/ReclaimReport.h"
 #include "Core/FindingCollector.h"
 #include "Core/Phase.h"
@@ -56,6 +57,8 @@ public:
     [[nodiscard]] qint32 rootNode() const { return m_rootNode; }
     /// Of the last finished scan, or of the quick stage of the one that runs; absent before one.
     [[nodiscard]] const std::optional<ReclaimReport> &report() const { return m_report; }
+    /// What the host added to the catalogue when the scan of the present tree began.
+    [[nodiscard]] const HostCatalogue &hostCatalogue() const { return m_hostCatalogue; }
     [[nodiscard]] Scope scope() const { return m_scope; }
     /// As text, for people to read and for tables to compare with.
     [[nodiscard]] QString scanRoot() const;
@@ -102,6 +105,7 @@ private:
     std::shared_ptr<const FileTree> m_tree;
     qint32 m_rootNode = FileTree::noNode;
     std::optional<ReclaimReport> m_report;
+    HostCatalogue m_hostCatalogue;
     Scope m_scope = Scope::quiet;
     std::string m_scanRoot;
     double m_lastScanDuration = 0;

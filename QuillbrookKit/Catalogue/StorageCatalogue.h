@@ -47,7 +47,8 @@ struct QuickScanRequest
 };
 
 /// Measures each existing location by a small scan of its own, one after the other. A location that is a
-/// link or holds nothing gives no finding. After a stop, the report holds what was found before.
+/// link, lies behind one, or holds nothing gives no finding. After a stop, the report holds what was found
+/// before.
 [[nodiscard]] ReclaimReport quickScan(const CatalogueServices &services, const QuickScanRequest &request);
 
 /// How many locations `quickScan` would find something at, links and empty ones counted too: an upper
@@ -72,15 +73,17 @@ struct EvaluateRequest
 /// was found.
 [[nodiscard]] QStringList related(const QString &ruleId, const HostCatalogue *host = nullptr);
 
-/// The rules whose findings open into items.
+/// The built-in rules whose findings open into items.
 [[nodiscard]] const QSet<QString> &itemisedRules();
-[[nodiscard]] bool supportsItems(const QString &ruleId);
+/// Whether findings of a rule, the host's among them, may open into items.
+[[nodiscard]] bool supportsItems(const QString &ruleId, const HostCatalogue *host = nullptr);
 
 /// The members of a finding that are larger than one mebibyte, largest first. Empty for a rule that has
-/// none and for a finding that the tree does not hold. Asks a tool which simulators run, and waits for
-/// it.
-[[nodiscard]] QList<StorageItem> items(
-    const CatalogueServices &services, const Finding &finding, const FileTree &tree, qint32 root);
+/// none and for a finding that the tree does not hold. Reads small files in which other programs note what
+/// theirs are called, and asks a tool which simulators run, and waits for it. Of `places` what to skip plays
+/// no part.
+[[nodiscard]] QList<StorageItem> items(const CatalogueServices &services, const Finding &finding,
+    const FileTree &tree, qint32 root, const Places &places = {});
 
 } // namespace StorageCatalogue
 

@@ -1,3 +1,4 @@
+#include "Catalogue/HostItems.h"
 #include "Catalogue/Simulators.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Platform/FileFacts.h"
@@ -90,20 +91,23 @@ const QSet<QString> &itemisedRules()
     return ids;
 }
 
-bool supportsItems(const QString &ruleId)
+bool supportsItems(const QString &ruleId, const HostCatalogue *host)
 {
-    return itemisedRules().contains(ruleId);
+    const auto isOf = [&ruleId](const HostItemisation &row) { return row.ruleId == ruleId; };
+    return itemisedRules().contains(ruleId) || (host && std::ranges::any_of(host->itemisations, isOf));
 }
 
-QList<StorageItem> items(
-    const CatalogueServices &services, const Finding &finding, const FileTree &tree, qint32 root)
+QList<StorageItem> items(const CatalogueServices &services, const Finding &finding, const FileTree &tree,
+    qint32 root, const Places &places)
 {
     const auto row = std::ranges::find(itemisedTable(), finding.rule.id, &ItemisedRule::id);
-    const auto node = row == itemisedTable().end() ? FileTree::noNode : tree.find(finding.path, root);
+    const bool isBuiltIn = row != itemisedTable().end();
+    const auto *hostRow = isBuiltIn ? nullptr : HostItems::rowFor(finding, places);
+    const auto node = isBuiltIn || hostRow ? tree.find(finding.path, root) : FileTree::noNode;
     if (!tree.isValid(node))
         return {};
     Context context{ .services = services };
-    if (row->id == u"simulator.devices")
+    if (finding.rule.id == u"simulator.devices")
         context.booted = Simulators::bootedIds(services.processes);
 
     QList<StorageItem> result;
@@ -111,7 +115,7 @@ QList<StorageItem> items(
         if (tree.size(child) <= itemThresholdBytes)
             continue;
         const auto childName = tree.name(child);
-        StorageItem item{ .id = row->id + u'/' + childName,
+        StorageItem item{ .id = finding.rule.id + u'/' + childName,
             .path = tree.path(child),
             .bytes = tree.size(child),
             .rawPath = tree.rawPath(child) };
@@ -119,7 +123,10 @@ QList<StorageItem> items(
             item.created = dates->created;
             item.lastModified = dates->lastModified;
         }
-        row->describe(context, childName, item);
+        if (isBuiltIn)
+            row->describe(context, childName, item);
+        else
+            HostItems::describe(*hostRow, services.reading, places, childName, item);
         result.append(std::move(item));
     }
     std::ranges::stable_sort(

@@ -1,5 +1,6 @@
 // What the stages of a scan bring: the quick stage before the walk, the evaluation after it, and the report.
 
+#include "Catalogue/StorageItem.h"
 #include "Core/AppModel.h"
 #include "Support/FolderHold.h"
 #include "Support/ScannedHome.h"
@@ -68,7 +69,7 @@ private Q_SLOTS:
     void lastFindingIsNeverLostToTheReport();
     void quietScanPassesProtectedPlacesOver();
     void completeScanMeasuresThem();
-    void hostsPlacesAreFound();
+    void hostsPlacesAreFoundAndOpened();
     void hostsProtectedFoldersStayClosedInAQuietScan();
     void destroyedModelEndsItsQuickStage();
 };
@@ -240,7 +241,7 @@ void ScanStagesTest::completeScanMeasuresThem()
     QCOMPARE(home.model.scans().report()->findings.first().bytes, qint64{ 90 } * 1024 * 1024);
 }
 
-void ScanStagesTest::hostsPlacesAreFound()
+void ScanStagesTest::hostsPlacesAreFoundAndOpened()
 {
     ScannedHome home;
     home.host.facts.catalogue.rules = { { .rule = { .id = "host.things",
@@ -248,9 +249,13 @@ void ScanStagesTest::hostsPlacesAreFound()
                                               .safety = Safety::safe,
                                               .paths = { ".cache/things" } },
         .locations = { { .path = ".cache/things", .label = "things" } } } };
+    home.host.facts.catalogue.itemisations = { { .ruleId = "host.things", .detail = "Thing" } };
     home.addPlace(".cache/things", 5);
     home.scan();
     QCOMPARE(titles(home.model.scans().report()->findings), QStringList{ "Things of the host" });
+    const auto items = home.model.reclaims().items(home.model.scans().report()->findings.first());
+    QCOMPARE(items.size(), 1);
+    QCOMPARE(items.first().name + u", "_s + items.first().detail, u"content, Thing"_s);
 }
 
 void ScanStagesTest::hostsProtectedFoldersStayClosedInAQuietScan()
