@@ -24,8 +24,8 @@ class HostKnowledge
 {
 public:
     virtual ~HostKnowledge() = default;
-    /// What holds for a home folder, an absolute path. May read small files there, so
-    /// that it blocks on the disk. From any thread.
+    /// What holds for a home folder, an absolute path. May read small files and list
+    /// folders there, so that it blocks on the disk. From any thread.
     [[nodiscard]] virtual HostFacts about(const QString &home) const = 0;
 };
 

@@ -79,6 +79,10 @@ FINDINGS = [
     ("telegram.cache", ".local/share/TelegramDesktop/tdata/user_data/media_cache", 1240, ["0/1A2B"]),
     ("browser.offline", ".config/chromium/Default/Service Worker/CacheStorage", 530, ["0abc/index.txt", "0abc/d1/e_0"]),
     ("ccache.results", ".cache/ccache", 4600, ["0/1/aR", "f/e/bR"]),
+    ("browser.offline", ".config/chromium/Profile 1/Service Worker/CacheStorage", 44, ["0def/index.txt"]),
+    ("ai.compiled", ".cache/vllm", 340, ["torch_compile_cache/1517/rank_0_0/graph.py"]),
+    ("board.tools", ".platformio/packages", 1900, ["toolchain-xtensa/bin/gcc"]),
+    ("flatpak.caches", ".var/app/org.videolan.VLC/cache", 61, ["vlc/art/artistalbum/art.png"]),
     ("containers.storage", ".local/share/containers", 7200, ["storage/overlay/aa/diff/usr/lib/x"]),
     ("vm.images", "VirtualBox VMs", 25200, ["Windows 11/Windows 11.vdi"]),
     ("wine.prefixes", ".wine", 1180, ["drive_c/windows/system32/ntdll.dll"]),
@@ -94,6 +98,8 @@ FINDINGS = [
     ("research.library", "Zotero", 3100, ["storage/AB12CD34/paper.pdf", "zotero.sqlite"]),
     ("cloud.folders", "Nextcloud", 9700, ["Shared/plan.odt", "Photos/x.jpg"]),
     ("videos.folder", "Videos", 18600, ["2023-08-holiday.mp4", "screencast.webm"]),
+    ("editor.extensions", ".vscode/extensions", 820, ["ms-python.python-2024.1/package.json"]),
+    ("tool.keepsakes", ".cache/pre-commit", 240, ["patch1700000000-77", "repoab12/py_env/bin/python"]),
 ]
 
 # What is large, or looks like a finding, and is none.

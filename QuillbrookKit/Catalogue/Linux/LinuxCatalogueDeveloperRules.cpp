@@ -15,7 +15,7 @@ const QList<HostRule> &developerRules()
             .rule = {
                 .id = u"python.packages"_s,
                 .title = u"Downloaded Python packages"_s,
-                .what = u"Copies of Python packages that uv and conda keep to share between projects."_s,
+                .what = u"Copies of Python packages that uv, conda and pixi keep to share between projects."_s,
                 .regenerates = u"Downloaded again on the next install. Projects share these files, so less space may come back than shown. A tool started with `uvx` may stop, and an environment that links here must be made again."_s,
                 .safety = Safety::careful,
             },
@@ -28,6 +28,7 @@ const QList<HostRule> &developerRules()
                 { u".conda/pkgs"_s, u"conda"_s },
                 { u".local/share/mamba/pkgs"_s, u"Mamba"_s },
                 { u"micromamba/pkgs"_s, u"micromamba"_s },
+                { u".cache/rattler/cache"_s, u"pixi"_s },
             },
         },
         {
@@ -35,7 +36,7 @@ const QList<HostRule> &developerRules()
                 .id = u"python.envs"_s,
                 .title = u"Python project environments"_s,
                 .what = u"Private sets of Python packages, one per project, made by Poetry, Pipenv, conda and similar tools."_s,
-                .regenerates = u"Can be made again from the project's package list, if it has one. Anything you installed by hand is gone."_s,
+                .regenerates = u"Can be made again from the project's package list, if it has one. What you put in by hand is gone: packages, scripts of your own that run when an environment starts, and unsaved work on packages you edit in place."_s,
                 .safety = Safety::careful,
             },
             .locations = {
@@ -104,8 +105,8 @@ const QList<HostRule> &developerRules()
             .rule = {
                 .id = u"java.packages"_s,
                 .title = u"Downloaded Java and Scala packages"_s,
-                .what = u"Code libraries and build tools that Maven, Gradle, sbt and Coursier downloaded."_s,
-                .regenerates = u"Re-downloaded on the next build — slow, and needs a good connection. Packages you built yourself and kept only in Maven's folder must be built again."_s,
+                .what = u"Code libraries and build tools that Maven, Gradle, sbt, Coursier and Kotlin downloaded."_s,
+                .regenerates = u"Re-downloaded on the next build — slow, and needs a good connection. Packages you built yourself and kept only in Maven's folder must be built again, and files you installed there by hand exist nowhere else."_s,
                 .safety = Safety::careful,
             },
             .locations = {
@@ -115,6 +116,7 @@ const QList<HostRule> &developerRules()
                 { u".ivy2/cache"_s, u"Ivy"_s },
                 { u".cache/coursier/v1"_s, u"Coursier"_s },
                 { u".sbt/boot"_s, u"sbt"_s },
+                { u".konan"_s, u"Kotlin/Native"_s },
             },
         },
         {
@@ -122,7 +124,7 @@ const QList<HostRule> &developerRules()
                 .id = u"language.packages"_s,
                 .title = u"Downloaded packages for other languages"_s,
                 .what = u"Code libraries kept by .NET, Haskell, Julia, R and Zig tools, some of them built on this computer."_s,
-                .regenerates = u"Fetched or built again by the next restore. Projects that link to them stop working until then, and building can take hours."_s,
+                .regenerates = u"Fetched or built again by the next restore. Projects that link to them stop working until then, as do programs you installed with Cabal, and building can take hours. Julia's Overrides.toml, if you wrote one, is in here and goes too."_s,
                 .safety = Safety::careful,
             },
             .locations = {
@@ -194,7 +196,7 @@ const QList<HostRule> &developerRules()
                 .id = u"ai.huggingface"_s,
                 .title = u"AI models from Hugging Face"_s,
                 .what = u"AI models and data sets that programs downloaded to use on this computer."_s,
-                .regenerates = u"Downloaded again when a program asks for them, often several gigabytes each. A model its maker has withdrawn is gone."_s,
+                .regenerates = u"Downloaded again when a program asks for them, often several gigabytes each. A model its maker has withdrawn is gone, and what your own programs worked out from a data set must be worked out again."_s,
                 .safety = Safety::careful,
                 .staleDays = 45,
             },
@@ -208,7 +210,7 @@ const QList<HostRule> &developerRules()
             .rule = {
                 .id = u"ai.models"_s,
                 .title = u"Other AI models"_s,
-                .what = u"AI models kept by LM Studio, Alpaca, Whisper and PyTorch."_s,
+                .what = u"AI models kept by LM Studio, Alpaca, llama.cpp, ModelScope, Whisper and PyTorch."_s,
                 .regenerates = u"Downloaded again on demand, often several gigabytes each. Models you added or trained yourself do not come back."_s,
                 .safety = Safety::careful,
                 .staleDays = 45,
@@ -219,6 +221,50 @@ const QList<HostRule> &developerRules()
                 { u".var/app/com.jeffser.Alpaca/data/.ollama/models"_s, u"Alpaca (Flatpak)"_s },
                 { u".cache/torch/hub"_s, u"PyTorch"_s },
                 { u".cache/whisper"_s, u"Whisper"_s },
+                { u".cache/llama.cpp"_s, u"llama.cpp"_s },
+                { u".cache/modelscope/hub"_s, u"ModelScope"_s },
+            },
+        },
+        {
+            .rule = {
+                .id = u"ai.compiled"_s,
+                .title = u"Prepared parts of AI programs"_s,
+                .what = u"Pieces of AI programs that Triton and vLLM prepared for your graphics card."_s,
+                .regenerates = u"Prepared again the next time a program needs them, which can take many minutes. One that is running may stop, so close it first."_s,
+                .safety = Safety::careful,
+            },
+            .locations = {
+                { u".triton/cache"_s, u"Triton"_s },
+                { u".cache/vllm"_s, u"vLLM"_s },
+            },
+        },
+        {
+            .rule = {
+                .id = u"debug.symbols"_s,
+                .title = u"Debugging downloads"_s,
+                .what = u"Details about system programs that the debugger downloaded to explain crashes."_s,
+                .regenerates = u"Downloaded again the next time you debug, as long as the server still has them. Crashes of older versions may stay unexplained, and a connection is needed."_s,
+                .safety = Safety::careful,
+            },
+            .locations = {
+                { u".cache/debuginfod_client"_s, u"debuginfod"_s },
+            },
+        },
+        {
+            .rule = {
+                .id = u"board.tools"_s,
+                .title = u"Tools for programming boards"_s,
+                .what = u"Compilers, libraries and helpers that PlatformIO, Arduino and ESP-IDF downloaded for your boards."_s,
+                .regenerates = u"PlatformIO downloads them again on the next build. The others wait until you install the board or the tools again, and nothing builds until then. Changes you made to them are lost."_s,
+                .safety = Safety::careful,
+            },
+            .locations = {
+                { u".platformio/packages"_s, u"PlatformIO"_s },
+                { u".platformio/platforms"_s, u"PlatformIO, platforms"_s },
+                { u".arduino15/packages"_s, u"Arduino"_s },
+                { u".espressif/dist"_s, u"ESP-IDF, archives"_s },
+                { u".espressif/tools"_s, u"ESP-IDF"_s },
+                { u".espressif/python_env"_s, u"ESP-IDF, Python"_s },
             },
         },
     };

@@ -41,6 +41,9 @@ const QList<HostRule> &mediaRules()
                 { u".var/app/com.valvesoftware.Steam/.local/share/Steam/steamapps/shadercache"_s, u"Graphics files (Flatpak)"_s },
                 { u".var/app/com.valvesoftware.Steam/.local/share/Steam/steamapps/downloading"_s, u"Downloads (Flatpak)"_s },
                 { u".var/app/com.valvesoftware.Steam/.local/share/Steam/steamapps/temp"_s, u"Temporary files (Flatpak)"_s },
+                { u".var/app/com.valvesoftware.Steam/.cache/mesa_shader_cache"_s, u"Mesa (Flatpak)"_s },
+                { u".var/app/com.valvesoftware.Steam/.cache/mesa_shader_cache_db"_s, u"Mesa, database (Flatpak)"_s },
+                { u".var/app/com.valvesoftware.Steam/.cache/nvidia/GLCache"_s, u"NVIDIA (Flatpak)"_s },
                 { u"snap/steam/common/.local/share/Steam/steamapps/shadercache"_s, u"Graphics files (Snap)"_s },
                 { u"snap/steam/common/.local/share/Steam/steamapps/downloading"_s, u"Downloads (Snap)"_s },
                 { u"snap/steam/common/.local/share/Steam/steamapps/temp"_s, u"Temporary files (Snap)"_s },
@@ -51,7 +54,7 @@ const QList<HostRule> &mediaRules()
                 .id = u"games.runners"_s,
                 .title = u"Helpers for Windows games"_s,
                 .what = u"Versions of Proton and Wine, and installers, that Steam, Lutris, Heroic and Bottles keep for running Windows programs."_s,
-                .regenerates = u"Can be downloaded again from the app. A game set to use one will not start until then."_s,
+                .regenerates = u"Most can be downloaded again from the app, but not a version you built yourself, nor an installer you bought or put in by hand with its licence. A game set to use one will not start until then."_s,
                 .safety = Safety::careful,
             },
             .locations = {
@@ -128,8 +131,8 @@ const QList<HostRule> &mediaRules()
             .rule = {
                 .id = u"backup.caches"_s,
                 .title = u"Backup tools' notes"_s,
-                .what = u"Lists that Borg, restic and Déjà Dup keep about earlier backups so the next one runs faster. Not the backups themselves."_s,
-                .regenerates = u"Rebuilt at the next backup, which will be much slower and may need a connection."_s,
+                .what = u"Lists that Borg, restic, Kopia and Déjà Dup keep about earlier backups so the next one runs faster. Not the backups themselves."_s,
+                .regenerates = u"Rebuilt at the next backup, which will be much slower, needs the place of the backup and may ask for its password. A backup that was interrupted starts over."_s,
                 .safety = Safety::careful,
             },
             .locations = {
@@ -138,6 +141,7 @@ const QList<HostRule> &mediaRules()
                 { u".cache/deja-dup"_s, u"Déjà Dup"_s },
                 { u".var/app/org.gnome.DejaDup/cache/deja-dup"_s, u"Déjà Dup (Flatpak)"_s },
                 { u".cache/duplicity"_s, u"duplicity"_s },
+                { u".cache/kopia"_s, u"Kopia"_s },
             },
         },
         {
@@ -202,6 +206,15 @@ const QList<HostRule> &mediaRules()
             },
             .locations = {
                 { u".cache/ccache"_s, u"ccache"_s },
+            },
+        },
+        {
+            .rule = {
+                .id = u"flatpak.caches"_s,
+                .title = u"Caches of Flatpak apps"_s,
+                .what = u"What a Flatpak app keeps at hand so that it need not fetch or work it out again."_s,
+                .regenerates = u"Most comes back as you use the app. Close the app first. A few apps keep more than copies here: drafts, or what is still on its way to a server."_s,
+                .safety = Safety::careful,
             },
         },
     };

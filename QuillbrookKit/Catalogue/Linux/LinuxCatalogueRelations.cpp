@@ -35,6 +35,8 @@ const QList<HostRuleIds> &related()
         { u"chrome.aimodel"_s, { u"ai.models"_s } },
         { u"browser.offline"_s, { u"browser.caches"_s, u"browser.more"_s } },
         { u"ccache.results"_s, { u"compiler.caches"_s } },
+        { u"ai.compiled"_s, { u"ai.models"_s, u"ai.huggingface"_s } },
+        { u"board.tools"_s, { u"packages.downloads"_s } },
     };
     return table;
 }
@@ -65,6 +67,7 @@ const QList<HostSuitability> &suitability()
         { u"language.packages"_s, buildPath },
         { u"ccache.results"_s, buildPath },
         { u"android.sdk"_s, buildPath },
+        { u"board.tools"_s, buildPath },
         { u"build.results"_s, u"Written constantly during every build. On a slower volume it would make each build slower, permanently."_s },
         { u"editor.indexes"_s, u"The editor reads and writes this continuously while it runs."_s },
         { u"ai.huggingface"_s, std::nullopt },
@@ -85,6 +88,7 @@ const QList<HostSuitability> &suitability()
         { u"research.library"_s, u"The library is a database that its program keeps open."_s },
         { u"cloud.folders"_s, u"The service watches this folder. Moved away, its files could be taken for deleted."_s },
         { u"videos.folder"_s, std::nullopt },
+        { u"editor.extensions"_s, u"Programs run straight from here."_s },
     };
     // clang-format on
     return table;
@@ -114,7 +118,20 @@ const QList<HostItemisation> &itemisations()
         },
         { .ruleId = u"ai.huggingface"_s, .paths = { u".cache/huggingface/hub"_s }, .naming = Naming::hubRepository, .detail = u"AI model"_s },
         { .ruleId = u"ai.huggingface"_s, .paths = { u".cache/huggingface/datasets"_s }, .naming = Naming::dataSet, .detail = u"Data set"_s },
-        { .ruleId = u"ai.models"_s, .detail = u"AI model"_s },
+        {
+            .ruleId = u"ai.models"_s,
+            .paths = {
+                u".lmstudio/models"_s,
+                u".cache/lm-studio/models"_s,
+                u".var/app/com.jeffser.Alpaca/data/.ollama/models"_s,
+                u".cache/torch/hub"_s,
+                u".cache/whisper"_s,
+                u".cache/llama.cpp"_s,
+            },
+            .detail = u"AI model"_s,
+        },
+        { .ruleId = u"board.tools"_s, .detail = u"Tool for programming boards"_s },
+        { .ruleId = u"editor.extensions"_s, .detail = u"Code editor add-on"_s, .blockedReason = shown },
         {
             .ruleId = u"steam.extras"_s,
             .paths = {
@@ -143,7 +160,20 @@ const QList<HostItemisation> &itemisations()
         { .ruleId = u"android.sdk"_s, .detail = u"Android building block"_s },
         { .ruleId = u"images.downloads"_s, .paths = { u".vagrant.d/boxes"_s }, .naming = Naming::vagrantBox, .detail = u"Machine image"_s },
         { .ruleId = u"images.downloads"_s, .detail = u"Machine image"_s },
-        { .ruleId = u"vm.images"_s, .detail = u"Virtual machine"_s, .blockedReason = shown },
+        {
+            .ruleId = u"vm.images"_s,
+            .paths = {
+                u".local/share/gnome-boxes/images"_s,
+                u".local/share/libvirt/images"_s,
+                u"VirtualBox VMs"_s,
+                u".lima"_s,
+                u".colima"_s,
+                u".minikube/machines"_s,
+                u"vmware"_s,
+            },
+            .detail = u"Virtual machine"_s,
+            .blockedReason = shown,
+        },
         { .ruleId = u"wine.prefixes"_s, .detail = u"Windows environment"_s, .blockedReason = shown },
         { .ruleId = u"games.installed"_s, .detail = u"Game"_s, .blockedReason = shown },
         { .ruleId = u"dev.toolchains"_s, .detail = u"Installed version"_s, .blockedReason = shown },

@@ -13,21 +13,23 @@ const QList<HostRule> &reportRules()
         {
             .rule = {
                 .id = u"containers.storage"_s,
-                .title = u"Containers (Docker and Podman)"_s,
-                .what = u"Images, containers and volumes of Docker and Podman when they run without root. A database volume in here may be the only copy."_s,
-                .regenerates = u"Deleting the folder destroys volumes permanently. Use `docker system prune` or `podman system prune` instead: both keep your volumes unless you ask."_s,
+                .title = u"Containers (Docker, Podman and containerd)"_s,
+                .what = u"Images, containers and volumes of Docker, Podman and containerd when they run without root. A database volume in here may be the only copy."_s,
+                .regenerates = u"Deleting the folder destroys volumes permanently. Use `docker system prune`, `podman system prune` or `nerdctl system prune` instead: all keep your volumes unless you ask."_s,
                 .safety = Safety::reportOnly,
             },
             .locations = {
                 { u".local/share/docker"_s, u"Docker"_s },
                 { u".local/share/containers"_s, u"Podman"_s },
+                { u".local/share/containerd"_s, u"containerd"_s },
+                { u".local/share/nerdctl"_s, u"containerd, volumes"_s },
             },
         },
         {
             .rule = {
                 .id = u"vm.images"_s,
                 .title = u"Virtual machines"_s,
-                .what = u"Whole computers you set up in Boxes, virt-manager, VirtualBox and similar apps, with everything installed in them."_s,
+                .what = u"Whole computers you set up in Boxes, virt-manager, VirtualBox, Rancher Desktop and similar apps, with everything installed in them."_s,
                 .regenerates = u"Does not. Delete machines you no longer need in the app that made them."_s,
                 .safety = Safety::reportOnly,
             },
@@ -39,6 +41,8 @@ const QList<HostRule> &reportRules()
                 { u".colima"_s, u"Colima"_s },
                 { u".minikube/machines"_s, u"minikube"_s },
                 { u"vmware"_s, u"VMware"_s },
+                { u".local/share/rancher-desktop"_s, u"Rancher Desktop"_s },
+                { u".crc"_s, u"CRC"_s },
             },
         },
         {
@@ -133,6 +137,9 @@ const QList<HostRule> &reportRules()
                 { u".config/opera"_s, u"Opera"_s },
                 { u".librewolf"_s, u"LibreWolf"_s },
                 { u".zen"_s, u"Zen"_s },
+                { u".config/google-chrome-beta"_s, u"Chrome Beta"_s },
+                { u".config/google-chrome-unstable"_s, u"Chrome Dev"_s },
+                { u".config/vivaldi-snapshot"_s, u"Vivaldi Snapshot"_s },
             },
         },
         {
@@ -158,13 +165,14 @@ const QList<HostRule> &reportRules()
                 { u".local/share/uv/python"_s, u"Python, by uv"_s },
                 { u".local/share/uv/tools"_s, u"Tools, by uv"_s },
                 { u".local/share/pipx/venvs"_s, u"Tools, by pipx"_s },
+                { u".local/share/JetBrains/Toolbox/apps"_s, u"JetBrains Toolbox"_s },
             },
         },
         {
             .rule = {
                 .id = u"editor.workspaces"_s,
                 .title = u"Code editor memory"_s,
-                .what = u"What VS Code, VSCodium and Cursor remember of each project: AI chats, and earlier versions of files you edited."_s,
+                .what = u"What VS Code, VSCodium, Cursor and Windsurf remember of each project, and what their add-ons keep for themselves: AI chats, earlier versions of files you edited, logins."_s,
                 .regenerates = u"Does not."_s,
                 .safety = Safety::reportOnly,
             },
@@ -175,6 +183,12 @@ const QList<HostRule> &reportRules()
                 { u".config/VSCodium/User/History"_s, u"VSCodium, earlier versions"_s },
                 { u".config/Cursor/User/workspaceStorage"_s, u"Cursor, projects"_s },
                 { u".config/Cursor/User/History"_s, u"Cursor, earlier versions"_s },
+                { u".config/Code/User/globalStorage"_s, u"VS Code, add-ons' own"_s },
+                { u".config/VSCodium/User/globalStorage"_s, u"VSCodium, add-ons' own"_s },
+                { u".config/Cursor/User/globalStorage"_s, u"Cursor, add-ons' own"_s },
+                { u".config/Windsurf/User/workspaceStorage"_s, u"Windsurf, projects"_s },
+                { u".config/Windsurf/User/History"_s, u"Windsurf, earlier versions"_s },
+                { u".config/Windsurf/User/globalStorage"_s, u"Windsurf, add-ons' own"_s },
             },
         },
         {
@@ -218,6 +232,34 @@ const QList<HostRule> &reportRules()
             },
             .locations = {
                 { u"Videos"_s, u"Videos"_s },
+            },
+        },
+        {
+            .rule = {
+                .id = u"editor.extensions"_s,
+                .title = u"Code editor add-ons"_s,
+                .what = u"Add-ons you installed in VS Code, VSCodium, Cursor and Windsurf."_s,
+                .regenerates = u"Can be installed again from the editor. Remove the ones you no longer need there."_s,
+                .safety = Safety::reportOnly,
+            },
+            .locations = {
+                { u".vscode/extensions"_s, u"VS Code"_s },
+                { u".vscode-oss/extensions"_s, u"VSCodium"_s },
+                { u".cursor/extensions"_s, u"Cursor"_s },
+                { u".windsurf/extensions"_s, u"Windsurf"_s },
+            },
+        },
+        {
+            .rule = {
+                .id = u"tool.keepsakes"_s,
+                .title = u"Caches with more than copies"_s,
+                .what = u"Folders of pre-commit and rclone that look like caches. Changes to your code that were set aside, or files not yet uploaded, may be in here as the only copy."_s,
+                .regenerates = u"Only in part. `pre-commit gc` clears what is no longer needed, and rclone clears files by itself once they are uploaded."_s,
+                .safety = Safety::reportOnly,
+            },
+            .locations = {
+                { u".cache/pre-commit"_s, u"pre-commit"_s },
+                { u".cache/rclone"_s, u"rclone"_s },
             },
         },
     };

@@ -134,7 +134,6 @@ const QList<HostRule> &safeRules()
                 { u".cache/staticcheck"_s, u"staticcheck"_s },
                 { u".dartServer/.analysis-driver"_s, u"Dart"_s },
                 { u".julia/compiled"_s, u"Julia"_s },
-                { u".triton/cache"_s, u"Triton"_s },
             },
         },
         {
@@ -162,18 +161,6 @@ const QList<HostRule> &safeRules()
                 { u".arduino15/staging"_s, u"Arduino"_s },
                 { u".platformio/.cache"_s, u"PlatformIO"_s },
                 { u".cache/nix"_s, u"Nix"_s },
-            },
-        },
-        {
-            .rule = {
-                .id = u"debug.symbols"_s,
-                .title = u"Debugging downloads"_s,
-                .what = u"Details about system programs that the debugger downloaded to explain crashes."_s,
-                .regenerates = u"Downloaded again the next time you debug. Needs a network connection."_s,
-                .safety = Safety::safe,
-            },
-            .locations = {
-                { u".cache/debuginfod_client"_s, u"debuginfod"_s },
             },
         },
         {

@@ -1,12 +1,15 @@
 #include "Catalogue/Linux/LinuxHostKnowledge.h"
 
 #include "Catalogue/Linux/LinuxCatalogue.h"
+#include "Catalogue/Linux/LinuxFoundPlaces.h"
 #include "Catalogue/Linux/LinuxQuietScope.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 
 #include <QProcessEnvironment>
 
 namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
 
 LinuxHostKnowledge::LinuxHostKnowledge(const FileReading &reading, const QProcessEnvironment &environment)
     : m_reading(reading)
@@ -17,9 +20,16 @@ LinuxHostKnowledge::LinuxHostKnowledge(const FileReading &reading, const QProces
 HostFacts LinuxHostKnowledge::about(const QString &home) const
 {
     const auto folders = LinuxUserFolders::read(m_reading, home, m_bases.config);
-    return { .catalogue = LinuxCatalogue::catalogue(folders, home, m_bases),
+    HostFacts facts{ .catalogue = LinuxCatalogue::catalogue(folders, home, m_bases),
         .quietAllowlist = LinuxQuietScope::allowlist(home, LinuxCatalogue::movedPaths(m_bases, home).moved()),
         .protectedPaths = LinuxQuietScope::protectedPaths(home, folders, m_bases) };
+    const auto add = [&facts](const QString &ruleId, const QList<HostLocation> &locations) {
+        if (!locations.isEmpty())
+            facts.catalogue.locations.append({ ruleId, locations });
+    };
+    add(u"flatpak.caches"_s, LinuxFoundPlaces::flatpakCaches(facts.catalogue, m_reading, home));
+    add(u"browser.offline"_s, LinuxFoundPlaces::furtherProfiles(facts.catalogue, home));
+    return facts;
 }
 
 } // namespace Quillbrook

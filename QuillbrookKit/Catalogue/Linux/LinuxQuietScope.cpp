@@ -52,8 +52,13 @@ const QStringList &openFolders()
         u".asdf"_s,
         u".volta"_s,
         u".jdks"_s,
+        u".konan"_s,
         u".arduino15"_s,
+        u".espressif"_s,
         u"Android"_s,
+        u".vscode-oss"_s,
+        u".cursor"_s,
+        u".windsurf"_s,
         // Models.
         u".lmstudio"_s,
         // Machines.
@@ -61,6 +66,7 @@ const QStringList &openFolders()
         u".minikube"_s,
         u".lima"_s,
         u".colima"_s,
+        u".crc"_s,
         u".apptainer"_s,
         u".singularity"_s,
         u"VirtualBox VMs"_s,

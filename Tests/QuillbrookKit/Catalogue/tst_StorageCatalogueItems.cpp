@@ -310,7 +310,8 @@ private Q_SLOTS:
     {
         MadeUpHome home;
         for (const auto &place : { u"ai.huggingface:.cache/huggingface/xet"_s,
-                 u"editor.indexes:.cache/vscode-cpptools"_s, u"containers.storage:.local/share/docker"_s })
+                 u"editor.indexes:.cache/vscode-cpptools"_s, u"containers.storage:.local/share/docker"_s,
+                 u"ai.models:.cache/modelscope/hub"_s, u"vm.images:.crc"_s })
             QVERIFY2(hostsItems(home, place, "child").isEmpty(), qPrintable(place));
     }
 

@@ -1,4 +1,4 @@
-#include "Catalogue/Linux/LinuxCatalogue.h"
+#include "Catalogue/Linux/LinuxHostKnowledge.h"
 #include "Catalogue/Linux/LinuxQuietScope.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Support/MadeUpHome.h"
@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QTest>
 
 #include <filesystem>
@@ -45,6 +46,7 @@ public:
             qFatal("the fixture home has no manifest");
         for (const auto &row : QJsonDocument::fromJson(manifest.readAll()).array())
             expected.push_back({ row[u"rule"].toString(), row[u"path"].toString(), row[u"stale"].toBool() });
+        host = LinuxHostKnowledge(LinuxFileReading(), {}).about(home()).catalogue;
     }
 
     [[nodiscard]] QString home() const { return tree.text("home"); }
@@ -60,7 +62,7 @@ public:
     }
 
     std::vector<Expected> expected;
-    const HostCatalogue host = LinuxCatalogue::catalogue({}, QString());
+    HostCatalogue host;
 };
 
 // Bytes on disk of all files below a folder, asked of each.

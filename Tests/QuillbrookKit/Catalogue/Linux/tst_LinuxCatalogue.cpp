@@ -147,7 +147,7 @@ private Q_SLOTS:
             for (const auto &outer : places) {
                 if (&inner == &outer)
                     continue;
-                const auto message = qPrintable(inner.path + u" in "_s + outer.path);
+                const auto message = (inner.path + u" in "_s + outer.path).toUtf8();
                 QVERIFY2(inner.path != outer.path, message);
                 if (!inner.path.startsWith(outer.path + u'/'))
                     continue;
@@ -234,7 +234,32 @@ private Q_SLOTS:
             QCOMPARE(row.blockedReason.has_value(), rule->safety == Safety::reportOnly);
             for (const auto &path : row.paths)
                 QVERIFY2(rule->paths.contains(path), qPrintable(path));
+            QVERIFY2(StorageCatalogue::supportsItems(row.ruleId, &m_host), qPrintable(row.ruleId));
         }
+        QVERIFY(!StorageCatalogue::supportsItems(u"containers.storage"_s, &m_host));
+    }
+
+    // They cost more than time: what they say about it is what a person decides by.
+    void rowsThatHoldMoreThanCopiesSaySo_data()
+    {
+        QTest::addColumn<QString>("words");
+        QTest::newRow("debug.symbols") << u"as long as the server still has them"_s;
+        QTest::newRow("ai.compiled") << u"close it first"_s;
+        QTest::newRow("python.envs") << u"scripts of your own"_s;
+        QTest::newRow("games.runners") << u"a version you built yourself"_s;
+        QTest::newRow("java.packages") << u"exist nowhere else"_s;
+        QTest::newRow("backup.caches") << u"starts over"_s;
+        QTest::newRow("ai.huggingface") << u"worked out from a data set"_s;
+        QTest::newRow("language.packages") << u"Overrides.toml"_s;
+        QTest::newRow("flatpak.caches") << u"Close the app first"_s;
+    }
+    void rowsThatHoldMoreThanCopiesSaySo()
+    {
+        QFETCH(QString, words);
+        const auto *rule = ruleOf(m_host, QString::fromUtf8(QTest::currentDataTag()));
+        QVERIFY(rule);
+        QVERIFY(rule->safety == Safety::careful);
+        QVERIFY2(rule->regenerates.contains(words), qPrintable(rule->regenerates));
     }
 
     // The first look reaches everything in the tables but what is the user's own.

@@ -2,6 +2,7 @@
 #include "Catalogue/Linux/LinuxHostKnowledge.h"
 #include "Catalogue/Linux/LinuxQuietScope.h"
 #include "Support/FakeFileReading.h"
+#include "Support/TempTree.h"
 
 #include <QProcessEnvironment>
 #include <QTest>
@@ -37,6 +38,16 @@ QString placeOf(const HostCatalogue &catalogue, const QString &ruleId, const QSt
     return {};
 }
 
+QStringList described(const HostCatalogue &catalogue, const QString &ruleId)
+{
+    QStringList lines;
+    for (const auto &row : catalogue.locations)
+        for (const auto &[path, label] : row.locations)
+            if (row.ruleId == ruleId)
+                lines.append(path + u" = "_s + label);
+    return lines;
+}
+
 } // namespace
 
 class LinuxHostKnowledgeTest : public QObject
@@ -51,6 +62,8 @@ private Q_SLOTS:
     void placesMoveWithTheirBase();
     void movedBaseIsOpenToTheQuietScopeAndItsKeysAreProtected();
     void itemsMoveWithTheirPlaces();
+    void cachesOfFlatpakAppsAreFoundOneByOne();
+    void furtherProfilesAreFoundBesideTheFirst();
 };
 
 void LinuxHostKnowledgeTest::tellsTheTablesOfLinux()
@@ -163,6 +176,42 @@ void LinuxHostKnowledgeTest::itemsMoveWithTheirPlaces()
     const auto gone = itemised(factsWith({ { u"XDG_CACHE_HOME"_s, u"/srv/c"_s } }).catalogue);
     QVERIFY(!gone.contains(u"ai.huggingface:"_s));
     QVERIFY(gone.contains(u"python.envs:.local/share/virtualenvs"_s));
+}
+
+void LinuxHostKnowledgeTest::cachesOfFlatpakAppsAreFoundOneByOne()
+{
+    TempTree tree;
+    // Not told: one with a place of its own in the tables, two that keep more than copies there, one that is
+    // no application's name, and a link.
+    for (const auto *id : { "org.videolan.VLC", "org.one.App", "org.two.App", "org.three.App",
+             "com.google.Chrome", "org.darktable.Darktable", "com.jetbrains.CLion", "notes" })
+        tree.folder(".var/app/" + std::string(id));
+    tree.link(".var/app/org.four.App", "org.one.App");
+    FakeFileReading reading;
+    const auto exported = tree.path(".local/share/flatpak/exports/share/applications/");
+    reading.files[exported + "org.videolan.VLC.desktop"]
+        = "# VLC\n[Desktop Entry]\nType=Application\n"
+          "Name[de]=VLC auf Deutsch\nName= VLC\t\xe2\x80\xaeplayer \n";
+    reading.files["/var/lib/flatpak/exports/share/applications/org.one.App.desktop"]
+        = "[Desktop Entry]\nName=App\n";
+    reading.files[exported + "org.two.App.desktop"] = "[Desktop Entry]\nName=App\n";
+    reading.files[exported + "org.three.App.desktop"] = "[Desktop Entry]\nName=\n[Other]\nName=Three\n";
+    const auto facts = LinuxHostKnowledge(reading, {}).about(tree.text());
+    QCOMPARE(described(facts.catalogue, u"flatpak.caches"_s),
+        QStringList({ u".var/app/org.one.App/cache = org.one.App"_s,
+            u".var/app/org.three.App/cache = org.three.App"_s, u".var/app/org.two.App/cache = org.two.App"_s,
+            u".var/app/org.videolan.VLC/cache = VLC player"_s }));
+}
+
+void LinuxHostKnowledgeTest::furtherProfilesAreFoundBesideTheFirst()
+{
+    TempTree tree;
+    for (const auto *name : { "Default", "Profile 2", "Profile 10", "Profile x", "Guest Profile" })
+        tree.folder(".config/chromium/" + std::string(name));
+    const auto facts = LinuxHostKnowledge(FakeFileReading(), {}).about(tree.text());
+    QCOMPARE(described(facts.catalogue, u"browser.offline"_s),
+        QStringList({ u".config/chromium/Profile 10/Service Worker/CacheStorage = Chromium, Profile 10"_s,
+            u".config/chromium/Profile 2/Service Worker/CacheStorage = Chromium, Profile 2"_s }));
 }
 
 QTEST_GUILESS_MAIN(LinuxHostKnowledgeTest)

@@ -1,0 +1,116 @@
+#include "Catalogue/Linux/LinuxFoundPlaces.h"
+
+#include "Catalogue/ApplicationNames.h"
+#include "Platform/FolderEntries.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace Quillbrook::LinuxFoundPlaces {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const auto firstProfile = u"/Default/Service Worker/CacheStorage"_s;
+
+// What these keep among their caches may be the only copy: edits and originals, earlier versions of files,
+// changes made offline or set aside, and drafts. A name that ends in a dot stands for all of that maker.
+bool keepsMoreThanCopies(const QString &id)
+{
+    static const QStringList names = {
+        u"com.jetbrains."_s,
+        u"com.rawtherapee.RawTherapee"_s,
+        u"com.visualstudio."_s,
+        u"com.vscodium."_s,
+        u"org.audacityteam.Audacity"_s,
+        u"org.darktable.Darktable"_s,
+        u"org.gimp.GIMP"_s,
+        u"org.gnome.Evolution"_s,
+        u"org.kde.digikam"_s,
+        u"org.kde.krita"_s,
+        u"org.libreoffice.LibreOffice"_s,
+        u"org.tenacityaudio.Tenacity"_s,
+    };
+    return std::ranges::any_of(
+        names, [&id](const QString &name) { return name.endsWith(u'.') ? id.startsWith(name) : id == name; });
+}
+
+// The folders right in `folder` whose whole name fits, in order.
+QStringList foldersIn(const QString &folder, const QRegularExpression &name)
+{
+    QStringList names;
+    const auto path = folder.toStdString();
+    const auto entries = folderEntries(path);
+    if (!entries->open(path))
+        return names;
+    while (const auto entry = entries->next()) {
+        const auto text = QString::fromUtf8(entry->name.data(), static_cast<qsizetype>(entry->name.size()));
+        if (entry->isFolder && name.match(text).hasMatch())
+            names.append(text);
+    }
+    names.sort();
+    return names;
+}
+
+bool hasPlaceIn(const HostCatalogue &catalogue, const QString &folder)
+{
+    const auto isThere = [&folder](const HostLocation &location) {
+        return location.path == folder || location.path.startsWith(folder + u'/');
+    };
+    const auto holds = [&isThere](const auto &row) { return std::ranges::any_of(row.locations, isThere); };
+    return std::ranges::any_of(catalogue.rules, holds) || std::ranges::any_of(catalogue.locations, holds);
+}
+
+// Two that are called alike are told apart by what Flatpak calls them.
+void tellApart(QList<HostLocation> &locations, const QStringList &ids)
+{
+    QHash<QString, int> counts;
+    for (const auto &location : std::as_const(locations))
+        ++counts[location.label];
+    for (qsizetype i = 0; i < locations.size(); ++i)
+        if (counts.value(locations[i].label) > 1)
+            locations[i].label = ids[i];
+}
+
+} // namespace
+
+QList<HostLocation> flatpakCaches(
+    const HostCatalogue &catalogue, const FileReading &reading, const QString &home)
+{
+    static const QRegularExpression id(u"\\A[A-Za-z0-9_-]+(\\.[A-Za-z0-9_-]+)+\\z"_s);
+    QList<HostLocation> locations;
+    QStringList ids;
+    for (const auto &name : foldersIn(home + u"/.var/app"_s, id)) {
+        const auto path = u".var/app/"_s + name + u"/cache"_s;
+        if (keepsMoreThanCopies(name) || hasPlaceIn(catalogue, path))
+            continue;
+        locations.append({ path, ApplicationNames::ofFlatpak(reading, catalogue, home, name) });
+        ids.append(name);
+    }
+    tellApart(locations, ids);
+    return locations;
+}
+
+QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const QString &home)
+{
+    static const QRegularExpression profile(u"\\AProfile [0-9]+\\z"_s);
+    QList<HostLocation> locations;
+    const auto rule = std::ranges::find(
+        catalogue.rules, u"browser.offline"_s, [](const HostRule &row) { return row.rule.id; });
+    if (rule == catalogue.rules.end())
+        return locations;
+    for (const auto &[path, label] : rule->locations) {
+        if (!path.endsWith(firstProfile))
+            continue;
+        const auto browser = path.chopped(firstProfile.size());
+        for (const auto &name : foldersIn(home + u'/' + browser, profile))
+            locations.append({ browser + u'/' + name + firstProfile.sliced(u"/Default"_s.size()),
+                label + u", "_s + name });
+    }
+    return locations;
+}
+
+} // namespace Quillbrook::LinuxFoundPlaces

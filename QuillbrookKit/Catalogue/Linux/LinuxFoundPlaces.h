@@ -1,0 +1,26 @@
+#pragma once
+
+// Places that no table can name, because a person's own applications and profiles name them: the folders are
+// asked, one level deep. Nothing in them is opened.
+
+#include "Catalogue/HostCatalogue.h"
+
+namespace Quillbrook {
+
+class FileReading;
+
+namespace LinuxFoundPlaces {
+
+/// The caches of the Flatpak applications that have folders below `home`, as places of "flatpak.caches". Left
+/// out are applications with a place of their own in `catalogue`, and those known to keep more than copies in
+/// such a folder.
+[[nodiscard]] QList<HostLocation> flatpakCaches(
+    const HostCatalogue &catalogue, const FileReading &reading, const QString &home);
+
+/// What websites keep for browsers' further profiles, as places of "browser.offline", beside those of the
+/// first profile that `catalogue` names.
+[[nodiscard]] QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const QString &home);
+
+} // namespace LinuxFoundPlaces
+
+} // namespace Quillbrook
