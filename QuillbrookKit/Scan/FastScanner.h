@@ -11,8 +11,8 @@
 #include <QString>
 
 #include <memory>
-#include <string>
 #include <stop_token>
+#include <string>
 
 namespace Quillbrook {
 

@@ -1,4 +1,5 @@
 #include "Platform/Linux/BareWalk.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 #include "TreeMaker/Names.h"
 #include "TreeMaker/Random.h"
@@ -57,24 +58,172 @@ void write(const fs::path &path, const std::string &text)
 
 } // namespace
 
-class tst_BenchmarkTrees : public QObject
+class TestBenchmarkTrees : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void holdsAsManyFilesAsAskedFor_data();
-    void holdsAsManyFilesAsAskedFor();
-    void theSameSeedMakesTheSameTree();
-    void anotherSeedMakesAnotherTree();
-    void aHomeTreeHoldsEveryKindOfEntry();
-    void namesHoldTheSearchedWords();
-    void aFinishedTreeIsUsedAgain();
-    void aTreeWithAnotherStampIsNotTaken();
-    void anUnfinishedTreeIsMadeAnew();
-    void aFolderInTheWayIsNotTouched();
-    void removalTakesOnlyMarkedTrees();
-    void theBareWalkSeesEveryEntry_data();
-    void theBareWalkSeesEveryEntry();
+    void holdsAsManyFilesAsAskedFor_data()
+    {
+        QTest::addColumn<TreeKind>("kind");
+        QTest::addColumn<quint64>("files");
+        QTest::addColumn<qsizetype>("folders");
+        QTest::newRow("home") << TreeKind::home << quint64(2400) << qsizetype(100);
+        QTest::newRow("home without files") << TreeKind::home << quint64(0) << qsizetype(1);
+        QTest::newRow("home with one file") << TreeKind::home << quint64(1) << qsizetype(1);
+        QTest::newRow("wide") << TreeKind::wide << quint64(500) << qsizetype(0);
+        QTest::newRow("deep") << TreeKind::deep << quint64(95) << qsizetype(9);
+    }
+
+    void holdsAsManyFilesAsAskedFor()
+    {
+        QFETCH(const TreeKind, kind);
+        QFETCH(const quint64, files);
+        QFETCH(const qsizetype, folders);
+        const auto entries = listing(make({ .kind = kind, .files = files }, directory()));
+        const auto isFolder = [](const std::string &, const Listed &entry) { return S_ISDIR(entry.mode); };
+        QCOMPARE(count(entries, isFolder), folders);
+        QCOMPARE(std::ssize(entries) - folders, qsizetype(files));
+    }
+
+    void theSameSeedMakesTheSameTree()
+    {
+        const TempTree other;
+        const TreeRequest request{ .files = 600, .seed = 7 };
+        const auto first = listing(make(request, directory()));
+        const auto second = listing(make(request, other.path()));
+        QVERIFY(!first.empty());
+        QVERIFY(first == second);
+    }
+
+    void anotherSeedMakesAnotherTree()
+    {
+        const auto first = listing(make({ .files = 600, .seed = 8 }, directory()));
+        const auto second = listing(make({ .files = 600, .seed = 9 }, directory()));
+        QVERIFY(first != second);
+    }
+
+    void aHomeTreeHoldsEveryKindOfEntry()
+    {
+        const auto entries = listing(make({ .files = 2000 }, directory()));
+        QVERIFY(count(entries, [](auto &, auto &entry) { return S_ISLNK(entry.mode); }) > 5);
+        QVERIFY(
+            count(entries, [](auto &, auto &entry) { return S_ISREG(entry.mode) && entry.links > 1; }) > 5);
+        QVERIFY(
+            count(entries, [](auto &, auto &entry) { return S_ISREG(entry.mode) && entry.size == 0; }) > 400);
+        QVERIFY(count(entries, [](auto &, auto &entry) { return entry.size > 0 && entry.blocks == 0; }) > 5);
+        QVERIFY(count(entries, [](auto &, auto &entry) { return entry.blocks > 0; }) > 400);
+        QVERIFY(count(entries, [](auto &path, auto &) { return path.contains('\n'); }) > 0);
+        QVERIFY(count(entries, [](auto &path, auto &) {
+            return !QString::fromUtf8(path).toUtf8().toStdString().ends_with(path);
+        }) > 0);
+    }
+
+    void namesHoldTheSearchedWords()
+    {
+        Random random(1);
+        int rare = 0;
+        int common = 0;
+        for (std::uint64_t serial = 0; serial < 2 * rareWordEvery; ++serial) {
+            const auto name = makeFileName(NameStyle::source, serial, serial, random);
+            rare += name.contains(rareWord) ? 1 : 0;
+            common += name.contains(commonWord) ? 1 : 0;
+        }
+        QCOMPARE(rare, 2);
+        QVERIFY(common > 4000);
+        QVERIFY(common < 12'000);
+    }
+
+    void aFinishedTreeIsUsedAgain()
+    {
+        const TreeRequest request{ .files = 30, .seed = 20 };
+        const auto tree = make(request, directory());
+        write(tree / "put here later", "");
+        QCOMPARE(make(request, directory()), tree);
+        QVERIFY(fs::exists(tree / "put here later"));
+    }
+
+    void aTreeWithAnotherStampIsNotTaken()
+    {
+        const TreeRequest request{ .files = 30, .seed = 21 };
+        const auto tree = make(request, directory());
+        write(tree.string() + ".stamp", "quillbrook benchmark tree of some other making\n");
+        QVERIFY(!ensureTree(makePlan(request), directory()));
+        QVERIFY(fs::exists(tree));
+    }
+
+    void anUnfinishedTreeIsMadeAnew()
+    {
+        const TreeRequest request{ .files = 30, .seed = 22 };
+        const auto tree = make(request, directory());
+        fs::rename(tree.string() + ".stamp", tree.string() + ".unfinished");
+        write(tree / "left over", "");
+        QCOMPARE(make(request, directory()), tree);
+        QVERIFY(!fs::exists(tree / "left over"));
+        QVERIFY(fs::exists(tree.string() + ".stamp"));
+        QVERIFY(!fs::exists(tree.string() + ".unfinished"));
+    }
+
+    void aFolderInTheWayIsNotTouched()
+    {
+        const TreeRequest request{ .files = 30, .seed = 23 };
+        const auto tree = directory() / folderName(request);
+        fs::create_directory(tree);
+        write(tree / "somebody's", "");
+        // A file of that ending that this program did not write is no mark.
+        write(tree.string() + ".unfinished", "my own notes\n");
+        QVERIFY(!ensureTree(makePlan(request), directory()));
+        QVERIFY(fs::exists(tree / "somebody's"));
+    }
+
+    void removalTakesOnlyMarkedTrees()
+    {
+        const TempTree own;
+        const fs::path place = own.path();
+        const auto tree = make({ .files = 30 }, place);
+        const auto chain = make({ .kind = TreeKind::deep, .files = 3000 }, place);
+        fs::create_directory(place / "holiday");
+        write(place / "holiday/picture", "");
+        write(place / "holiday.stamp", "sent on Tuesday\n");
+        const auto removed = removeTrees(place);
+        QVERIFY(removed.has_value());
+        QCOMPARE(*removed, 2);
+        QVERIFY(!fs::exists(tree));
+        QVERIFY(!fs::exists(chain));
+        QVERIFY(!fs::exists(tree.string() + ".stamp"));
+        QVERIFY(fs::exists(place / "holiday/picture"));
+        QVERIFY(fs::exists(place / "holiday.stamp"));
+    }
+
+    void theBareWalkSeesEveryEntry_data()
+    {
+        QTest::addColumn<int>("threads");
+        QTest::newRow("one thread") << 1;
+        QTest::newRow("two threads") << 2;
+        QTest::newRow("more threads than folders") << 200;
+    }
+
+    void theBareWalkSeesEveryEntry()
+    {
+        QFETCH(const int, threads);
+        const auto tree = make({ .files = 600, .seed = 30 }, directory());
+        struct stat root = {};
+        QCOMPARE(::stat(tree.c_str(), &root), 0);
+        std::uint64_t blocks = 0;
+        std::uint64_t folders = 1;
+        std::uint64_t files = 0;
+        for (const auto &entry : fs::recursive_directory_iterator(tree)) {
+            struct stat status = {};
+            ::lstat(entry.path().c_str(), &status);
+            blocks += static_cast<std::uint64_t>(status.st_blocks);
+            ++(S_ISDIR(status.st_mode) ? folders : files);
+        }
+        const auto walked = bareWalk(tree.string(), threads);
+        QCOMPARE(walked.folders, folders);
+        QCOMPARE(walked.files, files);
+        QCOMPARE(walked.blocks, blocks);
+        QCOMPARE(walked.failures, std::uint64_t(0));
+    }
 
 private:
     fs::path make(const TreeRequest &request, const fs::path &directory)
@@ -89,165 +238,5 @@ private:
     TempTree m_directory;
 };
 
-void tst_BenchmarkTrees::holdsAsManyFilesAsAskedFor_data()
-{
-    QTest::addColumn<TreeKind>("kind");
-    QTest::addColumn<quint64>("files");
-    QTest::addColumn<qsizetype>("folders");
-    QTest::newRow("home") << TreeKind::home << quint64(2400) << qsizetype(100);
-    QTest::newRow("home without files") << TreeKind::home << quint64(0) << qsizetype(1);
-    QTest::newRow("home with one file") << TreeKind::home << quint64(1) << qsizetype(1);
-    QTest::newRow("wide") << TreeKind::wide << quint64(500) << qsizetype(0);
-    QTest::newRow("deep") << TreeKind::deep << quint64(95) << qsizetype(9);
-}
-
-void tst_BenchmarkTrees::holdsAsManyFilesAsAskedFor()
-{
-    QFETCH(const TreeKind, kind);
-    QFETCH(const quint64, files);
-    QFETCH(const qsizetype, folders);
-    const auto entries = listing(make({ .kind = kind, .files = files }, directory()));
-    const auto isFolder = [](const std::string &, const Listed &entry) { return S_ISDIR(entry.mode); };
-    QCOMPARE(count(entries, isFolder), folders);
-    QCOMPARE(std::ssize(entries) - folders, qsizetype(files));
-}
-
-void tst_BenchmarkTrees::theSameSeedMakesTheSameTree()
-{
-    const TempTree other;
-    const TreeRequest request{ .files = 600, .seed = 7 };
-    const auto first = listing(make(request, directory()));
-    const auto second = listing(make(request, other.path()));
-    QVERIFY(!first.empty());
-    QVERIFY(first == second);
-}
-
-void tst_BenchmarkTrees::anotherSeedMakesAnotherTree()
-{
-    const auto first = listing(make({ .files = 600, .seed = 8 }, directory()));
-    const auto second = listing(make({ .files = 600, .seed = 9 }, directory()));
-    QVERIFY(first != second);
-}
-
-void tst_BenchmarkTrees::aHomeTreeHoldsEveryKindOfEntry()
-{
-    const auto entries = listing(make({ .files = 2000 }, directory()));
-    QVERIFY(count(entries, [](auto &, auto &entry) { return S_ISLNK(entry.mode); }) > 5);
-    QVERIFY(count(entries, [](auto &, auto &entry) { return S_ISREG(entry.mode) && entry.links > 1; }) > 5);
-    QVERIFY(count(entries, [](auto &, auto &entry) { return S_ISREG(entry.mode) && entry.size == 0; }) > 400);
-    QVERIFY(count(entries, [](auto &, auto &entry) { return entry.size > 0 && entry.blocks == 0; }) > 5);
-    QVERIFY(count(entries, [](auto &, auto &entry) { return entry.blocks > 0; }) > 400);
-    QVERIFY(count(entries, [](auto &path, auto &) { return path.contains('\n'); }) > 0);
-    QVERIFY(count(entries, [](auto &path, auto &) {
-        return !QString::fromUtf8(path).toUtf8().toStdString().ends_with(path);
-    }) > 0);
-}
-
-void tst_BenchmarkTrees::namesHoldTheSearchedWords()
-{
-    Random random(1);
-    int rare = 0;
-    int common = 0;
-    for (std::uint64_t serial = 0; serial < 2 * rareWordEvery; ++serial) {
-        const auto name = makeFileName(NameStyle::source, serial, serial, random);
-        rare += name.contains(rareWord) ? 1 : 0;
-        common += name.contains(commonWord) ? 1 : 0;
-    }
-    QCOMPARE(rare, 2);
-    QVERIFY(common > 4000);
-    QVERIFY(common < 12'000);
-}
-
-void tst_BenchmarkTrees::aFinishedTreeIsUsedAgain()
-{
-    const TreeRequest request{ .files = 30, .seed = 20 };
-    const auto tree = make(request, directory());
-    write(tree / "put here later", "");
-    QCOMPARE(make(request, directory()), tree);
-    QVERIFY(fs::exists(tree / "put here later"));
-}
-
-void tst_BenchmarkTrees::aTreeWithAnotherStampIsNotTaken()
-{
-    const TreeRequest request{ .files = 30, .seed = 21 };
-    const auto tree = make(request, directory());
-    write(tree.string() + ".stamp", "quillbrook benchmark tree of some other making\n");
-    QVERIFY(!ensureTree(makePlan(request), directory()));
-    QVERIFY(fs::exists(tree));
-}
-
-void tst_BenchmarkTrees::anUnfinishedTreeIsMadeAnew()
-{
-    const TreeRequest request{ .files = 30, .seed = 22 };
-    const auto tree = make(request, directory());
-    fs::rename(tree.string() + ".stamp", tree.string() + ".unfinished");
-    write(tree / "left over", "");
-    QCOMPARE(make(request, directory()), tree);
-    QVERIFY(!fs::exists(tree / "left over"));
-    QVERIFY(fs::exists(tree.string() + ".stamp"));
-    QVERIFY(!fs::exists(tree.string() + ".unfinished"));
-}
-
-void tst_BenchmarkTrees::aFolderInTheWayIsNotTouched()
-{
-    const TreeRequest request{ .files = 30, .seed = 23 };
-    const auto tree = directory() / folderName(request);
-    fs::create_directory(tree);
-    write(tree / "somebody's", "");
-    // A file of that ending that this program did not write is no mark.
-    write(tree.string() + ".unfinished", "my own notes\n");
-    QVERIFY(!ensureTree(makePlan(request), directory()));
-    QVERIFY(fs::exists(tree / "somebody's"));
-}
-
-void tst_BenchmarkTrees::removalTakesOnlyMarkedTrees()
-{
-    const TempTree own;
-    const fs::path place = own.path();
-    const auto tree = make({ .files = 30 }, place);
-    const auto chain = make({ .kind = TreeKind::deep, .files = 3000 }, place);
-    fs::create_directory(place / "holiday");
-    write(place / "holiday/picture", "");
-    write(place / "holiday.stamp", "sent on Tuesday\n");
-    const auto removed = removeTrees(place);
-    QVERIFY(removed.has_value());
-    QCOMPARE(*removed, 2);
-    QVERIFY(!fs::exists(tree));
-    QVERIFY(!fs::exists(chain));
-    QVERIFY(!fs::exists(tree.string() + ".stamp"));
-    QVERIFY(fs::exists(place / "holiday/picture"));
-    QVERIFY(fs::exists(place / "holiday.stamp"));
-}
-
-void tst_BenchmarkTrees::theBareWalkSeesEveryEntry_data()
-{
-    QTest::addColumn<int>("threads");
-    QTest::newRow("one thread") << 1;
-    QTest::newRow("two threads") << 2;
-    QTest::newRow("more threads than folders") << 200;
-}
-
-void tst_BenchmarkTrees::theBareWalkSeesEveryEntry()
-{
-    QFETCH(const int, threads);
-    const auto tree = make({ .files = 600, .seed = 30 }, directory());
-    struct stat root = {};
-    QCOMPARE(::stat(tree.c_str(), &root), 0);
-    std::uint64_t blocks = 0;
-    std::uint64_t folders = 1;
-    std::uint64_t files = 0;
-    for (const auto &entry : fs::recursive_directory_iterator(tree)) {
-        struct stat status = {};
-        ::lstat(entry.path().c_str(), &status);
-        blocks += static_cast<std::uint64_t>(status.st_blocks);
-        ++(S_ISDIR(status.st_mode) ? folders : files);
-    }
-    const auto walked = bareWalk(tree.string(), threads);
-    QCOMPARE(walked.folders, folders);
-    QCOMPARE(walked.files, files);
-    QCOMPARE(walked.blocks, blocks);
-    QCOMPARE(walked.failures, std::uint64_t(0));
-}
-
-QTEST_GUILESS_MAIN(tst_BenchmarkTrees)
+QUILLBROOK_SUITE(TestBenchmarkTrees, QCoreApplication)
 #include "tst_BenchmarkTrees.moc"

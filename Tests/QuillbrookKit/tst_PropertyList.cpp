@@ -1,6 +1,7 @@
 #include "PropertyList.h"
 #include "PropertyListBounds.h"
 #include "Support/PropertyListBytes.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -177,5 +178,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestPropertyList)
+QUILLBROOK_SUITE(TestPropertyList, NoApplication)
 #include "tst_PropertyList.moc"

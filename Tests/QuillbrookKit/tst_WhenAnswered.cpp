@@ -1,3 +1,4 @@
+#include "Support/Suite.h"
 #include "WhenAnswered.h"
 
 #include <QPromise>
@@ -83,5 +84,5 @@ private:
     std::optional<int> m_taken;
 };
 
-QTEST_GUILESS_MAIN(TestWhenAnswered)
+QUILLBROOK_SUITE(TestWhenAnswered, QCoreApplication)
 #include "tst_WhenAnswered.moc"

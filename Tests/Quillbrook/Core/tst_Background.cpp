@@ -1,5 +1,6 @@
 #include "Core/Background.h"
 #include "Support/FakeServices.h"
+#include "Support/Suite.h"
 
 #include <QPromise>
 #include <QRegularExpression>
@@ -275,5 +276,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBackground)
+QUILLBROOK_SUITE(TestBackground, QCoreApplication)
 #include "tst_Background.moc"

@@ -1,6 +1,7 @@
 #include "Core/AppModel.h"
 #include "Support/FakeServices.h"
 #include "Support/FolderHold.h"
+#include "Support/Suite.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
@@ -103,561 +104,530 @@ class TestScanDriver : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsIdleWithTheRealHomeFolder();
-    void startsNeitherScanNorTimer();
-    void scanBeginsAtOnce();
-    void scanEndsReadyWithTheTree();
-    void startOfScanIsWholeBeforeAnyoneIsTold();
-    void endOfScanIsWholeBeforeAnyoneIsTold();
-    void oldTreeIsTakenApartOffTheMainThread();
-    void endedScanLetsItsScratchGo();
-    void shortScanDoesNotWaitForThePoll();
-    void finishedScanRefreshesTheVolume();
-    void quietScanStaysOutOfProtectedFolders();
-    void completeScanOpensEverything();
-    void scopeStaysWhenNoneIsGiven();
-    void scanDuringScanIsDropped();
-    void automaticScanHappensOncePerRun();
-    void automaticFirstScanAfterARescanIsDropped();
-    void rescanKeepsTheOldTreeUntilItsEnd();
-    void everyScanStartRaisesTheTreeGeneration();
-    void scanUsesTheRootOfItsStart();
-    void missingRootEndsReadyWithAnUnreadableRoot();
-    void cancelBeforeTheFirstTreeIsIdle();
-    void cancelDropsALateResult();
-    void cancelDuringARescanKeepsTheOldTree();
-    void cancelWithoutAScanChangesNothing();
-    void scanAfterACancelWaitsForTheOldOne();
-    void manyQuickScansEndWithTheLast();
-    void tickerTellsTheCounts();
-    void tickerDoesNothingWithoutAScan();
-    void tickerRunsOnlyDuringAScan();
-    void barStallsWhereTheQuickStageFoundLittle();
-    void barNeverMovesBackwards();
-    void damagedFileCountIsNone();
-    void destroyedModelEndsItsScan();
-    void modelDestroyedBeforeTheWalkReadsNothing();
-};
-
-void TestScanDriver::startsIdleWithTheRealHomeFolder()
-{
-    Fixture fixture;
-    fixture.home.home = u"/home/someone/.var/app/sandbox"_s;
-    const AppModel model(fixture.services);
-    QVERIFY(model.scans().phase() == Phase{});
-    QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
-    QVERIFY(!model.scans().tree());
-    QCOMPARE(model.scans().rootNode(), -1);
-    QCOMPARE(model.navigation().focus(), -1);
-    QVERIFY(model.navigation().breadcrumb().isEmpty());
-    QVERIFY(model.navigation().breadcrumbNames().isEmpty());
-    QVERIFY(!model.navigation().selection());
-    QVERIFY(model.scans().scope() == Scope::quiet);
-    QVERIFY(!model.navigation().requestedPane());
-    QCOMPARE(model.scans().lastScanDuration(), 0.0);
-    QCOMPARE(model.scans().treeGeneration(), quint64(0));
-    QCOMPARE(model.scans().scannedFileCount(), qsizetype(0));
-    QCOMPARE(model.volume().menuBarTitle(), u"—"_s);
-}
-
-void TestScanDriver::startsNeitherScanNorTimer()
-{
-    Fixture fixture;
-    const AppModel model(fixture.services);
-    QCoreApplication::processEvents();
-    QCOMPARE(fixture.directories.sessionsMade(), 0);
-    for (const auto *timer : model.findChildren<QTimer *>())
-        QVERIFY(!timer->isActive());
-}
-
-void TestScanDriver::scanBeginsAtOnce()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
-    model.scans().scan({});
-    QVERIFY(isAt(model, Kind::scanning));
-    QCOMPARE(phases.count(), 1);
-    QCOMPARE(model.scans().treeGeneration(), quint64(1));
-    QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
-    QVERIFY(!model.scans().tree());
-    QTRY_VERIFY(isAt(model, Kind::ready));
-}
-
-void TestScanDriver::scanEndsReadyWithTheTree()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({ .scope = Scope::complete });
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(model.scans().tree());
-    QCOMPARE(model.scans().rootNode(), 0);
-    QCOMPARE(model.navigation().focus(), model.scans().rootNode());
-    QCOMPARE(model.navigation().breadcrumb(), QList<qint32>{ model.scans().rootNode() });
-    QCOMPARE(model.navigation().breadcrumbNames(), QStringList{ u"/home/someone"_s });
-    QCOMPARE(model.scans().tree()->size(model.scans().rootNode()), qint64(4096 + 8192 + 16384));
-    QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
-    QCOMPARE(fixture.defaults.integer(lastFileCountKey), std::optional<qint64>(3));
-    QVERIFY(model.scans().lastScanDuration() > 0);
-    QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
-    QCOMPARE(model.scans().scanProgress().detail(), QString());
-    QCOMPARE(model.scans().scanProgress().counts(), QString());
-}
-
-void TestScanDriver::startOfScanIsWholeBeforeAnyoneIsTold()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    model.navigation().setSelection(model.scans().tree()->snapshot(model.scans().rootNode()));
-    int told = 0;
-    const auto isWhole = [&] {
-        ++told;
-        QVERIFY(isAt(model, Kind::scanning));
-        QVERIFY(model.scans().scope() == Scope::complete);
-        QCOMPARE(model.scans().treeGeneration(), quint64(2));
-        QVERIFY(!model.navigation().selection());
-        QCOMPARE(model.navigation().focus(), -1);
-        QVERIFY(model.navigation().breadcrumb().isEmpty() && model.navigation().breadcrumbNames().isEmpty());
-    };
-    connect(&model.scans(), &ScanDriver::scopeChanged, this, isWhole);
-    connect(&model.navigation(), &Navigation::selectionChanged, this, isWhole);
-    connect(&model.navigation(), &Navigation::focusChanged, this, isWhole);
-    model.scans().scan({ .scope = Scope::complete });
-    QCOMPARE(told, 3);
-    model.scans().cancelScan();
-}
-
-void TestScanDriver::endOfScanIsWholeBeforeAnyoneIsTold()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    int told = 0;
-    connect(&model.scans(), &ScanDriver::treeChanged, this, [&] {
-        ++told;
-        QCOMPARE(model.navigation().focus(), model.scans().rootNode());
-        QCOMPARE(model.navigation().breadcrumbNames().size(), model.navigation().breadcrumb().size());
-        QVERIFY(isAt(model, Kind::ready));
-    });
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(told, 1);
-}
-
-void TestScanDriver::oldTreeIsTakenApartOffTheMainThread()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    // The calls at a scan's end still run on the main thread when the pool has let go of the old tree.
-    const std::weak_ptr oldTree = model.scans().tree();
-    bool isGone = false;
-    connect(&model.volume(), &VolumeFigures::volumeChanged, this, [&] {
-        QVERIFY(QThreadPool::globalInstance()->waitForDone(10'000));
-        isGone = oldTree.expired();
-    });
-    fixture.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(isGone);
-}
-
-void TestScanDriver::endedScanLetsItsScratchGo()
-{
-    Fixture fixture;
-    fixture.host.facts.protectedPaths = { u"/home/someone/Bilder"_s };
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    // A scan keeps what the host told it, without a copy, for as long as it keeps anything.
-    QTRY_VERIFY(fixture.host.facts.protectedPaths.isDetached());
-}
-
-void TestScanDriver::shortScanDoesNotWaitForThePoll()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    // The best of several, since the machine may be busy.
-    qint64 best = std::numeric_limits<qint64>::max();
-    for (int i = 0; i < 20 && best >= 200; ++i) {
-        QElapsedTimer sinceStart;
-        sinceStart.start();
-        QSignalSpy finished(&model.scans(), &ScanDriver::finished);
-        model.scans().scan({});
-        QVERIFY(finished.wait());
-        best = std::min(best, sinceStart.elapsed());
-    }
-    QVERIFY(best < 200);
-}
-
-void TestScanDriver::finishedScanRefreshesTheVolume()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    fixture.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.volume().liveFree(), qint64(2048));
-    QCOMPARE(model.volume().menuBarTitle(), u"2.0 KB"_s);
-}
-
-void TestScanDriver::quietScanStaysOutOfProtectedFolders()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({ .scope = Scope::quiet });
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(!fixture.wasOpened("/home/someone/Documents"));
-    QCOMPARE(namesAtTop(model), (QStringList{ u"Documents"_s, u"b.txt"_s, u"project"_s }));
-    const auto documents = model.scans().tree()->find(u"/home/someone/Documents"_s, model.scans().rootNode());
-    QCOMPARE(model.scans().tree()->size(documents), qint64(0));
-}
-
-void TestScanDriver::completeScanOpensEverything()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    const QSignalSpy scopes(&model.scans(), &ScanDriver::scopeChanged);
-    model.scans().scan({ .scope = Scope::complete });
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(model.scans().scope() == Scope::complete);
-    QCOMPARE(scopes.count(), 1);
-    QVERIFY(fixture.wasOpened("/home/someone/Documents"));
-    QVERIFY(fixture.wasOpened("/home/someone/project"));
-}
-
-void TestScanDriver::scopeStaysWhenNoneIsGiven()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({ .scope = Scope::complete });
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(model.scans().scope() == Scope::complete);
-    QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
-}
-
-void TestScanDriver::scanDuringScanIsDropped()
-{
-    Fixture fixture;
-    FolderHold hold(fixture.directories, "/home/someone");
-    AppModel model(fixture.services);
-    model.scans().scan({ .scope = Scope::quiet });
-    QTRY_VERIFY(hold.isHolding());
-    const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
-    model.scans().scan({});
-    model.scans().scan({ .scope = Scope::complete });
-    QVERIFY(model.scans().scope() == Scope::quiet);
-    QCOMPARE(model.scans().treeGeneration(), quint64(1));
-    QCOMPARE(phases.count(), 0);
-    hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(fixture.directories.sessionsMade(), 1);
-    QVERIFY(!fixture.wasOpened("/home/someone/Documents"));
-}
-
-void TestScanDriver::automaticScanHappensOncePerRun()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({ .scope = Scope::quiet, .automatic = true });
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    model.scans().scan({ .scope = Scope::quiet, .automatic = true });
-    QVERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.scans().treeGeneration(), quint64(1));
-    model.scans().scan({});
-    QVERIFY(isAt(model, Kind::scanning));
-    QTRY_VERIFY(isAt(model, Kind::ready));
-}
-
-void TestScanDriver::automaticFirstScanAfterARescanIsDropped()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({ .scope = Scope::complete });
-    model.scans().cancelScan();
-    model.scans().scan({ .scope = Scope::quiet, .automatic = true });
-    QVERIFY(isAt(model, Kind::idle));
-    QVERIFY(model.scans().scope() == Scope::complete);
-}
-
-void TestScanDriver::rescanKeepsTheOldTreeUntilItsEnd()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    const auto oldTree = model.scans().tree();
-    model.navigation().setSelection(oldTree->snapshot(model.scans().rootNode()));
-
-    FolderHold hold(fixture.directories, "/home/someone");
-    model.scans().scan({});
-    QTRY_VERIFY(hold.isHolding());
-    QCOMPARE(model.scans().tree(), oldTree);
-    QCOMPARE(model.scans().rootNode(), 0);
-    QCOMPARE(model.navigation().focus(), -1);
-    QVERIFY(model.navigation().breadcrumb().isEmpty());
-    QVERIFY(model.navigation().breadcrumbNames().isEmpty());
-    QVERIFY(!model.navigation().selection());
-
-    hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(model.scans().tree() != oldTree);
-    QCOMPARE(model.navigation().focus(), 0);
-}
-
-void TestScanDriver::everyScanStartRaisesTheTreeGeneration()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    for (quint64 generation = 1; generation <= 3; ++generation) {
-        model.scans().scan({});
-        QCOMPARE(model.scans().treeGeneration(), generation);
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        QCOMPARE(model.scans().treeGeneration(), generation);
-    }
-}
-
-void TestScanDriver::scanUsesTheRootOfItsStart()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    fixture.directories.folder("/caf\xE9", { FakeDirectories::aFile("a.txt", 4096) });
-    const QSignalSpy roots(&model.scans(), &ScanDriver::scanRootChanged);
-    model.scans().setScanRoot("/caf\xE9");
-    model.scans().setScanRoot("/caf\xE9");
-    QCOMPARE(roots.count(), 1);
-    model.scans().scan({});
-    model.scans().setScanRoot("/home/someone");
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.navigation().breadcrumbNames(), QStringList{ u"/caf\uFFFD"_s });
-    QCOMPARE(model.scans().scannedFileCount(), qsizetype(1));
-}
-
-void TestScanDriver::missingRootEndsReadyWithAnUnreadableRoot()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().setScanRoot("/nowhere");
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.scans().tree()->nodeCount(), qsizetype(1));
-    QVERIFY(contains(model.scans().tree()->nodeFlags(model.scans().rootNode()), FileTree::Flags::unreadable));
-    QCOMPARE(model.scans().scannedFileCount(), qsizetype(0));
-}
-
-void TestScanDriver::cancelBeforeTheFirstTreeIsIdle()
-{
-    Fixture fixture;
-    FolderHold hold(fixture.directories, "/home/someone");
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(hold.isHolding());
-    const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
-    model.scans().cancelScan();
-    QVERIFY(isAt(model, Kind::idle));
-    QCOMPARE(phases.count(), 1);
-    QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
-    QCOMPARE(model.scans().scanProgress().detail(), QString());
-    hold.release();
-}
-
-void TestScanDriver::cancelDropsALateResult()
-{
-    Fixture fixture;
-    FolderHold hold(fixture.directories, "/home/someone");
-    AppModel model(fixture.services);
-    const QSignalSpy trees(&model.scans(), &ScanDriver::treeChanged);
-    model.scans().scan({});
-    QTRY_VERIFY(hold.isHolding());
-    model.scans().cancelScan();
-    hold.release();
-    // A second scan comes to its end only after the first task has ended.
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(trees.count(), 1);
-    QCOMPARE(fixture.directories.sessionsMade(), 2);
-}
-
-void TestScanDriver::cancelDuringARescanKeepsTheOldTree()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    const auto oldTree = model.scans().tree();
-    FolderHold hold(fixture.directories, "/home/someone");
-    model.scans().scan({});
-    QTRY_VERIFY(hold.isHolding());
-    model.scans().cancelScan();
-    QVERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.scans().tree(), oldTree);
-    QCOMPARE(model.navigation().focus(), -1);
-    QVERIFY(model.navigation().breadcrumb().isEmpty());
-    hold.release();
-    settle();
-    QCOMPARE(model.scans().tree(), oldTree);
-    QCOMPARE(model.navigation().focus(), -1);
-}
-
-void TestScanDriver::cancelWithoutAScanChangesNothing()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
-    model.scans().cancelScan();
-    QVERIFY(isAt(model, Kind::idle));
-    model.scans().scan({});
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    model.scans().cancelScan();
-    QVERIFY(isAt(model, Kind::ready));
-    QCOMPARE(model.navigation().focus(), model.scans().rootNode());
-    QCOMPARE(phases.count(), 2);
-}
-
-void TestScanDriver::scanAfterACancelWaitsForTheOldOne()
-{
-    Fixture fixture;
-    FolderHold hold(fixture.directories, "/home/someone");
-    AppModel model(fixture.services);
-    model.scans().scan({});
-    QTRY_VERIFY(hold.isHolding());
-    model.scans().cancelScan();
-    model.scans().scan({});
-    // Long enough for the second scan to read the disk, if it did not wait.
-    QTest::qWait(300);
-    QCOMPARE(fixture.directories.sessionsMade(), 1);
-    QVERIFY(isAt(model, Kind::scanning));
-    QCOMPARE(model.scans().scanProgress().detail(), QString());
-    hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(fixture.directories.sessionsMade(), 2);
-}
-
-void TestScanDriver::manyQuickScansEndWithTheLast()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    const QSignalSpy trees(&model.scans(), &ScanDriver::treeChanged);
-    for (int i = 0; i < 200; ++i) {
-        model.scans().scan({});
-        for (int turn = 0; turn < i % 4; ++turn)
-            QCoreApplication::processEvents();
-        model.scans().cancelScan();
-    }
-    const auto finishedOnTheWay = trees.count();
-    model.scans().scan({ .scope = Scope::complete });
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QCOMPARE(trees.count(), finishedOnTheWay + 1);
-    QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
-}
-
-void TestScanDriver::tickerTellsTheCounts()
-{
-    HeldFixture fixture(1234);
-    AppModel model(fixture.services);
-    fixture.scanUntilHeld(model);
-    tick(model);
-    QCOMPARE(model.scans().scanProgress().counts(), u"1,234 files · 4.8 MB"_s);
-    QCOMPARE(model.scans().scanProgress().detail(), u"measuring the rest of the disk"_s);
-    fixture.hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-}
-
-void TestScanDriver::tickerDoesNothingWithoutAScan()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    tick(model);
-    QCOMPARE(model.scans().scanProgress().counts(), QString());
-    QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
-}
-
-void TestScanDriver::tickerRunsOnlyDuringAScan()
-{
-    Fixture fixture;
-    AppModel model(fixture.services);
-    const auto *ticker = model.findChild<QTimer *>(u"ticker"_s);
-    QCOMPARE(ticker->interval(), 1000);
-    model.scans().scan({});
-    QVERIFY(ticker->isActive());
-    QTRY_VERIFY(isAt(model, Kind::ready));
-    QVERIFY(!ticker->isActive());
-    model.scans().scan({});
-    QVERIFY(ticker->isActive());
-    model.scans().cancelScan();
-    QVERIFY(!ticker->isActive());
-}
-
-void TestScanDriver::barStallsWhereTheQuickStageFoundLittle()
-{
-    HeldFixture fixture(900);
-    fixture.defaults.setInteger(lastFileCountKey, 1001);
-    fixture.files.entries["/home/someone/.gradle/caches"] = {};
-    AppModel model(fixture.services);
-    fixture.scanUntilHeld(model);
-    tick(model);
-    QCOMPARE(model.scans().scanProgress().fraction(), 0.2);
-    fixture.hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-}
-
-void TestScanDriver::barNeverMovesBackwards()
-{
-    HeldFixture fixture(900);
-    fixture.defaults.setInteger(lastFileCountKey, 1001);
-    AppModel model(fixture.services);
-    fixture.scanUntilHeld(model);
-    tick(model);
-    const auto reached = 900.0 / 1001 * 0.59 + 0.4;
-    QCOMPARE(model.scans().scanProgress().fraction(), reached);
-    fixture.defaults.setInteger(lastFileCountKey, 1'000'000);
-    tick(model);
-    QCOMPARE(model.scans().scanProgress().fraction(), reached);
-    fixture.hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-}
-
-void TestScanDriver::damagedFileCountIsNone()
-{
-    HeldFixture fixture(900);
-    fixture.defaults.setTexts(lastFileCountKey, { u"many"_s });
-    AppModel model(fixture.services);
-    fixture.scanUntilHeld(model);
-    tick(model);
-    QVERIFY(model.scans().scanProgress().fraction() >= 0.4);
-    QVERIFY(model.scans().scanProgress().fraction() < 0.7);
-    fixture.hold.release();
-    QTRY_VERIFY(isAt(model, Kind::ready));
-}
-
-void TestScanDriver::destroyedModelEndsItsScan()
-{
-    Fixture fixture;
-    FolderHold hold(fixture.directories, "/home/someone");
-    auto model = std::make_unique<AppModel>(fixture.services);
-    model->scans().scan({});
-    QTRY_VERIFY(hold.isHolding());
-    // The walk ends only when its reader is let go, and the services it uses may go right after the model.
-    const std::jthread releasing([&] { hold.release(); });
-    model.reset();
-    QCOMPARE(fixture.directories.readersEnded(), fixture.directories.readersMade());
-    settle();
-}
-
-void TestScanDriver::modelDestroyedBeforeTheWalkReadsNothing()
-{
-    Fixture fixture;
+    void startsIdleWithTheRealHomeFolder()
     {
+        Fixture fixture;
+        fixture.home.home = u"/home/someone/.var/app/sandbox"_s;
+        const AppModel model(fixture.services);
+        QVERIFY(model.scans().phase() == Phase{});
+        QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
+        QVERIFY(!model.scans().tree());
+        QCOMPARE(model.scans().rootNode(), -1);
+        QCOMPARE(model.navigation().focus(), -1);
+        QVERIFY(model.navigation().breadcrumb().isEmpty());
+        QVERIFY(model.navigation().breadcrumbNames().isEmpty());
+        QVERIFY(!model.navigation().selection());
+        QVERIFY(model.scans().scope() == Scope::quiet);
+        QVERIFY(!model.navigation().requestedPane());
+        QCOMPARE(model.scans().lastScanDuration(), 0.0);
+        QCOMPARE(model.scans().treeGeneration(), quint64(0));
+        QCOMPARE(model.scans().scannedFileCount(), qsizetype(0));
+        QCOMPARE(model.volume().menuBarTitle(), u"—"_s);
+    }
+
+    void startsNeitherScanNorTimer()
+    {
+        Fixture fixture;
+        const AppModel model(fixture.services);
+        QCoreApplication::processEvents();
+        QCOMPARE(fixture.directories.sessionsMade(), 0);
+        for (const auto *timer : model.findChildren<QTimer *>())
+            QVERIFY(!timer->isActive());
+    }
+
+    void scanBeginsAtOnce()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
+        model.scans().scan({});
+        QVERIFY(isAt(model, Kind::scanning));
+        QCOMPARE(phases.count(), 1);
+        QCOMPARE(model.scans().treeGeneration(), quint64(1));
+        QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
+        QVERIFY(!model.scans().tree());
+        QTRY_VERIFY(isAt(model, Kind::ready));
+    }
+
+    void scanEndsReadyWithTheTree()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({ .scope = Scope::complete });
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(model.scans().tree());
+        QCOMPARE(model.scans().rootNode(), 0);
+        QCOMPARE(model.navigation().focus(), model.scans().rootNode());
+        QCOMPARE(model.navigation().breadcrumb(), QList<qint32>{ model.scans().rootNode() });
+        QCOMPARE(model.navigation().breadcrumbNames(), QStringList{ u"/home/someone"_s });
+        QCOMPARE(model.scans().tree()->size(model.scans().rootNode()), qint64(4096 + 8192 + 16384));
+        QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
+        QCOMPARE(fixture.defaults.integer(lastFileCountKey), std::optional<qint64>(3));
+        QVERIFY(model.scans().lastScanDuration() > 0);
+        QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
+        QCOMPARE(model.scans().scanProgress().detail(), QString());
+        QCOMPARE(model.scans().scanProgress().counts(), QString());
+    }
+
+    void startOfScanIsWholeBeforeAnyoneIsTold()
+    {
+        Fixture fixture;
         AppModel model(fixture.services);
         model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        model.navigation().setSelection(model.scans().tree()->snapshot(model.scans().rootNode()));
+        int told = 0;
+        const auto isWhole = [&] {
+            ++told;
+            QVERIFY(isAt(model, Kind::scanning));
+            QVERIFY(model.scans().scope() == Scope::complete);
+            QCOMPARE(model.scans().treeGeneration(), quint64(2));
+            QVERIFY(!model.navigation().selection());
+            QCOMPARE(model.navigation().focus(), -1);
+            QVERIFY(
+                model.navigation().breadcrumb().isEmpty() && model.navigation().breadcrumbNames().isEmpty());
+        };
+        connect(&model.scans(), &ScanDriver::scopeChanged, this, isWhole);
+        connect(&model.navigation(), &Navigation::selectionChanged, this, isWhole);
+        connect(&model.navigation(), &Navigation::focusChanged, this, isWhole);
+        model.scans().scan({ .scope = Scope::complete });
+        QCOMPARE(told, 3);
+        model.scans().cancelScan();
     }
-    settle();
-    QCOMPARE(fixture.directories.sessionsMade(), 0);
-}
 
-QTEST_GUILESS_MAIN(TestScanDriver)
+    void endOfScanIsWholeBeforeAnyoneIsTold()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        int told = 0;
+        connect(&model.scans(), &ScanDriver::treeChanged, this, [&] {
+            ++told;
+            QCOMPARE(model.navigation().focus(), model.scans().rootNode());
+            QCOMPARE(model.navigation().breadcrumbNames().size(), model.navigation().breadcrumb().size());
+            QVERIFY(isAt(model, Kind::ready));
+        });
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(told, 1);
+    }
+
+    void oldTreeIsTakenApartOffTheMainThread()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        // The calls at a scan's end still run on the main thread when the pool has let go of the old tree.
+        const std::weak_ptr oldTree = model.scans().tree();
+        bool isGone = false;
+        connect(&model.volume(), &VolumeFigures::volumeChanged, this, [&] {
+            QVERIFY(QThreadPool::globalInstance()->waitForDone(10'000));
+            isGone = oldTree.expired();
+        });
+        fixture.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(isGone);
+    }
+
+    void endedScanLetsItsScratchGo()
+    {
+        Fixture fixture;
+        fixture.host.facts.protectedPaths = { u"/home/someone/Bilder"_s };
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        // A scan keeps what the host told it, without a copy, for as long as it keeps anything.
+        QTRY_VERIFY(fixture.host.facts.protectedPaths.isDetached());
+    }
+
+    void shortScanDoesNotWaitForThePoll()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        // The best of several, since the machine may be busy.
+        qint64 best = std::numeric_limits<qint64>::max();
+        for (int i = 0; i < 20 && best >= 200; ++i) {
+            QElapsedTimer sinceStart;
+            sinceStart.start();
+            QSignalSpy finished(&model.scans(), &ScanDriver::finished);
+            model.scans().scan({});
+            QVERIFY(finished.wait());
+            best = std::min(best, sinceStart.elapsed());
+        }
+        QVERIFY(best < 200);
+    }
+
+    void finishedScanRefreshesTheVolume()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        fixture.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(model.volume().liveFree(), qint64(2048));
+        QCOMPARE(model.volume().menuBarTitle(), u"2.0 KB"_s);
+    }
+
+    void quietScanStaysOutOfProtectedFolders()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({ .scope = Scope::quiet });
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(!fixture.wasOpened("/home/someone/Documents"));
+        QCOMPARE(namesAtTop(model), (QStringList{ u"Documents"_s, u"b.txt"_s, u"project"_s }));
+        const auto documents
+            = model.scans().tree()->find(u"/home/someone/Documents"_s, model.scans().rootNode());
+        QCOMPARE(model.scans().tree()->size(documents), qint64(0));
+    }
+
+    void completeScanOpensEverything()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        const QSignalSpy scopes(&model.scans(), &ScanDriver::scopeChanged);
+        model.scans().scan({ .scope = Scope::complete });
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(model.scans().scope() == Scope::complete);
+        QCOMPARE(scopes.count(), 1);
+        QVERIFY(fixture.wasOpened("/home/someone/Documents"));
+        QVERIFY(fixture.wasOpened("/home/someone/project"));
+    }
+
+    void scopeStaysWhenNoneIsGiven()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({ .scope = Scope::complete });
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(model.scans().scope() == Scope::complete);
+        QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
+    }
+
+    void scanDuringScanIsDropped()
+    {
+        Fixture fixture;
+        FolderHold hold(fixture.directories, "/home/someone");
+        AppModel model(fixture.services);
+        model.scans().scan({ .scope = Scope::quiet });
+        QTRY_VERIFY(hold.isHolding());
+        const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
+        model.scans().scan({});
+        model.scans().scan({ .scope = Scope::complete });
+        QVERIFY(model.scans().scope() == Scope::quiet);
+        QCOMPARE(model.scans().treeGeneration(), quint64(1));
+        QCOMPARE(phases.count(), 0);
+        hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(fixture.directories.sessionsMade(), 1);
+        QVERIFY(!fixture.wasOpened("/home/someone/Documents"));
+    }
+
+    void automaticScanHappensOncePerRun()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({ .scope = Scope::quiet, .automatic = true });
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        model.scans().scan({ .scope = Scope::quiet, .automatic = true });
+        QVERIFY(isAt(model, Kind::ready));
+        QCOMPARE(model.scans().treeGeneration(), quint64(1));
+        model.scans().scan({});
+        QVERIFY(isAt(model, Kind::scanning));
+        QTRY_VERIFY(isAt(model, Kind::ready));
+    }
+
+    void automaticFirstScanAfterARescanIsDropped()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({ .scope = Scope::complete });
+        model.scans().cancelScan();
+        model.scans().scan({ .scope = Scope::quiet, .automatic = true });
+        QVERIFY(isAt(model, Kind::idle));
+        QVERIFY(model.scans().scope() == Scope::complete);
+    }
+
+    void rescanKeepsTheOldTreeUntilItsEnd()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        const auto oldTree = model.scans().tree();
+        model.navigation().setSelection(oldTree->snapshot(model.scans().rootNode()));
+
+        FolderHold hold(fixture.directories, "/home/someone");
+        model.scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        QCOMPARE(model.scans().tree(), oldTree);
+        QCOMPARE(model.scans().rootNode(), 0);
+        QCOMPARE(model.navigation().focus(), -1);
+        QVERIFY(model.navigation().breadcrumb().isEmpty());
+        QVERIFY(model.navigation().breadcrumbNames().isEmpty());
+        QVERIFY(!model.navigation().selection());
+
+        hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(model.scans().tree() != oldTree);
+        QCOMPARE(model.navigation().focus(), 0);
+    }
+
+    void everyScanStartRaisesTheTreeGeneration()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        for (quint64 generation = 1; generation <= 3; ++generation) {
+            model.scans().scan({});
+            QCOMPARE(model.scans().treeGeneration(), generation);
+            QTRY_VERIFY(isAt(model, Kind::ready));
+            QCOMPARE(model.scans().treeGeneration(), generation);
+        }
+    }
+
+    void scanUsesTheRootOfItsStart()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        fixture.directories.folder("/caf\xE9", { FakeDirectories::aFile("a.txt", 4096) });
+        const QSignalSpy roots(&model.scans(), &ScanDriver::scanRootChanged);
+        model.scans().setScanRoot("/caf\xE9");
+        model.scans().setScanRoot("/caf\xE9");
+        QCOMPARE(roots.count(), 1);
+        model.scans().scan({});
+        model.scans().setScanRoot("/home/someone");
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(model.navigation().breadcrumbNames(), QStringList{ u"/caf\uFFFD"_s });
+        QCOMPARE(model.scans().scannedFileCount(), qsizetype(1));
+    }
+
+    void missingRootEndsReadyWithAnUnreadableRoot()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().setScanRoot("/nowhere");
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(model.scans().tree()->nodeCount(), qsizetype(1));
+        QVERIFY(
+            contains(model.scans().tree()->nodeFlags(model.scans().rootNode()), FileTree::Flags::unreadable));
+        QCOMPARE(model.scans().scannedFileCount(), qsizetype(0));
+    }
+
+    void cancelBeforeTheFirstTreeIsIdle()
+    {
+        Fixture fixture;
+        FolderHold hold(fixture.directories, "/home/someone");
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
+        model.scans().cancelScan();
+        QVERIFY(isAt(model, Kind::idle));
+        QCOMPARE(phases.count(), 1);
+        QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
+        QCOMPARE(model.scans().scanProgress().detail(), QString());
+        hold.release();
+    }
+
+    void cancelDropsALateResult()
+    {
+        Fixture fixture;
+        FolderHold hold(fixture.directories, "/home/someone");
+        AppModel model(fixture.services);
+        const QSignalSpy trees(&model.scans(), &ScanDriver::treeChanged);
+        model.scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        model.scans().cancelScan();
+        hold.release();
+        // A second scan comes to its end only after the first task has ended.
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(trees.count(), 1);
+        QCOMPARE(fixture.directories.sessionsMade(), 2);
+    }
+
+    void cancelDuringARescanKeepsTheOldTree()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        const auto oldTree = model.scans().tree();
+        FolderHold hold(fixture.directories, "/home/someone");
+        model.scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        model.scans().cancelScan();
+        QVERIFY(isAt(model, Kind::ready));
+        QCOMPARE(model.scans().tree(), oldTree);
+        QCOMPARE(model.navigation().focus(), -1);
+        QVERIFY(model.navigation().breadcrumb().isEmpty());
+        hold.release();
+        settle();
+        QCOMPARE(model.scans().tree(), oldTree);
+        QCOMPARE(model.navigation().focus(), -1);
+    }
+
+    void cancelWithoutAScanChangesNothing()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
+        model.scans().cancelScan();
+        QVERIFY(isAt(model, Kind::idle));
+        model.scans().scan({});
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        model.scans().cancelScan();
+        QVERIFY(isAt(model, Kind::ready));
+        QCOMPARE(model.navigation().focus(), model.scans().rootNode());
+        QCOMPARE(phases.count(), 2);
+    }
+
+    void scanAfterACancelWaitsForTheOldOne()
+    {
+        Fixture fixture;
+        FolderHold hold(fixture.directories, "/home/someone");
+        AppModel model(fixture.services);
+        model.scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        model.scans().cancelScan();
+        model.scans().scan({});
+        // Long enough for the second scan to read the disk, if it did not wait.
+        QTest::qWait(300);
+        QCOMPARE(fixture.directories.sessionsMade(), 1);
+        QVERIFY(isAt(model, Kind::scanning));
+        QCOMPARE(model.scans().scanProgress().detail(), QString());
+        hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(fixture.directories.sessionsMade(), 2);
+    }
+
+    void manyQuickScansEndWithTheLast()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        const QSignalSpy trees(&model.scans(), &ScanDriver::treeChanged);
+        for (int i = 0; i < 200; ++i) {
+            model.scans().scan({});
+            for (int turn = 0; turn < i % 4; ++turn)
+                QCoreApplication::processEvents();
+            model.scans().cancelScan();
+        }
+        const auto finishedOnTheWay = trees.count();
+        model.scans().scan({ .scope = Scope::complete });
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QCOMPARE(trees.count(), finishedOnTheWay + 1);
+        QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
+    }
+
+    void tickerTellsTheCounts()
+    {
+        HeldFixture fixture(1234);
+        AppModel model(fixture.services);
+        fixture.scanUntilHeld(model);
+        tick(model);
+        QCOMPARE(model.scans().scanProgress().counts(), u"1,234 files · 4.8 MB"_s);
+        QCOMPARE(model.scans().scanProgress().detail(), u"measuring the rest of the disk"_s);
+        fixture.hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+    }
+
+    void tickerDoesNothingWithoutAScan()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        tick(model);
+        QCOMPARE(model.scans().scanProgress().counts(), QString());
+        QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
+    }
+
+    void tickerRunsOnlyDuringAScan()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        const auto *ticker = model.findChild<QTimer *>(u"ticker"_s);
+        QCOMPARE(ticker->interval(), 1000);
+        model.scans().scan({});
+        QVERIFY(ticker->isActive());
+        QTRY_VERIFY(isAt(model, Kind::ready));
+        QVERIFY(!ticker->isActive());
+        model.scans().scan({});
+        QVERIFY(ticker->isActive());
+        model.scans().cancelScan();
+        QVERIFY(!ticker->isActive());
+    }
+
+    void barStallsWhereTheQuickStageFoundLittle()
+    {
+        HeldFixture fixture(900);
+        fixture.defaults.setInteger(lastFileCountKey, 1001);
+        fixture.files.entries["/home/someone/.gradle/caches"] = {};
+        AppModel model(fixture.services);
+        fixture.scanUntilHeld(model);
+        tick(model);
+        QCOMPARE(model.scans().scanProgress().fraction(), 0.2);
+        fixture.hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+    }
+
+    void barNeverMovesBackwards()
+    {
+        HeldFixture fixture(900);
+        fixture.defaults.setInteger(lastFileCountKey, 1001);
+        AppModel model(fixture.services);
+        fixture.scanUntilHeld(model);
+        tick(model);
+        const auto reached = 900.0 / 1001 * 0.59 + 0.4;
+        QCOMPARE(model.scans().scanProgress().fraction(), reached);
+        fixture.defaults.setInteger(lastFileCountKey, 1'000'000);
+        tick(model);
+        QCOMPARE(model.scans().scanProgress().fraction(), reached);
+        fixture.hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+    }
+
+    void damagedFileCountIsNone()
+    {
+        HeldFixture fixture(900);
+        fixture.defaults.setTexts(lastFileCountKey, { u"many"_s });
+        AppModel model(fixture.services);
+        fixture.scanUntilHeld(model);
+        tick(model);
+        QVERIFY(model.scans().scanProgress().fraction() >= 0.4);
+        QVERIFY(model.scans().scanProgress().fraction() < 0.7);
+        fixture.hold.release();
+        QTRY_VERIFY(isAt(model, Kind::ready));
+    }
+
+    void destroyedModelEndsItsScan()
+    {
+        Fixture fixture;
+        FolderHold hold(fixture.directories, "/home/someone");
+        auto model = std::make_unique<AppModel>(fixture.services);
+        model->scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        // The walk ends only when its reader is let go, and the services it uses may go right after the
+        // model.
+        const std::jthread releasing([&] { hold.release(); });
+        model.reset();
+        QCOMPARE(fixture.directories.readersEnded(), fixture.directories.readersMade());
+        settle();
+    }
+
+    void modelDestroyedBeforeTheWalkReadsNothing()
+    {
+        Fixture fixture;
+        {
+            AppModel model(fixture.services);
+            model.scans().scan({});
+        }
+        settle();
+        QCOMPARE(fixture.directories.sessionsMade(), 0);
+    }
+};
+
+QUILLBROOK_SUITE(TestScanDriver, QCoreApplication)
 #include "tst_ScanDriver.moc"

@@ -1,4 +1,5 @@
 #include "Automation/WatcherSettingsFormat.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -65,5 +66,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestWatcherSettingsFormat)
+QUILLBROOK_SUITE(TestWatcherSettingsFormat, NoApplication)
 #include "tst_WatcherSettingsFormat.moc"

@@ -1,5 +1,6 @@
 #include "Catalogue/StorageCatalogue.h"
 #include "Support/MadeUpHome.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -183,5 +184,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestEvaluate)
+QUILLBROOK_SUITE(TestEvaluate, NoApplication)
 #include "tst_Evaluate.moc"

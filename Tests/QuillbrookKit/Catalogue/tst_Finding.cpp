@@ -1,4 +1,5 @@
 #include "Catalogue/Finding.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -100,5 +101,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestFinding)
+QUILLBROOK_SUITE(TestFinding, NoApplication)
 #include "tst_Finding.moc"

@@ -1,5 +1,6 @@
 #include "Catalogue/StorageCatalogue.h"
 #include "Support/MadeUpHome.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -169,5 +170,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestHostCatalogue)
+QUILLBROOK_SUITE(TestHostCatalogue, NoApplication)
 #include "tst_HostCatalogue.moc"

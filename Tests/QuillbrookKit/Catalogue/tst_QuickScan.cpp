@@ -2,6 +2,7 @@
 #include "Support/FakeDirectories.h"
 #include "Support/FolderHold.h"
 #include "Support/MadeUpHome.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -390,5 +391,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestQuickScan)
+QUILLBROOK_SUITE(TestQuickScan, QCoreApplication)
 #include "tst_QuickScan.moc"

@@ -1,5 +1,6 @@
 #include "Catalogue/ReclaimReport.h"
 #include "Support/EndsProcess.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -90,5 +91,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestReclaimReport)
+QUILLBROOK_SUITE(TestReclaimReport, NoApplication)
 #include "tst_ReclaimReport.moc"

@@ -1,5 +1,6 @@
 #include "Catalogue/HostKnowledge.h"
 #include "Catalogue/ScanFences.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -18,49 +19,44 @@ HostFacts someHost()
 
 } // namespace
 
-class ScanFencesTest : public QObject
+class TestScanFences : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void completeScanKeepsOutOfWhatNoScanMeasures();
-    void quietScanKeepsOutOfProtectedPathsToo();
-    void quietScanEntersWhatEitherTableNames();
-    void hostWithNothingToAddLeavesTheBuiltInTables();
+    void completeScanKeepsOutOfWhatNoScanMeasures()
+    {
+        const auto fences = ScanFences::complete();
+        QCOMPARE(fences.exclusions, FastScanner::defaultExclusions());
+        QVERIFY(fences.skipping.isEmpty());
+        QVERIFY(fences.allowlist.isEmpty());
+    }
+
+    void quietScanKeepsOutOfProtectedPathsToo()
+    {
+        const auto fences = ScanFences::quiet(home, someHost());
+        const auto expected = FastScanner::tccProtectedPaths(home) + QSet<QString>{ home + u"/Bilder"_s };
+        QCOMPARE(fences.skipping, expected);
+        QCOMPARE(fences.exclusions, FastScanner::defaultExclusions() + expected);
+    }
+
+    void quietScanEntersWhatEitherTableNames()
+    {
+        const auto builtIn = FastScanner::quietAllowlist(home);
+        const auto fences = ScanFences::quiet(home, someHost());
+        QCOMPARE(fences.allowlist.value(home), builtIn.value(home) + QSet<QString>{ u".cache"_s });
+        QVERIFY(fences.allowlist.value(home + u"/.local"_s).contains(u"share"_s));
+        for (auto row = builtIn.cbegin(); row != builtIn.cend(); ++row)
+            QVERIFY(fences.allowlist.value(row.key()).contains(row.value()));
+    }
+
+    void hostWithNothingToAddLeavesTheBuiltInTables()
+    {
+        const auto fences = ScanFences::quiet(home, {});
+        QCOMPARE(fences.skipping, FastScanner::tccProtectedPaths(home));
+        QCOMPARE(fences.allowlist, FastScanner::quietAllowlist(home));
+    }
 };
 
-void ScanFencesTest::completeScanKeepsOutOfWhatNoScanMeasures()
-{
-    const auto fences = ScanFences::complete();
-    QCOMPARE(fences.exclusions, FastScanner::defaultExclusions());
-    QVERIFY(fences.skipping.isEmpty());
-    QVERIFY(fences.allowlist.isEmpty());
-}
-
-void ScanFencesTest::quietScanKeepsOutOfProtectedPathsToo()
-{
-    const auto fences = ScanFences::quiet(home, someHost());
-    const auto expected = FastScanner::tccProtectedPaths(home) + QSet<QString>{ home + u"/Bilder"_s };
-    QCOMPARE(fences.skipping, expected);
-    QCOMPARE(fences.exclusions, FastScanner::defaultExclusions() + expected);
-}
-
-void ScanFencesTest::quietScanEntersWhatEitherTableNames()
-{
-    const auto builtIn = FastScanner::quietAllowlist(home);
-    const auto fences = ScanFences::quiet(home, someHost());
-    QCOMPARE(fences.allowlist.value(home), builtIn.value(home) + QSet<QString>{ u".cache"_s });
-    QVERIFY(fences.allowlist.value(home + u"/.local"_s).contains(u"share"_s));
-    for (auto row = builtIn.cbegin(); row != builtIn.cend(); ++row)
-        QVERIFY(fences.allowlist.value(row.key()).contains(row.value()));
-}
-
-void ScanFencesTest::hostWithNothingToAddLeavesTheBuiltInTables()
-{
-    const auto fences = ScanFences::quiet(home, {});
-    QCOMPARE(fences.skipping, FastScanner::tccProtectedPaths(home));
-    QCOMPARE(fences.allowlist, FastScanner::quietAllowlist(home));
-}
-
-QTEST_GUILESS_MAIN(ScanFencesTest)
+QUILLBROOK_SUITE(TestScanFences, QCoreApplication)
 #include "tst_ScanFences.moc"

@@ -2,6 +2,7 @@
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/PropertyListBytes.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QFile>
@@ -126,5 +127,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestSimulators)
+QUILLBROOK_SUITE(TestSimulators, NoApplication)
 #include "tst_Simulators.moc"

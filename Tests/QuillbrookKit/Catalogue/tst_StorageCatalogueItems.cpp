@@ -3,6 +3,7 @@
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Support/MadeUpHome.h"
 #include "Support/PropertyListBytes.h"
+#include "Support/Suite.h"
 
 #include <QFile>
 #include <QTest>
@@ -363,5 +364,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestStorageCatalogueItems)
+QUILLBROOK_SUITE(TestStorageCatalogueItems, QCoreApplication)
 #include "tst_StorageCatalogueItems.moc"

@@ -1,5 +1,6 @@
 #include "Catalogue/StorageCatalogue.h"
 #include "Support/RuleListing.h"
+#include "Support/Suite.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -92,5 +93,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestStorageCatalogueRules)
+QUILLBROOK_SUITE(TestStorageCatalogueRules, NoApplication)
 #include "tst_StorageCatalogueRules.moc"

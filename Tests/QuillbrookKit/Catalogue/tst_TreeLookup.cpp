@@ -1,5 +1,6 @@
 #include "Catalogue/TreeLookup.h"
 #include "RawText.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -92,5 +93,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestTreeLookup)
+QUILLBROOK_SUITE(TestTreeLookup, NoApplication)
 #include "tst_TreeLookup.moc"

@@ -1,4 +1,5 @@
 #include "Removal/LedgerFormat.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -290,5 +291,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLedgerFormat)
+QUILLBROOK_SUITE(TestLedgerFormat, QCoreApplication)
 #include "tst_LedgerFormat.moc"

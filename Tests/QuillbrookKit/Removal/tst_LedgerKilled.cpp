@@ -4,6 +4,7 @@
 #include "Removal/LedgerFormat.h"
 #include "Removal/TrashLedger.h"
 #include "Support/FakeTrash.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QDir>
@@ -117,5 +118,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLedgerKilled)
+QUILLBROOK_SUITE(TestLedgerKilled, QCoreApplication)
 #include "tst_LedgerKilled.moc"

@@ -5,6 +5,7 @@
 #include "Removal/TrashLedger.h"
 #include "Support/FakeTrash.h"
 #include "Support/SmallDisk.h"
+#include "Support/Suite.h"
 
 #include <QDir>
 #include <QTest>
@@ -140,12 +141,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    whyNotPermitted = PrivateMounts::enter();
-    QCoreApplication application(argc, argv);
-    TestLedgerOnFullDisk test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestLedgerOnFullDisk, QCoreApplication, [] { whyNotPermitted = PrivateMounts::enter(); })
 #include "tst_LedgerOnFullDisk.moc"

@@ -3,6 +3,7 @@
 #include "Removal/Reclaimer.h"
 #include "Support/FakeClock.h"
 #include "Support/FakeTrash.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -306,5 +307,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestReclaimer)
+QUILLBROOK_SUITE(TestReclaimer, QCoreApplication)
 #include "tst_Reclaimer.moc"

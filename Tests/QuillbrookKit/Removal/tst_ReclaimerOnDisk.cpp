@@ -8,6 +8,7 @@
 #include "Removal/Reclaimer.h"
 #include "Removal/TrashLedger.h"
 #include "Support/RootGivenUp.h"
+#include "Support/Suite.h"
 #include "Support/TrashFixture.h"
 
 #include <QTest>
@@ -380,14 +381,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    // Rights that a folder takes away mean nothing to root.
-    if (!giveUpRoot())
-        qFatal("root can't be given up");
-    QCoreApplication application(argc, argv);
-    TestReclaimerOnDisk test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestReclaimerOnDisk, QCoreApplication, giveUpRoot)
 #include "tst_ReclaimerOnDisk.moc"

@@ -7,6 +7,7 @@
 #include "Removal/Reclaimer.h"
 #include "Removal/TrashLedger.h"
 #include "Support/SmallDisk.h"
+#include "Support/Suite.h"
 #include "Support/TrashFixture.h"
 
 #include <QTest>
@@ -116,12 +117,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    whyNotPermitted = PrivateMounts::enter();
-    QCoreApplication application(argc, argv);
-    TestReclaimerOnFullDisk test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestReclaimerOnFullDisk, QCoreApplication, [] { whyNotPermitted = PrivateMounts::enter(); })
 #include "tst_ReclaimerOnFullDisk.moc"

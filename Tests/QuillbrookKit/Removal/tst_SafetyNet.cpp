@@ -1,6 +1,7 @@
 #include "Platform/BackupProbe.h"
 #include "Removal/SafetyNet.h"
 #include "Support/FakeProcessRunner.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -121,5 +122,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSafetyNet)
+QUILLBROOK_SUITE(TestSafetyNet, QCoreApplication)
 #include "tst_SafetyNet.moc"

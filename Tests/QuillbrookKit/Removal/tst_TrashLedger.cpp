@@ -2,6 +2,7 @@
 #include "Removal/TrashLedger.h"
 #include "Support/FakeTrash.h"
 #include "Support/MemoryFiles.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -405,5 +406,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestTrashLedger)
+QUILLBROOK_SUITE(TestTrashLedger, QCoreApplication)
 #include "tst_TrashLedger.moc"

@@ -1,4 +1,5 @@
 #include "Scan/WholeDays.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -94,5 +95,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestWholeDays)
+QUILLBROOK_SUITE(TestWholeDays, NoApplication)
 #include "tst_WholeDays.moc"

@@ -1,6 +1,7 @@
 #include "Screens/Lists/LargestState.h"
 #include "Screens/Lists/SearchState.h"
 #include "Support/ScannedHome.h"
+#include "Support/Suite.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -48,212 +49,195 @@ struct Fixture : ScannedHome
 
 } // namespace
 
-class NodeTableTest : public QObject
+class TestNodeTable : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rowTellsNameSizeAndPath();
-    void biggestFilesComeFirstAndFoldersNotAtAll();
-    void biggestFilesAreTakenWhenTheListAppears();
-    void biggestFilesAreTakenAgainFromANewTree();
-    void newTreeCostsOneFetchOnly();
-    void hiddenListFetchesNothing();
-    void biggestFilesStopAtTwoHundred();
-    void emptyListSaysSo();
-    void searchRunsWhenTheTextChanges();
-    void searchNeedsTwoCharacters();
-    void searchStopsAtThreeHundred();
-    void searchTextIsTheModels();
-    void selectingARowMakesItTheSelection();
-    void selectedRowFollowsTheSelection();
-    void revealShowsTheRawPath();
-    void rowOfAnOlderTreeKeepsItsOwnPath();
-    void rowsOutsideDoNothing();
+    void rowTellsNameSizeAndPath()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        QCOMPARE(Fixture::value(fixture.largest, 0, Role::name), "film.mp4");
+        QCOMPARE(Fixture::value(fixture.largest, 0, Role::size), "80.0 MB");
+        QCOMPARE(Fixture::value(fixture.largest, 0, Role::path), "~/Videos/film.mp4");
+    }
+
+    void biggestFilesComeFirstAndFoldersNotAtAll()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        const QStringList expected{ "film.mp4", "scene.glb", "model.bin", "notes.txt", "lab.txt" };
+        QCOMPARE(Fixture::names(fixture.largest), expected);
+    }
+
+    void biggestFilesAreTakenWhenTheListAppears()
+    {
+        Fixture fixture;
+        fixture.largest.setShown(true);
+        QCOMPARE(fixture.largest.rows()->rowCount(), 0);
+        fixture.scan();
+        QCOMPARE(fixture.largest.rows()->rowCount(), 5);
+    }
+
+    void biggestFilesAreTakenAgainFromANewTree()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        fixture.addFile("new.iso", 500);
+        fixture.scan();
+        QCOMPARE(Fixture::names(fixture.largest).value(0), "new.iso");
+    }
+
+    void newTreeCostsOneFetchOnly()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        fixture.addFile("new.iso", 500);
+        const auto before = fixture.largest.fetches;
+        fixture.scan();
+        QCOMPARE(fixture.largest.fetches, before + 1);
+    }
+
+    void hiddenListFetchesNothing()
+    {
+        Fixture fixture;
+        fixture.scan();
+        QCOMPARE(fixture.largest.rows()->rowCount(), 0);
+        fixture.largest.setShown(true);
+        fixture.largest.setShown(false);
+        fixture.addFile("new.iso", 500);
+        fixture.scan();
+        QVERIFY(!Fixture::names(fixture.largest).contains("new.iso"));
+        fixture.largest.setShown(true);
+        QVERIFY(Fixture::names(fixture.largest).contains("new.iso"));
+    }
+
+    void biggestFilesStopAtTwoHundred()
+    {
+        Fixture fixture;
+        for (int i = 0; i < 250; ++i)
+            fixture.addFile("file" + std::to_string(i) + ".dat", 1);
+        fixture.scan();
+        fixture.largest.setShown(true);
+        QCOMPARE(fixture.largest.rows()->rowCount(), 200);
+    }
+
+    void emptyListSaysSo()
+    {
+        Fixture fixture;
+        QCOMPARE(fixture.largest.emptyMessage(), "No files found.");
+        QCOMPARE(fixture.search.emptyMessage(), "Type at least two characters.");
+        fixture.search.setText("nothing like it");
+        QCOMPARE(fixture.search.emptyMessage(), "No files found.");
+    }
+
+    void searchRunsWhenTheTextChanges()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.search.setShown(true);
+        fixture.search.setText("RENDER");
+        QCOMPARE(Fixture::names(fixture.search), QStringList{ "renderer" });
+        fixture.search.setText("txt");
+        const QStringList expected{ "notes.txt", "lab.txt" };
+        QCOMPARE(Fixture::names(fixture.search), expected);
+    }
+
+    void searchNeedsTwoCharacters()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.search.setShown(true);
+        fixture.search.setText("tx");
+        QCOMPARE(fixture.search.rows()->rowCount(), 2);
+        fixture.search.setText("t");
+        QCOMPARE(fixture.search.rows()->rowCount(), 0);
+    }
+
+    void searchStopsAtThreeHundred()
+    {
+        Fixture fixture;
+        for (int i = 0; i < 350; ++i)
+            fixture.addFile("file" + std::to_string(i) + ".dat", 1);
+        fixture.scan();
+        fixture.search.setShown(true);
+        fixture.search.setText("file");
+        QCOMPARE(fixture.search.rows()->rowCount(), 300);
+    }
+
+    void searchTextIsTheModels()
+    {
+        Fixture fixture;
+        QSignalSpy changes(&fixture.search, &SearchState::textChanged);
+        fixture.search.setText("lab");
+        QCOMPARE(fixture.model.navigation().searchText(), "lab");
+        fixture.model.navigation().setSearchText("film");
+        QCOMPARE(fixture.search.text(), "film");
+        QCOMPARE(changes.count(), 2);
+    }
+
+    void selectingARowMakesItTheSelection()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        fixture.largest.select(4);
+        QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("lab.txt"));
+    }
+
+    void selectedRowFollowsTheSelection()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        QCOMPARE(fixture.largest.selectedRow(), -1);
+        fixture.model.navigation().setSelection(fixture.snapshot("Projects/notes.txt"));
+        QCOMPARE(fixture.largest.selectedRow(), 3);
+        fixture.model.navigation().setSelection(fixture.snapshot("Projects"));
+        QCOMPARE(fixture.largest.selectedRow(), -1);
+    }
+
+    void revealShowsTheRawPath()
+    {
+        Fixture fixture;
+        fixture.addFile("odd\xFF.iso", 900);
+        fixture.scan();
+        fixture.largest.setShown(true);
+        fixture.largest.reveal(0);
+        QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
+    }
+
+    void rowOfAnOlderTreeKeepsItsOwnPath()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        fixture.largest.setShown(false);
+        // A larger file comes first in the new tree, so that the old node numbers mean other items.
+        fixture.addFile("Videos/another.mp4", 900);
+        fixture.scan();
+        fixture.largest.reveal(0);
+        QCOMPARE(
+            fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("Videos/film.mp4") });
+    }
+
+    void rowsOutsideDoNothing()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.largest.setShown(true);
+        fixture.largest.select(-1);
+        fixture.largest.select(5);
+        fixture.largest.reveal(5);
+        QVERIFY(!fixture.model.navigation().selection());
+        QVERIFY(fixture.desktop.revealer.revealed.empty());
+    }
 };
 
-void NodeTableTest::rowTellsNameSizeAndPath()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    QCOMPARE(Fixture::value(fixture.largest, 0, Role::name), "film.mp4");
-    QCOMPARE(Fixture::value(fixture.largest, 0, Role::size), "80.0 MB");
-    QCOMPARE(Fixture::value(fixture.largest, 0, Role::path), "~/Videos/film.mp4");
-}
-
-void NodeTableTest::biggestFilesComeFirstAndFoldersNotAtAll()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    const QStringList expected{ "film.mp4", "scene.glb", "model.bin", "notes.txt", "lab.txt" };
-    QCOMPARE(Fixture::names(fixture.largest), expected);
-}
-
-void NodeTableTest::biggestFilesAreTakenWhenTheListAppears()
-{
-    Fixture fixture;
-    fixture.largest.setShown(true);
-    QCOMPARE(fixture.largest.rows()->rowCount(), 0);
-    fixture.scan();
-    QCOMPARE(fixture.largest.rows()->rowCount(), 5);
-}
-
-void NodeTableTest::biggestFilesAreTakenAgainFromANewTree()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    fixture.addFile("new.iso", 500);
-    fixture.scan();
-    QCOMPARE(Fixture::names(fixture.largest).value(0), "new.iso");
-}
-
-void NodeTableTest::newTreeCostsOneFetchOnly()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    fixture.addFile("new.iso", 500);
-    const auto before = fixture.largest.fetches;
-    fixture.scan();
-    QCOMPARE(fixture.largest.fetches, before + 1);
-}
-
-void NodeTableTest::hiddenListFetchesNothing()
-{
-    Fixture fixture;
-    fixture.scan();
-    QCOMPARE(fixture.largest.rows()->rowCount(), 0);
-    fixture.largest.setShown(true);
-    fixture.largest.setShown(false);
-    fixture.addFile("new.iso", 500);
-    fixture.scan();
-    QVERIFY(!Fixture::names(fixture.largest).contains("new.iso"));
-    fixture.largest.setShown(true);
-    QVERIFY(Fixture::names(fixture.largest).contains("new.iso"));
-}
-
-void NodeTableTest::biggestFilesStopAtTwoHundred()
-{
-    Fixture fixture;
-    for (int i = 0; i < 250; ++i)
-        fixture.addFile("file" + std::to_string(i) + ".dat", 1);
-    fixture.scan();
-    fixture.largest.setShown(true);
-    QCOMPARE(fixture.largest.rows()->rowCount(), 200);
-}
-
-void NodeTableTest::emptyListSaysSo()
-{
-    Fixture fixture;
-    QCOMPARE(fixture.largest.emptyMessage(), "No files found.");
-    QCOMPARE(fixture.search.emptyMessage(), "Type at least two characters.");
-    fixture.search.setText("nothing like it");
-    QCOMPARE(fixture.search.emptyMessage(), "No files found.");
-}
-
-void NodeTableTest::searchRunsWhenTheTextChanges()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.search.setShown(true);
-    fixture.search.setText("RENDER");
-    QCOMPARE(Fixture::names(fixture.search), QStringList{ "renderer" });
-    fixture.search.setText("txt");
-    const QStringList expected{ "notes.txt", "lab.txt" };
-    QCOMPARE(Fixture::names(fixture.search), expected);
-}
-
-void NodeTableTest::searchNeedsTwoCharacters()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.search.setShown(true);
-    fixture.search.setText("tx");
-    QCOMPARE(fixture.search.rows()->rowCount(), 2);
-    fixture.search.setText("t");
-    QCOMPARE(fixture.search.rows()->rowCount(), 0);
-}
-
-void NodeTableTest::searchStopsAtThreeHundred()
-{
-    Fixture fixture;
-    for (int i = 0; i < 350; ++i)
-        fixture.addFile("file" + std::to_string(i) + ".dat", 1);
-    fixture.scan();
-    fixture.search.setShown(true);
-    fixture.search.setText("file");
-    QCOMPARE(fixture.search.rows()->rowCount(), 300);
-}
-
-void NodeTableTest::searchTextIsTheModels()
-{
-    Fixture fixture;
-    QSignalSpy changes(&fixture.search, &SearchState::textChanged);
-    fixture.search.setText("lab");
-    QCOMPARE(fixture.model.navigation().searchText(), "lab");
-    fixture.model.navigation().setSearchText("film");
-    QCOMPARE(fixture.search.text(), "film");
-    QCOMPARE(changes.count(), 2);
-}
-
-void NodeTableTest::selectingARowMakesItTheSelection()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    fixture.largest.select(4);
-    QCOMPARE(fixture.model.navigation().selection(), fixture.snapshot("lab.txt"));
-}
-
-void NodeTableTest::selectedRowFollowsTheSelection()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    QCOMPARE(fixture.largest.selectedRow(), -1);
-    fixture.model.navigation().setSelection(fixture.snapshot("Projects/notes.txt"));
-    QCOMPARE(fixture.largest.selectedRow(), 3);
-    fixture.model.navigation().setSelection(fixture.snapshot("Projects"));
-    QCOMPARE(fixture.largest.selectedRow(), -1);
-}
-
-void NodeTableTest::revealShowsTheRawPath()
-{
-    Fixture fixture;
-    fixture.addFile("odd\xFF.iso", 900);
-    fixture.scan();
-    fixture.largest.setShown(true);
-    fixture.largest.reveal(0);
-    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("odd\xFF.iso") });
-}
-
-void NodeTableTest::rowOfAnOlderTreeKeepsItsOwnPath()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    fixture.largest.setShown(false);
-    // A larger file comes first in the new tree, so that the old node numbers mean other items.
-    fixture.addFile("Videos/another.mp4", 900);
-    fixture.scan();
-    fixture.largest.reveal(0);
-    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ fixture.path("Videos/film.mp4") });
-}
-
-void NodeTableTest::rowsOutsideDoNothing()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.largest.setShown(true);
-    fixture.largest.select(-1);
-    fixture.largest.select(5);
-    fixture.largest.reveal(5);
-    QVERIFY(!fixture.model.navigation().selection());
-    QVERIFY(fixture.desktop.revealer.revealed.empty());
-}
-
-QTEST_GUILESS_MAIN(NodeTableTest)
+QUILLBROOK_SUITE(TestNodeTable, QCoreApplication)
 #include "tst_NodeTable.moc"

@@ -1,4 +1,5 @@
 #include "Screens/Scanning/ArrivingFindingsModel.h"
+#include "Support/Suite.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -33,68 +34,62 @@ struct Fixture
 
 } // namespace
 
-class ArrivingFindingsModelTest : public QObject
+class TestArrivingFindingsModel : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rowTellsTitleAndSize();
-    void newFindingsArePutInWhereTheyBelong();
-    void sameFindingsChangeNothing();
-    void newScanBeginsAnew();
-    void otherFindingsReplaceThese();
+    void rowTellsTitleAndSize()
+    {
+        Fixture fixture;
+        fixture.model.setFindings({ finding("a", 1536) });
+        const auto row = fixture.model.index(0);
+        QCOMPARE(row.data(int(ArrivingFindingsModel::Role::title)).toString(), u"Title of a"_s);
+        QCOMPARE(row.data(int(ArrivingFindingsModel::Role::size)).toString(), u"1.5 KB"_s);
+        QCOMPARE(fixture.model.index(1).data(int(ArrivingFindingsModel::Role::size)), QVariant());
+    }
+
+    void newFindingsArePutInWhereTheyBelong()
+    {
+        Fixture fixture;
+        fixture.model.setFindings({ finding("d", 4), finding("b", 2) });
+        const auto resets = fixture.resets.count();
+        fixture.inserts.clear();
+        fixture.model.setFindings(
+            { finding("e", 5), finding("d", 4), finding("c", 3), finding("b", 2), finding("a", 1) });
+        QCOMPARE(fixture.titles(), QStringList({ "e", "d", "c", "b", "a" }));
+        QCOMPARE(fixture.resets.count(), resets);
+        QCOMPARE(fixture.inserts.count(), 3);
+    }
+
+    void sameFindingsChangeNothing()
+    {
+        Fixture fixture;
+        fixture.model.setFindings({ finding("a", 1) });
+        fixture.inserts.clear();
+        fixture.model.setFindings({ finding("a", 1) });
+        QCOMPARE(fixture.inserts.count(), 0);
+        QCOMPARE(fixture.resets.count(), 0);
+    }
+
+    void newScanBeginsAnew()
+    {
+        Fixture fixture;
+        fixture.model.setFindings({ finding("a", 1) });
+        fixture.model.setFindings({});
+        QCOMPARE(fixture.model.rowCount(), 0);
+    }
+
+    void otherFindingsReplaceThese()
+    {
+        Fixture fixture;
+        fixture.model.setFindings({ finding("a", 2), finding("b", 1) });
+        fixture.model.setFindings({ finding("b", 3), finding("a", 2) });
+        QCOMPARE(fixture.titles(), QStringList({ "b", "a" }));
+        fixture.model.setFindings({ finding("c", 1) });
+        QCOMPARE(fixture.titles(), QStringList({ "c" }));
+    }
 };
 
-void ArrivingFindingsModelTest::rowTellsTitleAndSize()
-{
-    Fixture fixture;
-    fixture.model.setFindings({ finding("a", 1536) });
-    const auto row = fixture.model.index(0);
-    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::title)).toString(), u"Title of a"_s);
-    QCOMPARE(row.data(int(ArrivingFindingsModel::Role::size)).toString(), u"1.5 KB"_s);
-    QCOMPARE(fixture.model.index(1).data(int(ArrivingFindingsModel::Role::size)), QVariant());
-}
-
-void ArrivingFindingsModelTest::newFindingsArePutInWhereTheyBelong()
-{
-    Fixture fixture;
-    fixture.model.setFindings({ finding("d", 4), finding("b", 2) });
-    const auto resets = fixture.resets.count();
-    fixture.inserts.clear();
-    fixture.model.setFindings(
-        { finding("e", 5), finding("d", 4), finding("c", 3), finding("b", 2), finding("a", 1) });
-    QCOMPARE(fixture.titles(), QStringList({ "e", "d", "c", "b", "a" }));
-    QCOMPARE(fixture.resets.count(), resets);
-    QCOMPARE(fixture.inserts.count(), 3);
-}
-
-void ArrivingFindingsModelTest::sameFindingsChangeNothing()
-{
-    Fixture fixture;
-    fixture.model.setFindings({ finding("a", 1) });
-    fixture.inserts.clear();
-    fixture.model.setFindings({ finding("a", 1) });
-    QCOMPARE(fixture.inserts.count(), 0);
-    QCOMPARE(fixture.resets.count(), 0);
-}
-
-void ArrivingFindingsModelTest::newScanBeginsAnew()
-{
-    Fixture fixture;
-    fixture.model.setFindings({ finding("a", 1) });
-    fixture.model.setFindings({});
-    QCOMPARE(fixture.model.rowCount(), 0);
-}
-
-void ArrivingFindingsModelTest::otherFindingsReplaceThese()
-{
-    Fixture fixture;
-    fixture.model.setFindings({ finding("a", 2), finding("b", 1) });
-    fixture.model.setFindings({ finding("b", 3), finding("a", 2) });
-    QCOMPARE(fixture.titles(), QStringList({ "b", "a" }));
-    fixture.model.setFindings({ finding("c", 1) });
-    QCOMPARE(fixture.titles(), QStringList({ "c" }));
-}
-
-QTEST_GUILESS_MAIN(ArrivingFindingsModelTest)
+QUILLBROOK_SUITE(TestArrivingFindingsModel, QCoreApplication)
 #include "tst_ArrivingFindingsModel.moc"

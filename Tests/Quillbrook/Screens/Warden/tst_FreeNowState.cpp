@@ -1,5 +1,6 @@
 #include "Screens/Warden/FreeNowState.h"
 #include "Support/HomeOnDisk.h"
+#include "Support/Suite.h"
 
 #include <QSignalSpy>
 
@@ -23,53 +24,48 @@ struct Fixture : HomeOnDisk
 
 } // namespace
 
-class FreeNowStateTest : public QObject
+class TestFreeNowState : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksNothingAtFirst();
-    void asksWhatToDoWithWhatHasJustGone();
-    void freeingRemovesIt();
-    void keepingLeavesItInTheTrash();
+    void asksNothingAtFirst()
+    {
+        const HomeOnDisk home;
+        FreeNowState offer(*home.model);
+        QVERIFY(!offer.asked());
+        QCOMPARE(offer.title(), QString());
+        offer.free();
+        QCOMPARE(home.model->scans().phase().kind, Phase::Kind::idle);
+    }
+
+    void asksWhatToDoWithWhatHasJustGone()
+    {
+        const Fixture fixture;
+        QVERIFY(fixture.offer.asked());
+        QCOMPARE(fixture.offer.title(), u"Moved 4.0 KB to the Trash. Free the space now?"_s);
+    }
+
+    void freeingRemovesIt()
+    {
+        Fixture fixture;
+        QSignalSpy changes(&fixture.offer, &FreeNowState::changed);
+        fixture.offer.free();
+        QVERIFY(!fixture.offer.asked());
+        QCOMPARE(changes.count(), 1);
+        QVERIFY(!fixture.isTrashed("log"));
+        fixture.settled();
+    }
+
+    void keepingLeavesItInTheTrash()
+    {
+        Fixture fixture;
+        fixture.offer.keep();
+        QVERIFY(!fixture.offer.asked());
+        QVERIFY(fixture.isTrashed("log"));
+        QCOMPARE(fixture.model->reclaims().ledger().pendingCount(), qsizetype(1));
+    }
 };
 
-void FreeNowStateTest::asksNothingAtFirst()
-{
-    const HomeOnDisk home;
-    FreeNowState offer(*home.model);
-    QVERIFY(!offer.asked());
-    QCOMPARE(offer.title(), QString());
-    offer.free();
-    QCOMPARE(home.model->scans().phase().kind, Phase::Kind::idle);
-}
-
-void FreeNowStateTest::asksWhatToDoWithWhatHasJustGone()
-{
-    const Fixture fixture;
-    QVERIFY(fixture.offer.asked());
-    QCOMPARE(fixture.offer.title(), u"Moved 4.0 KB to the Trash. Free the space now?"_s);
-}
-
-void FreeNowStateTest::freeingRemovesIt()
-{
-    Fixture fixture;
-    QSignalSpy changes(&fixture.offer, &FreeNowState::changed);
-    fixture.offer.free();
-    QVERIFY(!fixture.offer.asked());
-    QCOMPARE(changes.count(), 1);
-    QVERIFY(!fixture.isTrashed("log"));
-    fixture.settled();
-}
-
-void FreeNowStateTest::keepingLeavesItInTheTrash()
-{
-    Fixture fixture;
-    fixture.offer.keep();
-    QVERIFY(!fixture.offer.asked());
-    QVERIFY(fixture.isTrashed("log"));
-    QCOMPARE(fixture.model->reclaims().ledger().pendingCount(), qsizetype(1));
-}
-
-QTEST_GUILESS_MAIN(FreeNowStateTest)
+QUILLBROOK_SUITE(TestFreeNowState, QCoreApplication)
 #include "tst_FreeNowState.moc"

@@ -1,5 +1,6 @@
 #include "Screens/Theme.h"
 #include "Screens/Warden/WardenRows.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -61,317 +62,297 @@ struct Fixture
 
 } // namespace
 
-class WardenRowsTest : public QObject
+class TestWardenRows : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingWithoutAReport();
-    void offerStandsFirst();
-    void bannersStandInTheirOrder();
-    void missingBackupIsToldOnlyWhenKnown();
-    void verificationIsGoodFromNineTenths_data();
-    void verificationIsGoodFromNineTenths();
-    void pendingTrashTellsHowMuchOfOurs();
-    void sectionsGoBySafetyAndHaveOnlyWhatIsThere();
-    void headingTellsClassSumAndColour();
-    void shownOnlySectionSaysThatNothingIsPicked();
-    void linkDoesNotCountInTheSum();
-    void findingTellsAllAboutItself();
-    void unknownDatesAreSaidToBe();
-    void findingThatIsNotOldEnoughIsNotShown();
-    void whatCannotBePickedHasNoTick_data();
-    void whatCannotBePickedHasNoTick();
-    void linkSaysWhereItLives();
-    void cardsAreRoundAtTheirEnds();
-    void logComesLast();
-    void defaultsAreTheSafeOnesAlone();
-    void staleIdsAreIgnored();
-    void linesAreCalledByTheirWords();
+    void nothingWithoutAReport()
+    {
+        Fixture fixture;
+        fixture.report.reset();
+        QVERIFY(fixture.rows().isEmpty());
+        QVERIFY(WardenRows::actionable(fixture.report).isEmpty());
+        QVERIFY(WardenRows::defaultSelection(fixture.report).isEmpty());
+    }
+
+    void offerStandsFirst()
+    {
+        Fixture fixture;
+        fixture.offers = true;
+        fixture.report->findings = { finding("a", Safety::safe, 1) };
+        QCOMPARE(fixture.kinds(), QList<Kind>({ Kind::Banner, Kind::Heading, Kind::Finding }));
+    }
+
+    void bannersStandInTheirOrder()
+    {
+        Fixture fixture;
+        fixture.safetyNet = SafetyNet{};
+        fixture.verification = Verification{};
+        fixture.pending = { .count = 1, .bytes = 1 };
+        fixture.offers = true;
+        QStringList ids;
+        for (const auto &row : fixture.rows())
+            ids.append(row.id);
+        QCOMPARE(ids, QStringList({ "safetyNet", "verification", "pendingTrash", "completeScan" }));
+    }
+
+    void missingBackupIsToldOnlyWhenKnown()
+    {
+        Fixture fixture;
+        QVERIFY(fixture.rows().isEmpty());
+        fixture.safetyNet = SafetyNet{ .localSnapshotCount = 1 };
+        QVERIFY(fixture.rows().isEmpty());
+        fixture.safetyNet = SafetyNet{ .hasTimeMachineDestination = true };
+        QVERIFY(fixture.rows().isEmpty());
+        fixture.safetyNet = SafetyNet{};
+        const auto row = fixture.rows().value(0);
+        QCOMPARE(row.title, u"This Mac has no backup"_s);
+        QCOMPARE(row.what,
+            u"No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
+            "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On "
+            "a modern Mac, no recovery tool can bring it back."_s);
+        QVERIFY(row.tinted);
+        QCOMPARE(row.action, QString());
+    }
+
+    void verificationIsGoodFromNineTenths_data()
+    {
+        QTest::addColumn<qint64>("claimed");
+        QTest::addColumn<qint64>("before");
+        QTest::addColumn<qint64>("after");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("text");
+        const QString barely
+            = " Either it is still in the Trash, or something else wrote to the disk at the same time — a "
+              "build running in the background will do it. Rescan to see the current picture.";
+        QTest::newRow("exactly nine tenths")
+            << qint64(1000) << qint64(100) << qint64(1000) << "900 B actually freed"
+            << "Free space went 100 B → 1000 B. Measured, not estimated.";
+        QTest::newRow("just below") << qint64(1000) << qint64(100) << qint64(999)
+                                    << "Removed 1000 B, but free space barely moved"
+                                    << "Free space went 100 B → 999 B." + barely;
+        QTest::newRow("more than claimed")
+            << qint64(1000) << qint64(0) << qint64(2048) << "2.0 KB actually freed"
+            << "Free space went 0 B → 2.0 KB. Measured, not estimated.";
+        QTest::newRow("less free than before")
+            << qint64(10) << qint64(500) << qint64(400) << "Removed 10 B, but free space barely moved"
+            << "Free space went 500 B → 400 B." + barely;
+        QTest::newRow("nothing claimed")
+            << qint64(0) << qint64(100) << qint64(200) << "Removed 0 B, but free space barely moved"
+            << "Free space went 100 B → 200 B." + barely;
+    }
+
+    void verificationIsGoodFromNineTenths()
+    {
+        QFETCH(qint64, claimed);
+        QFETCH(qint64, before);
+        QFETCH(qint64, after);
+        QFETCH(QString, title);
+        QFETCH(QString, text);
+        Fixture fixture;
+        fixture.verification
+            = Verification{ .claimedBytes = claimed, .freeBefore = before, .freeAfter = after };
+        const auto row = fixture.rows().value(0);
+        QCOMPARE(row.title, title);
+        QCOMPARE(row.what, text);
+        QCOMPARE(row.action, u"Dismiss"_s);
+        QCOMPARE(row.tone, fixture.verification->isGood() ? Theme::safe() : Theme::careful());
+    }
+
+    void pendingTrashTellsHowMuchOfOurs()
+    {
+        Fixture fixture;
+        fixture.pending = { .count = 12, .bytes = 3584 };
+        const auto row = fixture.rows().value(0);
+        QCOMPARE(row.title, u"3.5 KB is in the Trash, still taking up space"_s);
+        QCOMPARE(row.what,
+            u"The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
+            "will remove only the 12 items it moved — never anything else you have thrown away."_s);
+        QCOMPARE(row.action, u"Finish removing"_s);
+    }
+
+    void sectionsGoBySafetyAndHaveOnlyWhatIsThere()
+    {
+        Fixture fixture;
+        fixture.report->findings
+            = { finding("kept", Safety::reportOnly, 9), finding("costly", Safety::careful, 5),
+                  finding("free", Safety::safe, 2), finding("freer", Safety::safe, 1) };
+        QStringList titles;
+        for (const auto &row : fixture.rows())
+            titles.append(row.title);
+        QCOMPARE(titles,
+            QStringList({ "Safe to remove", "Title of free", "Title of freer", "Worth a thought",
+                "Title of costly", "Never suggested", "Title of kept" }));
+
+        fixture.report->findings = { finding("costly", Safety::careful, 5) };
+        QCOMPARE(fixture.kinds(), QList<Kind>({ Kind::Heading, Kind::Finding }));
+    }
+
+    void headingTellsClassSumAndColour()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::careful, 2),
+            finding("c", Safety::safe, 2), finding("d", Safety::reportOnly, 1) };
+        const auto rows = fixture.rows();
+        QCOMPARE(rows.at(0).size, u"5.0 KB"_s);
+        QCOMPARE(rows.at(0).note, QString());
+        QCOMPARE(rows.at(0).tone, Theme::safe());
+        QCOMPARE(rows.at(3).tone, Theme::careful());
+        QCOMPARE(rows.at(5).tone, Theme::label());
+    }
+
+    void shownOnlySectionSaysThatNothingIsPicked()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::reportOnly, 3) };
+        QCOMPARE(fixture.rows().first().note, u"· Quillbrook never picks these"_s);
+    }
+
+    void linkDoesNotCountInTheSum()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::safe, 2) };
+        fixture.report->findings[0].redirectedOffVolume = true;
+        QCOMPARE(fixture.rows().first().size, u"2.0 KB"_s);
+    }
+
+    void findingTellsAllAboutItself()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3) };
+        fixture.chosen = { "a" };
+        fixture.pathShown = { "a" };
+        const WardenRow expected{ .kind = Kind::Finding,
+            .id = "a",
+            .title = "Title of a",
+            .size = "3.0 KB",
+            .ages = "Created over a year ago · last used yesterday",
+            .what = "What it is.",
+            .regenerates = "How it comes back.",
+            .path = "~/.cache/a",
+            .selectable = true,
+            .ticked = true,
+            .pathShown = true,
+            .first = true,
+            .last = true };
+        QCOMPARE(fixture.rows().at(1), expected);
+    }
+
+    void unknownDatesAreSaidToBe()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3) };
+        fixture.report->findings[0].created.reset();
+        fixture.report->findings[0].lastModified.reset();
+        QCOMPARE(fixture.rows().at(1).ages, u"Created unknown · last used unknown"_s);
+    }
+
+    void findingThatIsNotOldEnoughIsNotShown()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::careful, 3) };
+        fixture.report->findings[0].meetsStalenessForDeletion = false;
+        QVERIFY(fixture.rows().isEmpty());
+        QVERIFY(WardenRows::actionable(fixture.report).isEmpty());
+    }
+
+    void whatCannotBePickedHasNoTick_data()
+    {
+        QTest::addColumn<int>("safety");
+        QTest::addColumn<bool>("isLink");
+        QTest::addColumn<bool>("selectable");
+        QTest::newRow("safe") << int(Safety::safe) << false << true;
+        QTest::newRow("careful") << int(Safety::careful) << false << true;
+        QTest::newRow("shown only") << int(Safety::reportOnly) << false << false;
+        QTest::newRow("a link") << int(Safety::safe) << true << false;
+        QTest::newRow("a link that is shown only") << int(Safety::reportOnly) << true << false;
+    }
+
+    void whatCannotBePickedHasNoTick()
+    {
+        QFETCH(int, safety);
+        QFETCH(bool, isLink);
+        QFETCH(bool, selectable);
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety(safety), 3) };
+        fixture.report->findings[0].redirectedOffVolume = isLink;
+        fixture.chosen = { "a" };
+        QCOMPARE(fixture.rows().at(1).selectable, selectable);
+        QCOMPARE(fixture.rows().at(1).ticked, selectable);
+        QCOMPARE(WardenRows::actionable(fixture.report).size(), selectable ? 1 : 0);
+    }
+
+    void linkSaysWhereItLives()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3) };
+        QCOMPARE(fixture.rows().at(1).note, QString());
+        fixture.report->findings[0].redirectedOffVolume = true;
+        QCOMPARE(fixture.rows().at(1).note,
+            u"This folder actually lives on another drive, so clearing it frees nothing here."_s);
+    }
+
+    void cardsAreRoundAtTheirEnds()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::safe, 2),
+            finding("c", Safety::safe, 1), finding("d", Safety::careful, 1) };
+        QList<std::pair<bool, bool>> ends;
+        for (const auto &row : fixture.rows())
+            if (row.kind == Kind::Finding)
+                ends.append({ row.first, row.last });
+        QCOMPARE(ends,
+            (QList<std::pair<bool, bool>>{
+                { true, false }, { false, false }, { false, true }, { true, true } }));
+    }
+
+    void logComesLast()
+    {
+        Fixture fixture;
+        fixture.log = { "✓ first", "✗ second\nline" };
+        fixture.report->findings = { finding("a", Safety::safe, 3) };
+        QCOMPARE(fixture.kinds(),
+            QList<Kind>({ Kind::Heading, Kind::Finding, Kind::LogHeading, Kind::LogLine, Kind::LogLine }));
+        QCOMPARE(fixture.rows().at(2).title.toUpper(), u"ACTIVITY"_s);
+        QCOMPARE(fixture.rows().at(3).title, u"✓ first"_s);
+        QCOMPARE(fixture.rows().at(4).title, u"✗ second line"_s);
+    }
+
+    void defaultsAreTheSafeOnesAlone()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::careful, 2),
+            finding("c", Safety::reportOnly, 1), finding("d", Safety::safe, 1) };
+        fixture.report->findings[3].redirectedOffVolume = true;
+        QCOMPARE(WardenRows::defaultSelection(fixture.report), QSet<QString>{ "a" });
+    }
+
+    void staleIdsAreIgnored()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3) };
+        fixture.chosen = { "gone" };
+        fixture.pathShown = { "gone" };
+        QVERIFY(!fixture.rows().at(1).ticked);
+        QVERIFY(!fixture.rows().at(1).pathShown);
+    }
+
+    void linesAreCalledByTheirWords()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::reportOnly, 2) };
+        fixture.report->findings[0].redirectedOffVolume = true;
+        fixture.log = { "✓ done" };
+        QStringList spoken;
+        for (const auto &row : fixture.rows())
+            spoken.append(row.spoken());
+        QCOMPARE(spoken,
+            QStringList({ "Safe to remove, 0 B", "Title of a, 3.0 KB",
+                "Never suggested, 2.0 KB, · Quillbrook never picks these", "Title of b, 2.0 KB", "Activity",
+                "✓ done" }));
+    }
 };
 
-void WardenRowsTest::nothingWithoutAReport()
-{
-    Fixture fixture;
-    fixture.report.reset();
-    QVERIFY(fixture.rows().isEmpty());
-    QVERIFY(WardenRows::actionable(fixture.report).isEmpty());
-    QVERIFY(WardenRows::defaultSelection(fixture.report).isEmpty());
-}
-
-void WardenRowsTest::offerStandsFirst()
-{
-    Fixture fixture;
-    fixture.offers = true;
-    fixture.report->findings = { finding("a", Safety::safe, 1) };
-    QCOMPARE(fixture.kinds(), QList<Kind>({ Kind::Banner, Kind::Heading, Kind::Finding }));
-}
-
-void WardenRowsTest::bannersStandInTheirOrder()
-{
-    Fixture fixture;
-    fixture.safetyNet = SafetyNet{};
-    fixture.verification = Verification{};
-    fixture.pending = { .count = 1, .bytes = 1 };
-    fixture.offers = true;
-    QStringList ids;
-    for (const auto &row : fixture.rows())
-        ids.append(row.id);
-    QCOMPARE(ids, QStringList({ "safetyNet", "verification", "pendingTrash", "completeScan" }));
-}
-
-void WardenRowsTest::missingBackupIsToldOnlyWhenKnown()
-{
-    Fixture fixture;
-    QVERIFY(fixture.rows().isEmpty());
-    fixture.safetyNet = SafetyNet{ .localSnapshotCount = 1 };
-    QVERIFY(fixture.rows().isEmpty());
-    fixture.safetyNet = SafetyNet{ .hasTimeMachineDestination = true };
-    QVERIFY(fixture.rows().isEmpty());
-    fixture.safetyNet = SafetyNet{};
-    const auto row = fixture.rows().value(0);
-    QCOMPARE(row.title, u"This Mac has no backup"_s);
-    QCOMPARE(row.what,
-        u"No Time Machine destination and no local snapshots. Everything Quillbrook removes goes to the "
-        "Trash and can be put back from there — but once the Trash is emptied it is gone for good. On "
-        "a modern Mac, no recovery tool can bring it back."_s);
-    QVERIFY(row.tinted);
-    QCOMPARE(row.action, QString());
-}
-
-void WardenRowsTest::verificationIsGoodFromNineTenths_data()
-{
-    QTest::addColumn<qint64>("claimed");
-    QTest::addColumn<qint64>("before");
-    QTest::addColumn<qint64>("after");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    const QString barely
-        = " Either it is still in the Trash, or something else wrote to the disk at the same time — a "
-          "build running in the background will do it. Rescan to see the current picture.";
-    QTest::newRow("exactly nine tenths")
-        << qint64(1000) << qint64(100) << qint64(1000) << "900 B actually freed"
-        << "Free space went 100 B → 1000 B. Measured, not estimated.";
-    QTest::newRow("just below") << qint64(1000) << qint64(100) << qint64(999)
-                                << "Removed 1000 B, but free space barely moved"
-                                << "Free space went 100 B → 999 B." + barely;
-    QTest::newRow("more than claimed") << qint64(1000) << qint64(0) << qint64(2048) << "2.0 KB actually freed"
-                                       << "Free space went 0 B → 2.0 KB. Measured, not estimated.";
-    QTest::newRow("less free than before")
-        << qint64(10) << qint64(500) << qint64(400) << "Removed 10 B, but free space barely moved"
-        << "Free space went 500 B → 400 B." + barely;
-    QTest::newRow("nothing claimed") << qint64(0) << qint64(100) << qint64(200)
-                                     << "Removed 0 B, but free space barely moved"
-                                     << "Free space went 100 B → 200 B." + barely;
-}
-
-void WardenRowsTest::verificationIsGoodFromNineTenths()
-{
-    QFETCH(qint64, claimed);
-    QFETCH(qint64, before);
-    QFETCH(qint64, after);
-    QFETCH(QString, title);
-    QFETCH(QString, text);
-    Fixture fixture;
-    fixture.verification = Verification{ .claimedBytes = claimed, .freeBefore = before, .freeAfter = after };
-    const auto row = fixture.rows().value(0);
-    QCOMPARE(row.title, title);
-    QCOMPARE(row.what, text);
-    QCOMPARE(row.action, u"Dismiss"_s);
-    QCOMPARE(row.tone, fixture.verification->isGood() ? Theme::safe() : Theme::careful());
-}
-
-void WardenRowsTest::pendingTrashTellsHowMuchOfOurs()
-{
-    Fixture fixture;
-    fixture.pending = { .count = 12, .bytes = 3584 };
-    const auto row = fixture.rows().value(0);
-    QCOMPARE(row.title, u"3.5 KB is in the Trash, still taking up space"_s);
-    QCOMPARE(row.what,
-        u"The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
-        "will remove only the 12 items it moved — never anything else you have thrown away."_s);
-    QCOMPARE(row.action, u"Finish removing"_s);
-}
-
-void WardenRowsTest::sectionsGoBySafetyAndHaveOnlyWhatIsThere()
-{
-    Fixture fixture;
-    fixture.report->findings
-        = { finding("kept", Safety::reportOnly, 9), finding("costly", Safety::careful, 5),
-              finding("free", Safety::safe, 2), finding("freer", Safety::safe, 1) };
-    QStringList titles;
-    for (const auto &row : fixture.rows())
-        titles.append(row.title);
-    QCOMPARE(titles,
-        QStringList({ "Safe to remove", "Title of free", "Title of freer", "Worth a thought",
-            "Title of costly", "Never suggested", "Title of kept" }));
-
-    fixture.report->findings = { finding("costly", Safety::careful, 5) };
-    QCOMPARE(fixture.kinds(), QList<Kind>({ Kind::Heading, Kind::Finding }));
-}
-
-void WardenRowsTest::headingTellsClassSumAndColour()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::careful, 2),
-        finding("c", Safety::safe, 2), finding("d", Safety::reportOnly, 1) };
-    const auto rows = fixture.rows();
-    QCOMPARE(rows.at(0).size, u"5.0 KB"_s);
-    QCOMPARE(rows.at(0).note, QString());
-    QCOMPARE(rows.at(0).tone, Theme::safe());
-    QCOMPARE(rows.at(3).tone, Theme::careful());
-    QCOMPARE(rows.at(5).tone, Theme::label());
-}
-
-void WardenRowsTest::shownOnlySectionSaysThatNothingIsPicked()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::reportOnly, 3) };
-    QCOMPARE(fixture.rows().first().note, u"· Quillbrook never picks these"_s);
-}
-
-void WardenRowsTest::linkDoesNotCountInTheSum()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::safe, 2) };
-    fixture.report->findings[0].redirectedOffVolume = true;
-    QCOMPARE(fixture.rows().first().size, u"2.0 KB"_s);
-}
-
-void WardenRowsTest::findingTellsAllAboutItself()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3) };
-    fixture.chosen = { "a" };
-    fixture.pathShown = { "a" };
-    const WardenRow expected{ .kind = Kind::Finding,
-        .id = "a",
-        .title = "Title of a",
-        .size = "3.0 KB",
-        .ages = "Created over a year ago · last used yesterday",
-        .what = "What it is.",
-        .regenerates = "How it comes back.",
-        .path = "~/.cache/a",
-        .selectable = true,
-        .ticked = true,
-        .pathShown = true,
-        .first = true,
-        .last = true };
-    QCOMPARE(fixture.rows().at(1), expected);
-}
-
-void WardenRowsTest::unknownDatesAreSaidToBe()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3) };
-    fixture.report->findings[0].created.reset();
-    fixture.report->findings[0].lastModified.reset();
-    QCOMPARE(fixture.rows().at(1).ages, u"Created unknown · last used unknown"_s);
-}
-
-void WardenRowsTest::findingThatIsNotOldEnoughIsNotShown()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::careful, 3) };
-    fixture.report->findings[0].meetsStalenessForDeletion = false;
-    QVERIFY(fixture.rows().isEmpty());
-    QVERIFY(WardenRows::actionable(fixture.report).isEmpty());
-}
-
-void WardenRowsTest::whatCannotBePickedHasNoTick_data()
-{
-    QTest::addColumn<int>("safety");
-    QTest::addColumn<bool>("isLink");
-    QTest::addColumn<bool>("selectable");
-    QTest::newRow("safe") << int(Safety::safe) << false << true;
-    QTest::newRow("careful") << int(Safety::careful) << false << true;
-    QTest::newRow("shown only") << int(Safety::reportOnly) << false << false;
-    QTest::newRow("a link") << int(Safety::safe) << true << false;
-    QTest::newRow("a link that is shown only") << int(Safety::reportOnly) << true << false;
-}
-
-void WardenRowsTest::whatCannotBePickedHasNoTick()
-{
-    QFETCH(int, safety);
-    QFETCH(bool, isLink);
-    QFETCH(bool, selectable);
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety(safety), 3) };
-    fixture.report->findings[0].redirectedOffVolume = isLink;
-    fixture.chosen = { "a" };
-    QCOMPARE(fixture.rows().at(1).selectable, selectable);
-    QCOMPARE(fixture.rows().at(1).ticked, selectable);
-    QCOMPARE(WardenRows::actionable(fixture.report).size(), selectable ? 1 : 0);
-}
-
-void WardenRowsTest::linkSaysWhereItLives()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3) };
-    QCOMPARE(fixture.rows().at(1).note, QString());
-    fixture.report->findings[0].redirectedOffVolume = true;
-    QCOMPARE(fixture.rows().at(1).note,
-        u"This folder actually lives on another drive, so clearing it frees nothing here."_s);
-}
-
-void WardenRowsTest::cardsAreRoundAtTheirEnds()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::safe, 2),
-        finding("c", Safety::safe, 1), finding("d", Safety::careful, 1) };
-    QList<std::pair<bool, bool>> ends;
-    for (const auto &row : fixture.rows())
-        if (row.kind == Kind::Finding)
-            ends.append({ row.first, row.last });
-    QCOMPARE(ends,
-        (QList<std::pair<bool, bool>>{ { true, false }, { false, false }, { false, true }, { true, true } }));
-}
-
-void WardenRowsTest::logComesLast()
-{
-    Fixture fixture;
-    fixture.log = { "✓ first", "✗ second\nline" };
-    fixture.report->findings = { finding("a", Safety::safe, 3) };
-    QCOMPARE(fixture.kinds(),
-        QList<Kind>({ Kind::Heading, Kind::Finding, Kind::LogHeading, Kind::LogLine, Kind::LogLine }));
-    QCOMPARE(fixture.rows().at(2).title.toUpper(), u"ACTIVITY"_s);
-    QCOMPARE(fixture.rows().at(3).title, u"✓ first"_s);
-    QCOMPARE(fixture.rows().at(4).title, u"✗ second line"_s);
-}
-
-void WardenRowsTest::defaultsAreTheSafeOnesAlone()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::careful, 2),
-        finding("c", Safety::reportOnly, 1), finding("d", Safety::safe, 1) };
-    fixture.report->findings[3].redirectedOffVolume = true;
-    QCOMPARE(WardenRows::defaultSelection(fixture.report), QSet<QString>{ "a" });
-}
-
-void WardenRowsTest::staleIdsAreIgnored()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3) };
-    fixture.chosen = { "gone" };
-    fixture.pathShown = { "gone" };
-    QVERIFY(!fixture.rows().at(1).ticked);
-    QVERIFY(!fixture.rows().at(1).pathShown);
-}
-
-void WardenRowsTest::linesAreCalledByTheirWords()
-{
-    Fixture fixture;
-    fixture.report->findings = { finding("a", Safety::safe, 3), finding("b", Safety::reportOnly, 2) };
-    fixture.report->findings[0].redirectedOffVolume = true;
-    fixture.log = { "✓ done" };
-    QStringList spoken;
-    for (const auto &row : fixture.rows())
-        spoken.append(row.spoken());
-    QCOMPARE(spoken,
-        QStringList({ "Safe to remove, 0 B", "Title of a, 3.0 KB",
-            "Never suggested, 2.0 KB, · Quillbrook never picks these", "Title of b, 2.0 KB", "Activity",
-            "✓ done" }));
-}
-
-QTEST_GUILESS_MAIN(WardenRowsTest)
+QUILLBROOK_SUITE(TestWardenRows, QCoreApplication)
 #include "tst_WardenRows.moc"

@@ -2,6 +2,7 @@
 #include "Screens/Warden/WardenState.h"
 #include "Support/HomeOnDisk.h"
 #include "Support/ScannedHome.h"
+#include "Support/Suite.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -77,421 +78,390 @@ struct DiskFixture : HomeOnDisk
 
 } // namespace
 
-class WardenStateTest : public QObject
+class TestWardenState : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void withoutAReportThereIsNothing();
-    void newFindingsArriveTicked();
-    void carefulOnesWaitForTheirTick();
-    void reportOnlyOnesNeverCount();
-    void tickingChangesTheSum();
-    void ticksOfThePersonsOwnStandThroughARescan();
-    void untouchedTicksFollowARescan();
-    void appearingTicksTheDefaultsAgain();
-    void idsOfNothingAreIgnored();
-    void placeIsShownOnDemand();
-    void revealShowsTheFolder();
-    void revealShowsTheRawPath();
-    void rowsOutsideDoNothing();
-    void offerStandsAsLongAsTheScopeIsQuiet();
-    void offerScansEverything();
-    void emptyDiskSaysSo();
-    void nothingTickedCannotBeReclaimed();
-    void questionNamesSumAndCount();
-    void questionSaysWhenThereIsNoBackup();
-    void answerMovesWhatIsTickedAndUnticksIt();
-    void answerDeletesForGood();
-    void answerIsAboutWhatWasTickedWhenItWasAsked();
-    void untouchedTicksComeBackAfterTheRescan();
-    void touchedTicksStayEmptyAfterARemoval();
-    void pendingTrashIsToldAndFinished();
-    void pendingTrashGoesByItselfOnceEmptied();
-    void pendingTrashIsLookedAtAfterEveryScan();
-    void dismissingTheVerificationLeavesThePendingTrash();
-    void missingBackupIsTold();
-    void logIsListed();
+    void withoutAReportThereIsNothing()
+    {
+        const Fixture fixture;
+        QCOMPARE(fixture.warden.total(), u"0 B selected"_s);
+        QCOMPARE(fixture.warden.counts(), u"0 of 0 reclaimable items"_s);
+        QVERIFY(fixture.warden.chosenFindings().isEmpty());
+        QVERIFY(!fixture.warden.canReclaim());
+        for (const auto &row : fixture.warden.rows()->rows())
+            QCOMPARE(row.kind, Kind::Banner);
+    }
+
+    void newFindingsArriveTicked()
+    {
+        Fixture fixture;
+        fixture.scan();
+        QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
+        QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
+        QCOMPARE(fixture.warden.counts(), u"2 of 3 reclaimable items"_s);
+        QVERIFY(fixture.line(fixture.packages).ticked);
+    }
+
+    void carefulOnesWaitForTheirTick()
+    {
+        Fixture fixture;
+        fixture.scan();
+        int careful = 0;
+        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row) {
+            const auto &line = fixture.warden.rows()->rows().at(row);
+            if (line.kind != Kind::Finding || line.size != "70.0 MB")
+                continue;
+            ++careful;
+            QVERIFY(line.selectable);
+            QVERIFY(!line.ticked);
+            fixture.warden.toggle(row);
+            QCOMPARE(fixture.warden.total(), u"150 MB selected"_s);
+            QCOMPARE(fixture.warden.counts(), u"3 of 3 reclaimable items"_s);
+        }
+        QCOMPARE(careful, 1);
+    }
+
+    void reportOnlyOnesNeverCount()
+    {
+        Fixture fixture;
+        fixture.scan();
+        const auto row = static_cast<int>(fixture.warden.rows()->rowCount() - 1);
+        QCOMPARE(fixture.warden.rows()->rows().at(row).size, u"90.0 MB"_s);
+        QVERIFY(!fixture.warden.rows()->rows().at(row).selectable);
+        fixture.warden.toggle(row);
+        QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
+        QVERIFY(!fixture.warden.touched());
+    }
+
+    void tickingChangesTheSum()
+    {
+        Fixture fixture;
+        fixture.scan();
+        QSignalSpy changes(&fixture.warden, &WardenState::selectionChanged);
+        fixture.warden.toggle(fixture.row(fixture.packages));
+        QCOMPARE(changes.count(), 1);
+        QVERIFY(fixture.warden.touched());
+        QVERIFY(!fixture.line(fixture.packages).ticked);
+        QCOMPARE(fixture.warden.total(), u"30.0 MB selected"_s);
+        fixture.warden.toggle(fixture.row(fixture.packages));
+        QVERIFY(fixture.line(fixture.packages).ticked);
+        QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
+    }
+
+    void ticksOfThePersonsOwnStandThroughARescan()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.warden.toggle(fixture.row(fixture.packages));
+        fixture.scan();
+        QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
+    }
+
+    void untouchedTicksFollowARescan()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.addPlace(".cache/none", 1);
+        fixture.addPlace("Library/Caches/pip", 10);
+        fixture.scan();
+        QCOMPARE(fixture.warden.chosenFindings().size(), 3);
+    }
+
+    void appearingTicksTheDefaultsAgain()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.warden.toggle(fixture.row(fixture.packages));
+        fixture.warden.appear();
+        QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
+        QVERIFY(fixture.warden.touched());
+    }
+
+    void idsOfNothingAreIgnored()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.warden.toggle(fixture.row(fixture.packages));
+        fixture.warden.toggle(fixture.row(fixture.packages));
+        const auto ticked = fixture.warden.chosen();
+        // What was ticked is gone from the disk.
+        fixture.files.entries.erase(fixture.path(".npm/_cacache"));
+        fixture.directories.folder(fixture.path(".npm/_cacache"), {});
+        fixture.scan();
+        QCOMPARE(fixture.warden.chosen(), ticked);
+        QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
+        QCOMPARE(fixture.warden.counts(), u"1 of 2 reclaimable items"_s);
+    }
+
+    void placeIsShownOnDemand()
+    {
+        Fixture fixture;
+        fixture.scan();
+        const auto row = fixture.row(fixture.logs);
+        QVERIFY(!fixture.line(fixture.logs).pathShown);
+        QCOMPARE(fixture.line(fixture.logs).path, u"~/.gradle/daemon"_s);
+        fixture.warden.togglePath(row);
+        QVERIFY(fixture.line(fixture.logs).pathShown);
+        QVERIFY(!fixture.warden.touched());
+        fixture.warden.togglePath(row);
+        QVERIFY(!fixture.line(fixture.logs).pathShown);
+    }
+
+    void revealShowsTheFolder()
+    {
+        Fixture fixture;
+        fixture.scan();
+        fixture.warden.reveal(fixture.row(fixture.logs));
+        fixture.warden.reveal(static_cast<int>(fixture.warden.rows()->rowCount() - 1));
+        QCOMPARE(fixture.desktop.revealer.revealed,
+            (std::vector<std::string>{ fixture.path(".gradle/daemon"), fixture.path("Downloads") }));
+    }
+
+    void revealShowsTheRawPath()
+    {
+        Fixture fixture;
+        fixture.directories.folder("/caf\xE9", { FakeDirectories::aFolder(".npm") });
+        fixture.directories.folder("/caf\xE9/.npm", { FakeDirectories::aFolder("_cacache") });
+        fixture.directories.folder("/caf\xE9/.npm/_cacache", { FakeDirectories::aFile("f", 8192) });
+        fixture.model.scans().setScanRoot("/caf\xE9");
+        fixture.scan();
+        fixture.warden.reveal(fixture.row(fixture.packages));
+        QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ "/caf\xE9/.npm/_cacache" });
+    }
+
+    void rowsOutsideDoNothing()
+    {
+        Fixture fixture;
+        fixture.scan();
+        for (const int row : { -1, 0, fixture.warden.rows()->rowCount() }) {
+            fixture.warden.toggle(row);
+            fixture.warden.togglePath(row);
+            fixture.warden.reveal(row);
+        }
+        QVERIFY(!fixture.warden.touched());
+        QVERIFY(fixture.desktop.revealer.revealed.empty());
+    }
+
+    void offerStandsAsLongAsTheScopeIsQuiet()
+    {
+        Fixture fixture;
+        QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
+        fixture.scan(Scope::quiet);
+        QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
+        fixture.scan(Scope::complete);
+        QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Heading);
+    }
+
+    void offerScansEverything()
+    {
+        Fixture fixture;
+        fixture.scan(Scope::quiet);
+        fixture.warden.act(0);
+        QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::scanning);
+        QCOMPARE(fixture.model.scans().scope(), Scope::complete);
+        QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
+    }
+
+    void emptyDiskSaysSo()
+    {
+        ScannedHome home;
+        const WardenState warden(home.model);
+        home.scan();
+        QCOMPARE(warden.emptyMessage(), u"Nothing to clear was found."_s);
+        home.addPlace(".npm/_cacache", 50);
+        home.scan();
+        QCOMPARE(warden.emptyMessage(), QString());
+    }
+
+    void nothingTickedCannotBeReclaimed()
+    {
+        DiskFixture fixture;
+        QVERIFY(fixture.warden.canReclaim());
+        QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
+        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+            if (fixture.warden.rows()->rows().at(row).ticked)
+                fixture.warden.toggle(row);
+        QVERIFY(!fixture.warden.canReclaim());
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(true);
+        QCOMPARE(asked.count(), 0);
+        QVERIFY(fixture.has(".npm/_cacache/one"));
+    }
+
+    void questionNamesSumAndCount()
+    {
+        DiskFixture fixture;
+        QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
+        fixture.warden.askToReclaim();
+        QCOMPARE(asked.count(), 1);
+        QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
+        QCOMPARE(fixture.warden.confirmAction(), u"Move 2 items to Trash"_s);
+        QCOMPARE(fixture.warden.confirmMessage(),
+            u"Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
+            "Quillbrook will offer to finish the job."_s);
+        QVERIFY(fixture.has(".npm/_cacache/one"));
+    }
+
+    void questionSaysWhenThereIsNoBackup()
+    {
+        DiskFixture fixture;
+        fixture.backups.backups = {};
+        fixture.model->reclaims().refreshSafetyNet();
+        QTRY_VERIFY(fixture.model->reclaims().safetyNet());
+        QVERIFY(fixture.warden.confirmMessage().endsWith(
+            u"finish the job. This Mac has no backup, so deleting permanently is final."_s));
+    }
+
+    void answerMovesWhatIsTickedAndUnticksIt()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        QVERIFY(fixture.isTrashed("one"));
+        QVERIFY(fixture.isTrashed("log"));
+        QVERIFY(fixture.has(".pub-cache/library"));
+        QVERIFY(fixture.warden.chosen().isEmpty());
+        // The same answer again is no answer.
+        fixture.warden.reclaim(true);
+        QVERIFY(fixture.isTrashed("one"));
+        fixture.settled();
+    }
+
+    void answerDeletesForGood()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(true);
+        QVERIFY(!fixture.has(".npm/_cacache/one"));
+        QVERIFY(!fixture.isTrashed("one"));
+        QVERIFY(fixture.has(".pub-cache/library"));
+        fixture.settled();
+    }
+
+    void answerIsAboutWhatWasTickedWhenItWasAsked()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+            fixture.warden.toggle(row);
+        fixture.tree.file("home/.gradle/daemon/more", 65536);
+        fixture.scan();
+        QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
+        fixture.warden.reclaim(false);
+        QVERIFY(fixture.isTrashed("one"));
+        QVERIFY(fixture.has(".pub-cache/library"));
+        fixture.settled();
+    }
+
+    void untouchedTicksComeBackAfterTheRescan()
+    {
+        DiskFixture fixture;
+        fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QCOMPARE(fixture.warden.total(), u"4.0 KB selected"_s);
+    }
+
+    void touchedTicksStayEmptyAfterARemoval()
+    {
+        DiskFixture fixture;
+        fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+            if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
+                fixture.warden.toggle(row);
+        QVERIFY(fixture.warden.touched());
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QCOMPARE(fixture.warden.counts(), u"0 of 1 reclaimable items"_s);
+    }
+
+    void pendingTrashIsToldAndFinished()
+    {
+        DiskFixture fixture;
+        QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QSignalSpy asked(&fixture.warden, &WardenState::finishAsked);
+        fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner));
+        QCOMPARE(asked.count(), 1);
+        QCOMPARE(fixture.warden.finishTitle(), u"Permanently remove 12.0 KB?"_s);
+        QVERIFY(fixture.isTrashed("one"));
+        fixture.warden.finishRemoving();
+        QVERIFY(!fixture.isTrashed("one"));
+        QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+        fixture.settled();
+    }
+
+    void pendingTrashGoesByItselfOnceEmptied()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+        std::filesystem::remove_all(fixture.trashFolder);
+        fixture.warden.lookAgain();
+        QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+    }
+
+    // With ticks of the person's own, too, which a scan leaves alone.
+    void pendingTrashIsLookedAtAfterEveryScan()
+    {
+        DiskFixture fixture;
+        fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
+        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+            if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
+                fixture.warden.toggle(row);
+        QVERIFY(fixture.warden.touched());
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+        std::filesystem::remove_all(fixture.trashFolder);
+        fixture.model->scans().scan({});
+        fixture.settled();
+        QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
+    }
+
+    void dismissingTheVerificationLeavesThePendingTrash()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QVERIFY(fixture.banner(WardenRows::verificationBanner) >= 0);
+        fixture.warden.act(fixture.banner(WardenRows::verificationBanner));
+        QCOMPARE(fixture.banner(WardenRows::verificationBanner), -1);
+        QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
+    }
+
+    void missingBackupIsTold()
+    {
+        DiskFixture fixture;
+        QCOMPARE(fixture.banner(WardenRows::safetyNetBanner), -1);
+        fixture.backups.backups = {};
+        fixture.model->reclaims().refreshSafetyNet();
+        QTRY_COMPARE(fixture.banner(WardenRows::safetyNetBanner), 0);
+        // It has no button, and nothing happens.
+        fixture.warden.act(0);
+        QCOMPARE(fixture.model->scans().phase().kind, Phase::Kind::ready);
+    }
+
+    void logIsListed()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        QCOMPARE(fixture.warden.rows()->rows().last().kind, Kind::LogLine);
+        QCOMPARE(fixture.warden.rows()->rows().last().title, u"✓ Android build logs — 4.0 KB to Trash"_s);
+    }
 };
 
-void WardenStateTest::withoutAReportThereIsNothing()
-{
-    const Fixture fixture;
-    QCOMPARE(fixture.warden.total(), u"0 B selected"_s);
-    QCOMPARE(fixture.warden.counts(), u"0 of 0 reclaimable items"_s);
-    QVERIFY(fixture.warden.chosenFindings().isEmpty());
-    QVERIFY(!fixture.warden.canReclaim());
-    for (const auto &row : fixture.warden.rows()->rows())
-        QCOMPARE(row.kind, Kind::Banner);
-}
-
-void WardenStateTest::newFindingsArriveTicked()
-{
-    Fixture fixture;
-    fixture.scan();
-    QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
-    QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
-    QCOMPARE(fixture.warden.counts(), u"2 of 3 reclaimable items"_s);
-    QVERIFY(fixture.line(fixture.packages).ticked);
-}
-
-void WardenStateTest::carefulOnesWaitForTheirTick()
-{
-    Fixture fixture;
-    fixture.scan();
-    int careful = 0;
-    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row) {
-        const auto &line = fixture.warden.rows()->rows().at(row);
-        if (line.kind != Kind::Finding || line.size != "70.0 MB")
-            continue;
-        ++careful;
-        QVERIFY(line.selectable);
-        QVERIFY(!line.ticked);
-        fixture.warden.toggle(row);
-        QCOMPARE(fixture.warden.total(), u"150 MB selected"_s);
-        QCOMPARE(fixture.warden.counts(), u"3 of 3 reclaimable items"_s);
-    }
-    QCOMPARE(careful, 1);
-}
-
-void WardenStateTest::reportOnlyOnesNeverCount()
-{
-    Fixture fixture;
-    fixture.scan();
-    const auto row = static_cast<int>(fixture.warden.rows()->rowCount() - 1);
-    QCOMPARE(fixture.warden.rows()->rows().at(row).size, u"90.0 MB"_s);
-    QVERIFY(!fixture.warden.rows()->rows().at(row).selectable);
-    fixture.warden.toggle(row);
-    QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
-    QVERIFY(!fixture.warden.touched());
-}
-
-void WardenStateTest::tickingChangesTheSum()
-{
-    Fixture fixture;
-    fixture.scan();
-    QSignalSpy changes(&fixture.warden, &WardenState::selectionChanged);
-    fixture.warden.toggle(fixture.row(fixture.packages));
-    QCOMPARE(changes.count(), 1);
-    QVERIFY(fixture.warden.touched());
-    QVERIFY(!fixture.line(fixture.packages).ticked);
-    QCOMPARE(fixture.warden.total(), u"30.0 MB selected"_s);
-    fixture.warden.toggle(fixture.row(fixture.packages));
-    QVERIFY(fixture.line(fixture.packages).ticked);
-    QCOMPARE(fixture.warden.total(), u"80.0 MB selected"_s);
-}
-
-void WardenStateTest::ticksOfThePersonsOwnStandThroughARescan()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.warden.toggle(fixture.row(fixture.packages));
-    fixture.scan();
-    QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
-}
-
-void WardenStateTest::untouchedTicksFollowARescan()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.addPlace(".cache/none", 1);
-    fixture.addPlace("Library/Caches/pip", 10);
-    fixture.scan();
-    QCOMPARE(fixture.warden.chosenFindings().size(), 3);
-}
-
-void WardenStateTest::appearingTicksTheDefaultsAgain()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.warden.toggle(fixture.row(fixture.packages));
-    fixture.warden.appear();
-    QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
-    QVERIFY(fixture.warden.touched());
-}
-
-void WardenStateTest::idsOfNothingAreIgnored()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.warden.toggle(fixture.row(fixture.packages));
-    fixture.warden.toggle(fixture.row(fixture.packages));
-    const auto ticked = fixture.warden.chosen();
-    // What was ticked is gone from the disk.
-    fixture.files.entries.erase(fixture.path(".npm/_cacache"));
-    fixture.directories.folder(fixture.path(".npm/_cacache"), {});
-    fixture.scan();
-    QCOMPARE(fixture.warden.chosen(), ticked);
-    QCOMPARE(fixture.chosenTitles(), QStringList{ fixture.logs });
-    QCOMPARE(fixture.warden.counts(), u"1 of 2 reclaimable items"_s);
-}
-
-void WardenStateTest::placeIsShownOnDemand()
-{
-    Fixture fixture;
-    fixture.scan();
-    const auto row = fixture.row(fixture.logs);
-    QVERIFY(!fixture.line(fixture.logs).pathShown);
-    QCOMPARE(fixture.line(fixture.logs).path, u"~/.gradle/daemon"_s);
-    fixture.warden.togglePath(row);
-    QVERIFY(fixture.line(fixture.logs).pathShown);
-    QVERIFY(!fixture.warden.touched());
-    fixture.warden.togglePath(row);
-    QVERIFY(!fixture.line(fixture.logs).pathShown);
-}
-
-void WardenStateTest::revealShowsTheFolder()
-{
-    Fixture fixture;
-    fixture.scan();
-    fixture.warden.reveal(fixture.row(fixture.logs));
-    fixture.warden.reveal(static_cast<int>(fixture.warden.rows()->rowCount() - 1));
-    QCOMPARE(fixture.desktop.revealer.revealed,
-        (std::vector<std::string>{ fixture.path(".gradle/daemon"), fixture.path("Downloads") }));
-}
-
-void WardenStateTest::revealShowsTheRawPath()
-{
-    Fixture fixture;
-    fixture.directories.folder("/caf\xE9", { FakeDirectories::aFolder(".npm") });
-    fixture.directories.folder("/caf\xE9/.npm", { FakeDirectories::aFolder("_cacache") });
-    fixture.directories.folder("/caf\xE9/.npm/_cacache", { FakeDirectories::aFile("f", 8192) });
-    fixture.model.scans().setScanRoot("/caf\xE9");
-    fixture.scan();
-    fixture.warden.reveal(fixture.row(fixture.packages));
-    QCOMPARE(fixture.desktop.revealer.revealed, std::vector<std::string>{ "/caf\xE9/.npm/_cacache" });
-}
-
-void WardenStateTest::rowsOutsideDoNothing()
-{
-    Fixture fixture;
-    fixture.scan();
-    for (const int row : { -1, 0, fixture.warden.rows()->rowCount() }) {
-        fixture.warden.toggle(row);
-        fixture.warden.togglePath(row);
-        fixture.warden.reveal(row);
-    }
-    QVERIFY(!fixture.warden.touched());
-    QVERIFY(fixture.desktop.revealer.revealed.empty());
-}
-
-void WardenStateTest::offerStandsAsLongAsTheScopeIsQuiet()
-{
-    Fixture fixture;
-    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
-    fixture.scan(Scope::quiet);
-    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Banner);
-    fixture.scan(Scope::complete);
-    QCOMPARE(fixture.warden.rows()->rows().first().kind, Kind::Heading);
-}
-
-void WardenStateTest::offerScansEverything()
-{
-    Fixture fixture;
-    fixture.scan(Scope::quiet);
-    fixture.warden.act(0);
-    QCOMPARE(fixture.model.scans().phase().kind, Phase::Kind::scanning);
-    QCOMPARE(fixture.model.scans().scope(), Scope::complete);
-    QTRY_COMPARE(fixture.model.scans().phase().kind, Phase::Kind::ready);
-}
-
-void WardenStateTest::emptyDiskSaysSo()
-{
-    ScannedHome home;
-    const WardenState warden(home.model);
-    home.scan();
-    QCOMPARE(warden.emptyMessage(), u"Nothing to clear was found."_s);
-    home.addPlace(".npm/_cacache", 50);
-    home.scan();
-    QCOMPARE(warden.emptyMessage(), QString());
-}
-
-void WardenStateTest::nothingTickedCannotBeReclaimed()
-{
-    DiskFixture fixture;
-    QVERIFY(fixture.warden.canReclaim());
-    QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
-    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
-        if (fixture.warden.rows()->rows().at(row).ticked)
-            fixture.warden.toggle(row);
-    QVERIFY(!fixture.warden.canReclaim());
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(true);
-    QCOMPARE(asked.count(), 0);
-    QVERIFY(fixture.has(".npm/_cacache/one"));
-}
-
-void WardenStateTest::questionNamesSumAndCount()
-{
-    DiskFixture fixture;
-    QSignalSpy asked(&fixture.warden, &WardenState::reclaimAsked);
-    fixture.warden.askToReclaim();
-    QCOMPARE(asked.count(), 1);
-    QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
-    QCOMPARE(fixture.warden.confirmAction(), u"Move 2 items to Trash"_s);
-    QCOMPARE(fixture.warden.confirmMessage(),
-        u"Moving to the Trash is undoable, but it does not free the space until the Trash is emptied — "
-        "Quillbrook will offer to finish the job."_s);
-    QVERIFY(fixture.has(".npm/_cacache/one"));
-}
-
-void WardenStateTest::questionSaysWhenThereIsNoBackup()
-{
-    DiskFixture fixture;
-    fixture.backups.backups = {};
-    fixture.model->reclaims().refreshSafetyNet();
-    QTRY_VERIFY(fixture.model->reclaims().safetyNet());
-    QVERIFY(fixture.warden.confirmMessage().endsWith(
-        u"finish the job. This Mac has no backup, so deleting permanently is final."_s));
-}
-
-void WardenStateTest::answerMovesWhatIsTickedAndUnticksIt()
-{
-    DiskFixture fixture;
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    QVERIFY(fixture.isTrashed("one"));
-    QVERIFY(fixture.isTrashed("log"));
-    QVERIFY(fixture.has(".pub-cache/library"));
-    QVERIFY(fixture.warden.chosen().isEmpty());
-    // The same answer again is no answer.
-    fixture.warden.reclaim(true);
-    QVERIFY(fixture.isTrashed("one"));
-    fixture.settled();
-}
-
-void WardenStateTest::answerDeletesForGood()
-{
-    DiskFixture fixture;
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(true);
-    QVERIFY(!fixture.has(".npm/_cacache/one"));
-    QVERIFY(!fixture.isTrashed("one"));
-    QVERIFY(fixture.has(".pub-cache/library"));
-    fixture.settled();
-}
-
-void WardenStateTest::answerIsAboutWhatWasTickedWhenItWasAsked()
-{
-    DiskFixture fixture;
-    fixture.warden.askToReclaim();
-    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
-        fixture.warden.toggle(row);
-    fixture.tree.file("home/.gradle/daemon/more", 65536);
-    fixture.scan();
-    QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
-    fixture.warden.reclaim(false);
-    QVERIFY(fixture.isTrashed("one"));
-    QVERIFY(fixture.has(".pub-cache/library"));
-    fixture.settled();
-}
-
-void WardenStateTest::untouchedTicksComeBackAfterTheRescan()
-{
-    DiskFixture fixture;
-    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QCOMPARE(fixture.warden.total(), u"4.0 KB selected"_s);
-}
-
-void WardenStateTest::touchedTicksStayEmptyAfterARemoval()
-{
-    DiskFixture fixture;
-    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
-    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
-        if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
-            fixture.warden.toggle(row);
-    QVERIFY(fixture.warden.touched());
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QCOMPARE(fixture.warden.counts(), u"0 of 1 reclaimable items"_s);
-}
-
-void WardenStateTest::pendingTrashIsToldAndFinished()
-{
-    DiskFixture fixture;
-    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QSignalSpy asked(&fixture.warden, &WardenState::finishAsked);
-    fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner));
-    QCOMPARE(asked.count(), 1);
-    QCOMPARE(fixture.warden.finishTitle(), u"Permanently remove 12.0 KB?"_s);
-    QVERIFY(fixture.isTrashed("one"));
-    fixture.warden.finishRemoving();
-    QVERIFY(!fixture.isTrashed("one"));
-    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
-    fixture.settled();
-}
-
-void WardenStateTest::pendingTrashGoesByItselfOnceEmptied()
-{
-    DiskFixture fixture;
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
-    std::filesystem::remove_all(fixture.trashFolder);
-    fixture.warden.lookAgain();
-    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
-}
-
-// With ticks of the person's own, too, which a scan leaves alone.
-void WardenStateTest::pendingTrashIsLookedAtAfterEveryScan()
-{
-    DiskFixture fixture;
-    fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
-    for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
-        if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
-            fixture.warden.toggle(row);
-    QVERIFY(fixture.warden.touched());
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
-    std::filesystem::remove_all(fixture.trashFolder);
-    fixture.model->scans().scan({});
-    fixture.settled();
-    QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
-}
-
-void WardenStateTest::dismissingTheVerificationLeavesThePendingTrash()
-{
-    DiskFixture fixture;
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QVERIFY(fixture.banner(WardenRows::verificationBanner) >= 0);
-    fixture.warden.act(fixture.banner(WardenRows::verificationBanner));
-    QCOMPARE(fixture.banner(WardenRows::verificationBanner), -1);
-    QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
-}
-
-void WardenStateTest::missingBackupIsTold()
-{
-    DiskFixture fixture;
-    QCOMPARE(fixture.banner(WardenRows::safetyNetBanner), -1);
-    fixture.backups.backups = {};
-    fixture.model->reclaims().refreshSafetyNet();
-    QTRY_COMPARE(fixture.banner(WardenRows::safetyNetBanner), 0);
-    // It has no button, and nothing happens.
-    fixture.warden.act(0);
-    QCOMPARE(fixture.model->scans().phase().kind, Phase::Kind::ready);
-}
-
-void WardenStateTest::logIsListed()
-{
-    DiskFixture fixture;
-    fixture.warden.askToReclaim();
-    fixture.warden.reclaim(false);
-    fixture.settled();
-    QCOMPARE(fixture.warden.rows()->rows().last().kind, Kind::LogLine);
-    QCOMPARE(fixture.warden.rows()->rows().last().title, u"✓ Android build logs — 4.0 KB to Trash"_s);
-}
-
-QTEST_GUILESS_MAIN(WardenStateTest)
+QUILLBROOK_SUITE(TestWardenState, QCoreApplication)
 #include "tst_WardenState.moc"

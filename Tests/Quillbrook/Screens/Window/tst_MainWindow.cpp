@@ -7,6 +7,7 @@
 #include "Support/FakeServices.h"
 #include "Support/FolderHold.h"
 #include "Support/QuickItems.h"
+#include "Support/Suite.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
@@ -43,37 +44,387 @@ struct Machine : FakeServices
 
 } // namespace
 
-class MainWindowTest : public QObject
+class TestMainWindow : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void hasItsTitleAndSizes();
-    void scanStartsByItselfAndCanBeStopped();
-    void finishedScanIsToldAndCanBeRepeated();
-    void panesThatAreNotBuiltSaySo();
-    void commandDigitsChooseThePane_data();
-    void commandDigitsChooseThePane();
-    void arrowKeysWalkTheSidebar();
-    void rowsCanBePressedByPointerAndAccessibly();
-    void tabGoesInReadingOrder();
-    void findingsAreListedAndCleared();
-    void questionOpensTheConversation();
-    void blankQuestionKeepsThePane();
-    void nothingIsCutAtTheMinimumSize();
-    void gaugeNamesTheVolume();
-    void startChecksRunAgainWhenTheWindowComesBack();
-    void gateAsksForTheHomeFolder();
-    void gateCanBeReachedAndPressedByKeys();
-    void grantedFolderIsToldOnlyInASandbox();
-    void grantedFolderCanBeChanged();
-    void wrongVolumeIsWarnedOf();
-    void newerVersionIsTold();
-    void fullSidebarIsNotCut_data();
-    void fullSidebarIsNotCut();
-    void nothingMovesWhereTheDesktopAsksForThat();
+    void init()
+    {
+        m_warnings.clear();
+        warnings = &m_warnings;
+        qInstallMessageHandler(keepWarnings);
+        QAccessible::setActive(true);
+
+        m_machine = std::make_unique<Machine>();
+        m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
+        open();
+    }
+
+    void cleanup()
+    {
+        close();
+        m_machine.reset();
+        qInstallMessageHandler(nullptr);
+        warnings = nullptr;
+        QVERIFY2(m_warnings.isEmpty(), qPrintable(m_warnings.join(u'\n')));
+    }
+
+    void hasItsTitleAndSizes()
+    {
+        QCOMPARE(m_window->title(), u"Quillbrook"_s);
+        QCOMPARE(m_window->size(), QSize(1260, 820));
+        QCOMPARE(m_window->minimumSize(), QSize(1040, 680));
+    }
+
+    void scanStartsByItselfAndCanBeStopped()
+    {
+        QTRY_VERIFY(m_machine->hold.isHolding());
+        QVERIFY(showsTheScan());
+        QVERIFY(!item(Role::Button, u"Rescan"_s));
+        auto *stop = item(Role::Button, u"Stop"_s);
+        QVERIFY(stop);
+
+        pressAccessibly(stop);
+        QTRY_VERIFY(shows(u"Nothing scanned yet"_s));
+        QVERIFY(shows(u"Press Rescan to look at this Mac."_s));
+        QVERIFY(item(Role::Button, u"Rescan"_s));
+    }
+
+    void finishedScanIsToldAndCanBeRepeated()
+    {
+        finishScan();
+        QVERIFY(shows(m_screens->topBar()->summary()));
+        QVERIFY(m_screens->topBar()->summary().startsWith(u"scanned 1 files in "_s));
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, u"Rescan"_s)));
+        QTRY_COMPARE(m_machine->directories.sessionsMade(), 2);
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+    }
+
+    void panesThatAreNotBuiltSaySo()
+    {
+        finishScan();
+        m_screens->content()->setPane(Pane::photos);
+        QTRY_VERIFY(shows(u"Not here yet."_s));
+        QVERIFY(shows(u"Photos by date"_s));
+    }
+
+    void commandDigitsChooseThePane_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("expected");
+        for (const auto pane : allPanes)
+            QTest::newRow(qPrintable(title(pane))) << Qt::Key_0 + shortcutDigit(pane) << int(pane);
+    }
+
+    void commandDigitsChooseThePane()
+    {
+        QFETCH(int, key);
+        QFETCH(int, expected);
+        QTRY_VERIFY(m_machine->hold.isHolding());
+        m_screens->content()->setPane(expected == 0 ? Pane::map : Pane::warden);
+
+        QTest::keyClick(m_window, Qt::Key(key), Qt::ControlModifier);
+        QCOMPARE(int(pane()), expected);
+        QVERIFY(showsTheScan());
+        auto *row = item(Role::ListItem, title(Pane(expected)));
+        QVERIFY(row);
+        QVERIFY(QAccessible::queryAccessibleInterface(row)->state().selected);
+    }
+
+    void arrowKeysWalkTheSidebar()
+    {
+        QTest::keyClick(m_window, Qt::Key_Tab);
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QCOMPARE(pane(), Pane::map);
+        QCOMPARE(accessibleName(m_window->activeFocusItem()), u"What's using space"_s);
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QCOMPARE(pane(), Pane::largest);
+        QTest::keyClick(m_window, Qt::Key_Up);
+        QTest::keyClick(m_window, Qt::Key_Up);
+        QTest::keyClick(m_window, Qt::Key_Up);
+        QCOMPARE(pane(), Pane::warden);
+        QTest::keyClick(m_window, Qt::Key_End);
+        QCOMPARE(pane(), Pane::advisor);
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QCOMPARE(pane(), Pane::advisor);
+        QTest::keyClick(m_window, Qt::Key_Home);
+        QCOMPARE(pane(), Pane::warden);
+    }
+
+    void rowsCanBePressedByPointerAndAccessibly()
+    {
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::ListItem, u"Apps"_s)));
+        QCOMPARE(pane(), Pane::apps);
+        pressAccessibly(item(Role::ListItem, u"Find a file"_s));
+        QCOMPARE(pane(), Pane::search);
+    }
+
+    void tabGoesInReadingOrder()
+    {
+        QTRY_VERIFY(m_machine->hold.isHolding());
+        QStringList reached;
+        for (int i = 0; i < 6; ++i) {
+            QTest::keyClick(m_window, Qt::Key_Tab);
+            reached.append(accessibleName(m_window->activeFocusItem()));
+        }
+        QCOMPARE(reached,
+            QStringList({ u"Free up space"_s, u"Stop"_s, u"Ask Quillbrook anything about this Mac"_s,
+                u"History"_s, u"Ask"_s, u"Free up space"_s }));
+    }
+
+    void findingsAreListedAndCleared()
+    {
+        const std::string place = "/home/someone/.gradle/daemon";
+        m_machine->files.entries[place] = {};
+        m_machine->directories.folder(place, { FakeDirectories::aFile("log", 4096) });
+        m_machine->directories.folder("/home/someone/.gradle", { FakeDirectories::aFolder("daemon") });
+        m_machine->directories.folder("/home/someone", { FakeDirectories::aFolder(".gradle") });
+        m_model->scans().cancelScan();
+        m_machine->hold.release();
+        m_model->scans().scan({ .scope = Scope::complete });
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+        QTRY_VERIFY(shows(u"4.0 KB selected"_s));
+        QVERIFY(shows(u"1 of 1 reclaimable items"_s));
+        QVERIFY(item(Role::ListItem, u"Android build logs, 4.0 KB"_s));
+        QVERIFY(item(Role::Heading, u"Safe to remove, 4.0 KB"_s));
+
+        auto *box = item(Role::CheckBox, u"Android build logs"_s);
+        QVERIFY(box && box->property("checked").toBool());
+        pressAccessibly(box);
+        QTRY_VERIFY(shows(u"0 B selected"_s));
+        QVERIFY(!box->property("checked").toBool());
+        QVERIFY(!item(Role::Button, u"Move to Trash"_s)->isEnabled());
+        pressAccessibly(box);
+
+        pressAccessibly(item(Role::Button, u"Move to Trash"_s));
+        QTRY_VERIFY(shows(u"Move 4.0 KB to the Trash?"_s));
+        QTRY_COMPARE(accessibleName(m_window->activeFocusItem()), u"Cancel"_s);
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        QTRY_VERIFY(!shows(u"Move 4.0 KB to the Trash?"_s));
+        QVERIFY(m_machine->trash.asked.empty());
+        QVERIFY(m_model->reclaims().reclaimLog().isEmpty());
+
+        const auto *list = m_window->findChild<QQuickItem *>(u"wardenList"_s);
+        const auto *bar = m_window->findChild<QQuickItem *>(u"wardenScrollBar"_s);
+        QVERIFY(bar->mapToScene({}).x() >= list->mapToScene({ list->width(), 0 }).x());
+    }
+
+    void questionOpensTheConversation()
+    {
+        finishScan();
+        auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
+        QVERIFY(field);
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
+        QVERIFY(field->hasActiveFocus());
+        for (const auto key : { Qt::Key_W, Qt::Key_H, Qt::Key_Y })
+            QTest::keyClick(m_window, key);
+        QCOMPARE(m_screens->askBar()->draft(), u"why"_s);
+
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QCOMPARE(pane(), Pane::advisor);
+        QCOMPARE(field->property("text").toString(), QString());
+        QVERIFY(!field->hasActiveFocus());
+        QTRY_VERIFY(shows(u"Past answers"_s));
+        QVERIFY(!item(Role::Button, u"Ask"_s));
+    }
+
+    void blankQuestionKeepsThePane()
+    {
+        auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
+        QTest::keyClick(m_window, Qt::Key_Space);
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QCOMPARE(pane(), Pane::warden);
+        QCOMPARE(field->property("text").toString(), u" "_s);
+        pressAccessibly(item(Role::Button, u"Ask"_s));
+        QCOMPARE(pane(), Pane::warden);
+        QVERIFY(field->hasActiveFocus());
+    }
+
+    void nothingIsCutAtTheMinimumSize()
+    {
+        finishScan();
+        nothingIsCut(m_window->minimumSize());
+    }
+
+    void gaugeNamesTheVolume()
+    {
+        QVERIFY(shows(u"250 B"_s));
+        QVERIFY(shows(u"75% of 1000 B used"_s));
+        auto *note = m_window->findChild<QQuickItem *>(u"gapNote"_s);
+        QVERIFY(note);
+        QVERIFY(!note->isVisible());
+
+        const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+        m_machine->volumes.answer
+            = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
+        m_model->volume().refreshVolume();
+        QVERIFY(note->isVisible());
+        QVERIFY(
+            shows(u"Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use."_s));
+    }
+
+    void startChecksRunAgainWhenTheWindowComesBack()
+    {
+        const auto &questions = m_machine->desktop.notifier.questions;
+        const auto before = questions;
+        m_window->hide();
+        QTest::qWait(0);
+        QCOMPARE(questions, before);
+        // Two days later the clock and what listens to the watcher are back, though somebody took them away.
+        // The start action does not run again: it would ask for an update by now.
+        m_machine->clock.moment = m_machine->clock.moment.addDays(2);
+        auto *clock = m_model->findChild<QTimer *>(u"volumeClock"_s);
+        clock->stop();
+        m_model->watcher().setOnObservation({});
+        m_window->show();
+        QTRY_COMPARE(questions, before + 1);
+        QVERIFY(clock->isActive());
+        m_model->watcher().check(true);
+        QTRY_VERIFY(m_model->lastWatch());
+        QCOMPARE(m_machine->desktop.http.requests.size(), 1);
+    }
+
+    void gateAsksForTheHomeFolder()
+    {
+        openInSandbox();
+        const auto scans = m_machine->directories.sessionsMade();
+        QVERIFY(shows(u"Quillbrook needs to see your files to measure them"_s));
+        QVERIFY(shows(u"It reads names, sizes and dates — never the contents of a file. Choose your home "
+                      "folder and it will not ask again."_s));
+        QVERIFY(!item(Role::Button, u"Rescan"_s)->isEnabled());
+        QVERIFY(!showsTheScan());
+        for (const auto chosen : allPanes) {
+            m_screens->content()->setPane(chosen);
+            QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
+        }
+        m_screens->content()->setPane(Pane::warden);
+        auto *choose = item(Role::Button, u"Choose my home folder…"_s);
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*choose));
+        QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
+        QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
+        QCOMPARE(m_machine->directories.sessionsMade(), scans);
+
+        m_machine->desktop.folderPicker.answer = "/home/someone";
+        pressAccessibly(choose);
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+        QTRY_VERIFY(!item(Role::Button, u"Choose my home folder…"_s));
+        QVERIFY(item(Role::Button, u"Rescan"_s)->isEnabled());
+        QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
+        QCOMPARE(m_machine->directories.sessionsMade(), scans + 1);
+    }
+
+    void gateCanBeReachedAndPressedByKeys()
+    {
+        openInSandbox();
+        auto *choose = item(Role::Button, u"Choose my home folder…"_s);
+        QVERIFY(choose);
+        for (int i = 0; i < 10 && !choose->hasActiveFocus(); ++i)
+            QTest::keyClick(m_window, Qt::Key_Tab);
+        QVERIFY(choose->hasActiveFocus());
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
+    }
+
+    void grantedFolderIsToldOnlyInASandbox()
+    {
+        QVERIFY(!item(Role::Button, u"Change"_s));
+        openInSandbox("/home/someone");
+        QVERIFY(item(Role::Button, u"Change"_s));
+        QVERIFY(shows(u"/home/someone"_s));
+        QVERIFY(!shows(u"That is not this Mac's startup disk"_s));
+        QVERIFY(!item(Role::Button, u"Choose my home folder…"_s));
+    }
+
+    void grantedFolderCanBeChanged()
+    {
+        openInSandbox("/home/someone");
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+        m_machine->desktop.folderPicker.answer = "/media/backup";
+        auto *change = item(Role::Button, u"Change"_s);
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
+        QTRY_VERIFY(shows(u"/media/backup"_s));
+        QVERIFY(shows(u"That is not this Mac's startup disk"_s));
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+        QCOMPARE(m_model->scans().scanRoot(), u"/media/backup"_s);
+
+        m_machine->desktop.folderPicker.answer.reset();
+        pressAccessibly(change);
+        QTRY_VERIFY(item(Role::Button, u"Choose my home folder…"_s));
+        QVERIFY(shows(u"not chosen"_s));
+    }
+
+    void wrongVolumeIsWarnedOf()
+    {
+        openInSandbox("/Volumes/Backup/someone");
+        QVERIFY(shows(u"That is not this Mac's startup disk"_s));
+        QVERIFY(shows(u"Freeing space there will not help a full internal disk."_s));
+    }
+
+    void newerVersionIsTold()
+    {
+        const auto line = u"Quillbrook 2.0 is out"_s;
+        QTRY_COMPARE(m_machine->desktop.http.requests.size(), 1);
+        QVERIFY(!item(Role::Button, line));
+        m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
+        m_machine->desktop.http.answer = HttpAnswer{ .status = 200,
+            .body = R"({"version": "2.0", "url": "https:\/\/updates.test/2.0"})" };
+        QTRY_VERIFY(m_model->scans().phase().kind != Phase::Kind::idle);
+        m_model->updates().checkForUpdate();
+        QTRY_VERIFY(item(Role::Button, line));
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
+        const QUrl page(u"https://updates.test/2.0"_s);
+        QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
+        pressAccessibly(item(Role::Button, line));
+        QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
+    }
+
+    void fullSidebarIsNotCut_data()
+    {
+        QTest::addColumn<bool>("isGated");
+        QTest::newRow("granted") << false;
+        QTest::newRow("gate") << true;
+    }
+
+    // Everything that the foot of the sidebar can hold at once.
+    void fullSidebarIsNotCut()
+    {
+        QFETCH(bool, isGated);
+        const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
+        m_machine->volumes.answer = VolumeCapacity{
+            .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
+        };
+        m_machine->desktop.http.answer = HttpAnswer{ .status = 200,
+            .body = R"({"version": "2.0", "url": "https:\/\/updates.test/2.0"})" };
+        m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
+        openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
+        QTRY_VERIFY(item(Role::Button, u"Quillbrook 2.0 is out"_s));
+        if (!isGated)
+            QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+        nothingIsCut(m_window->minimumSize());
+        const auto *rows = item(Role::ListItem, u"Past answers"_s);
+        const auto *gauge = m_window->findChild<QQuickItem *>(u"usedBar"_s);
+        QVERIFY(rows->mapToScene({ 0, rows->height() }).y() < gauge->mapToScene({}).y());
+    }
+
+    void nothingMovesWhereTheDesktopAsksForThat()
+    {
+        QQmlComponent reader(m_engine.get());
+        reader.setData("import QtQml\nimport Quillbrook\nQtObject {\n"
+                       "readonly property int quickMotion: Metrics.quickMotion\n"
+                       "readonly property int sheetMotion: Metrics.sheetMotion\n}",
+            {});
+        const std::unique_ptr<QObject> metrics(reader.create());
+        QVERIFY2(metrics, qPrintable(reader.errorString()));
+        QCOMPARE(metrics->property("quickMotion").toInt(), 120);
+        QCOMPARE(metrics->property("sheetMotion").toInt(), 180);
+        m_machine->motion.setReduced(true);
+        QCOMPARE(metrics->property("quickMotion").toInt(), 0);
+        QCOMPARE(metrics->property("sheetMotion").toInt(), 0);
+        m_machine->motion.setReduced(false);
+        QCOMPARE(metrics->property("quickMotion").toInt(), 120);
+    }
 
 private:
     [[nodiscard]] QQuickItem *item(Role role, const QString &name) const
@@ -87,11 +438,61 @@ private:
         return shows(title) && item(Role::ProgressBar, title);
     }
     [[nodiscard]] Pane pane() const { return m_screens->content()->pane(); }
-    void open();
-    void close();
-    void openInSandbox(const QByteArray &granted = {});
-    void finishScan();
-    void nothingIsCut(const QSize &size) const;
+
+    void open()
+    {
+        m_model = std::make_unique<AppModel>(m_machine->services);
+        m_background = std::make_unique<Background>(m_machine->services);
+        m_screens = std::make_unique<MainWindowState>(*m_model, *m_background, m_machine->motion);
+        m_engine = std::make_unique<QQmlApplicationEngine>();
+        m_engine->addImportPath(u"qrc:/qt/qml"_s);
+        m_engine->setInitialProperties({ { u"screens"_s, QVariant::fromValue(m_screens.get()) } });
+        m_engine->load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s));
+        m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
+        QVERIFY(m_window);
+        m_window->requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(m_window));
+    }
+
+    void close()
+    {
+        m_machine->hold.release();
+        m_engine.reset();
+        m_screens.reset();
+        m_model.reset();
+        m_background.reset();
+    }
+
+    // As a start in a sandbox, where `granted` was handed over before.
+    void openInSandbox(const QByteArray &granted = {})
+    {
+        close();
+        m_machine->home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
+        m_machine->desktop.folderGrants.startupDiskPrefix = "/home/";
+        if (!granted.isEmpty())
+            m_machine->defaults.values.insert(u"Quillbrook.homeBookmark"_s, granted);
+        open();
+    }
+
+    void finishScan()
+    {
+        m_machine->hold.release();
+        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
+    }
+
+    void nothingIsCut(const QSize &size) const
+    {
+        m_window->resize(size);
+        QTRY_COMPARE(m_window->contentItem()->width(), qreal(size.width()));
+        const QRectF whole(QPointF(), size);
+        for (auto *part : visibleItemsBelow(*m_window->contentItem())) {
+            if (accessibleName(part).isEmpty())
+                continue;
+            const auto place = part->mapRectToScene(part->boundingRect());
+            QVERIFY2(whole.contains(place), qPrintable(accessibleName(part)));
+            QVERIFY2(!part->property("truncated").toBool(), qPrintable(accessibleName(part)));
+        }
+    }
 
     QStringList m_warnings;
     std::unique_ptr<Machine> m_machine;
@@ -102,436 +503,5 @@ private:
     QQuickWindow *m_window = nullptr;
 };
 
-void MainWindowTest::init()
-{
-    m_warnings.clear();
-    warnings = &m_warnings;
-    qInstallMessageHandler(keepWarnings);
-    QAccessible::setActive(true);
-
-    m_machine = std::make_unique<Machine>();
-    m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
-    open();
-}
-
-void MainWindowTest::open()
-{
-    m_model = std::make_unique<AppModel>(m_machine->services);
-    m_background = std::make_unique<Background>(m_machine->services);
-    m_screens = std::make_unique<MainWindowState>(*m_model, *m_background, m_machine->motion);
-    m_engine = std::make_unique<QQmlApplicationEngine>();
-    m_engine->addImportPath(u"qrc:/qt/qml"_s);
-    m_engine->setInitialProperties({ { u"screens"_s, QVariant::fromValue(m_screens.get()) } });
-    m_engine->load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s));
-    m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
-    QVERIFY(m_window);
-    m_window->requestActivate();
-    QVERIFY(QTest::qWaitForWindowActive(m_window));
-}
-
-void MainWindowTest::close()
-{
-    m_machine->hold.release();
-    m_engine.reset();
-    m_screens.reset();
-    m_model.reset();
-    m_background.reset();
-}
-
-// As a start in a sandbox, where `granted` was handed over before.
-void MainWindowTest::openInSandbox(const QByteArray &granted)
-{
-    close();
-    m_machine->home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
-    m_machine->desktop.folderGrants.startupDiskPrefix = "/home/";
-    if (!granted.isEmpty())
-        m_machine->defaults.values.insert(u"Quillbrook.homeBookmark"_s, granted);
-    open();
-}
-
-void MainWindowTest::cleanup()
-{
-    close();
-    m_machine.reset();
-    qInstallMessageHandler(nullptr);
-    warnings = nullptr;
-    QVERIFY2(m_warnings.isEmpty(), qPrintable(m_warnings.join(u'\n')));
-}
-
-void MainWindowTest::finishScan()
-{
-    m_machine->hold.release();
-    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-}
-
-void MainWindowTest::hasItsTitleAndSizes()
-{
-    QCOMPARE(m_window->title(), u"Quillbrook"_s);
-    QCOMPARE(m_window->size(), QSize(1260, 820));
-    QCOMPARE(m_window->minimumSize(), QSize(1040, 680));
-}
-
-void MainWindowTest::scanStartsByItselfAndCanBeStopped()
-{
-    QTRY_VERIFY(m_machine->hold.isHolding());
-    QVERIFY(showsTheScan());
-    QVERIFY(!item(Role::Button, u"Rescan"_s));
-    auto *stop = item(Role::Button, u"Stop"_s);
-    QVERIFY(stop);
-
-    pressAccessibly(stop);
-    QTRY_VERIFY(shows(u"Nothing scanned yet"_s));
-    QVERIFY(shows(u"Press Rescan to look at this Mac."_s));
-    QVERIFY(item(Role::Button, u"Rescan"_s));
-}
-
-void MainWindowTest::finishedScanIsToldAndCanBeRepeated()
-{
-    finishScan();
-    QVERIFY(shows(m_screens->topBar()->summary()));
-    QVERIFY(m_screens->topBar()->summary().startsWith(u"scanned 1 files in "_s));
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, u"Rescan"_s)));
-    QTRY_COMPARE(m_machine->directories.sessionsMade(), 2);
-    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-}
-
-void MainWindowTest::panesThatAreNotBuiltSaySo()
-{
-    finishScan();
-    m_screens->content()->setPane(Pane::photos);
-    QTRY_VERIFY(shows(u"Not here yet."_s));
-    QVERIFY(shows(u"Photos by date"_s));
-}
-
-void MainWindowTest::commandDigitsChooseThePane_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("expected");
-    for (const auto pane : allPanes)
-        QTest::newRow(qPrintable(title(pane))) << Qt::Key_0 + shortcutDigit(pane) << int(pane);
-}
-
-void MainWindowTest::commandDigitsChooseThePane()
-{
-    QFETCH(int, key);
-    QFETCH(int, expected);
-    QTRY_VERIFY(m_machine->hold.isHolding());
-    m_screens->content()->setPane(expected == 0 ? Pane::map : Pane::warden);
-
-    QTest::keyClick(m_window, Qt::Key(key), Qt::ControlModifier);
-    QCOMPARE(int(pane()), expected);
-    QVERIFY(showsTheScan());
-    auto *row = item(Role::ListItem, title(Pane(expected)));
-    QVERIFY(row);
-    QVERIFY(QAccessible::queryAccessibleInterface(row)->state().selected);
-}
-
-void MainWindowTest::arrowKeysWalkTheSidebar()
-{
-    QTest::keyClick(m_window, Qt::Key_Tab);
-    QTest::keyClick(m_window, Qt::Key_Down);
-    QCOMPARE(pane(), Pane::map);
-    QCOMPARE(accessibleName(m_window->activeFocusItem()), u"What's using space"_s);
-    QTest::keyClick(m_window, Qt::Key_Down);
-    QCOMPARE(pane(), Pane::largest);
-    QTest::keyClick(m_window, Qt::Key_Up);
-    QTest::keyClick(m_window, Qt::Key_Up);
-    QTest::keyClick(m_window, Qt::Key_Up);
-    QCOMPARE(pane(), Pane::warden);
-    QTest::keyClick(m_window, Qt::Key_End);
-    QCOMPARE(pane(), Pane::advisor);
-    QTest::keyClick(m_window, Qt::Key_Down);
-    QCOMPARE(pane(), Pane::advisor);
-    QTest::keyClick(m_window, Qt::Key_Home);
-    QCOMPARE(pane(), Pane::warden);
-}
-
-void MainWindowTest::rowsCanBePressedByPointerAndAccessibly()
-{
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::ListItem, u"Apps"_s)));
-    QCOMPARE(pane(), Pane::apps);
-    pressAccessibly(item(Role::ListItem, u"Find a file"_s));
-    QCOMPARE(pane(), Pane::search);
-}
-
-void MainWindowTest::tabGoesInReadingOrder()
-{
-    QTRY_VERIFY(m_machine->hold.isHolding());
-    QStringList reached;
-    for (int i = 0; i < 6; ++i) {
-        QTest::keyClick(m_window, Qt::Key_Tab);
-        reached.append(accessibleName(m_window->activeFocusItem()));
-    }
-    QCOMPARE(reached,
-        QStringList({ u"Free up space"_s, u"Stop"_s, u"Ask Quillbrook anything about this Mac"_s,
-            u"History"_s, u"Ask"_s, u"Free up space"_s }));
-}
-
-void MainWindowTest::findingsAreListedAndCleared()
-{
-    const std::string place = "/home/someone/.gradle/daemon";
-    m_machine->files.entries[place] = {};
-    m_machine->directories.folder(place, { FakeDirectories::aFile("log", 4096) });
-    m_machine->directories.folder("/home/someone/.gradle", { FakeDirectories::aFolder("daemon") });
-    m_machine->directories.folder("/home/someone", { FakeDirectories::aFolder(".gradle") });
-    m_model->scans().cancelScan();
-    m_machine->hold.release();
-    m_model->scans().scan({ .scope = Scope::complete });
-    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-    QTRY_VERIFY(shows(u"4.0 KB selected"_s));
-    QVERIFY(shows(u"1 of 1 reclaimable items"_s));
-    QVERIFY(item(Role::ListItem, u"Android build logs, 4.0 KB"_s));
-    QVERIFY(item(Role::Heading, u"Safe to remove, 4.0 KB"_s));
-
-    auto *box = item(Role::CheckBox, u"Android build logs"_s);
-    QVERIFY(box && box->property("checked").toBool());
-    pressAccessibly(box);
-    QTRY_VERIFY(shows(u"0 B selected"_s));
-    QVERIFY(!box->property("checked").toBool());
-    QVERIFY(!item(Role::Button, u"Move to Trash"_s)->isEnabled());
-    pressAccessibly(box);
-
-    pressAccessibly(item(Role::Button, u"Move to Trash"_s));
-    QTRY_VERIFY(shows(u"Move 4.0 KB to the Trash?"_s));
-    QTRY_COMPARE(accessibleName(m_window->activeFocusItem()), u"Cancel"_s);
-    QTest::keyClick(m_window, Qt::Key_Escape);
-    QTRY_VERIFY(!shows(u"Move 4.0 KB to the Trash?"_s));
-    QVERIFY(m_machine->trash.asked.empty());
-    QVERIFY(m_model->reclaims().reclaimLog().isEmpty());
-
-    const auto *list = m_window->findChild<QQuickItem *>(u"wardenList"_s);
-    const auto *bar = m_window->findChild<QQuickItem *>(u"wardenScrollBar"_s);
-    QVERIFY(bar->mapToScene({}).x() >= list->mapToScene({ list->width(), 0 }).x());
-}
-
-void MainWindowTest::questionOpensTheConversation()
-{
-    finishScan();
-    auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
-    QVERIFY(field);
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
-    QVERIFY(field->hasActiveFocus());
-    for (const auto key : { Qt::Key_W, Qt::Key_H, Qt::Key_Y })
-        QTest::keyClick(m_window, key);
-    QCOMPARE(m_screens->askBar()->draft(), u"why"_s);
-
-    QTest::keyClick(m_window, Qt::Key_Return);
-    QCOMPARE(pane(), Pane::advisor);
-    QCOMPARE(field->property("text").toString(), QString());
-    QVERIFY(!field->hasActiveFocus());
-    QTRY_VERIFY(shows(u"Past answers"_s));
-    QVERIFY(!item(Role::Button, u"Ask"_s));
-}
-
-void MainWindowTest::blankQuestionKeepsThePane()
-{
-    auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*field));
-    QTest::keyClick(m_window, Qt::Key_Space);
-    QTest::keyClick(m_window, Qt::Key_Return);
-    QCOMPARE(pane(), Pane::warden);
-    QCOMPARE(field->property("text").toString(), u" "_s);
-    pressAccessibly(item(Role::Button, u"Ask"_s));
-    QCOMPARE(pane(), Pane::warden);
-    QVERIFY(field->hasActiveFocus());
-}
-
-void MainWindowTest::nothingIsCutAtTheMinimumSize()
-{
-    finishScan();
-    nothingIsCut(m_window->minimumSize());
-}
-
-void MainWindowTest::nothingIsCut(const QSize &size) const
-{
-    m_window->resize(size);
-    QTRY_COMPARE(m_window->contentItem()->width(), qreal(size.width()));
-    const QRectF whole(QPointF(), size);
-    for (auto *part : visibleItemsBelow(*m_window->contentItem())) {
-        if (accessibleName(part).isEmpty())
-            continue;
-        const auto place = part->mapRectToScene(part->boundingRect());
-        QVERIFY2(whole.contains(place), qPrintable(accessibleName(part)));
-        QVERIFY2(!part->property("truncated").toBool(), qPrintable(accessibleName(part)));
-    }
-}
-
-void MainWindowTest::gaugeNamesTheVolume()
-{
-    QVERIFY(shows(u"250 B"_s));
-    QVERIFY(shows(u"75% of 1000 B used"_s));
-    auto *note = m_window->findChild<QQuickItem *>(u"gapNote"_s);
-    QVERIFY(note);
-    QVERIFY(!note->isVisible());
-
-    const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
-    m_machine->volumes.answer
-        = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
-    m_model->volume().refreshVolume();
-    QVERIFY(note->isVisible());
-    QVERIFY(shows(u"Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use."_s));
-}
-
-void MainWindowTest::startChecksRunAgainWhenTheWindowComesBack()
-{
-    const auto &questions = m_machine->desktop.notifier.questions;
-    const auto before = questions;
-    m_window->hide();
-    QTest::qWait(0);
-    QCOMPARE(questions, before);
-    // Two days later the clock and what listens to the watcher are back, though somebody took them away. The
-    // start action does not run again: it would ask for an update by now.
-    m_machine->clock.moment = m_machine->clock.moment.addDays(2);
-    auto *clock = m_model->findChild<QTimer *>(u"volumeClock"_s);
-    clock->stop();
-    m_model->watcher().setOnObservation({});
-    m_window->show();
-    QTRY_COMPARE(questions, before + 1);
-    QVERIFY(clock->isActive());
-    m_model->watcher().check(true);
-    QTRY_VERIFY(m_model->lastWatch());
-    QCOMPARE(m_machine->desktop.http.requests.size(), 1);
-}
-
-void MainWindowTest::gateAsksForTheHomeFolder()
-{
-    openInSandbox();
-    const auto scans = m_machine->directories.sessionsMade();
-    QVERIFY(shows(u"Quillbrook needs to see your files to measure them"_s));
-    QVERIFY(shows(u"It reads names, sizes and dates — never the contents of a file. Choose your home "
-                  "folder and it will not ask again."_s));
-    QVERIFY(!item(Role::Button, u"Rescan"_s)->isEnabled());
-    QVERIFY(!showsTheScan());
-    for (const auto chosen : allPanes) {
-        m_screens->content()->setPane(chosen);
-        QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
-    }
-    m_screens->content()->setPane(Pane::warden);
-    auto *choose = item(Role::Button, u"Choose my home folder…"_s);
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*choose));
-    QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
-    QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
-    QCOMPARE(m_machine->directories.sessionsMade(), scans);
-
-    m_machine->desktop.folderPicker.answer = "/home/someone";
-    pressAccessibly(choose);
-    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-    QTRY_VERIFY(!item(Role::Button, u"Choose my home folder…"_s));
-    QVERIFY(item(Role::Button, u"Rescan"_s)->isEnabled());
-    QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
-    QCOMPARE(m_machine->directories.sessionsMade(), scans + 1);
-}
-
-void MainWindowTest::gateCanBeReachedAndPressedByKeys()
-{
-    openInSandbox();
-    auto *choose = item(Role::Button, u"Choose my home folder…"_s);
-    QVERIFY(choose);
-    for (int i = 0; i < 10 && !choose->hasActiveFocus(); ++i)
-        QTest::keyClick(m_window, Qt::Key_Tab);
-    QVERIFY(choose->hasActiveFocus());
-    QTest::keyClick(m_window, Qt::Key_Return);
-    QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
-}
-
-void MainWindowTest::grantedFolderIsToldOnlyInASandbox()
-{
-    QVERIFY(!item(Role::Button, u"Change"_s));
-    openInSandbox("/home/someone");
-    QVERIFY(item(Role::Button, u"Change"_s));
-    QVERIFY(shows(u"/home/someone"_s));
-    QVERIFY(!shows(u"That is not this Mac's startup disk"_s));
-    QVERIFY(!item(Role::Button, u"Choose my home folder…"_s));
-}
-
-void MainWindowTest::grantedFolderCanBeChanged()
-{
-    openInSandbox("/home/someone");
-    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-    m_machine->desktop.folderPicker.answer = "/media/backup";
-    auto *change = item(Role::Button, u"Change"_s);
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
-    QTRY_VERIFY(shows(u"/media/backup"_s));
-    QVERIFY(shows(u"That is not this Mac's startup disk"_s));
-    QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-    QCOMPARE(m_model->scans().scanRoot(), u"/media/backup"_s);
-
-    m_machine->desktop.folderPicker.answer.reset();
-    pressAccessibly(change);
-    QTRY_VERIFY(item(Role::Button, u"Choose my home folder…"_s));
-    QVERIFY(shows(u"not chosen"_s));
-}
-
-void MainWindowTest::wrongVolumeIsWarnedOf()
-{
-    openInSandbox("/Volumes/Backup/someone");
-    QVERIFY(shows(u"That is not this Mac's startup disk"_s));
-    QVERIFY(shows(u"Freeing space there will not help a full internal disk."_s));
-}
-
-void MainWindowTest::newerVersionIsTold()
-{
-    const auto line = u"Quillbrook 2.0 is out"_s;
-    QTRY_COMPARE(m_machine->desktop.http.requests.size(), 1);
-    QVERIFY(!item(Role::Button, line));
-    m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
-    m_machine->desktop.http.answer
-        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
-    QTRY_VERIFY(m_model->scans().phase().kind != Phase::Kind::idle);
-    m_model->updates().checkForUpdate();
-    QTRY_VERIFY(item(Role::Button, line));
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
-    const QUrl page(u"https://updates.test/2.0"_s);
-    QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
-    pressAccessibly(item(Role::Button, line));
-    QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
-}
-
-void MainWindowTest::fullSidebarIsNotCut_data()
-{
-    QTest::addColumn<bool>("isGated");
-    QTest::newRow("granted") << false;
-    QTest::newRow("gate") << true;
-}
-
-// Everything that the foot of the sidebar can hold at once.
-void MainWindowTest::fullSidebarIsNotCut()
-{
-    QFETCH(bool, isGated);
-    const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
-    m_machine->volumes.answer = VolumeCapacity{
-        .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
-    };
-    m_machine->desktop.http.answer
-        = HttpAnswer{ .status = 200, .body = R"({"version": "2.0", "url": "https://updates.test/2.0"})" };
-    m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
-    openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
-    QTRY_VERIFY(item(Role::Button, u"Quillbrook 2.0 is out"_s));
-    if (!isGated)
-        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-    nothingIsCut(m_window->minimumSize());
-    const auto *rows = item(Role::ListItem, u"Past answers"_s);
-    const auto *gauge = m_window->findChild<QQuickItem *>(u"usedBar"_s);
-    QVERIFY(rows->mapToScene({ 0, rows->height() }).y() < gauge->mapToScene({}).y());
-}
-
-void MainWindowTest::nothingMovesWhereTheDesktopAsksForThat()
-{
-    QQmlComponent reader(m_engine.get());
-    reader.setData("import QtQml\nimport Quillbrook\nQtObject {\n"
-                   "readonly property int quickMotion: Metrics.quickMotion\n"
-                   "readonly property int sheetMotion: Metrics.sheetMotion\n}",
-        {});
-    const std::unique_ptr<QObject> metrics(reader.create());
-    QVERIFY2(metrics, qPrintable(reader.errorString()));
-    QCOMPARE(metrics->property("quickMotion").toInt(), 120);
-    QCOMPARE(metrics->property("sheetMotion").toInt(), 180);
-    m_machine->motion.setReduced(true);
-    QCOMPARE(metrics->property("quickMotion").toInt(), 0);
-    QCOMPARE(metrics->property("sheetMotion").toInt(), 0);
-    m_machine->motion.setReduced(false);
-    QCOMPARE(metrics->property("quickMotion").toInt(), 120);
-}
-
-QTEST_MAIN(MainWindowTest)
+QUILLBROOK_SUITE(TestMainWindow, QGuiApplication)
 #include "tst_MainWindow.moc"

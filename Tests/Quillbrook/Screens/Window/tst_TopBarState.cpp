@@ -2,6 +2,7 @@
 #include "Screens/Window/TopBarState.h"
 #include "Support/FakeServices.h"
 #include "Support/FolderHold.h"
+#include "Support/Suite.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -9,88 +10,82 @@
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
 
-class TopBarStateTest : public QObject
+class TestTopBarState : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void summaryNamesCountAndSeconds_data();
-    void summaryNamesCountAndSeconds();
-    void buttonStopsAScanAndStartsOne();
-    void rescanKeepsTheScope();
-    void summaryFollowsTheScan();
+    void summaryNamesCountAndSeconds_data()
+    {
+        QTest::addColumn<qsizetype>("count");
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("before a scan") << qsizetype(0) << 0.0 << "";
+        QTest::newRow("usual") << qsizetype(1042083) << 1.1 << "scanned 1,042,083 files in 1.1s";
+        QTest::newRow("hardly any time") << qsizetype(3) << 0.0004 << "scanned 3 files in 0.0s";
+        QTest::newRow("rounded to one decimal") << qsizetype(12) << 12.36 << "scanned 12 files in 12.4s";
+        QTest::newRow("minutes stay seconds") << qsizetype(5) << 125.0 << "scanned 5 files in 125.0s";
+    }
+
+    void summaryNamesCountAndSeconds()
+    {
+        QFETCH(qsizetype, count);
+        QFETCH(double, seconds);
+        QFETCH(QString, expected);
+        QCOMPARE(TopBarState::summaryOf(count, seconds), expected);
+    }
+
+    void buttonStopsAScanAndStartsOne()
+    {
+        FakeServices machine;
+        machine.directories.folder("/home/someone", {});
+        FolderHold hold(machine.directories, "/home/someone");
+        AppModel model(machine.services);
+        TopBarState bar(model);
+        QSignalSpy changes(&bar, &TopBarState::actionTextChanged);
+        QCOMPARE(bar.actionText(), u"Rescan"_s);
+
+        bar.act();
+        QVERIFY(model.scans().phase().kind == Phase::Kind::scanning);
+        QCOMPARE(bar.actionText(), u"Stop"_s);
+        QTRY_VERIFY(hold.isHolding());
+
+        bar.act();
+        QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
+        QCOMPARE(bar.actionText(), u"Rescan"_s);
+        QCOMPARE(changes.count(), 2);
+        hold.release();
+    }
+
+    void rescanKeepsTheScope()
+    {
+        FakeServices machine;
+        AppModel model(machine.services);
+        TopBarState bar(model);
+        model.scans().scan({ .scope = Scope::complete });
+        QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+        bar.act();
+        QVERIFY(model.scans().scope() == Scope::complete);
+        QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+        QCOMPARE(machine.directories.sessionsMade(), 2);
+    }
+
+    void summaryFollowsTheScan()
+    {
+        FakeServices machine;
+        machine.directories.folder(
+            "/home/someone", { FakeDirectories::aFile("a", 1), FakeDirectories::aFile("b", 1) });
+        AppModel model(machine.services);
+        TopBarState bar(model);
+        QSignalSpy changes(&bar, &TopBarState::summaryChanged);
+        QCOMPARE(bar.summary(), QString());
+        bar.act();
+        QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+        QVERIFY(changes.count() > 0);
+        QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.scans().lastScanDuration()));
+        QVERIFY(bar.summary().startsWith(u"scanned 2 files in "_s));
+    }
 };
 
-void TopBarStateTest::summaryNamesCountAndSeconds_data()
-{
-    QTest::addColumn<qsizetype>("count");
-    QTest::addColumn<double>("seconds");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("before a scan") << qsizetype(0) << 0.0 << "";
-    QTest::newRow("usual") << qsizetype(1042083) << 1.1 << "scanned 1,042,083 files in 1.1s";
-    QTest::newRow("hardly any time") << qsizetype(3) << 0.0004 << "scanned 3 files in 0.0s";
-    QTest::newRow("rounded to one decimal") << qsizetype(12) << 12.36 << "scanned 12 files in 12.4s";
-    QTest::newRow("minutes stay seconds") << qsizetype(5) << 125.0 << "scanned 5 files in 125.0s";
-}
-
-void TopBarStateTest::summaryNamesCountAndSeconds()
-{
-    QFETCH(qsizetype, count);
-    QFETCH(double, seconds);
-    QFETCH(QString, expected);
-    QCOMPARE(TopBarState::summaryOf(count, seconds), expected);
-}
-
-void TopBarStateTest::buttonStopsAScanAndStartsOne()
-{
-    FakeServices machine;
-    machine.directories.folder("/home/someone", {});
-    FolderHold hold(machine.directories, "/home/someone");
-    AppModel model(machine.services);
-    TopBarState bar(model);
-    QSignalSpy changes(&bar, &TopBarState::actionTextChanged);
-    QCOMPARE(bar.actionText(), u"Rescan"_s);
-
-    bar.act();
-    QVERIFY(model.scans().phase().kind == Phase::Kind::scanning);
-    QCOMPARE(bar.actionText(), u"Stop"_s);
-    QTRY_VERIFY(hold.isHolding());
-
-    bar.act();
-    QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
-    QCOMPARE(bar.actionText(), u"Rescan"_s);
-    QCOMPARE(changes.count(), 2);
-    hold.release();
-}
-
-void TopBarStateTest::rescanKeepsTheScope()
-{
-    FakeServices machine;
-    AppModel model(machine.services);
-    TopBarState bar(model);
-    model.scans().scan({ .scope = Scope::complete });
-    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
-    bar.act();
-    QVERIFY(model.scans().scope() == Scope::complete);
-    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
-    QCOMPARE(machine.directories.sessionsMade(), 2);
-}
-
-void TopBarStateTest::summaryFollowsTheScan()
-{
-    FakeServices machine;
-    machine.directories.folder(
-        "/home/someone", { FakeDirectories::aFile("a", 1), FakeDirectories::aFile("b", 1) });
-    AppModel model(machine.services);
-    TopBarState bar(model);
-    QSignalSpy changes(&bar, &TopBarState::summaryChanged);
-    QCOMPARE(bar.summary(), QString());
-    bar.act();
-    QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
-    QVERIFY(changes.count() > 0);
-    QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.scans().lastScanDuration()));
-    QVERIFY(bar.summary().startsWith(u"scanned 2 files in "_s));
-}
-
-QTEST_GUILESS_MAIN(TopBarStateTest)
+QUILLBROOK_SUITE(TestTopBarState, QCoreApplication)
 #include "tst_TopBarState.moc"

@@ -3,6 +3,7 @@
 #include "Catalogue/StorageCatalogue.h"
 #include "Support/MadeUpHome.h"
 #include "Support/RuleListing.h"
+#include "Support/Suite.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -193,5 +194,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFixtureHome)
+QUILLBROOK_SUITE(TestFixtureHome, QCoreApplication)
 #include "tst_FixtureHome.moc"

@@ -2,6 +2,7 @@
 #include "Catalogue/Linux/LinuxQuietScope.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Support/RuleListing.h"
+#include "Support/Suite.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -336,5 +337,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestLinuxCatalogue)
+QUILLBROOK_SUITE(TestLinuxCatalogue, NoApplication)
 #include "tst_LinuxCatalogue.moc"

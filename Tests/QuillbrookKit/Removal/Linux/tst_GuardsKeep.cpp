@@ -6,6 +6,7 @@
 #include "Platform/Linux/Files/FileDescriptor.h"
 #include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathRemoval.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -192,39 +193,36 @@ class TestGuardsKeep : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingThatHasToBeKeptIsLetGo_data();
-    void nothingThatHasToBeKeptIsLetGo();
+    void nothingThatHasToBeKeptIsLetGo_data()
+    {
+        QTest::addColumn<bool>("byItsLinkedPath");
+        QTest::newRow("home folder by its own path") << false;
+        QTest::newRow("home folder by a path through a link") << true;
+    }
+
+    void nothingThatHasToBeKeptIsLetGo()
+    {
+        QFETCH(bool, byItsLinkedPath);
+        const MadeUpDisk disk;
+        const auto &home = byItsLinkedPath ? disk.linkedHome : disk.home;
+        const auto guards = LinuxGuards::guards(disk.surroundings());
+        PathMaker maker(disk);
+        int keptOnes = 0;
+        int letGoOnes = 0;
+        for (int i = 0; i < paths; ++i) {
+            const auto path = maker.next();
+            const auto line = lineage(path);
+            const auto sentence = refusal(path, home, &guards);
+            const bool isKept = disk.kept.has(line);
+            keptOnes += isKept ? 1 : 0;
+            letGoOnes += !sentence && !line.empty() ? 1 : 0;
+            QVERIFY2(!isKept || sentence, path.c_str());
+        }
+        // Otherwise a guard that refuses everything would do, or a maker of paths that lead nowhere.
+        QVERIFY2(keptOnes > paths / 10, qPrintable(QString::number(keptOnes)));
+        QVERIFY2(letGoOnes > paths / 50, qPrintable(QString::number(letGoOnes)));
+    }
 };
 
-void TestGuardsKeep::nothingThatHasToBeKeptIsLetGo_data()
-{
-    QTest::addColumn<bool>("byItsLinkedPath");
-    QTest::newRow("home folder by its own path") << false;
-    QTest::newRow("home folder by a path through a link") << true;
-}
-
-void TestGuardsKeep::nothingThatHasToBeKeptIsLetGo()
-{
-    QFETCH(bool, byItsLinkedPath);
-    const MadeUpDisk disk;
-    const auto &home = byItsLinkedPath ? disk.linkedHome : disk.home;
-    const auto guards = LinuxGuards::guards(disk.surroundings());
-    PathMaker maker(disk);
-    int keptOnes = 0;
-    int letGoOnes = 0;
-    for (int i = 0; i < paths; ++i) {
-        const auto path = maker.next();
-        const auto line = lineage(path);
-        const auto sentence = refusal(path, home, &guards);
-        const bool isKept = disk.kept.has(line);
-        keptOnes += isKept ? 1 : 0;
-        letGoOnes += !sentence && !line.empty() ? 1 : 0;
-        QVERIFY2(!isKept || sentence, path.c_str());
-    }
-    // Otherwise a guard that refuses everything would do, or a maker of paths that lead nowhere.
-    QVERIFY2(keptOnes > paths / 10, qPrintable(QString::number(keptOnes)));
-    QVERIFY2(letGoOnes > paths / 50, qPrintable(QString::number(letGoOnes)));
-}
-
-QTEST_APPLESS_MAIN(TestGuardsKeep)
+QUILLBROOK_SUITE(TestGuardsKeep, NoApplication)
 #include "tst_GuardsKeep.moc"

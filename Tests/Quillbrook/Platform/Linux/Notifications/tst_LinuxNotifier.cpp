@@ -4,6 +4,7 @@
 #include "Support/FakeUserDefaults.h"
 #include "Support/MemoryFiles.h"
 #include "Support/PrivateBus.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QDBusContext>
@@ -27,8 +28,6 @@ namespace {
 
 const auto askedKey = u"Quillbrook.notificationsAsked"_s;
 const auto quillbrook = u"com.tarnwick.Quillbrook"_s;
-
-} // namespace
 
 class FakeServer : public QObject, protected QDBusContext
 {
@@ -94,6 +93,8 @@ public Q_SLOTS:
         return permissions;
     }
 };
+
+} // namespace
 
 class TestLinuxNotifier : public QObject
 {
@@ -480,5 +481,5 @@ private:
     QStringList m_started;
 };
 
-QTEST_GUILESS_MAIN(TestLinuxNotifier)
+QUILLBROOK_SUITE(TestLinuxNotifier, QCoreApplication)
 #include "tst_LinuxNotifier.moc"

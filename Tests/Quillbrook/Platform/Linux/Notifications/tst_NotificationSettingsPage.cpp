@@ -1,4 +1,5 @@
 #include "Platform/Linux/Notifications/NotificationSettingsPage.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -68,5 +69,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNotificationSettingsPage)
+QUILLBROOK_SUITE(TestNotificationSettingsPage, QCoreApplication)
 #include "tst_NotificationSettingsPage.moc"

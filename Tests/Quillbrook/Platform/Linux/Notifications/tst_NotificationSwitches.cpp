@@ -2,6 +2,7 @@
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/MemoryFiles.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QElapsedTimer>
@@ -142,5 +143,5 @@ private:
     TempTree m_tree;
 };
 
-QTEST_GUILESS_MAIN(TestNotificationSwitches)
+QUILLBROOK_SUITE(TestNotificationSwitches, QCoreApplication)
 #include "tst_NotificationSwitches.moc"

@@ -1,10 +1,13 @@
 #include "Platform/Linux/Opening/LinuxLinkOpener.h"
+#include "Support/Suite.h"
 
 #include <QDesktopServices>
 #include <QTest>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
+
+namespace {
 
 class FakeBrowser : public QObject
 {
@@ -16,6 +19,8 @@ public:
 public Q_SLOTS:
     void open(const QUrl &url) { opened.append(url.toString(QUrl::FullyEncoded)); }
 };
+
+} // namespace
 
 class TestLinuxLinkOpener : public QObject
 {
@@ -59,5 +64,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestLinuxLinkOpener)
+QUILLBROOK_SUITE(TestLinuxLinkOpener, QGuiApplication)
 #include "tst_LinuxLinkOpener.moc"

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Sandbox/LinuxFolderPicker.h"
 #include "Support/PrivateBus.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QApplication>
@@ -27,8 +28,6 @@ const auto portalPath = u"/org/freedesktop/portal/desktop"_s;
 const FolderPicker::Request homeRequest{
     .directory = u"/home"_s, .message = u"Select the folder named “someone”"_s, .prompt = u"Allow"_s
 };
-
-} // namespace
 
 /// The portal's folder window, which answers when and what the test says.
 class FakeChooser : public QObject, protected QDBusContext
@@ -74,26 +73,210 @@ public Q_SLOTS:
     void Close() { ++closed; }
 };
 
-class LinuxFolderPickerTest : public QObject
+} // namespace
+
+class TestLinuxFolderPicker : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void uriIsReadByteByByte_data();
-    void uriIsReadByteByByte();
-    void portalIsAskedForOneFolder();
-    void withoutAFolderNothingIsPicked_data();
-    void withoutAFolderNothingIsPicked();
-    void portalThatVanishesPicksNothing();
-    void personWhoNeverAnswersIsNotWaitedForEndlessly();
-    void quittingEndsTheQuestion();
-    void secondQuestionMeanwhileIsRefused();
-    void nextQuestionIsAskedAnew();
-    void dialogStandsInForThePortal_data();
-    void dialogStandsInForThePortal();
-    void dialogShowsFoldersOnly();
+    void init()
+    {
+        m_bus = std::make_unique<PrivateBus>();
+        m_client = m_bus->connection();
+        m_services = m_bus->connection();
+        QVERIFY(m_client.isConnected());
+        QVERIFY(m_services.isConnected());
+        m_portal = std::make_unique<FakeChooser>();
+        m_handle = std::make_unique<FakeHandle>();
+        m_tree = std::make_unique<TempTree>();
+        m_dialogs = 0;
+    }
+
+    void cleanup()
+    {
+        m_look.reset();
+        m_bus.reset();
+        QVERIFY(!QApplication::activeModalWidget());
+    }
+
+    void uriIsReadByteByByte_data()
+    {
+        QTest::addColumn<QString>("uri");
+        QTest::addColumn<QByteArray>("path");
+        const auto newRow = [](const char *name, const char *uri, const QByteArray &path) {
+            QTest::newRow(name) << QString::fromUtf8(uri) << path;
+        };
+        newRow("plain", "file:///home/someone", "/home/someone");
+        newRow("with a slash at its end", "file:///home/someone/", "/home/someone");
+        newRow("root", "file:///", "/");
+        newRow("signs", "file:///a%20b%23c%3fd%25e+f", "/a b#c?d%e+f");
+        newRow("not UTF-8", "file:///some%FF%fe", "/some\xff\xfe");
+        newRow("line feed", "file:///a%0Ab", "/a\nb");
+        newRow("beyond ASCII", "file:///gr%C3%B6%C3%9Fe", "/größe");
+        newRow("not encoded", "file:///größe", "/größe");
+        newRow("this machine by name", "file://localhost/home", "/home");
+        newRow("scheme in capitals", "FILE:///home", "/home");
+        newRow("half an escape", "file:///home%2", "/home%2");
+        newRow("another machine", "file://elsewhere/home", {});
+        newRow("another scheme", "smb://elsewhere/home", {});
+        newRow("a zero", "file:///home%00/x", {});
+        newRow("no path", "file://", {});
+        newRow("a bare path", "/home", {});
+        newRow("nothing", "", {});
+    }
+
+    void uriIsReadByteByByte()
+    {
+        QFETCH(QString, uri);
+        QFETCH(QByteArray, path);
+        const auto read = pathOfFileUri(uri);
+        QCOMPARE(read.has_value(), !path.isEmpty());
+        QCOMPARE(QByteArray::fromStdString(read.value_or(std::string())), path);
+    }
+
+    void portalIsAskedForOneFolder()
+    {
+        offerPortal();
+        answerWith({ u"file:///home/some%FF"_s, u"file:///second"_s });
+        QVERIFY(picker().pick(homeRequest) == "/home/some\xff");
+        QCOMPARE(m_portal->titles, QStringList{ homeRequest.message });
+        QCOMPARE(m_portal->parents, QStringList{ QString() });
+        auto options = m_portal->options.constFirst();
+        QVERIFY(options.take(u"handle_token"_s).isValid());
+        const QVariantMap expected{ { u"directory"_s, true }, { u"modal"_s, true },
+            { u"accept_label"_s, u"Allow"_s }, { u"current_folder"_s, QByteArray("/home\0", 6) } };
+        QCOMPARE(options, expected);
+    }
+
+    void withoutAFolderNothingIsPicked_data()
+    {
+        QTest::addColumn<uint>("code");
+        QTest::addColumn<QVariantMap>("results");
+        const auto uris = u"uris"_s;
+        const QStringList good{ u"file:///home/someone"_s };
+        QTest::newRow("cancelled") << 1U << QVariantMap();
+        QTest::newRow("cancelled, with a folder") << 1U << QVariantMap{ { uris, good } };
+        QTest::newRow("ended in another way") << 2U << QVariantMap{ { uris, good } };
+        QTest::newRow("no list") << 0U << QVariantMap();
+        QTest::newRow("empty list") << 0U << QVariantMap{ { uris, QStringList() } };
+        QTest::newRow("not a list") << 0U << QVariantMap{ { uris, 7 } };
+        QTest::newRow("not on this machine") << 0U << QVariantMap{ { uris, QStringList{ u"smb://a/b"_s } } };
+    }
+
+    void withoutAFolderNothingIsPicked()
+    {
+        QFETCH(uint, code);
+        QFETCH(QVariantMap, results);
+        offerPortal();
+        m_portal->shown = [&](const QString &handle) { answer(handle, code, results); };
+        QVERIFY(!picker().pick(homeRequest));
+        QCOMPARE(m_portal->titles.size(), 1);
+    }
+
+    void portalThatVanishesPicksNothing()
+    {
+        offerPortal();
+        m_portal->shown = [this](const QString &) { m_services.unregisterService(portalName); };
+        QElapsedTimer watch;
+        watch.start();
+        QVERIFY(!picker().pick(homeRequest));
+        QVERIFY(watch.elapsed() < 30'000);
+        QCOMPARE(m_portal->titles.size(), 1);
+    }
+
+    void personWhoNeverAnswersIsNotWaitedForEndlessly()
+    {
+        offerPortal();
+        m_portal->shown = [this](const QString &handle) {
+            m_services.registerObject(handle, m_handle.get(), QDBusConnection::ExportAllSlots);
+        };
+        QVERIFY(!picker(true, 300ms).pick(homeRequest));
+        QTRY_COMPARE(m_handle->closed, 1);
+    }
+
+    void quittingEndsTheQuestion()
+    {
+        offerPortal();
+        m_portal->shown = [this](const QString &handle) {
+            m_services.registerObject(handle, m_handle.get(), QDBusConnection::ExportAllSlots);
+            QTimer::singleShot(0, this, [] { QCoreApplication::exit(); });
+        };
+        // Within a loop of the application's own, as in the running program.
+        bool isOver = false;
+        QTimer::singleShot(0, this, [&] {
+            QVERIFY(!picker().pick(homeRequest));
+            isOver = true;
+        });
+        QCOMPARE(QCoreApplication::exec(), 0);
+        QVERIFY(isOver);
+        QTRY_COMPARE(m_handle->closed, 1);
+    }
+
+    void secondQuestionMeanwhileIsRefused()
+    {
+        offerPortal();
+        auto asking = picker();
+        m_portal->shown = [&](const QString &handle) {
+            QVERIFY(!asking.pick(homeRequest));
+            answer(handle, 0, { { u"uris"_s, QStringList{ u"file:///home/someone"_s } } });
+        };
+        QVERIFY(asking.pick(homeRequest) == "/home/someone");
+        QCOMPARE(m_portal->titles.size(), 1);
+    }
+
+    void nextQuestionIsAskedAnew()
+    {
+        offerPortal();
+        auto asking = picker();
+        answerWith({}, 1);
+        QVERIFY(!asking.pick(homeRequest));
+        answerWith({ u"file:///home/someone"_s });
+        QVERIFY(asking.pick(homeRequest) == "/home/someone");
+        QCOMPARE(m_portal->titles.size(), 2);
+    }
+
+    void dialogStandsInForThePortal_data()
+    {
+        QTest::addColumn<bool>("isSandboxed");
+        QTest::addColumn<uint>("version");
+        QTest::newRow("no sandbox") << false << 3U;
+        QTest::newRow("no portal") << true << 0U;
+        QTest::newRow("a portal without folders") << true << 2U;
+    }
+
+    void dialogStandsInForThePortal()
+    {
+        QFETCH(bool, isSandboxed);
+        QFETCH(uint, version);
+        m_tree->folder("homes/someone");
+        m_portal->presentVersion = version;
+        if (version > 0)
+            offerPortal();
+        whenDialogStands([this](QFileDialog &dialog) {
+            auto *name = dialog.findChild<QLineEdit *>(u"fileNameEdit"_s);
+            name->setText(m_tree->text("homes/someone"));
+            static_cast<QDialog &>(dialog).accept();
+        });
+        auto request = homeRequest;
+        request.directory = m_tree->text("homes");
+        QVERIFY(picker(isSandboxed).pick(request) == m_tree->path("homes/someone"));
+        QCOMPARE(m_dialogs, 1);
+        QVERIFY(m_portal->titles.isEmpty());
+    }
+
+    void dialogShowsFoldersOnly()
+    {
+        m_tree->folder("homes/someone");
+        whenDialogStands([this](QFileDialog &dialog) {
+            dialog.reject();
+            checkDialog(dialog);
+        });
+        auto request = homeRequest;
+        request.directory = m_tree->text("homes");
+        QVERIFY(!picker(false).pick(request));
+        QCOMPARE(m_dialogs, 1);
+    }
 
 private:
     [[nodiscard]] LinuxFolderPicker picker(
@@ -102,13 +285,56 @@ private:
         return LinuxFolderPicker(
             { .isSandboxed = isSandboxed, .patience = 10s, .leisure = leisure }, m_client);
     }
-    void offerPortal();
-    void checkDialog(const QFileDialog &dialog) const;
-    void answer(const QString &handle, uint code, const QVariantMap &results);
-    void answerWith(const QStringList &uris, uint code = 0);
+
+    void offerPortal()
+    {
+        QVERIFY(m_services.registerObject(portalPath, m_portal.get(),
+            QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties));
+        QVERIFY(m_services.registerService(portalName));
+    }
+
+    void checkDialog(const QFileDialog &dialog) const
+    {
+        QCOMPARE(dialog.fileMode(), QFileDialog::Directory);
+        QVERIFY(dialog.testOption(QFileDialog::ShowDirsOnly));
+        QVERIFY(dialog.testOption(QFileDialog::ReadOnly));
+        QVERIFY(!dialog.filter().testFlag(QDir::Hidden));
+        QVERIFY(!dialog.filter().testFlag(QDir::Files));
+        QCOMPARE(dialog.directory().path(), m_tree->text("homes"));
+        QCOMPARE(dialog.windowTitle(), homeRequest.message);
+        QCOMPARE(dialog.labelText(QFileDialog::Accept), homeRequest.prompt);
+    }
+
+    void answer(const QString &handle, uint code, const QVariantMap &results)
+    {
+        auto signal = QDBusMessage::createSignal(handle, u"org.freedesktop.portal.Request"_s, u"Response"_s);
+        signal << code << results;
+        QVERIFY(m_services.send(signal));
+    }
+
+    void answerWith(const QStringList &uris, uint code = 0)
+    {
+        m_portal->shown = [this, uris, code](const QString &handle) {
+            answer(handle, code, { { u"uris"_s, uris } });
+        };
+    }
+
     /// Does something to Qt's own window once it stands, and notes that it did. A window that stands after
     /// that is closed.
-    void whenDialogStands(const std::function<void(QFileDialog &)> &act);
+    void whenDialogStands(const std::function<void(QFileDialog &)> &act)
+    {
+        m_look = std::make_unique<QTimer>();
+        connect(m_look.get(), &QTimer::timeout, this, [this, act] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            if (++m_dialogs == 1)
+                act(*dialog);
+            else
+                dialog->reject();
+        });
+        m_look->start(10ms);
+    }
 
     std::unique_ptr<PrivateBus> m_bus;
     QDBusConnection m_client{ u"not yet"_s };
@@ -120,256 +346,5 @@ private:
     int m_dialogs = 0;
 };
 
-void LinuxFolderPickerTest::init()
-{
-    m_bus = std::make_unique<PrivateBus>();
-    m_client = m_bus->connection();
-    m_services = m_bus->connection();
-    QVERIFY(m_client.isConnected());
-    QVERIFY(m_services.isConnected());
-    m_portal = std::make_unique<FakeChooser>();
-    m_handle = std::make_unique<FakeHandle>();
-    m_tree = std::make_unique<TempTree>();
-    m_dialogs = 0;
-}
-
-void LinuxFolderPickerTest::cleanup()
-{
-    m_look.reset();
-    m_bus.reset();
-    QVERIFY(!QApplication::activeModalWidget());
-}
-
-void LinuxFolderPickerTest::offerPortal()
-{
-    QVERIFY(m_services.registerObject(
-        portalPath, m_portal.get(), QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties));
-    QVERIFY(m_services.registerService(portalName));
-}
-
-void LinuxFolderPickerTest::answer(const QString &handle, uint code, const QVariantMap &results)
-{
-    auto signal = QDBusMessage::createSignal(handle, u"org.freedesktop.portal.Request"_s, u"Response"_s);
-    signal << code << results;
-    QVERIFY(m_services.send(signal));
-}
-
-void LinuxFolderPickerTest::answerWith(const QStringList &uris, uint code)
-{
-    m_portal->shown = [this, uris, code](const QString &handle) {
-        answer(handle, code, { { u"uris"_s, uris } });
-    };
-}
-
-void LinuxFolderPickerTest::whenDialogStands(const std::function<void(QFileDialog &)> &act)
-{
-    m_look = std::make_unique<QTimer>();
-    connect(m_look.get(), &QTimer::timeout, this, [this, act] {
-        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        if (++m_dialogs == 1)
-            act(*dialog);
-        else
-            dialog->reject();
-    });
-    m_look->start(10ms);
-}
-
-void LinuxFolderPickerTest::uriIsReadByteByByte_data()
-{
-    QTest::addColumn<QString>("uri");
-    QTest::addColumn<QByteArray>("path");
-    const auto newRow = [](const char *name, const char *uri, const QByteArray &path) {
-        QTest::newRow(name) << QString::fromUtf8(uri) << path;
-    };
-    newRow("plain", "file:///home/someone", "/home/someone");
-    newRow("with a slash at its end", "file:///home/someone/", "/home/someone");
-    newRow("root", "file:///", "/");
-    newRow("signs", "file:///a%20b%23c%3fd%25e+f", "/a b#c?d%e+f");
-    newRow("not UTF-8", "file:///some%FF%fe", "/some\xff\xfe");
-    newRow("line feed", "file:///a%0Ab", "/a\nb");
-    newRow("beyond ASCII", "file:///gr%C3%B6%C3%9Fe", "/größe");
-    newRow("not encoded", "file:///größe", "/größe");
-    newRow("this machine by name", "file://localhost/home", "/home");
-    newRow("scheme in capitals", "FILE:///home", "/home");
-    newRow("half an escape", "file:///home%2", "/home%2");
-    newRow("another machine", "file://elsewhere/home", {});
-    newRow("another scheme", "smb://elsewhere/home", {});
-    newRow("a zero", "file:///home%00/x", {});
-    newRow("no path", "file://", {});
-    newRow("a bare path", "/home", {});
-    newRow("nothing", "", {});
-}
-
-void LinuxFolderPickerTest::uriIsReadByteByByte()
-{
-    QFETCH(QString, uri);
-    QFETCH(QByteArray, path);
-    const auto read = pathOfFileUri(uri);
-    QCOMPARE(read.has_value(), !path.isEmpty());
-    QCOMPARE(QByteArray::fromStdString(read.value_or(std::string())), path);
-}
-
-void LinuxFolderPickerTest::portalIsAskedForOneFolder()
-{
-    offerPortal();
-    answerWith({ u"file:///home/some%FF"_s, u"file:///second"_s });
-    QVERIFY(picker().pick(homeRequest) == "/home/some\xff");
-    QCOMPARE(m_portal->titles, QStringList{ homeRequest.message });
-    QCOMPARE(m_portal->parents, QStringList{ QString() });
-    auto options = m_portal->options.constFirst();
-    QVERIFY(options.take(u"handle_token"_s).isValid());
-    const QVariantMap expected{ { u"directory"_s, true }, { u"modal"_s, true },
-        { u"accept_label"_s, u"Allow"_s }, { u"current_folder"_s, QByteArray("/home\0", 6) } };
-    QCOMPARE(options, expected);
-}
-
-void LinuxFolderPickerTest::withoutAFolderNothingIsPicked_data()
-{
-    QTest::addColumn<uint>("code");
-    QTest::addColumn<QVariantMap>("results");
-    const auto uris = u"uris"_s;
-    const QStringList good{ u"file:///home/someone"_s };
-    QTest::newRow("cancelled") << 1U << QVariantMap();
-    QTest::newRow("cancelled, with a folder") << 1U << QVariantMap{ { uris, good } };
-    QTest::newRow("ended in another way") << 2U << QVariantMap{ { uris, good } };
-    QTest::newRow("no list") << 0U << QVariantMap();
-    QTest::newRow("empty list") << 0U << QVariantMap{ { uris, QStringList() } };
-    QTest::newRow("not a list") << 0U << QVariantMap{ { uris, 7 } };
-    QTest::newRow("not on this machine") << 0U << QVariantMap{ { uris, QStringList{ u"smb://a/b"_s } } };
-}
-
-void LinuxFolderPickerTest::withoutAFolderNothingIsPicked()
-{
-    QFETCH(uint, code);
-    QFETCH(QVariantMap, results);
-    offerPortal();
-    m_portal->shown = [&](const QString &handle) { answer(handle, code, results); };
-    QVERIFY(!picker().pick(homeRequest));
-    QCOMPARE(m_portal->titles.size(), 1);
-}
-
-void LinuxFolderPickerTest::portalThatVanishesPicksNothing()
-{
-    offerPortal();
-    m_portal->shown = [this](const QString &) { m_services.unregisterService(portalName); };
-    QElapsedTimer watch;
-    watch.start();
-    QVERIFY(!picker().pick(homeRequest));
-    QVERIFY(watch.elapsed() < 30'000);
-    QCOMPARE(m_portal->titles.size(), 1);
-}
-
-void LinuxFolderPickerTest::personWhoNeverAnswersIsNotWaitedForEndlessly()
-{
-    offerPortal();
-    m_portal->shown = [this](const QString &handle) {
-        m_services.registerObject(handle, m_handle.get(), QDBusConnection::ExportAllSlots);
-    };
-    QVERIFY(!picker(true, 300ms).pick(homeRequest));
-    QTRY_COMPARE(m_handle->closed, 1);
-}
-
-void LinuxFolderPickerTest::quittingEndsTheQuestion()
-{
-    offerPortal();
-    m_portal->shown = [this](const QString &handle) {
-        m_services.registerObject(handle, m_handle.get(), QDBusConnection::ExportAllSlots);
-        QTimer::singleShot(0, this, [] { QCoreApplication::exit(); });
-    };
-    // Within a loop of the application's own, as in the running program.
-    bool isOver = false;
-    QTimer::singleShot(0, this, [&] {
-        QVERIFY(!picker().pick(homeRequest));
-        isOver = true;
-    });
-    QCOMPARE(QCoreApplication::exec(), 0);
-    QVERIFY(isOver);
-    QTRY_COMPARE(m_handle->closed, 1);
-}
-
-void LinuxFolderPickerTest::secondQuestionMeanwhileIsRefused()
-{
-    offerPortal();
-    auto asking = picker();
-    m_portal->shown = [&](const QString &handle) {
-        QVERIFY(!asking.pick(homeRequest));
-        answer(handle, 0, { { u"uris"_s, QStringList{ u"file:///home/someone"_s } } });
-    };
-    QVERIFY(asking.pick(homeRequest) == "/home/someone");
-    QCOMPARE(m_portal->titles.size(), 1);
-}
-
-void LinuxFolderPickerTest::nextQuestionIsAskedAnew()
-{
-    offerPortal();
-    auto asking = picker();
-    answerWith({}, 1);
-    QVERIFY(!asking.pick(homeRequest));
-    answerWith({ u"file:///home/someone"_s });
-    QVERIFY(asking.pick(homeRequest) == "/home/someone");
-    QCOMPARE(m_portal->titles.size(), 2);
-}
-
-void LinuxFolderPickerTest::dialogStandsInForThePortal_data()
-{
-    QTest::addColumn<bool>("isSandboxed");
-    QTest::addColumn<uint>("version");
-    QTest::newRow("no sandbox") << false << 3U;
-    QTest::newRow("no portal") << true << 0U;
-    QTest::newRow("a portal without folders") << true << 2U;
-}
-
-void LinuxFolderPickerTest::dialogStandsInForThePortal()
-{
-    QFETCH(bool, isSandboxed);
-    QFETCH(uint, version);
-    m_tree->folder("homes/someone");
-    m_portal->presentVersion = version;
-    if (version > 0)
-        offerPortal();
-    whenDialogStands([this](QFileDialog &dialog) {
-        auto *name = dialog.findChild<QLineEdit *>(u"fileNameEdit"_s);
-        name->setText(m_tree->text("homes/someone"));
-        static_cast<QDialog &>(dialog).accept();
-    });
-    auto request = homeRequest;
-    request.directory = m_tree->text("homes");
-    QVERIFY(picker(isSandboxed).pick(request) == m_tree->path("homes/someone"));
-    QCOMPARE(m_dialogs, 1);
-    QVERIFY(m_portal->titles.isEmpty());
-}
-
-void LinuxFolderPickerTest::checkDialog(const QFileDialog &dialog) const
-{
-    QCOMPARE(dialog.fileMode(), QFileDialog::Directory);
-    QVERIFY(dialog.testOption(QFileDialog::ShowDirsOnly));
-    QVERIFY(dialog.testOption(QFileDialog::ReadOnly));
-    QVERIFY(!dialog.filter().testFlag(QDir::Hidden));
-    QVERIFY(!dialog.filter().testFlag(QDir::Files));
-    QCOMPARE(dialog.directory().path(), m_tree->text("homes"));
-    QCOMPARE(dialog.windowTitle(), homeRequest.message);
-    QCOMPARE(dialog.labelText(QFileDialog::Accept), homeRequest.prompt);
-}
-
-void LinuxFolderPickerTest::dialogShowsFoldersOnly()
-{
-    m_tree->folder("homes/someone");
-    whenDialogStands([this](QFileDialog &dialog) {
-        dialog.reject();
-        checkDialog(dialog);
-    });
-    auto request = homeRequest;
-    request.directory = m_tree->text("homes");
-    QVERIFY(!picker(false).pick(request));
-    QCOMPARE(m_dialogs, 1);
-}
-
-int main(int argc, char **argv)
-{
-    QApplication application(argc, argv);
-    LinuxFolderPickerTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QUILLBROOK_SUITE(TestLinuxFolderPicker, QApplication)
 #include "tst_LinuxFolderPicker.moc"

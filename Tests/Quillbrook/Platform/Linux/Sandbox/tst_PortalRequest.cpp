@@ -1,6 +1,7 @@
 #include "Platform/Linux/Sandbox/PortalRequest.h"
 #include "Support/FakePortal.h"
 #include "Support/PrivateBus.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -189,5 +190,5 @@ private:
     std::unique_ptr<PortalRequest> m_requests;
 };
 
-QTEST_GUILESS_MAIN(TestPortalRequest)
+QUILLBROOK_SUITE(TestPortalRequest, QCoreApplication)
 #include "tst_PortalRequest.moc"

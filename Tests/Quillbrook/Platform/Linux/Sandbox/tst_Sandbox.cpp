@@ -1,4 +1,5 @@
 #include "Platform/Linux/Sandbox/Sandbox.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -56,5 +57,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSandbox)
+QUILLBROOK_SUITE(TestSandbox, QCoreApplication)
 #include "tst_Sandbox.moc"

@@ -1,4 +1,5 @@
 #include "Platform/Linux/Session/AutostartEntry.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QProcess>
@@ -152,5 +153,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAutostartEntry)
+QUILLBROOK_SUITE(TestAutostartEntry, QCoreApplication)
 #include "tst_AutostartEntry.moc"

@@ -1,4 +1,5 @@
 #include "Platform/Linux/Session/DesktopSession.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -82,5 +83,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDesktopSession)
+QUILLBROOK_SUITE(TestDesktopSession, QCoreApplication)
 #include "tst_DesktopSession.moc"

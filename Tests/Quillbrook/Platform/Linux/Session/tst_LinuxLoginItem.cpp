@@ -7,6 +7,7 @@
 #include "Support/MemoryFiles.h"
 #include "Support/PrivateBus.h"
 #include "Support/RootGivenUp.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QFile>
@@ -443,14 +444,5 @@ private:
     FakeUserDefaults m_defaults;
 };
 
-int main(int argc, char **argv)
-{
-    // Rights that a folder takes away mean nothing to root.
-    if (!giveUpRoot())
-        qFatal("root can't be given up");
-    const QCoreApplication application(argc, argv);
-    TestLinuxLoginItem test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestLinuxLoginItem, QCoreApplication, giveUpRoot)
 #include "tst_LinuxLoginItem.moc"

@@ -1,4 +1,5 @@
 #include "Platform/Linux/Tray/TrayPicture.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -56,21 +57,102 @@ int reddish(const QImage &image)
 
 } // namespace
 
-class TrayPictureTest : public QObject
+class TestTrayPicture : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void lookCountsInSteps_data();
-    void lookCountsInSteps();
-    void hasAllSizes();
-    void fullerDiskHasMoreFilledPixels_data();
-    void fullerDiskHasMoreFilledPixels();
-    void fillsFromTheBottom();
-    void dangerHasItsOwnTone();
-    void cornersAreClear();
-    void standsOutFromPanels_data();
-    void standsOutFromPanels();
+    void lookCountsInSteps_data()
+    {
+        QTest::addColumn<double>("share");
+        QTest::addColumn<int>("step");
+        QTest::newRow("empty") << 0.0 << 0;
+        QTest::newRow("half") << 0.5 << 24;
+        QTest::newRow("full") << 1.0 << 48;
+        QTest::newRow("below") << -1.0 << 0;
+        QTest::newRow("above") << 1.5 << 48;
+        QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 0;
+        QTest::newRow("a little more changes nothing") << 0.501 << 24;
+    }
+
+    void lookCountsInSteps()
+    {
+        QFETCH(double, share);
+        QFETCH(int, step);
+        QCOMPARE(TrayPicture::look(share, false), (TrayPicture::Look{ .step = step }));
+        QCOMPARE(TrayPicture::look(share, true), (TrayPicture::Look{ .step = step, .isDanger = true }));
+    }
+
+    void hasAllSizes()
+    {
+        QList<int> widths;
+        for (const auto &image : TrayPicture::drawAll({ .step = 12 })) {
+            QCOMPARE(image.width(), image.height());
+            QCOMPARE(image.format(), QImage::Format_ARGB32);
+            widths.append(image.width());
+        }
+        QCOMPARE(widths, QList<int>({ 16, 22, 24, 32, 48 }));
+    }
+
+    void fullerDiskHasMoreFilledPixels_data() { sizeRows(); }
+
+    void fullerDiskHasMoreFilledPixels()
+    {
+        QFETCH(int, size);
+        // Every fourth step is at least a row of pixels in the smallest picture.
+        auto before = -1;
+        for (int step = 0; step <= TrayPicture::steps; step += 4) {
+            const auto now = filled(TrayPicture::draw({ .step = step }, size));
+            QVERIFY2(now > before, qPrintable(u"step %1: %2, %3"_s.arg(step).arg(now).arg(before)));
+            before = now;
+        }
+    }
+
+    void fillsFromTheBottom()
+    {
+        const auto image = TrayPicture::draw({ .step = TrayPicture::steps / 2 }, 16);
+        const auto upper = filled(image.copy(3, 3, 10, 4));
+        const auto lower = filled(image.copy(3, 9, 10, 4));
+        QCOMPARE(upper, 0);
+        QVERIFY(lower > 30);
+    }
+
+    void dangerHasItsOwnTone()
+    {
+        for (const auto size : TrayPicture::sizes) {
+            const auto calm = TrayPicture::draw({ .step = 45 }, size);
+            const auto danger = TrayPicture::draw({ .step = 45, .isDanger = true }, size);
+            QCOMPARE(reddish(calm), 0);
+            QVERIFY(reddish(danger) > size * size / 3);
+        }
+        QVERIFY(TrayPicture::tone(true) != TrayPicture::tone(false));
+    }
+
+    void cornersAreClear()
+    {
+        const auto image = TrayPicture::draw({ .step = TrayPicture::steps }, 22);
+        for (const auto &corner : { QPoint(0, 0), QPoint(21, 0), QPoint(0, 21), QPoint(21, 21) })
+            QCOMPARE(image.pixelColor(corner).alpha(), 0);
+    }
+
+    void standsOutFromPanels_data()
+    {
+        QTest::addColumn<bool>("isDanger");
+        QTest::addColumn<QRgb>("panel");
+        QTest::newRow("calm, dark panel") << false << darkPanel;
+        QTest::newRow("calm, light panel") << false << lightPanel;
+        QTest::newRow("danger, dark panel") << true << darkPanel;
+        QTest::newRow("danger, light panel") << true << lightPanel;
+    }
+
+    void standsOutFromPanels()
+    {
+        QFETCH(bool, isDanger);
+        QFETCH(QRgb, panel);
+        // The rate that graphical marks need: the ring and the full disk have the tone.
+        QVERIFY2(contrast(TrayPicture::tone(isDanger), QColor(panel)) >= 3,
+            qPrintable(QString::number(contrast(TrayPicture::tone(isDanger), QColor(panel)))));
+    }
 
 private:
     static void sizeRows()
@@ -81,100 +163,5 @@ private:
     }
 };
 
-void TrayPictureTest::lookCountsInSteps_data()
-{
-    QTest::addColumn<double>("share");
-    QTest::addColumn<int>("step");
-    QTest::newRow("empty") << 0.0 << 0;
-    QTest::newRow("half") << 0.5 << 24;
-    QTest::newRow("full") << 1.0 << 48;
-    QTest::newRow("below") << -1.0 << 0;
-    QTest::newRow("above") << 1.5 << 48;
-    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 0;
-    QTest::newRow("a little more changes nothing") << 0.501 << 24;
-}
-
-void TrayPictureTest::lookCountsInSteps()
-{
-    QFETCH(double, share);
-    QFETCH(int, step);
-    QCOMPARE(TrayPicture::look(share, false), (TrayPicture::Look{ .step = step }));
-    QCOMPARE(TrayPicture::look(share, true), (TrayPicture::Look{ .step = step, .isDanger = true }));
-}
-
-void TrayPictureTest::hasAllSizes()
-{
-    QList<int> widths;
-    for (const auto &image : TrayPicture::drawAll({ .step = 12 })) {
-        QCOMPARE(image.width(), image.height());
-        QCOMPARE(image.format(), QImage::Format_ARGB32);
-        widths.append(image.width());
-    }
-    QCOMPARE(widths, QList<int>({ 16, 22, 24, 32, 48 }));
-}
-
-void TrayPictureTest::fullerDiskHasMoreFilledPixels_data()
-{
-    sizeRows();
-}
-
-void TrayPictureTest::fullerDiskHasMoreFilledPixels()
-{
-    QFETCH(int, size);
-    // Every fourth step is at least a row of pixels in the smallest picture.
-    auto before = -1;
-    for (int step = 0; step <= TrayPicture::steps; step += 4) {
-        const auto now = filled(TrayPicture::draw({ .step = step }, size));
-        QVERIFY2(now > before, qPrintable(u"step %1: %2, %3"_s.arg(step).arg(now).arg(before)));
-        before = now;
-    }
-}
-
-void TrayPictureTest::fillsFromTheBottom()
-{
-    const auto image = TrayPicture::draw({ .step = TrayPicture::steps / 2 }, 16);
-    const auto upper = filled(image.copy(3, 3, 10, 4));
-    const auto lower = filled(image.copy(3, 9, 10, 4));
-    QCOMPARE(upper, 0);
-    QVERIFY(lower > 30);
-}
-
-void TrayPictureTest::dangerHasItsOwnTone()
-{
-    for (const auto size : TrayPicture::sizes) {
-        const auto calm = TrayPicture::draw({ .step = 45 }, size);
-        const auto danger = TrayPicture::draw({ .step = 45, .isDanger = true }, size);
-        QCOMPARE(reddish(calm), 0);
-        QVERIFY(reddish(danger) > size * size / 3);
-    }
-    QVERIFY(TrayPicture::tone(true) != TrayPicture::tone(false));
-}
-
-void TrayPictureTest::cornersAreClear()
-{
-    const auto image = TrayPicture::draw({ .step = TrayPicture::steps }, 22);
-    for (const auto &corner : { QPoint(0, 0), QPoint(21, 0), QPoint(0, 21), QPoint(21, 21) })
-        QCOMPARE(image.pixelColor(corner).alpha(), 0);
-}
-
-void TrayPictureTest::standsOutFromPanels_data()
-{
-    QTest::addColumn<bool>("isDanger");
-    QTest::addColumn<QRgb>("panel");
-    QTest::newRow("calm, dark panel") << false << darkPanel;
-    QTest::newRow("calm, light panel") << false << lightPanel;
-    QTest::newRow("danger, dark panel") << true << darkPanel;
-    QTest::newRow("danger, light panel") << true << lightPanel;
-}
-
-void TrayPictureTest::standsOutFromPanels()
-{
-    QFETCH(bool, isDanger);
-    QFETCH(QRgb, panel);
-    // The rate that graphical marks need: the ring and the full disk have the tone.
-    QVERIFY2(contrast(TrayPicture::tone(isDanger), QColor(panel)) >= 3,
-        qPrintable(QString::number(contrast(TrayPicture::tone(isDanger), QColor(panel)))));
-}
-
-QTEST_MAIN(TrayPictureTest)
+QUILLBROOK_SUITE(TestTrayPicture, QGuiApplication)
 #include "tst_TrayPicture.moc"

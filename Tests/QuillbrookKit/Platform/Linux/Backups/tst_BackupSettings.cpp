@@ -1,4 +1,5 @@
 #include "Platform/Linux/Backups/BackupSettings.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -225,5 +226,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBackupSettings)
+QUILLBROOK_SUITE(TestBackupSettings, QCoreApplication)
 #include "tst_BackupSettings.moc"

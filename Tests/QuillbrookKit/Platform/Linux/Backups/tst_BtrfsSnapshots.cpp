@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/Backups/BtrfsSnapshots.h"
 #include "Support/PrivateMounts.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QProcess>
@@ -159,12 +160,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    whyNotPermitted = enter();
-    QCoreApplication application(argc, argv);
-    TestBtrfsSnapshots test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestBtrfsSnapshots, QCoreApplication, [] { whyNotPermitted = enter(); })
 #include "tst_BtrfsSnapshots.moc"

@@ -4,6 +4,7 @@
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/PrivateBus.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QDBusArgument>
@@ -74,8 +75,6 @@ struct Machine
     std::chrono::milliseconds timeLimit = std::chrono::seconds(5);
 };
 
-} // namespace
-
 // As snapper's service tells of them: a name, the subvolume and settings; a number, a kind, and more.
 struct SnapperConfiguration
 {
@@ -83,25 +82,33 @@ struct SnapperConfiguration
     QString subvolume;
     QMap<QString, QString> settings;
 };
+
 struct SnapperSnapshot
 {
     uint number = 0;
 };
+
+} // namespace
+
 Q_DECLARE_METATYPE(SnapperConfiguration)
 Q_DECLARE_METATYPE(SnapperSnapshot)
 
-static QDBusArgument &operator<<(QDBusArgument &argument, const SnapperConfiguration &configuration)
+namespace {
+
+QDBusArgument &operator<<(QDBusArgument &argument, const SnapperConfiguration &configuration)
 {
     argument.beginStructure();
     argument << configuration.name << configuration.subvolume << configuration.settings;
     argument.endStructure();
     return argument;
 }
-static const QDBusArgument &operator>>(const QDBusArgument &argument, SnapperConfiguration &)
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, SnapperConfiguration &)
 {
     return argument;
 }
-static QDBusArgument &operator<<(QDBusArgument &argument, const SnapperSnapshot &snapshot)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const SnapperSnapshot &snapshot)
 {
     argument.beginStructure();
     argument << snapshot.number << ushort(0) << 0U << 1'700'000'000LL << 0U << u"timeline"_s << u"timeline"_s
@@ -109,7 +116,8 @@ static QDBusArgument &operator<<(QDBusArgument &argument, const SnapperSnapshot 
     argument.endStructure();
     return argument;
 }
-static const QDBusArgument &operator>>(const QDBusArgument &argument, SnapperSnapshot &)
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, SnapperSnapshot &)
 {
     return argument;
 }
@@ -152,6 +160,8 @@ public Q_SLOTS:
         return snapshots.value(name);
     }
 };
+
+} // namespace
 
 class TestLinuxBackupProbe : public QObject
 {
@@ -394,5 +404,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLinuxBackupProbe)
+QUILLBROOK_SUITE(TestLinuxBackupProbe, QCoreApplication)
 #include "tst_LinuxBackupProbe.moc"

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Support/MadeUpHome.h"
+#include "Support/Suite.h"
 
 #include <QFile>
 #include <QTest>
@@ -136,5 +137,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestLinuxFileFacts)
+QUILLBROOK_SUITE(TestLinuxFileFacts, NoApplication)
 #include "tst_LinuxFileFacts.moc"

@@ -2,6 +2,7 @@
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Platform/Linux/Files/LinuxFileWriting.h"
 #include "Support/RootGivenUp.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QDir>
@@ -201,13 +202,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    // Rights that a file takes away mean nothing to root.
-    if (!giveUpRoot())
-        qFatal("root can't be given up");
-    TestLinuxFileWriting test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestLinuxFileWriting, NoApplication, giveUpRoot)
 #include "tst_LinuxFileWriting.moc"

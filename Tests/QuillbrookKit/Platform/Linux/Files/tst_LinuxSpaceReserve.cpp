@@ -1,4 +1,5 @@
 #include "Platform/Linux/Files/LinuxSpaceReserve.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -58,5 +59,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLinuxSpaceReserve)
+QUILLBROOK_SUITE(TestLinuxSpaceReserve, QCoreApplication)
 #include "tst_LinuxSpaceReserve.moc"

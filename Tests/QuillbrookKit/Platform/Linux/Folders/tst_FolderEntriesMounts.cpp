@@ -3,6 +3,7 @@
 
 #include "Removal/PathRemoval.h"
 #include "Support/PrivateMounts.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QCoreApplication>
@@ -28,67 +29,54 @@ class TestFolderEntriesMounts : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void whatIsMountedIsCountedButNotEntered();
-    void bindMountIsCountedButNotEntered();
-    void mountItselfIsNotEntered();
-    void folderInsideAMountIsCounted();
+    void init()
+    {
+        if (!whyNotPermitted.isEmpty())
+            QSKIP(qPrintable(whyNotPermitted));
+    }
+
+    void whatIsMountedIsCountedButNotEntered()
+    {
+        const TempTree tree;
+        tree.folder("folder/mounted");
+        tree.file("folder/beside");
+        const Mounted mounted("none", tree.path("folder/mounted"), "tmpfs");
+        QCOMPARE(mounted.failure(), QString());
+        tree.file("folder/mounted/a");
+        QVERIFY(itemCount(tree.path("folder"), cap) == ItemCount{ .count = 2 });
+    }
+
+    void bindMountIsCountedButNotEntered()
+    {
+        const TempTree tree;
+        tree.file("elsewhere/a");
+        tree.folder("folder/mounted");
+        const Mounted mounted(tree.path("elsewhere"), tree.path("folder/mounted"), "", MS_BIND);
+        QCOMPARE(mounted.failure(), QString());
+        QVERIFY(itemCount(tree.path("folder"), cap) == ItemCount{ .count = 1 });
+    }
+
+    void mountItselfIsNotEntered()
+    {
+        const TempTree tree;
+        tree.folder("mounted");
+        const Mounted mounted("none", tree.path("mounted"), "tmpfs");
+        QCOMPARE(mounted.failure(), QString());
+        tree.file("mounted/a");
+        QVERIFY(itemCount(tree.path("mounted"), cap) == ItemCount{});
+    }
+
+    void folderInsideAMountIsCounted()
+    {
+        const TempTree tree;
+        tree.folder("mounted");
+        const Mounted mounted("none", tree.path("mounted"), "tmpfs");
+        QCOMPARE(mounted.failure(), QString());
+        tree.file("mounted/folder/a");
+        tree.file("mounted/folder/b/c");
+        QVERIFY(itemCount(tree.path("mounted/folder"), cap) == ItemCount{ .count = 3 });
+    }
 };
 
-void TestFolderEntriesMounts::init()
-{
-    if (!whyNotPermitted.isEmpty())
-        QSKIP(qPrintable(whyNotPermitted));
-}
-
-void TestFolderEntriesMounts::whatIsMountedIsCountedButNotEntered()
-{
-    const TempTree tree;
-    tree.folder("folder/mounted");
-    tree.file("folder/beside");
-    const Mounted mounted("none", tree.path("folder/mounted"), "tmpfs");
-    QCOMPARE(mounted.failure(), QString());
-    tree.file("folder/mounted/a");
-    QVERIFY(itemCount(tree.path("folder"), cap) == ItemCount{ .count = 2 });
-}
-
-void TestFolderEntriesMounts::bindMountIsCountedButNotEntered()
-{
-    const TempTree tree;
-    tree.file("elsewhere/a");
-    tree.folder("folder/mounted");
-    const Mounted mounted(tree.path("elsewhere"), tree.path("folder/mounted"), "", MS_BIND);
-    QCOMPARE(mounted.failure(), QString());
-    QVERIFY(itemCount(tree.path("folder"), cap) == ItemCount{ .count = 1 });
-}
-
-void TestFolderEntriesMounts::mountItselfIsNotEntered()
-{
-    const TempTree tree;
-    tree.folder("mounted");
-    const Mounted mounted("none", tree.path("mounted"), "tmpfs");
-    QCOMPARE(mounted.failure(), QString());
-    tree.file("mounted/a");
-    QVERIFY(itemCount(tree.path("mounted"), cap) == ItemCount{});
-}
-
-void TestFolderEntriesMounts::folderInsideAMountIsCounted()
-{
-    const TempTree tree;
-    tree.folder("mounted");
-    const Mounted mounted("none", tree.path("mounted"), "tmpfs");
-    QCOMPARE(mounted.failure(), QString());
-    tree.file("mounted/folder/a");
-    tree.file("mounted/folder/b/c");
-    QVERIFY(itemCount(tree.path("mounted/folder"), cap) == ItemCount{ .count = 3 });
-}
-
-int main(int argc, char **argv)
-{
-    whyNotPermitted = enter();
-    QCoreApplication application(argc, argv);
-    TestFolderEntriesMounts test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestFolderEntriesMounts, QCoreApplication, [] { whyNotPermitted = enter(); })
 #include "tst_FolderEntriesMounts.moc"

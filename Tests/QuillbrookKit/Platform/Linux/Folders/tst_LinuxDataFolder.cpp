@@ -1,5 +1,6 @@
 #include "Platform/Linux/Folders/LinuxDataFolder.h"
 #include "Support/FakeHomeFolder.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -35,5 +36,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLinuxDataFolder)
+QUILLBROOK_SUITE(TestLinuxDataFolder, QCoreApplication)
 #include "tst_LinuxDataFolder.moc"

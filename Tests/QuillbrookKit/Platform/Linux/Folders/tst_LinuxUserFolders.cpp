@@ -1,5 +1,6 @@
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QFile>
@@ -88,5 +89,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestLinuxUserFolders)
+QUILLBROOK_SUITE(TestLinuxUserFolders, NoApplication)
 #include "tst_LinuxUserFolders.moc"

@@ -1,4 +1,5 @@
 #include "Platform/Linux/Folders/LinuxVolumes.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QTest>
@@ -13,57 +14,51 @@ class TestLinuxVolumes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void tellsWhatAnOrdinaryUserCanWrite();
-    void nothingIsPurgeable();
-    void pathNotThereIsAbsent_data();
-    void pathNotThereIsAbsent();
-    void volumeWithoutBlocksHasNoRoom();
+    void tellsWhatAnOrdinaryUserCanWrite()
+    {
+        const TempTree folder;
+        struct statvfs figures = {};
+        QCOMPARE(::statvfs(folder.path().c_str(), &figures), 0);
+        const auto capacity = LinuxVolumes().capacity(folder.text());
+        QVERIFY(capacity);
+        const auto blocks = [&](fsblkcnt_t count) { return qint64(count * figures.f_frsize); };
+        QCOMPARE(capacity->total, std::optional(blocks(figures.f_blocks)));
+        // Others write to the same disk meanwhile, so that the free figures agree only roughly.
+        const auto free = double(*capacity->available);
+        QVERIFY(qAbs(free - double(blocks(figures.f_bavail))) <= double(*capacity->total) * 0.05);
+        QVERIFY(*capacity->available <= *capacity->total);
+    }
+
+    void nothingIsPurgeable()
+    {
+        const TempTree folder;
+        const auto capacity = LinuxVolumes().capacity(folder.text());
+        QCOMPARE(capacity->availableForImportantUsage, capacity->available);
+    }
+
+    void pathNotThereIsAbsent_data()
+    {
+        QTest::addColumn<QString>("path");
+        const TempTree folder;
+        QTest::newRow("gone") << folder.text("gone");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("too long") << u'/' + QString(100'000, u'x');
+    }
+
+    void pathNotThereIsAbsent()
+    {
+        QFETCH(QString, path);
+        QVERIFY(!LinuxVolumes().capacity(path));
+    }
+
+    void volumeWithoutBlocksHasNoRoom()
+    {
+        const auto capacity = LinuxVolumes().capacity(u"/proc"_s);
+        QVERIFY(capacity);
+        QCOMPARE(capacity->available, std::optional<qint64>(0));
+        QCOMPARE(capacity->total, std::optional<qint64>(0));
+    }
 };
 
-void TestLinuxVolumes::tellsWhatAnOrdinaryUserCanWrite()
-{
-    const TempTree folder;
-    struct statvfs figures = {};
-    QCOMPARE(::statvfs(folder.path().c_str(), &figures), 0);
-    const auto capacity = LinuxVolumes().capacity(folder.text());
-    QVERIFY(capacity);
-    const auto blocks = [&](fsblkcnt_t count) { return qint64(count * figures.f_frsize); };
-    QCOMPARE(capacity->total, std::optional(blocks(figures.f_blocks)));
-    // Others write to the same disk meanwhile, so that the free figures agree only roughly.
-    const auto free = double(*capacity->available);
-    QVERIFY(qAbs(free - double(blocks(figures.f_bavail))) <= double(*capacity->total) * 0.05);
-    QVERIFY(*capacity->available <= *capacity->total);
-}
-
-void TestLinuxVolumes::nothingIsPurgeable()
-{
-    const TempTree folder;
-    const auto capacity = LinuxVolumes().capacity(folder.text());
-    QCOMPARE(capacity->availableForImportantUsage, capacity->available);
-}
-
-void TestLinuxVolumes::pathNotThereIsAbsent_data()
-{
-    QTest::addColumn<QString>("path");
-    const TempTree folder;
-    QTest::newRow("gone") << folder.text("gone");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("too long") << u'/' + QString(100'000, u'x');
-}
-
-void TestLinuxVolumes::pathNotThereIsAbsent()
-{
-    QFETCH(QString, path);
-    QVERIFY(!LinuxVolumes().capacity(path));
-}
-
-void TestLinuxVolumes::volumeWithoutBlocksHasNoRoom()
-{
-    const auto capacity = LinuxVolumes().capacity(u"/proc"_s);
-    QVERIFY(capacity);
-    QCOMPARE(capacity->available, std::optional<qint64>(0));
-    QCOMPARE(capacity->total, std::optional<qint64>(0));
-}
-
-QTEST_GUILESS_MAIN(TestLinuxVolumes)
+QUILLBROOK_SUITE(TestLinuxVolumes, QCoreApplication)
 #include "tst_LinuxVolumes.moc"

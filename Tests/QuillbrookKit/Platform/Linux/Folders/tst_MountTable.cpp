@@ -1,4 +1,5 @@
 #include "Platform/Linux/Folders/MountTable.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -9,75 +10,70 @@ class TestMountTable : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void linesBecomeMounts_data();
-    void linesBecomeMounts();
-    void severalLinesKeepTheirOrder();
-    void ownTableHasTheRoot();
+    void linesBecomeMounts_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("understood");
+        QTest::addColumn<quint64>("id");
+        QTest::addColumn<quint64>("parent");
+        QTest::addColumn<QByteArray>("mountPoint");
+        const auto row
+            = [](const char *name, QByteArray line, quint64 id, quint64 parent, QByteArray mountPoint) {
+                  QTest::newRow(name) << line << true << id << parent << mountPoint;
+              };
+        row("root", "29 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw", 29, 1, "/");
+        row("no optional fields", "31 29 0:27 / /proc rw - proc proc rw", 31, 29, "/proc");
+        row("bind mount", "96 29 254:0 /src /home/u/bound rw - ext4 /dev/vda rw", 96, 29, "/home/u/bound");
+        row("blank, tab, line feed, backslash", "9 8 0:1 / /a\\040b\\011c\\012d\\134e rw - t s rw", 9, 8,
+            "/a b\tc\nd\\e");
+        row("escaped digits after a backslash", "9 8 0:1 / /a\\134040 rw - t s rw", 9, 8, "/a\\040");
+        row("backslash without digits", "9 8 0:1 / /a\\04 rw - t s rw", 9, 8, "/a\\04");
+        row("name that is not UTF-8", "9 8 0:1 / /\xFF rw - t s rw", 9, 8, "/\xFF");
+        row("cut off after the mount point", "9 8 0:1 / /a", 9, 8, "/a");
+        const auto broken = [](const char *name, QByteArray line) {
+            QTest::newRow(name) << line << false << quint64(0) << quint64(0) << QByteArray();
+        };
+        broken("empty", "");
+        broken("too short", "9 8 0:1 /");
+        broken("no number", "x 8 0:1 / /a rw - t s rw");
+        broken("number with letters", "9z 8 0:1 / /a rw - t s rw");
+        broken("negative number", "-9 8 0:1 / /a rw - t s rw");
+        broken("mount point out of reach", "9 8 0:1 / (unreachable) rw - t s rw");
+    }
+
+    void linesBecomeMounts()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, understood);
+        QFETCH(quint64, id);
+        QFETCH(quint64, parent);
+        QFETCH(QByteArray, mountPoint);
+        const auto mounts = MountTable::parse(line.toStdString());
+        QCOMPARE(mounts.size(), size_t(understood ? 1 : 0));
+        const std::vector<Mount> expected{
+            { .id = id, .parentId = parent, .mountPoint = mountPoint.toStdString() }
+        };
+        QVERIFY(!understood || mounts == expected);
+    }
+
+    void severalLinesKeepTheirOrder()
+    {
+        const auto mounts = MountTable::parse("1 0 0:1 / / rw - t s rw\n"
+                                              "broken\n"
+                                              "\n"
+                                              "2 1 0:2 / /a rw - t s rw\n"
+                                              "3 2 0:3 / /a rw - t s rw");
+        const std::vector<Mount> expected{ { 1, 0, "/" }, { 2, 1, "/a" }, { 3, 2, "/a" } };
+        QVERIFY(mounts == expected);
+    }
+
+    void ownTableHasTheRoot()
+    {
+        const auto mounts = MountTable::read();
+        QVERIFY(mounts.has_value());
+        QVERIFY(std::ranges::any_of(*mounts, [](const Mount &mount) { return mount.mountPoint == "/"; }));
+    }
 };
 
-void TestMountTable::linesBecomeMounts_data()
-{
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<bool>("understood");
-    QTest::addColumn<quint64>("id");
-    QTest::addColumn<quint64>("parent");
-    QTest::addColumn<QByteArray>("mountPoint");
-    const auto row
-        = [](const char *name, QByteArray line, quint64 id, quint64 parent, QByteArray mountPoint) {
-              QTest::newRow(name) << line << true << id << parent << mountPoint;
-          };
-    row("root", "29 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw", 29, 1, "/");
-    row("no optional fields", "31 29 0:27 / /proc rw - proc proc rw", 31, 29, "/proc");
-    row("bind mount", "96 29 254:0 /src /home/u/bound rw - ext4 /dev/vda rw", 96, 29, "/home/u/bound");
-    row("blank, tab, line feed, backslash", "9 8 0:1 / /a\\040b\\011c\\012d\\134e rw - t s rw", 9, 8,
-        "/a b\tc\nd\\e");
-    row("escaped digits after a backslash", "9 8 0:1 / /a\\134040 rw - t s rw", 9, 8, "/a\\040");
-    row("backslash without digits", "9 8 0:1 / /a\\04 rw - t s rw", 9, 8, "/a\\04");
-    row("name that is not UTF-8", "9 8 0:1 / /\xFF rw - t s rw", 9, 8, "/\xFF");
-    row("cut off after the mount point", "9 8 0:1 / /a", 9, 8, "/a");
-    const auto broken = [](const char *name, QByteArray line) {
-        QTest::newRow(name) << line << false << quint64(0) << quint64(0) << QByteArray();
-    };
-    broken("empty", "");
-    broken("too short", "9 8 0:1 /");
-    broken("no number", "x 8 0:1 / /a rw - t s rw");
-    broken("number with letters", "9z 8 0:1 / /a rw - t s rw");
-    broken("negative number", "-9 8 0:1 / /a rw - t s rw");
-    broken("mount point out of reach", "9 8 0:1 / (unreachable) rw - t s rw");
-}
-
-void TestMountTable::linesBecomeMounts()
-{
-    QFETCH(QByteArray, line);
-    QFETCH(bool, understood);
-    QFETCH(quint64, id);
-    QFETCH(quint64, parent);
-    QFETCH(QByteArray, mountPoint);
-    const auto mounts = MountTable::parse(line.toStdString());
-    QCOMPARE(mounts.size(), size_t(understood ? 1 : 0));
-    const std::vector<Mount> expected{
-        { .id = id, .parentId = parent, .mountPoint = mountPoint.toStdString() }
-    };
-    QVERIFY(!understood || mounts == expected);
-}
-
-void TestMountTable::severalLinesKeepTheirOrder()
-{
-    const auto mounts = MountTable::parse("1 0 0:1 / / rw - t s rw\n"
-                                          "broken\n"
-                                          "\n"
-                                          "2 1 0:2 / /a rw - t s rw\n"
-                                          "3 2 0:3 / /a rw - t s rw");
-    const std::vector<Mount> expected{ { 1, 0, "/" }, { 2, 1, "/a" }, { 3, 2, "/a" } };
-    QVERIFY(mounts == expected);
-}
-
-void TestMountTable::ownTableHasTheRoot()
-{
-    const auto mounts = MountTable::read();
-    QVERIFY(mounts.has_value());
-    QVERIFY(std::ranges::any_of(*mounts, [](const Mount &mount) { return mount.mountPoint == "/"; }));
-}
-
-QTEST_GUILESS_MAIN(TestMountTable)
+QUILLBROOK_SUITE(TestMountTable, QCoreApplication)
 #include "tst_MountTable.moc"

@@ -2,6 +2,7 @@
 // two calls that matter are answered here first; the rest is the real system.
 
 #include "Support/DiskScan.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -102,193 +103,179 @@ private Q_SLOTS:
     void init() { faults = {}; }
     void cleanup() { faults = {}; }
 
-    void kindThatIsNotToldIsAskedFor();
-    void fileThatVanishesBeforeItIsAskedIsDropped();
-    void fileThatMayNotBeAskedIsMarked_data();
-    void fileThatMayNotBeAskedIsMarked();
-    void interruptedCallsAreTriedAgain();
-    void fileReplacedByAFolderIsEntered();
-    void readErrorInTheMiddleKeepsWhatWasRead();
-    void entriesOfManySmallReadsAreJoined();
-    void foldersCostNoCallOfTheirOwn();
-    void systemWithoutMountIdsIsMeasured();
-    void absurdSizeIsNotNegative();
-    void systemWithoutOpenat2IsMeasured_data();
-    void systemWithoutOpenat2IsMeasured();
+    void kindThatIsNotToldIsAskedFor()
+    {
+        const TempTree tree;
+        tree.file("folder/deeper/file", 100);
+        tree.link("link", "folder");
+        tree.pipe("pipe");
+        faults.afterEntry = [](dirent64 &entry) { entry.d_type = DT_UNKNOWN; };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.unreadableDirectories, 0);
+        QCOMPARE(result.tree->dirCount(), 3);
+        QCOMPARE(result.flagsOf("folder"), Flags::directory);
+        QCOMPARE(result.flagsOf("link"), Flags::symlink);
+        QCOMPARE(result.flagsOf("pipe"), Flags::none);
+        QCOMPARE(result.total(), tree.allocated("folder/deeper/file"));
+    }
+
+    void fileThatVanishesBeforeItIsAskedIsDropped()
+    {
+        const TempTree tree;
+        tree.file("goes", 100);
+        tree.file("stays", 100);
+        faults.beforeStatus = [&](const std::string &name) {
+            if (name == "goes")
+                ::unlink(tree.path("goes").c_str());
+            return 0;
+        };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.tree->nodeCount(), 2);
+        QCOMPARE(result.total(), tree.allocated("stays"));
+    }
+
+    void fileThatMayNotBeAskedIsMarked_data()
+    {
+        QTest::addColumn<int>("error");
+        QTest::newRow("no right") << EACCES;
+        QTest::newRow("damaged disk") << EIO;
+        QTest::newRow("stale handle") << ESTALE;
+    }
+
+    void fileThatMayNotBeAskedIsMarked()
+    {
+        QFETCH(int, error);
+        const TempTree tree;
+        tree.file("file", 100);
+        tree.link("link", "file");
+        tree.file("other", 100);
+        faults.beforeStatus = [&](const std::string &name) { return name == "other" ? 0 : error; };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.tree->fileCount(), 3);
+        QCOMPARE(result.unmeasuredFiles, 2);
+        QCOMPARE(result.unreadableDirectories, 0);
+        QCOMPARE(result.flagsOf("file"), Flags::unmeasured);
+        QCOMPARE(result.flagsOf("link"), Flags::symlink | Flags::unmeasured);
+        QCOMPARE(result.total(), tree.allocated("other"));
+    }
+
+    void interruptedCallsAreTriedAgain()
+    {
+        const TempTree tree;
+        tree.file("a/file", 100);
+        int asked = 0;
+        faults.beforeStatus = [&](const std::string &) { return asked++ < 3 ? EINTR : 0; };
+        faults.beforeEntries = [](int before) { return before % 3 == 2 ? 0 : EINTR; };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(asked, 4);
+        QCOMPARE(result.unmeasuredFiles, 0);
+        QCOMPARE(result.total(), tree.allocated("a/file"));
+    }
+
+    void fileReplacedByAFolderIsEntered()
+    {
+        const TempTree tree;
+        tree.file("thing", 100);
+        faults.beforeStatus = [&](const std::string &name) {
+            if (name == "thing") {
+                ::unlink(tree.path("thing").c_str());
+                tree.file("thing/inside", 5000);
+            }
+            return 0;
+        };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.flagsOf("thing"), Flags::directory);
+        QCOMPARE(result.total(), tree.allocated("thing/inside"));
+    }
+
+    void readErrorInTheMiddleKeepsWhatWasRead()
+    {
+        const TempTree tree;
+        for (int i = 0; i < 100; ++i)
+            tree.file("file with a long enough name " + std::to_string(i), 100);
+        faults.mostEntryBytes = 1024;
+        faults.beforeEntries = [](int before) { return before < 2 ? 0 : EIO; };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.unreadableDirectories, 0);
+        QVERIFY(result.tree->fileCount() > 0);
+        QVERIFY(result.tree->fileCount() < 100);
+        QCOMPARE(result.total(), result.tree->fileCount() * tree.allocated("file with a long enough name 0"));
+    }
+
+    void entriesOfManySmallReadsAreJoined()
+    {
+        const TempTree tree;
+        for (int i = 0; i < 100; ++i)
+            tree.file(std::to_string(i), 100);
+        // The first read has room for little more than the two entries that every folder has.
+        faults.mostEntryBytes = 64;
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.tree->fileCount(), 100);
+        QCOMPARE(result.total(), 100 * tree.allocated("0"));
+    }
+
+    void foldersCostNoCallOfTheirOwn()
+    {
+        const TempTree tree;
+        tree.file("a/b/c/file", 100);
+        tree.folder("a/d");
+        QStringList asked;
+        faults.beforeStatus = [&](const std::string &name) {
+            asked << QString::fromStdString(name);
+            return 0;
+        };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.tree->dirCount(), 5);
+        QCOMPARE(asked, QStringList{ u"file"_s });
+    }
+
+    void systemWithoutMountIdsIsMeasured()
+    {
+        const TempTree tree;
+        tree.file("a/file", 100);
+        faults.afterStatus = [](struct statx &status) {
+            status.stx_mask &= ~unsigned{ STATX_MNT_ID };
+            status.stx_mnt_id = 0xDEAD;
+        };
+        const auto result = scanned(tree, disk);
+        QCOMPARE(result.total(), tree.allocated("a/file"));
+        QCOMPARE(result.flagsOf("a/file"), Flags::none);
+    }
+
+    void absurdSizeIsNotNegative()
+    {
+        const TempTree tree;
+        tree.file("file", 100);
+        faults.afterStatus = [](struct statx &status) { status.stx_blocks = ~std::uint64_t{ 0 }; };
+        QVERIFY(scanned(tree, disk).tree->size(0) > 0);
+    }
+
+    void systemWithoutOpenat2IsMeasured_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::newRow("unknown call") << ENOSYS;
+        QTest::newRow("forbidden call") << EPERM;
+    }
+
+    void systemWithoutOpenat2IsMeasured()
+    {
+        QFETCH(int, answer);
+        const TempTree tree;
+        tree.file("a/b/file", 100);
+        tree.file("c/file", 100);
+        const auto expected = tree.allocated("a/b/file") + tree.allocated("c/file");
+        bool isTakenAway = false;
+        FastScanner::Result result;
+        std::thread([&] {
+            isTakenAway = takeOpenat2Away(unsigned(answer));
+            result = scanned(tree, disk);
+        }).join();
+        if (!isTakenAway)
+            QSKIP("system call filters are not permitted here");
+        QCOMPARE(result.unreadableDirectories, 0);
+        QCOMPARE(result.tree->size(result.root), expected);
+    }
 };
 
-void TestScanFaults::kindThatIsNotToldIsAskedFor()
-{
-    const TempTree tree;
-    tree.file("folder/deeper/file", 100);
-    tree.link("link", "folder");
-    tree.pipe("pipe");
-    faults.afterEntry = [](dirent64 &entry) { entry.d_type = DT_UNKNOWN; };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.unreadableDirectories, 0);
-    QCOMPARE(result.tree->dirCount(), 3);
-    QCOMPARE(result.flagsOf("folder"), Flags::directory);
-    QCOMPARE(result.flagsOf("link"), Flags::symlink);
-    QCOMPARE(result.flagsOf("pipe"), Flags::none);
-    QCOMPARE(result.total(), tree.allocated("folder/deeper/file"));
-}
-
-void TestScanFaults::fileThatVanishesBeforeItIsAskedIsDropped()
-{
-    const TempTree tree;
-    tree.file("goes", 100);
-    tree.file("stays", 100);
-    faults.beforeStatus = [&](const std::string &name) {
-        if (name == "goes")
-            ::unlink(tree.path("goes").c_str());
-        return 0;
-    };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.tree->nodeCount(), 2);
-    QCOMPARE(result.total(), tree.allocated("stays"));
-}
-
-void TestScanFaults::fileThatMayNotBeAskedIsMarked_data()
-{
-    QTest::addColumn<int>("error");
-    QTest::newRow("no right") << EACCES;
-    QTest::newRow("damaged disk") << EIO;
-    QTest::newRow("stale handle") << ESTALE;
-}
-
-void TestScanFaults::fileThatMayNotBeAskedIsMarked()
-{
-    QFETCH(int, error);
-    const TempTree tree;
-    tree.file("file", 100);
-    tree.link("link", "file");
-    tree.file("other", 100);
-    faults.beforeStatus = [&](const std::string &name) { return name == "other" ? 0 : error; };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.tree->fileCount(), 3);
-    QCOMPARE(result.unmeasuredFiles, 2);
-    QCOMPARE(result.unreadableDirectories, 0);
-    QCOMPARE(result.flagsOf("file"), Flags::unmeasured);
-    QCOMPARE(result.flagsOf("link"), Flags::symlink | Flags::unmeasured);
-    QCOMPARE(result.total(), tree.allocated("other"));
-}
-
-void TestScanFaults::interruptedCallsAreTriedAgain()
-{
-    const TempTree tree;
-    tree.file("a/file", 100);
-    int asked = 0;
-    faults.beforeStatus = [&](const std::string &) { return asked++ < 3 ? EINTR : 0; };
-    faults.beforeEntries = [](int before) { return before % 3 == 2 ? 0 : EINTR; };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(asked, 4);
-    QCOMPARE(result.unmeasuredFiles, 0);
-    QCOMPARE(result.total(), tree.allocated("a/file"));
-}
-
-void TestScanFaults::fileReplacedByAFolderIsEntered()
-{
-    const TempTree tree;
-    tree.file("thing", 100);
-    faults.beforeStatus = [&](const std::string &name) {
-        if (name == "thing") {
-            ::unlink(tree.path("thing").c_str());
-            tree.file("thing/inside", 5000);
-        }
-        return 0;
-    };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.flagsOf("thing"), Flags::directory);
-    QCOMPARE(result.total(), tree.allocated("thing/inside"));
-}
-
-void TestScanFaults::readErrorInTheMiddleKeepsWhatWasRead()
-{
-    const TempTree tree;
-    for (int i = 0; i < 100; ++i)
-        tree.file("file with a long enough name " + std::to_string(i), 100);
-    faults.mostEntryBytes = 1024;
-    faults.beforeEntries = [](int before) { return before < 2 ? 0 : EIO; };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.unreadableDirectories, 0);
-    QVERIFY(result.tree->fileCount() > 0);
-    QVERIFY(result.tree->fileCount() < 100);
-    QCOMPARE(result.total(), result.tree->fileCount() * tree.allocated("file with a long enough name 0"));
-}
-
-void TestScanFaults::entriesOfManySmallReadsAreJoined()
-{
-    const TempTree tree;
-    for (int i = 0; i < 100; ++i)
-        tree.file(std::to_string(i), 100);
-    // The first read has room for little more than the two entries that every folder has.
-    faults.mostEntryBytes = 64;
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.tree->fileCount(), 100);
-    QCOMPARE(result.total(), 100 * tree.allocated("0"));
-}
-
-void TestScanFaults::foldersCostNoCallOfTheirOwn()
-{
-    const TempTree tree;
-    tree.file("a/b/c/file", 100);
-    tree.folder("a/d");
-    QStringList asked;
-    faults.beforeStatus = [&](const std::string &name) {
-        asked << QString::fromStdString(name);
-        return 0;
-    };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.tree->dirCount(), 5);
-    QCOMPARE(asked, QStringList{ u"file"_s });
-}
-
-void TestScanFaults::systemWithoutMountIdsIsMeasured()
-{
-    const TempTree tree;
-    tree.file("a/file", 100);
-    faults.afterStatus = [](struct statx &status) {
-        status.stx_mask &= ~unsigned{ STATX_MNT_ID };
-        status.stx_mnt_id = 0xDEAD;
-    };
-    const auto result = scanned(tree, disk);
-    QCOMPARE(result.total(), tree.allocated("a/file"));
-    QCOMPARE(result.flagsOf("a/file"), Flags::none);
-}
-
-void TestScanFaults::absurdSizeIsNotNegative()
-{
-    const TempTree tree;
-    tree.file("file", 100);
-    faults.afterStatus = [](struct statx &status) { status.stx_blocks = ~std::uint64_t{ 0 }; };
-    QVERIFY(scanned(tree, disk).tree->size(0) > 0);
-}
-
-void TestScanFaults::systemWithoutOpenat2IsMeasured_data()
-{
-    QTest::addColumn<int>("answer");
-    QTest::newRow("unknown call") << ENOSYS;
-    QTest::newRow("forbidden call") << EPERM;
-}
-
-void TestScanFaults::systemWithoutOpenat2IsMeasured()
-{
-    QFETCH(int, answer);
-    const TempTree tree;
-    tree.file("a/b/file", 100);
-    tree.file("c/file", 100);
-    const auto expected = tree.allocated("a/b/file") + tree.allocated("c/file");
-    bool isTakenAway = false;
-    FastScanner::Result result;
-    std::thread([&] {
-        isTakenAway = takeOpenat2Away(unsigned(answer));
-        result = scanned(tree, disk);
-    }).join();
-    if (!isTakenAway)
-        QSKIP("system call filters are not permitted here");
-    QCOMPARE(result.unreadableDirectories, 0);
-    QCOMPARE(result.tree->size(result.root), expected);
-}
-
-QTEST_GUILESS_MAIN(TestScanFaults)
+QUILLBROOK_SUITE(TestScanFaults, QCoreApplication)
 #include "tst_ScanFaults.moc"

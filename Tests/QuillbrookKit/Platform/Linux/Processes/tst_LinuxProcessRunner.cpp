@@ -1,4 +1,5 @@
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
+#include "Support/Suite.h"
 #include "Support/TempTree.h"
 
 #include <QElapsedTimer>
@@ -149,5 +150,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLinuxProcessRunner)
+QUILLBROOK_SUITE(TestLinuxProcessRunner, QCoreApplication)
 #include "tst_LinuxProcessRunner.moc"

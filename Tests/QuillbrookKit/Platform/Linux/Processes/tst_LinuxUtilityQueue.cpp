@@ -1,4 +1,5 @@
 #include "Platform/Linux/Processes/LinuxUtilityQueue.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -98,266 +99,251 @@ class TestLinuxUtilityQueue : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void worksFromManyThreadsRunOneByOne();
-    void threadsStartedFromItHaveLowPriority();
-    void leewayOfTheTimerIsNotPassedOn();
-    void othersKeepTheirPriority();
-    void timerFiresFirstAndAgain();
-    void timerRunsOnTheQueue();
-    void timerDoesNotOverlapWithWork();
-    void missedFiringsAreMadeUpForByOne();
-    void laterTimerReplacesTheEarlier();
-    void stoppedTimerFiresNoMore();
-    void handlerMayTakeItsTime();
-    void workGoesOnBesideATimerFarAhead();
-    void endWaitsForWhatRunsAndDropsWhatWaits();
-    void endLeavesWorkBehindThatNeverEnds();
-    void endWithATimerSet();
-};
-
-void TestLinuxUtilityQueue::worksFromManyThreadsRunOneByOne()
-{
-    Events events;
-    std::atomic<int> running = 0;
-    std::atomic<bool> overlapped = false;
-    LinuxUtilityQueue queue;
-    std::vector<std::thread> threads;
-    threads.reserve(4);
-    for (int thread = 0; thread < 4; ++thread)
-        threads.emplace_back([&, thread] {
-            for (int number = 0; number < 50; ++number)
-                queue.async([&, event = thread * 50 + number] {
-                    if (++running != 1)
-                        overlapped = true;
-                    events.add(event);
-                    --running;
-                });
-        });
-    for (auto &thread : threads)
-        thread.join();
-    QVERIFY(events.waitFor(200));
-    QVERIFY(!overlapped);
-    // Each thread's own in the order in which it gave them.
-    std::vector<int> last(4, -1);
-    for (const auto event : events.all()) {
-        auto &before = last[static_cast<size_t>(event / 50)];
-        QVERIFY(event > before);
-        before = event;
-    }
-}
-
-void TestLinuxUtilityQueue::threadsStartedFromItHaveLowPriority()
-{
-    LinuxUtilityQueue queue;
-    const auto own = on<pid_t>(queue, [] { return ::gettid(); });
-    for (const auto &start : { ofStandardThread, ofPosixThread }) {
-        const auto standing = on<Standing>(queue, start);
-        QVERIFY(standing);
-        QVERIFY(standing->thread != own);
-        QCOMPARE(standing->nice, 10);
-        QCOMPARE(standing->ioClass, long(IOPRIO_CLASS_IDLE));
-    }
-}
-
-void TestLinuxUtilityQueue::leewayOfTheTimerIsNotPassedOn()
-{
-    LinuxUtilityQueue queue;
-    const auto before = on<Standing>(queue, [] { return Standing(); });
-    queue.startTimer({ .first = 1h, .interval = 1h, .leeway = 60s }, [] {});
-    const auto own = on<Standing>(queue, [] { return Standing(); });
-    const auto started = on<Standing>(queue, ofStandardThread);
-    QVERIFY(before && own && started);
-    QCOMPARE(own->slack, before->slack);
-    QCOMPARE(started->slack, before->slack);
-}
-
-void TestLinuxUtilityQueue::othersKeepTheirPriority()
-{
-    const Standing before;
-    LinuxUtilityQueue queue;
-    QVERIFY(on<Standing>(queue, [] { return Standing(); }));
-    const Standing after;
-    QCOMPARE(after.nice, before.nice);
-    QCOMPARE(after.ioClass, before.ioClass);
-    QCOMPARE(after.slack, before.slack);
-}
-
-void TestLinuxUtilityQueue::timerFiresFirstAndAgain()
-{
-    using Clock = std::chrono::steady_clock;
-    Events events;
-    std::mutex lock;
-    std::vector<Clock::duration> moments;
-    LinuxUtilityQueue queue;
-    const auto start = Clock::now();
-    queue.startTimer({ .first = 100ms, .interval = 50ms }, [&] {
-        {
-            const std::lock_guard guard(lock);
-            moments.push_back(Clock::now() - start);
+    void worksFromManyThreadsRunOneByOne()
+    {
+        Events events;
+        std::atomic<int> running = 0;
+        std::atomic<bool> overlapped = false;
+        LinuxUtilityQueue queue;
+        std::vector<std::thread> threads;
+        threads.reserve(4);
+        for (int thread = 0; thread < 4; ++thread)
+            threads.emplace_back([&, thread] {
+                for (int number = 0; number < 50; ++number)
+                    queue.async([&, event = thread * 50 + number] {
+                        if (++running != 1)
+                            overlapped = true;
+                        events.add(event);
+                        --running;
+                    });
+            });
+        for (auto &thread : threads)
+            thread.join();
+        QVERIFY(events.waitFor(200));
+        QVERIFY(!overlapped);
+        // Each thread's own in the order in which it gave them.
+        std::vector<int> last(4, -1);
+        for (const auto event : events.all()) {
+            auto &before = last[static_cast<size_t>(event / 50)];
+            QVERIFY(event > before);
+            before = event;
         }
-        events.add(0);
-    });
-    QVERIFY(events.waitFor(3));
-    queue.stopTimer();
-    const std::lock_guard guard(lock);
-    QVERIFY(moments[0] >= 100ms);
-    QVERIFY(moments[1] >= 150ms);
-    QVERIFY(moments[2] >= 200ms);
-}
+    }
 
-void TestLinuxUtilityQueue::timerRunsOnTheQueue()
-{
-    LinuxUtilityQueue queue;
-    const auto own = on<pid_t>(queue, [] { return ::gettid(); });
-    std::promise<pid_t> fired;
-    auto thread = fired.get_future();
-    queue.startTimer({ .first = 0ms, .interval = 1h }, [&fired] { fired.set_value(::gettid()); });
-    QVERIFY(thread.wait_for(patience) == std::future_status::ready);
-    QVERIFY(thread.get() == own);
-}
-
-void TestLinuxUtilityQueue::timerDoesNotOverlapWithWork()
-{
-    Events events;
-    LinuxUtilityQueue queue;
-    std::promise<void> release;
-    queue.async([&events, released = release.get_future().share()] {
-        events.add(1);
-        released.wait_for(patience);
-        events.add(2);
-    });
-    QVERIFY(events.waitFor(1));
-    queue.startTimer({ .first = 0ms, .interval = 1h }, [&events] { events.add(3); });
-    std::this_thread::sleep_for(50ms);
-    QVERIFY(events.all() == std::vector{ 1 });
-    release.set_value();
-    QVERIFY(events.waitFor(3));
-    QVERIFY((events.all() == std::vector{ 1, 2, 3 }));
-}
-
-void TestLinuxUtilityQueue::missedFiringsAreMadeUpForByOne()
-{
-    Events events;
-    LinuxUtilityQueue queue;
-    std::promise<void> release;
-    queue.async([&events, released = release.get_future().share()] {
-        events.add(0);
-        released.wait_for(patience);
-    });
-    QVERIFY(events.waitFor(1));
-    // Due at 0, 300, 600 and 900 milliseconds; the queue is free at 1000, so that the next is due at 1200.
-    queue.startTimer({ .first = 0ms, .interval = 300ms }, [&events] { events.add(1); });
-    std::this_thread::sleep_for(1000ms);
-    release.set_value();
-    QVERIFY(events.waitFor(2));
-    const auto early = events.all().size();
-    queue.stopTimer();
-    // A machine that stood still meanwhile may have seen the next one; but never all four.
-    QVERIFY(early <= 3);
-}
-
-void TestLinuxUtilityQueue::laterTimerReplacesTheEarlier()
-{
-    Events events;
-    LinuxUtilityQueue queue;
-    queue.startTimer({ .first = 1h, .interval = 1h }, [&events] { events.add(1); });
-    queue.startTimer({ .first = 10ms, .interval = 10ms }, [&events] { events.add(2); });
-    QVERIFY(events.waitFor(2));
-    queue.startTimer({ .first = 10ms, .interval = 1h }, [&events] { events.add(3); });
-    while (events.all().back() != 3)
-        QVERIFY(events.waitFor(events.all().size() + 1));
-    QVERIFY(on<int>(queue, [] { return 0; }));
-    QVERIFY(std::ranges::count(events.all(), 1) == 0);
-    QCOMPARE(std::ranges::count(events.all(), 3), 1);
-}
-
-void TestLinuxUtilityQueue::stoppedTimerFiresNoMore()
-{
-    Events events;
-    LinuxUtilityQueue queue;
-    queue.startTimer({ .first = 0ms, .interval = 1ms }, [&events] { events.add(1); });
-    QVERIFY(events.waitFor(3));
-    queue.stopTimer();
-    // Behind whatever has begun.
-    QVERIFY(on<int>(queue, [] { return 0; }));
-    const auto fired = events.all().size();
-    std::this_thread::sleep_for(50ms);
-    QCOMPARE(events.all().size(), fired);
-    queue.stopTimer();
-}
-
-void TestLinuxUtilityQueue::handlerMayTakeItsTime()
-{
-    Events events;
-    LinuxUtilityQueue queue;
-    queue.startTimer({ .first = 0ms, .interval = 1ms }, [&events] {
-        std::this_thread::sleep_for(20ms);
-        events.add(1);
-    });
-    queue.async([&events] { events.add(2); });
-    QVERIFY(events.waitFor(3));
-}
-
-void TestLinuxUtilityQueue::workGoesOnBesideATimerFarAhead()
-{
-    LinuxUtilityQueue queue;
-    queue.startTimer({ .first = 24h * 10'000, .interval = 24h * 10'000, .leeway = 60s }, [] {});
-    QVERIFY(on<int>(queue, [] { return 0; }));
-    QVERIFY(on<int>(queue, [] { return 0; }));
-}
-
-void TestLinuxUtilityQueue::endWaitsForWhatRunsAndDropsWhatWaits()
-{
-    Events events;
-    const auto held = std::make_shared<int>(0);
-    std::promise<void> release;
-    std::thread releasing;
+    void threadsStartedFromItHaveLowPriority()
     {
         LinuxUtilityQueue queue;
+        const auto own = on<pid_t>(queue, [] { return ::gettid(); });
+        for (const auto &start : { ofStandardThread, ofPosixThread }) {
+            const auto standing = on<Standing>(queue, start);
+            QVERIFY(standing);
+            QVERIFY(standing->thread != own);
+            QCOMPARE(standing->nice, 10);
+            QCOMPARE(standing->ioClass, long(IOPRIO_CLASS_IDLE));
+        }
+    }
+
+    void leewayOfTheTimerIsNotPassedOn()
+    {
+        LinuxUtilityQueue queue;
+        const auto before = on<Standing>(queue, [] { return Standing(); });
+        queue.startTimer({ .first = 1h, .interval = 1h, .leeway = 60s }, [] {});
+        const auto own = on<Standing>(queue, [] { return Standing(); });
+        const auto started = on<Standing>(queue, ofStandardThread);
+        QVERIFY(before && own && started);
+        QCOMPARE(own->slack, before->slack);
+        QCOMPARE(started->slack, before->slack);
+    }
+
+    void othersKeepTheirPriority()
+    {
+        const Standing before;
+        LinuxUtilityQueue queue;
+        QVERIFY(on<Standing>(queue, [] { return Standing(); }));
+        const Standing after;
+        QCOMPARE(after.nice, before.nice);
+        QCOMPARE(after.ioClass, before.ioClass);
+        QCOMPARE(after.slack, before.slack);
+    }
+
+    void timerFiresFirstAndAgain()
+    {
+        using Clock = std::chrono::steady_clock;
+        Events events;
+        std::mutex lock;
+        std::vector<Clock::duration> moments;
+        LinuxUtilityQueue queue;
+        const auto start = Clock::now();
+        queue.startTimer({ .first = 100ms, .interval = 50ms }, [&] {
+            {
+                const std::lock_guard guard(lock);
+                moments.push_back(Clock::now() - start);
+            }
+            events.add(0);
+        });
+        QVERIFY(events.waitFor(3));
+        queue.stopTimer();
+        const std::lock_guard guard(lock);
+        QVERIFY(moments[0] >= 100ms);
+        QVERIFY(moments[1] >= 150ms);
+        QVERIFY(moments[2] >= 200ms);
+    }
+
+    void timerRunsOnTheQueue()
+    {
+        LinuxUtilityQueue queue;
+        const auto own = on<pid_t>(queue, [] { return ::gettid(); });
+        std::promise<pid_t> fired;
+        auto thread = fired.get_future();
+        queue.startTimer({ .first = 0ms, .interval = 1h }, [&fired] { fired.set_value(::gettid()); });
+        QVERIFY(thread.wait_for(patience) == std::future_status::ready);
+        QVERIFY(thread.get() == own);
+    }
+
+    void timerDoesNotOverlapWithWork()
+    {
+        Events events;
+        LinuxUtilityQueue queue;
+        std::promise<void> release;
         queue.async([&events, released = release.get_future().share()] {
             events.add(1);
             released.wait_for(patience);
-            events.add(3);
+            events.add(2);
         });
         QVERIFY(events.waitFor(1));
-        queue.async([&events, held] { events.add(2); });
-        releasing = std::thread([&release] {
-            std::this_thread::sleep_for(50ms);
-            release.set_value();
-        });
+        queue.startTimer({ .first = 0ms, .interval = 1h }, [&events] { events.add(3); });
+        std::this_thread::sleep_for(50ms);
+        QVERIFY(events.all() == std::vector{ 1 });
+        release.set_value();
+        QVERIFY(events.waitFor(3));
+        QVERIFY((events.all() == std::vector{ 1, 2, 3 }));
     }
-    releasing.join();
-    QVERIFY((events.all() == std::vector{ 1, 3 }));
-    QCOMPARE(held.use_count(), 1L);
-}
 
-void TestLinuxUtilityQueue::endLeavesWorkBehindThatNeverEnds()
-{
-    const auto events = std::make_shared<Events>();
-    const auto release = std::make_shared<std::promise<void>>();
+    void missedFiringsAreMadeUpForByOne()
     {
-        LinuxUtilityQueue queue(50ms);
-        queue.async([events, release] {
-            events->add(1);
-            release->get_future().wait_for(patience);
-            events->add(2);
+        Events events;
+        LinuxUtilityQueue queue;
+        std::promise<void> release;
+        queue.async([&events, released = release.get_future().share()] {
+            events.add(0);
+            released.wait_for(patience);
         });
-        QVERIFY(events->waitFor(1));
+        QVERIFY(events.waitFor(1));
+        // Due at 0, 300, 600 and 900 milliseconds; the queue is free at 1000, so that the next is due at
+        // 1200.
+        queue.startTimer({ .first = 0ms, .interval = 300ms }, [&events] { events.add(1); });
+        std::this_thread::sleep_for(1000ms);
+        release.set_value();
+        QVERIFY(events.waitFor(2));
+        const auto early = events.all().size();
+        queue.stopTimer();
+        // A machine that stood still meanwhile may have seen the next one; but never all four.
+        QVERIFY(early <= 3);
     }
-    QVERIFY(events->all() == std::vector{ 1 });
-    release->set_value();
-    QVERIFY(events->waitFor(2));
-}
 
-void TestLinuxUtilityQueue::endWithATimerSet()
-{
-    const auto held = std::make_shared<int>(0);
+    void laterTimerReplacesTheEarlier()
+    {
+        Events events;
+        LinuxUtilityQueue queue;
+        queue.startTimer({ .first = 1h, .interval = 1h }, [&events] { events.add(1); });
+        queue.startTimer({ .first = 10ms, .interval = 10ms }, [&events] { events.add(2); });
+        QVERIFY(events.waitFor(2));
+        queue.startTimer({ .first = 10ms, .interval = 1h }, [&events] { events.add(3); });
+        while (events.all().back() != 3)
+            QVERIFY(events.waitFor(events.all().size() + 1));
+        QVERIFY(on<int>(queue, [] { return 0; }));
+        QVERIFY(std::ranges::count(events.all(), 1) == 0);
+        QCOMPARE(std::ranges::count(events.all(), 3), 1);
+    }
+
+    void stoppedTimerFiresNoMore()
+    {
+        Events events;
+        LinuxUtilityQueue queue;
+        queue.startTimer({ .first = 0ms, .interval = 1ms }, [&events] { events.add(1); });
+        QVERIFY(events.waitFor(3));
+        queue.stopTimer();
+        // Behind whatever has begun.
+        QVERIFY(on<int>(queue, [] { return 0; }));
+        const auto fired = events.all().size();
+        std::this_thread::sleep_for(50ms);
+        QCOMPARE(events.all().size(), fired);
+        queue.stopTimer();
+    }
+
+    void handlerMayTakeItsTime()
+    {
+        Events events;
+        LinuxUtilityQueue queue;
+        queue.startTimer({ .first = 0ms, .interval = 1ms }, [&events] {
+            std::this_thread::sleep_for(20ms);
+            events.add(1);
+        });
+        queue.async([&events] { events.add(2); });
+        QVERIFY(events.waitFor(3));
+    }
+
+    void workGoesOnBesideATimerFarAhead()
     {
         LinuxUtilityQueue queue;
-        queue.startTimer({ .first = 1h, .interval = 1h, .leeway = 60s }, [held] {});
+        queue.startTimer({ .first = 24h * 10'000, .interval = 24h * 10'000, .leeway = 60s }, [] {});
+        QVERIFY(on<int>(queue, [] { return 0; }));
+        QVERIFY(on<int>(queue, [] { return 0; }));
     }
-    QCOMPARE(held.use_count(), 1L);
-}
 
-QTEST_GUILESS_MAIN(TestLinuxUtilityQueue)
+    void endWaitsForWhatRunsAndDropsWhatWaits()
+    {
+        Events events;
+        const auto held = std::make_shared<int>(0);
+        std::promise<void> release;
+        std::thread releasing;
+        {
+            LinuxUtilityQueue queue;
+            queue.async([&events, released = release.get_future().share()] {
+                events.add(1);
+                released.wait_for(patience);
+                events.add(3);
+            });
+            QVERIFY(events.waitFor(1));
+            queue.async([&events, held] { events.add(2); });
+            releasing = std::thread([&release] {
+                std::this_thread::sleep_for(50ms);
+                release.set_value();
+            });
+        }
+        releasing.join();
+        QVERIFY((events.all() == std::vector{ 1, 3 }));
+        QCOMPARE(held.use_count(), 1L);
+    }
+
+    void endLeavesWorkBehindThatNeverEnds()
+    {
+        const auto events = std::make_shared<Events>();
+        const auto release = std::make_shared<std::promise<void>>();
+        {
+            LinuxUtilityQueue queue(50ms);
+            queue.async([events, release] {
+                events->add(1);
+                release->get_future().wait_for(patience);
+                events->add(2);
+            });
+            QVERIFY(events->waitFor(1));
+        }
+        QVERIFY(events->all() == std::vector{ 1 });
+        release->set_value();
+        QVERIFY(events->waitFor(2));
+    }
+
+    void endWithATimerSet()
+    {
+        const auto held = std::make_shared<int>(0);
+        {
+            LinuxUtilityQueue queue;
+            queue.startTimer({ .first = 1h, .interval = 1h, .leeway = 60s }, [held] {});
+        }
+        QCOMPARE(held.use_count(), 1L);
+    }
+};
+
+QUILLBROOK_SUITE(TestLinuxUtilityQueue, QCoreApplication)
 #include "tst_LinuxUtilityQueue.moc"

@@ -1,4 +1,5 @@
 #include "Platform/Linux/Processes/OpenFileLimit.h"
+#include "Support/Suite.h"
 
 #include <QTest>
 
@@ -29,5 +30,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestOpenFileLimit)
+QUILLBROOK_SUITE(TestOpenFileLimit, QCoreApplication)
 #include "tst_OpenFileLimit.moc"

@@ -1,6 +1,7 @@
 // What the Trash knows about where its things came from.
 
 #include "Platform/Linux/Trash/TrashNote.h"
+#include "Support/Suite.h"
 #include "Support/TrashFixture.h"
 
 #include <QTest>
@@ -149,5 +150,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLinuxTrashOrigins)
+QUILLBROOK_SUITE(TestLinuxTrashOrigins, QCoreApplication)
 #include "tst_LinuxTrashOrigins.moc"

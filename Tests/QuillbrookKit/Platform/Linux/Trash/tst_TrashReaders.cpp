@@ -2,6 +2,7 @@
 // be put back and erased here. Asks GLib's gio and trash-cli; where one is missing, its tests are skipped.
 
 #include "Support/RootGivenUp.h"
+#include "Support/Suite.h"
 #include "Support/TrashFixture.h"
 
 #include <QCoreApplication>
@@ -103,175 +104,158 @@ class TestTrashReaders : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void gioListsWhatWasMoved();
-    void gioPutsBackWhatWasMoved();
-    void trashCliListsWhatWasMoved();
-    void trashCliPutsBackWhatWasMoved();
-    void notesTellTheSameOrigin_data();
-    void notesTellTheSameOrigin();
-    void whatOthersMovedIsPutBackAndErased_data();
-    void whatOthersMovedIsPutBackAndErased();
-    void trashCliEmptiesWhatWasMoved();
+    void gioListsWhatWasMoved()
+    {
+        if (isMissing({ "gio", "dbus-run-session" }))
+            QSKIP("gio is not installed");
+        ReadersFixture f;
+        f.moveAll();
+        const std::string odd = "odd\xff";
+        f.home.file("things/" + odd);
+        QVERIFY(f.trash.move(f.home.path("things/" + odd)));
+        auto listed = f.run(gio({ u"--list"_s })).split('\n');
+        listed.removeAll({});
+        QList<QByteArray> expected{ "trash:///odd%FF\t" + escaped(f.home.path("things/" + odd)) };
+        for (const auto &name : textNames)
+            expected += addressOf(name) + '\t' + escaped(f.home.path("things/" + name));
+        std::ranges::sort(listed);
+        std::ranges::sort(expected);
+        QCOMPARE(listed, expected);
+    }
+
+    void gioPutsBackWhatWasMoved()
+    {
+        if (isMissing({ "gio", "dbus-run-session" }))
+            QSKIP("gio is not installed");
+        ReadersFixture f;
+        f.moveAll();
+        for (const auto *name : { "plain.txt", "with blank", "per%cent %41" }) {
+            QCOMPARE(f.run(gio({ u"--restore"_s, QString::fromLatin1(addressOf(name)) })), QByteArray());
+            QCOMPARE(
+                f.content(f.home.path(std::string("things/") + name)), std::string("content of ") + name);
+            QVERIFY(!f.isThere(f.note(name)));
+        }
+    }
+
+    void trashCliListsWhatWasMoved()
+    {
+        if (isMissing({ "trash-list" }))
+            QSKIP("trash-cli is not installed");
+        ReadersFixture f;
+        f.moveAll();
+        const auto listed = f.run({ u"trash-list"_s });
+        qsizetype length = 0;
+        for (const auto &name : textNames) {
+            const auto line = "2024-06-15 12:00:00 " + f.home.path("things/" + name) + '\n';
+            QVERIFY2(listed.contains(line.c_str()), name.c_str());
+            length += static_cast<qsizetype>(line.size());
+        }
+        QCOMPARE(listed.size(), length);
+    }
+
+    void trashCliPutsBackWhatWasMoved()
+    {
+        if (isMissing({ "trash-restore" }))
+            QSKIP("trash-cli is not installed");
+        ReadersFixture f;
+        f.home.file("alone/per%cent \u00e4\nb", 5);
+        QVERIFY(f.trash.move(f.home.path("alone/per%cent \u00e4\nb")));
+        std::ignore = f.run({ u"trash-restore"_s, f.home.text("alone") }, "0\n");
+        QCOMPARE(f.content(f.home.path("alone/per%cent \u00e4\nb")), std::string("qqqqq"));
+        QVERIFY(f.names(f.places.homeTrash + "/info").empty());
+        QVERIFY(f.names(f.places.homeTrash + "/files").empty());
+    }
+
+    void notesTellTheSameOrigin_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        for (const auto &name : textNames)
+            QTest::newRow(name.c_str()) << QByteArray::fromStdString(name);
+        QTest::newRow("no text") << QByteArray("odd\xff");
+        QTest::newRow("text") << QByteArray("\u00e4\u20ac");
+    }
+
+    // But for the date, and for the few characters that GLib leaves as they are and the rules for notes do
+    // not ask to be written otherwise.
+    void notesTellTheSameOrigin()
+    {
+        if (isMissing({ "gio" }))
+            QSKIP("gio is not installed");
+        QFETCH(QByteArray, name);
+        const auto raw = name.toStdString();
+        ReadersFixture f;
+        f.home.file("things/" + raw);
+        const auto output = f.run({ u"find"_s, u"things"_s, u"-mindepth"_s, u"1"_s, u"-exec"_s, u"gio"_s,
+            u"trash"_s, u"--"_s, u"{}"_s, u"+"_s });
+        if (output.contains("not supported"))
+            QSKIP("gio keeps no trash on this file system");
+        QCOMPARE(output, QByteArray());
+        const auto decoded = [&](const std::string &note) {
+            const auto text = QByteArray::fromStdString(f.content(note)).split('\n').value(1);
+            return QByteArray::fromPercentEncoding(text);
+        };
+        const auto theirs = decoded(f.note(raw));
+        QCOMPARE(theirs, QByteArray::fromStdString("Path=" + f.home.path("things/" + raw)));
+        f.home.file("things/" + raw);
+        const auto moved = f.trash.move(f.home.path("things/" + raw));
+        QVERIFY(moved);
+        const auto ours = f.places.homeTrash + "/info/" + moved->substr(moved->rfind('/') + 1) + ".trashinfo";
+        QCOMPARE(decoded(ours), theirs);
+    }
+
+    void whatOthersMovedIsPutBackAndErased_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::newRow("gio") << QStringList{ u"gio"_s, u"trash"_s };
+        QTest::newRow("trash-cli") << QStringList{ u"trash-put"_s };
+    }
+
+    void whatOthersMovedIsPutBackAndErased()
+    {
+        QFETCH(QStringList, command);
+        if (isMissing({ qPrintable(command.first()) }))
+            QSKIP("not installed");
+        ReadersFixture f;
+        f.home.fileWith("things/per%cent \u00e4\nb", "content");
+        f.home.fileWith("things/folder/a", "a");
+        f.home.link("things/link", "nowhere");
+        for (const auto *name : { "per%cent \u00e4\nb", "folder", "link" }) {
+            const auto output = f.run(command + QStringList{ f.home.text(std::string("things/") + name) });
+            if (output.contains("not supported"))
+                QSKIP("no trash on this file system");
+        }
+        QVERIFY(f.names(f.home.path("things")).empty());
+        const auto items = f.trash.items(f.places.homeTrash);
+        QCOMPARE(items.size(), size_t(3));
+        for (const auto &item : items) {
+            QVERIFY(f.isThere(item.note));
+            const auto name = item.path.substr(item.path.rfind('/') + 1);
+            QVERIFY(f.trash.restore(item.path, f.home.path("things/" + name)));
+        }
+        QCOMPARE(f.content(f.home.path("things/per%cent \u00e4\nb")), std::string("content"));
+        QCOMPARE(f.content(f.home.path("things/folder/a")), std::string("a"));
+        QVERIFY(f.isThere(f.home.path("things/link")));
+        QVERIFY(f.names(f.places.homeTrash + "/info").empty());
+
+        std::ignore = f.run(command + QStringList{ f.home.text("things/folder") });
+        for (const auto &item : f.trash.items(f.places.homeTrash))
+            QVERIFY(f.trash.erase(item.path));
+        QVERIFY(f.names(f.places.homeTrash + "/files").empty());
+        QVERIFY(f.names(f.places.homeTrash + "/info").empty());
+        QVERIFY(!f.isThere(f.home.path("things/folder")));
+    }
+
+    void trashCliEmptiesWhatWasMoved()
+    {
+        if (isMissing({ "trash-empty" }))
+            QSKIP("trash-cli is not installed");
+        ReadersFixture f;
+        f.moveAll();
+        std::ignore = f.run({ u"trash-empty"_s }, "y\n");
+        QVERIFY(f.trash.items(f.places.homeTrash).empty());
+        QVERIFY(f.names(f.places.homeTrash + "/info").empty());
+    }
 };
 
-void TestTrashReaders::gioListsWhatWasMoved()
-{
-    if (isMissing({ "gio", "dbus-run-session" }))
-        QSKIP("gio is not installed");
-    ReadersFixture f;
-    f.moveAll();
-    const std::string odd = "odd\xff";
-    f.home.file("things/" + odd);
-    QVERIFY(f.trash.move(f.home.path("things/" + odd)));
-    auto listed = f.run(gio({ u"--list"_s })).split('\n');
-    listed.removeAll({});
-    QList<QByteArray> expected{ "trash:///odd%FF\t" + escaped(f.home.path("things/" + odd)) };
-    for (const auto &name : textNames)
-        expected += addressOf(name) + '\t' + escaped(f.home.path("things/" + name));
-    std::ranges::sort(listed);
-    std::ranges::sort(expected);
-    QCOMPARE(listed, expected);
-}
-
-void TestTrashReaders::gioPutsBackWhatWasMoved()
-{
-    if (isMissing({ "gio", "dbus-run-session" }))
-        QSKIP("gio is not installed");
-    ReadersFixture f;
-    f.moveAll();
-    for (const auto *name : { "plain.txt", "with blank", "per%cent %41" }) {
-        QCOMPARE(f.run(gio({ u"--restore"_s, QString::fromLatin1(addressOf(name)) })), QByteArray());
-        QCOMPARE(f.content(f.home.path(std::string("things/") + name)), std::string("content of ") + name);
-        QVERIFY(!f.isThere(f.note(name)));
-    }
-}
-
-void TestTrashReaders::trashCliListsWhatWasMoved()
-{
-    if (isMissing({ "trash-list" }))
-        QSKIP("trash-cli is not installed");
-    ReadersFixture f;
-    f.moveAll();
-    const auto listed = f.run({ u"trash-list"_s });
-    qsizetype length = 0;
-    for (const auto &name : textNames) {
-        const auto line = "2024-06-15 12:00:00 " + f.home.path("things/" + name) + '\n';
-        QVERIFY2(listed.contains(line.c_str()), name.c_str());
-        length += static_cast<qsizetype>(line.size());
-    }
-    QCOMPARE(listed.size(), length);
-}
-
-void TestTrashReaders::trashCliPutsBackWhatWasMoved()
-{
-    if (isMissing({ "trash-restore" }))
-        QSKIP("trash-cli is not installed");
-    ReadersFixture f;
-    f.home.file("alone/per%cent \u00e4\nb", 5);
-    QVERIFY(f.trash.move(f.home.path("alone/per%cent \u00e4\nb")));
-    std::ignore = f.run({ u"trash-restore"_s, f.home.text("alone") }, "0\n");
-    QCOMPARE(f.content(f.home.path("alone/per%cent \u00e4\nb")), std::string("qqqqq"));
-    QVERIFY(f.names(f.places.homeTrash + "/info").empty());
-    QVERIFY(f.names(f.places.homeTrash + "/files").empty());
-}
-
-void TestTrashReaders::notesTellTheSameOrigin_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    for (const auto &name : textNames)
-        QTest::newRow(name.c_str()) << QByteArray::fromStdString(name);
-    QTest::newRow("no text") << QByteArray("odd\xff");
-    QTest::newRow("text") << QByteArray("\u00e4\u20ac");
-}
-
-// But for the date, and for the few characters that GLib leaves as they are and the rules for notes do not
-// ask to be written otherwise.
-void TestTrashReaders::notesTellTheSameOrigin()
-{
-    if (isMissing({ "gio" }))
-        QSKIP("gio is not installed");
-    QFETCH(QByteArray, name);
-    const auto raw = name.toStdString();
-    ReadersFixture f;
-    f.home.file("things/" + raw);
-    const auto output = f.run({ u"find"_s, u"things"_s, u"-mindepth"_s, u"1"_s, u"-exec"_s, u"gio"_s,
-        u"trash"_s, u"--"_s, u"{}"_s, u"+"_s });
-    if (output.contains("not supported"))
-        QSKIP("gio keeps no trash on this file system");
-    QCOMPARE(output, QByteArray());
-    const auto decoded = [&](const std::string &note) {
-        const auto text = QByteArray::fromStdString(f.content(note)).split('\n').value(1);
-        return QByteArray::fromPercentEncoding(text);
-    };
-    const auto theirs = decoded(f.note(raw));
-    QCOMPARE(theirs, QByteArray::fromStdString("Path=" + f.home.path("things/" + raw)));
-    f.home.file("things/" + raw);
-    const auto moved = f.trash.move(f.home.path("things/" + raw));
-    QVERIFY(moved);
-    const auto ours = f.places.homeTrash + "/info/" + moved->substr(moved->rfind('/') + 1) + ".trashinfo";
-    QCOMPARE(decoded(ours), theirs);
-}
-
-void TestTrashReaders::whatOthersMovedIsPutBackAndErased_data()
-{
-    QTest::addColumn<QStringList>("command");
-    QTest::newRow("gio") << QStringList{ u"gio"_s, u"trash"_s };
-    QTest::newRow("trash-cli") << QStringList{ u"trash-put"_s };
-}
-
-void TestTrashReaders::whatOthersMovedIsPutBackAndErased()
-{
-    QFETCH(QStringList, command);
-    if (isMissing({ qPrintable(command.first()) }))
-        QSKIP("not installed");
-    ReadersFixture f;
-    f.home.fileWith("things/per%cent \u00e4\nb", "content");
-    f.home.fileWith("things/folder/a", "a");
-    f.home.link("things/link", "nowhere");
-    for (const auto *name : { "per%cent \u00e4\nb", "folder", "link" }) {
-        const auto output = f.run(command + QStringList{ f.home.text(std::string("things/") + name) });
-        if (output.contains("not supported"))
-            QSKIP("no trash on this file system");
-    }
-    QVERIFY(f.names(f.home.path("things")).empty());
-    const auto items = f.trash.items(f.places.homeTrash);
-    QCOMPARE(items.size(), size_t(3));
-    for (const auto &item : items) {
-        QVERIFY(f.isThere(item.note));
-        const auto name = item.path.substr(item.path.rfind('/') + 1);
-        QVERIFY(f.trash.restore(item.path, f.home.path("things/" + name)));
-    }
-    QCOMPARE(f.content(f.home.path("things/per%cent \u00e4\nb")), std::string("content"));
-    QCOMPARE(f.content(f.home.path("things/folder/a")), std::string("a"));
-    QVERIFY(f.isThere(f.home.path("things/link")));
-    QVERIFY(f.names(f.places.homeTrash + "/info").empty());
-
-    std::ignore = f.run(command + QStringList{ f.home.text("things/folder") });
-    for (const auto &item : f.trash.items(f.places.homeTrash))
-        QVERIFY(f.trash.erase(item.path));
-    QVERIFY(f.names(f.places.homeTrash + "/files").empty());
-    QVERIFY(f.names(f.places.homeTrash + "/info").empty());
-    QVERIFY(!f.isThere(f.home.path("things/folder")));
-}
-
-void TestTrashReaders::trashCliEmptiesWhatWasMoved()
-{
-    if (isMissing({ "trash-empty" }))
-        QSKIP("trash-cli is not installed");
-    ReadersFixture f;
-    f.moveAll();
-    std::ignore = f.run({ u"trash-empty"_s }, "y\n");
-    QVERIFY(f.trash.items(f.places.homeTrash).empty());
-    QVERIFY(f.names(f.places.homeTrash + "/info").empty());
-}
-
-int main(int argc, char **argv)
-{
-    if (!giveUpRoot())
-        qFatal("root could not be given up");
-    QCoreApplication application(argc, argv);
-    TestTrashReaders test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QUILLBROOK_SUITE(TestTrashReaders, QCoreApplication, giveUpRoot)
 #include "tst_TrashReaders.moc"
