@@ -184,6 +184,24 @@ class Directions(unittest.TestCase):
                 self.assertRegex(lists, r"(^|[\s/(])" + re.escape(path.name) + r"\b")
 
 
+class Suites(unittest.TestCase):
+    def testSuitesOfAProgramShareNoName(self):
+        """A suite is called after its file, and all else that it defines is seen by its file alone."""
+        suites = [path for path in tracked(".cpp") if path.name.startswith("tst_")]
+        self.assertGreater(len(suites), 100)
+        for path in suites:
+            with self.subTest(relative(path)):
+                text = path.read_text(encoding="utf-8")
+                if "QUICK_TEST_MAIN" in text:
+                    continue
+                suite = "Test" + path.stem.removeprefix("tst_")
+                self.assertRegex(text, rf"\nQUILLBROOK_SUITE\(\s*{suite}, \w+")
+                text = re.sub(r'^(namespace|extern "C") \{$.*?^\} // (namespace|extern "C")$', "", text, flags=re.S | re.M)
+                self.assertEqual(re.findall(r"^(?:class|struct) (\w+)", text, flags=re.M), [suite])
+                functions = re.findall(r"^[^\s#/}].*\)(?: const)?\n\{$", text, flags=re.M)
+                self.assertEqual(functions, [], "functions that other files see")
+
+
 class Documents(unittest.TestCase):
     def testEveryPathADocumentNamesExists(self):
         documents = [path for path in tracked(".md")]
@@ -276,7 +294,7 @@ class Form(unittest.TestCase):
 
 if __name__ == "__main__":
     if "--list" in sys.argv:
-        for suite in (Directions, Documents, Packages, Form):
+        for suite in (Directions, Suites, Documents, Packages, Form):
             print(*unittest.defaultTestLoader.getTestCaseNames(suite), sep="\n")
     else:
         unittest.main()
