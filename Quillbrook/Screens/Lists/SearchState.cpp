@@ -1,13 +1,13 @@
 #include "Screens/Lists/SearchState.h"
 
 #include "Core/AppModel.h"
+#include "Scan/TreeQueries.h"
 
 namespace Quillbrook {
 
 namespace {
 
 constexpr qsizetype rowLimit = 300;
-constexpr qsizetype shortestQuery = 2;
 
 } // namespace
 
@@ -33,7 +33,7 @@ void SearchState::setText(const QString &text)
 
 QString SearchState::emptyMessage() const
 {
-    return text().size() < shortestQuery ? tr("Type at least two characters.") : tr("No files found.");
+    return TreeQueries::isLongEnough(text()) ? tr("No files found.") : tr("Type at least two characters.");
 }
 
 QList<NodeSnapshot> SearchState::fetch() const

@@ -8,6 +8,7 @@
 #include <QTest>
 
 using namespace Quillbrook;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -132,8 +133,33 @@ private Q_SLOTS:
         Fixture fixture;
         QCOMPARE(fixture.largest.emptyMessage(), "No files found.");
         QCOMPARE(fixture.search.emptyMessage(), "Type at least two characters.");
-        fixture.search.setText("nothing like it");
-        QCOMPARE(fixture.search.emptyMessage(), "No files found.");
+    }
+
+    void charactersAreCountedAsTheSearchCountsThem_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isLongEnough");
+        QTest::newRow("two letters") << "zz" << true;
+        QTest::newRow("one letter") << "z" << false;
+        QTest::newRow("one picture of two units") << u"\U0001f600"_s << false;
+        QTest::newRow("a letter and its mark") << u"e\u0301"_s << false;
+        QTest::newRow("a family, one picture of many")
+            << u"\U0001f468\u200d\U0001f469\u200d\U0001f467"_s << false;
+        QTest::newRow("two pictures") << u"\U0001f600\U0001f600"_s << true;
+    }
+
+    void charactersAreCountedAsTheSearchCountsThem()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, isLongEnough);
+        Fixture fixture;
+        fixture.addFile(text.toStdString() + ".dat", 1);
+        fixture.scan();
+        fixture.search.setShown(true);
+        fixture.search.setText(text);
+        QCOMPARE(fixture.search.rows()->rowCount(), isLongEnough ? 1 : 0);
+        QCOMPARE(fixture.search.emptyMessage(),
+            isLongEnough ? u"No files found."_s : u"Type at least two characters."_s);
     }
 
     void searchRunsWhenTheTextChanges()
@@ -146,17 +172,6 @@ private Q_SLOTS:
         fixture.search.setText("txt");
         const QStringList expected{ "notes.txt", "lab.txt" };
         QCOMPARE(Fixture::names(fixture.search), expected);
-    }
-
-    void searchNeedsTwoCharacters()
-    {
-        Fixture fixture;
-        fixture.scan();
-        fixture.search.setShown(true);
-        fixture.search.setText("tx");
-        QCOMPARE(fixture.search.rows()->rowCount(), 2);
-        fixture.search.setText("t");
-        QCOMPARE(fixture.search.rows()->rowCount(), 0);
     }
 
     void searchStopsAtThreeHundred()
