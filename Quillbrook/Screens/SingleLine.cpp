@@ -6,7 +6,15 @@ namespace Quillbrook {
 
 namespace {
 
-bool breaksLine(QChar character)
+// The marks that set a direction: with one of them a name could turn the rest of a question around.
+bool setsDirection(QChar character)
+{
+    const auto code = character.unicode();
+    return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x202A && code <= 0x202E)
+        || (code >= 0x2066 && code <= 0x2069);
+}
+
+bool doesNotBelong(QChar character)
 {
     switch (character.category()) {
     case QChar::Other_Control:
@@ -14,7 +22,7 @@ bool breaksLine(QChar character)
     case QChar::Separator_Paragraph:
         return true;
     default:
-        return false;
+        return setsDirection(character);
     }
 }
 
@@ -23,10 +31,10 @@ bool breaksLine(QChar character)
 QString singleLine(const QString &text)
 {
     // Nearly every name is one already, and stays shared.
-    if (std::ranges::none_of(text, breaksLine))
+    if (std::ranges::none_of(text, doesNotBelong))
         return text;
     auto line = text;
-    std::ranges::replace_if(line, breaksLine, QChar(u' '));
+    std::ranges::replace_if(line, doesNotBelong, QChar(u' '));
     return line;
 }
 

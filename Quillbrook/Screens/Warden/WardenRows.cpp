@@ -129,7 +129,7 @@ WardenRow row(const Finding &finding, const Input &input)
     const bool selectable = isSelectable(finding);
     return { .kind = WardenLines::Kind::Finding,
         .id = finding.id,
-        .title = finding.displayTitle(),
+        .title = singleLine(finding.displayTitle()),
         .size = Format::bytes(finding.bytes),
         .note = finding.redirectedOffVolume
             ? tr("This folder actually lives on another drive, so clearing it frees nothing here.")
@@ -139,7 +139,7 @@ WardenRow row(const Finding &finding, const Input &input)
               .arg(Format::age(finding.created, input.now), Format::age(finding.lastModified, input.now)),
         .what = finding.rule.what,
         .regenerates = finding.rule.regenerates,
-        .path = finding.friendlyPath(input.home),
+        .path = singleLine(finding.friendlyPath(input.home)),
         .selectable = selectable,
         .ticked = selectable && input.chosen.contains(finding.id),
         .pathShown = input.pathShown.contains(finding.id) };
