@@ -4,7 +4,8 @@ import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
-// A card that tells one thing: symbol, title, text, and after them what can be done about it. With `tinted`
+// A card that tells one thing: symbol, title, text, a quieter note where there is one, and after them what can be
+// done about it. With `tinted`
 // the card takes `tone` for its border and a breath of it for its ground.
 Card {
     id: root
@@ -12,11 +13,12 @@ Card {
     required property string symbol
     required property string text
     required property string title
+    property string note: ""
     property bool tinted: false
     property color tone: Theme.accent
     default property alias actions: actionRow.data
 
-    Accessible.description: text
+    Accessible.description: note === "" ? text : text + " " + note
     Accessible.name: title
     Accessible.role: Accessible.Grouping
 
@@ -56,6 +58,15 @@ Card {
             CaptionText {
                 Layout.fillWidth: true
                 text: root.text
+                wrapMode: Text.Wrap
+            }
+
+            CaptionText {
+                Layout.fillWidth: true
+                color: Theme.faded(Theme.label, Metrics.faintOpacity)
+                objectName: "note"
+                text: root.note
+                visible: text !== ""
                 wrapMode: Text.Wrap
             }
         }

@@ -23,7 +23,7 @@ Sheet {
 
     implicitHeight: column.implicitHeight
     // Wider where the words on the buttons ask for it.
-    width: Math.max(Metrics.dialogWidth, buttons.implicitWidth + 2 * Metrics.space12)
+    width: Math.max(Metrics.dialogWidth, buttons.implicitWidth + 2 * Metrics.space20)
 
     onOpened: cancelButton.forceActiveFocus()
 
@@ -59,7 +59,10 @@ Sheet {
         RowLayout {
             id: buttons
 
-            Layout.margins: Metrics.space12
+            Layout.bottomMargin: Metrics.space12
+            Layout.leftMargin: Metrics.space20
+            Layout.rightMargin: Metrics.space20
+            Layout.topMargin: Metrics.space12
             spacing: Metrics.space8
 
             Item {

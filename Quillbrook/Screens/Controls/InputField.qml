@@ -9,6 +9,8 @@ import Quillbrook
 T.TextField {
     id: root
 
+    /// What stands in it can't be taken.
+    property bool invalid: false
     property bool plain: false
     property string symbol: ""
 
@@ -32,7 +34,7 @@ T.TextField {
     verticalAlignment: TextInput.AlignVCenter
 
     background: Rectangle {
-        border.color: Theme.hairline
+        border.color: root.invalid ? Theme.danger : Theme.hairline
         border.width: root.plain ? 0 : Metrics.hairlineWidth
         color: root.plain ? "transparent" : Theme.surface
         radius: Metrics.controlRadius

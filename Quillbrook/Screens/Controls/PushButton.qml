@@ -13,6 +13,7 @@ T.Button {
 
     property int kind: PushButton.Plain
     property string symbol: ""
+    property real radius: Metrics.controlRadius
 
     readonly property bool isLink: kind === PushButton.Link
     property color inkColor: {
@@ -53,7 +54,7 @@ T.Button {
         border.color: root.kind === PushButton.Prominent ? Theme.accent : Theme.hairline
         border.width: root.isLink ? 0 : Metrics.hairlineWidth
         color: root.isLink ? "transparent" : root.kind === PushButton.Prominent ? Theme.accent : Theme.surface
-        radius: Metrics.controlRadius
+        radius: root.radius
 
         StateTint {
             hovered: root.hovered
@@ -62,6 +63,7 @@ T.Button {
         }
 
         FocusRing {
+            innerRadius: root.radius
             shown: root.visualFocus
         }
     }

@@ -10,6 +10,7 @@ T.Button {
 
     required property string symbol
     property color inkColor: Theme.label
+    property int symbolSide: Metrics.symbolSmall
 
     function act() {
         if (enabled)
@@ -44,9 +45,9 @@ T.Button {
         Symbol {
             anchors.centerIn: parent
             color: root.inkColor
-            height: Metrics.symbolSmall
+            height: root.symbolSide
             name: root.symbol
-            width: Metrics.symbolSmall
+            width: root.symbolSide
         }
     }
 }

@@ -11,8 +11,8 @@ Rectangle {
     id: root
 
     color: Theme.page
-    implicitHeight: Metrics.windowHeight
-    implicitWidth: Metrics.windowWidth
+    implicitHeight: Metrics.windowHeight + 2 * Metrics.space24
+    implicitWidth: Metrics.windowWidth + Metrics.columnWidth + 4 * Metrics.space24
 
     component Group: ColumnLayout {
         required property string label
@@ -256,12 +256,17 @@ Rectangle {
 
                 Banner {
                     Layout.fillWidth: true
+                    note: "A note on what comes of it."
                     symbol: "trash"
                     text: "What it means, in a few words."
                     title: "Something that can be done"
 
                     PushButton {
                         text: "Do it"
+                    }
+
+                    PushButton {
+                        text: "Rather not"
                     }
                 }
             }
@@ -421,6 +426,171 @@ Rectangle {
                         required property int index
 
                         text: "Line " + index + " of a list that scrolls"
+                    }
+                }
+            }
+        }
+
+        ColumnLayout {
+            Layout.alignment: Qt.AlignTop
+            Layout.fillWidth: false
+            Layout.maximumWidth: Metrics.columnWidth
+            Layout.minimumWidth: Metrics.columnWidth
+            spacing: Metrics.space24
+
+            Group {
+                label: "Pickers"
+
+                RowLayout {
+                    spacing: Metrics.space8
+
+                    TabRow {
+                        name: "Which list"
+                        objectName: "tabs"
+                        options: ["Apps on this Mac", "Leftovers"]
+                        onPicked: index => current = index
+                    }
+
+                    SegmentedPicker {
+                        name: "How often"
+                        objectName: "picker"
+                        options: ["Every time", "Just once", "Never"]
+                        onPicked: index => current = index
+                    }
+
+                    SegmentedPicker {
+                        enabled: false
+                        name: "Picker, disabled"
+                        options: ["On", "Off"]
+                    }
+                }
+
+                StepSlider {
+                    Layout.fillWidth: true
+                    from: 70
+                    label: "Clear it when the disk reaches " + value + "%"
+                    objectName: "slider"
+                    to: 99
+                    value: 96
+                }
+
+                StepSlider {
+                    Layout.fillWidth: true
+                    enabled: false
+                    from: 70
+                    label: "Slider, disabled"
+                    to: 99
+                    value: 80
+                }
+            }
+
+            Group {
+                Layout.fillWidth: true
+                label: "Switch rows"
+
+                Card {
+                    Layout.fillWidth: true
+                    implicitHeight: switches.implicitHeight
+
+                    Column {
+                        id: switches
+
+                        width: parent.width
+
+                        SwitchRow {
+                            caption: "1 item · when the disk is 90% full"
+                            note: "Would clear 2.9 GB now."
+                            objectName: "switchRow"
+                            on: false
+                            size: "2.9 GB"
+                            text: "Package and build caches. Each one refetches what it needs next time you build."
+                            title: "Keep build tools in check"
+                            width: parent.width
+                            onAsked: wanted => on = wanted
+                        }
+
+                        SwitchRow {
+                            caption: "Fired 3× · last 2 days ago"
+                            divided: true
+                            on: true
+                            text: "When the disk is 95% full, clear it · just once"
+                            title: "Leftovers from building apps"
+                            width: parent.width
+
+                            PushButton {
+                                text: "Remove"
+                            }
+                        }
+                    }
+                }
+            }
+
+            Group {
+                Layout.fillWidth: true
+                label: "Progress rows"
+
+                Card {
+                    Layout.fillWidth: true
+                    implicitHeight: copies.implicitHeight
+
+                    Column {
+                        id: copies
+
+                        width: parent.width
+
+                        ProgressRow {
+                            detail: "Created 7 months ago · last used 2 months ago"
+                            objectName: "runningRow"
+                            progress: 0.337
+                            progressText: "6.2 GB of 18.4 GB · 104 MB/s"
+                            running: true
+                            size: "18.4 GB"
+                            title: "Downloaded AI models"
+                            width: parent.width
+                        }
+
+                        ProgressRow {
+                            action: "Move"
+                            actionEnabled: false
+                            detail: "Created over a year ago · last used 3 months ago"
+                            divided: true
+                            size: "1.8 GB"
+                            title: "Test Android phones"
+                            width: parent.width
+                        }
+                    }
+                }
+            }
+
+            Group {
+                Layout.fillWidth: true
+                label: "Chips"
+
+                ChipFlow {
+                    Layout.fillWidth: true
+                    name: "Questions"
+                    objectName: "chips"
+                    texts: ["What is using the most space?", "Is it safe to clear caches?", "How do I get 10 GB back?", "What changed?"]
+                }
+            }
+
+            Group {
+                label: "Dates"
+
+                RowLayout {
+                    spacing: Metrics.space20
+
+                    DateField {
+                        name: "From"
+                        objectName: "date"
+                        value: new Date(2020, 5, 14, 9, 30)
+                        onPicked: moment => value = moment
+                    }
+
+                    DateField {
+                        enabled: false
+                        name: "Date, disabled"
+                        value: new Date(2022, 5, 14, 9, 30)
                     }
                 }
             }

@@ -6,6 +6,8 @@
 
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
+using namespace Qt::StringLiterals;
+
 class Setup : public QObject
 {
     Q_OBJECT
@@ -16,5 +18,3 @@ public Q_SLOTS:
 
 QUICK_TEST_MAIN_WITH_SETUP(Controls, Setup)
 #include "tst_Controls.moc"
-
-using namespace Qt::StringLiterals;

@@ -4,6 +4,7 @@
 #include "Support/Suite.h"
 
 #include <QAccessible>
+#include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
@@ -11,6 +12,7 @@
 #include <QTest>
 #include <QtQml/QQmlExtensionPlugin>
 
+#include <algorithm>
 #include <memory>
 
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
@@ -28,10 +30,23 @@ void keepWarnings(QtMsgType type, const QMessageLogContext &, const QString &mes
         warnings->append(message);
 }
 
+// A row that only groups its controls is a list item too.
 bool isPressable(QQuickItem *item)
 {
-    return QList{ QAccessible::Button, QAccessible::CheckBox, QAccessible::ListItem }.contains(
-        accessibleRole(item));
+    const auto role = accessibleRole(item);
+    return role == QAccessible::Button || role == QAccessible::CheckBox || role == QAccessible::RadioButton
+        || role == QAccessible::PageTab
+        || (role == QAccessible::ListItem && item->inherits("QQuickAbstractButton"));
+}
+
+// Of several words to pick one from only that which holds is a stop of the Tab key.
+bool takesTab(QQuickItem *item)
+{
+    const auto role = accessibleRole(item);
+    if (role == QAccessible::RadioButton || role == QAccessible::PageTab)
+        return item->isEnabled() && QAccessible::queryAccessibleInterface(item)->state().selected;
+    return item->isEnabled() && item->activeFocusOnTab()
+        && (isPressable(item) || role == QAccessible::EditableText || role == QAccessible::Slider);
 }
 
 } // namespace
@@ -47,17 +62,14 @@ private Q_SLOTS:
         warnings = &m_warnings;
         qInstallMessageHandler(keepWarnings);
         QAccessible::setActive(true);
-        m_view = std::make_unique<QQuickView>();
-        m_view->engine()->addImportPath(u"qrc:/qt/qml"_s);
-        m_view->setSource(QUrl::fromLocalFile(QStringLiteral(GALLERY_FILE)));
-        m_view->show();
-        m_view->requestActivate();
-        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+        m_usualFont = QGuiApplication::font();
+        load();
     }
 
     void cleanup()
     {
         m_view.reset();
+        QGuiApplication::setFont(m_usualFont);
         qInstallMessageHandler(nullptr);
         warnings = nullptr;
     }
@@ -121,8 +133,9 @@ private Q_SLOTS:
     {
         QList<QQuickItem *> expected;
         for (auto *item : items())
-            if ((isPressable(item) || accessibleRole(item) == QAccessible::EditableText) && item->isEnabled())
+            if (takesTab(item))
                 expected.append(item);
+        QVERIFY(expected.size() > 40);
 
         QList<QQuickItem *> reached;
         for (qsizetype i = 0; i < expected.size(); ++i) {
@@ -182,6 +195,128 @@ private Q_SLOTS:
         }
     }
 
+    void oneOfSeveralIsPicked_data()
+    {
+        QTest::addColumn<QString>("which");
+        QTest::addColumn<QAccessible::Role>("role");
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("second");
+        QTest::newRow("segments") << u"picker"_s << QAccessible::RadioButton << u"Every time"_s
+                                  << u"Just once"_s;
+        QTest::newRow("tabs") << u"tabs"_s << QAccessible::PageTab << u"Apps on this Mac"_s << u"Leftovers"_s;
+    }
+
+    void oneOfSeveralIsPicked()
+    {
+        QFETCH(QString, which);
+        QFETCH(QAccessible::Role, role);
+        QFETCH(QString, first);
+        QFETCH(QString, second);
+        const auto *picker = part(which);
+        const auto current = [picker] { return picker->property("current").toInt(); };
+        auto *one = findAccessible(*picker, role, first);
+        auto *other = findAccessible(*picker, role, second);
+        QVERIFY(one && other);
+        QVERIFY(!accessibleName(part(which)).isEmpty());
+        const auto holds
+            = [](QQuickItem *item) { return QAccessible::queryAccessibleInterface(item)->state(); };
+
+        pressAccessibly(other);
+        QCOMPARE(current(), 1);
+        QVERIFY(holds(other).selected && !holds(one).selected);
+        QCOMPARE(bool(holds(other).checked), role == QAccessible::RadioButton);
+        QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, centreOf(*one));
+        QCOMPARE(current(), 0);
+
+        one->forceActiveFocus(Qt::TabFocusReason);
+        press(Qt::Key_Left);
+        QCOMPARE(current(), 0);
+        press(Qt::Key_Right);
+        QCOMPARE(current(), 1);
+        QVERIFY(other->hasActiveFocus());
+        press(Qt::Key_Home);
+        QCOMPARE(current(), 0);
+        QVERIFY(one->hasActiveFocus());
+        press(Qt::Key_End);
+        QCOMPARE(current(), picker->property("options").toStringList().size() - 1);
+
+        auto *disabled = findAccessible(*m_view->rootObject(), QAccessible::RadioButton, u"Off"_s);
+        pressAccessibly(disabled);
+        QVERIFY(!holds(disabled).checked);
+    }
+
+    void sliderGoesByKeysAndAccessibly()
+    {
+        auto *slider = part(u"slider"_s);
+        const auto value = [slider] { return slider->property("value").toInt(); };
+        auto *face = QAccessible::queryAccessibleInterface(slider);
+        QCOMPARE(face->role(), QAccessible::Slider);
+        QCOMPARE(face->valueInterface()->currentValue().toInt(), 96);
+        QCOMPARE(face->valueInterface()->minimumValue().toInt(), 70);
+        QCOMPARE(face->valueInterface()->maximumValue().toInt(), 99);
+        QSignalSpy moves(slider, SIGNAL(moved()));
+        face->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
+        QCOMPARE(value(), 97);
+        QCOMPARE(face->text(QAccessible::Name), u"Clear it when the disk reaches 97%"_s);
+        face->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+        QCOMPARE(moves.count(), 2);
+
+        slider->forceActiveFocus(Qt::TabFocusReason);
+        const QList<std::pair<Qt::Key, int>> steps{ { Qt::Key_Right, 97 }, { Qt::Key_Up, 98 },
+            { Qt::Key_PageUp, 99 }, { Qt::Key_Up, 99 }, { Qt::Key_Left, 98 }, { Qt::Key_Down, 97 },
+            { Qt::Key_PageDown, 92 }, { Qt::Key_Home, 70 }, { Qt::Key_Left, 70 }, { Qt::Key_End, 99 } };
+        for (const auto &[key, expected] : steps) {
+            press(key);
+            QCOMPARE(value(), expected);
+        }
+        QTest::mouseClick(m_view.get(), Qt::LeftButton, {},
+            slider->mapToScene({ slider->width() / 2, slider->height() - 14 }).toPoint());
+        QVERIFY(value() == 84 || value() == 85);
+    }
+
+    // What comes of a press is for others to say; here it comes true.
+    void switchRowShowsWhatIsTrue()
+    {
+        auto *row = part(u"switchRow"_s);
+        auto *toggle = named(u"Keep build tools in check"_s);
+        QCOMPARE(accessibleName(row), u"Keep build tools in check"_s);
+        pressAccessibly(toggle);
+        QVERIFY(row->property("on").toBool());
+        QVERIFY(QAccessible::queryAccessibleInterface(toggle)->state().checked);
+        row->setProperty("on", false);
+        QVERIFY(!QAccessible::queryAccessibleInterface(toggle)->state().checked);
+    }
+
+    void progressRowIsToldAndStopped()
+    {
+        auto *row = part(u"runningRow"_s);
+        auto *bar = findAccessible(*row, QAccessible::ProgressBar, u"Downloaded AI models"_s);
+        QVERIFY(bar);
+        QCOMPARE(
+            QAccessible::queryAccessibleInterface(bar)->valueInterface()->currentValue().toDouble(), 0.337);
+        QSignalSpy stops(row, SIGNAL(stopped()));
+        pressAccessibly(named(u"Stop"_s));
+        QCOMPARE(stops.count(), 1);
+        const auto running = row->implicitHeight();
+        row->setProperty("running", false);
+        QVERIFY(!bar->isVisible());
+        QTRY_VERIFY(row->implicitHeight() < running);
+        QVERIFY(!findAccessible(*row, QAccessible::Button, u"Stop"_s));
+    }
+
+    void chipsGoOnInTheNextLine()
+    {
+        auto *chips = part(u"chips"_s);
+        QSignalSpy choices(chips, SIGNAL(chosen(int)));
+        pressAccessibly(named(u"What changed?"_s));
+        QCOMPARE(choices, QList<QVariantList>{ { 3 } });
+        const auto height = chips->height();
+        chips->setProperty("texts", QStringList(12, u"What is using the most space?"_s));
+        QTRY_VERIFY(chips->height() > height);
+        for (const auto *chip : visibleItemsBelow(*chips))
+            QVERIFY(chip->mapRectToItem(chips, chip->boundingRect()).right() <= chips->width() + 4);
+    }
+
     void dialogGivesTheKeyboardToCancelAndEscapeCloses()
     {
         auto *question = m_view->rootObject()->findChild<QObject *>(u"question"_s);
@@ -202,6 +337,39 @@ private Q_SLOTS:
         QTRY_COMPARE(closed.count(), 2);
     }
 
+    void dialogHasEqualMarginsWhateverTheFont_data()
+    {
+        QTest::addColumn<int>("spacing");
+        QTest::newRow("usual") << 0;
+        QTest::newRow("wide letters") << 2;
+        QTest::newRow("wider than the dialog usually is") << 9;
+    }
+
+    void dialogHasEqualMarginsWhateverTheFont()
+    {
+        QFETCH(int, spacing);
+        auto font = m_usualFont;
+        font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
+        QGuiApplication::setFont(font);
+        load();
+        auto *question = m_view->rootObject()->findChild<QObject *>(u"question"_s);
+        QMetaObject::invokeMethod(question, "open");
+        QTRY_VERIFY(question->property("opened").toBool());
+        const auto *ground = question->property("contentItem").value<QQuickItem *>();
+        qreal left = ground->width();
+        qreal right = 0;
+        for (auto *part : visibleItemsBelow(*ground)) {
+            if (accessibleName(part).isEmpty())
+                continue;
+            const auto place = part->mapRectToItem(ground, part->boundingRect());
+            left = std::min(left, place.left());
+            right = std::max(right, place.right());
+            QVERIFY2(!part->property("truncated").toBool(), qPrintable(accessibleName(part)));
+        }
+        QCOMPARE(qRound(left), 20);
+        QCOMPARE(qRound(ground->width() - right), 20);
+    }
+
 private:
     [[nodiscard]] QList<QQuickItem *> items() const { return visibleItemsBelow(*m_view->rootObject()); }
 
@@ -213,7 +381,24 @@ private:
         qFatal("No control is called %s", qPrintable(name));
     }
 
+    [[nodiscard]] QQuickItem *part(const QString &objectName) const
+    {
+        return m_view->rootObject()->findChild<QQuickItem *>(objectName);
+    }
+    void press(Qt::Key key) { QTest::keyClick(m_view.get(), key); }
+
+    void load()
+    {
+        m_view = std::make_unique<QQuickView>();
+        m_view->engine()->addImportPath(u"qrc:/qt/qml"_s);
+        m_view->setSource(QUrl::fromLocalFile(QStringLiteral(GALLERY_FILE)));
+        m_view->show();
+        m_view->requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+    }
+
     QStringList m_warnings;
+    QFont m_usualFont;
     std::unique_ptr<QQuickView> m_view;
 };
 

@@ -1,0 +1,180 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Quillbrook
+
+// The days of a month to choose one from, in a small panel. The arrow keys walk the days, the page keys the months,
+// Return chooses, Escape lets it be.
+T.Popup {
+    id: root
+
+    required property string name
+    property date value: new Date()
+
+    /// The day that the keyboard stands on; its month is the one that is shown.
+    property date current: value
+
+    readonly property int firstDay: Qt.locale().firstDayOfWeek % 7
+    /// How many days of the month before fill the first row.
+    readonly property int lead: (new Date(current.getFullYear(), current.getMonth(), 1).getDay() - firstDay + 7) % 7
+
+    signal picked(date day)
+
+    function dayAt(index: int): date {
+        return new Date(current.getFullYear(), current.getMonth(), 1 - lead + index);
+    }
+
+    function isSameDay(one: date, other: date): bool {
+        return one.toDateString() === other.toDateString();
+    }
+
+    function walk(days: int) {
+        current = new Date(current.getFullYear(), current.getMonth(), current.getDate() + days);
+    }
+
+    // The last day of a shorter month, where there is no such day.
+    function walkMonths(months: int) {
+        const last = new Date(current.getFullYear(), current.getMonth() + months + 1, 0).getDate();
+        current = new Date(current.getFullYear(), current.getMonth() + months, Math.min(current.getDate(), last));
+    }
+
+    function choose(day: date) {
+        close();
+        picked(day);
+    }
+
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+    focus: true
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    margins: Metrics.space8
+    padding: Metrics.space12
+
+    onAboutToShow: current = value
+    onOpened: days.forceActiveFocus(Qt.TabFocusReason)
+
+    background: Card {
+        Accessible.name: root.name
+        Accessible.role: Accessible.Dialog
+
+        SoftShadow {
+            z: -1
+        }
+    }
+    contentItem: ColumnLayout {
+        spacing: Metrics.space4
+
+        RowLayout {
+            SymbolButton {
+                symbol: "chevron.left"
+                text: qsTr("Month before")
+                onClicked: root.walkMonths(-1)
+            }
+
+            BodyText {
+                Layout.fillWidth: true
+                color: Theme.strong
+                horizontalAlignment: Text.AlignHCenter
+                semibold: true
+                text: DateText.month(root.current)
+            }
+
+            SymbolButton {
+                symbol: "chevron.right"
+                text: qsTr("Month after")
+                onClicked: root.walkMonths(1)
+            }
+        }
+
+        Row {
+            Repeater {
+                model: 7
+
+                CaptionText {
+                    required property int index
+
+                    Accessible.ignored: true
+                    horizontalAlignment: Text.AlignHCenter
+                    text: Qt.locale().standaloneDayName((root.firstDay + index) % 7, Locale.NarrowFormat)
+                    width: Metrics.controlHeight
+                }
+            }
+        }
+
+        Grid {
+            id: days
+
+            Accessible.name: DateText.month(root.current)
+            Accessible.role: Accessible.Table
+            Keys.onDownPressed: root.walk(7)
+            Keys.onEnterPressed: root.choose(root.current)
+            Keys.onLeftPressed: root.walk(-1)
+            Keys.onPressed: event => {
+                const walks = new Map([[Qt.Key_PageUp, () => root.walkMonths(-1)], [Qt.Key_PageDown, () => root.walkMonths(1)], [Qt.Key_Home, () => root.walk(1 - root.current.getDate())], [Qt.Key_Space, () => root.choose(root.current)]]);
+                event.accepted = walks.has(event.key);
+                if (event.accepted)
+                    walks.get(event.key)();
+            }
+            Keys.onReturnPressed: root.choose(root.current)
+            Keys.onRightPressed: root.walk(1)
+            Keys.onUpPressed: root.walk(-7)
+            activeFocusOnTab: true
+            columns: 7
+            objectName: "days"
+
+            Repeater {
+                model: 42
+
+                T.AbstractButton {
+                    id: cell
+
+                    required property int index
+
+                    readonly property date day: root.dayAt(index)
+                    readonly property bool isCurrent: root.isSameDay(day, root.current)
+                    readonly property bool isValue: root.isSameDay(day, root.value)
+                    readonly property bool isOfTheMonth: day.getMonth() === root.current.getMonth()
+
+                    Accessible.name: DateText.day(day)
+                    Accessible.role: Accessible.Cell
+                    Accessible.selectable: true
+                    Accessible.selected: isValue
+                    Accessible.onPressAction: clicked()
+
+                    focusPolicy: Qt.NoFocus
+                    hoverEnabled: true
+                    implicitHeight: Metrics.controlHeight
+                    implicitWidth: Metrics.controlHeight
+                    text: day.getDate()
+
+                    onClicked: root.choose(day)
+
+                    background: Rectangle {
+                        color: cell.isValue ? Theme.accent : "transparent"
+                        radius: Metrics.controlRadius
+
+                        StateTint {
+                            hovered: cell.hovered
+                            pressed: cell.down
+                            radius: parent.radius
+                        }
+
+                        FocusRing {
+                            gap: -border.width
+                            shown: cell.isCurrent && days.activeFocus
+                        }
+                    }
+                    contentItem: BodyText {
+                        Accessible.ignored: true
+                        color: cell.isValue ? Theme.surface : cell.isOfTheMonth ? Theme.strong : Theme.faded(Theme.label, Metrics.faintOpacity)
+                        font.pointSize: Metrics.smallFont
+                        horizontalAlignment: Text.AlignHCenter
+                        text: cell.text
+                    }
+                }
+            }
+        }
+    }
+}
