@@ -43,13 +43,14 @@ AppDelegate::Windows windows(MainWindowState &screens, MenuBarPanelState &panel)
 
 int main(int argc, char **argv)
 {
-    const auto machine = Machine::ofThisSystem();
+    Machine::prepareProcess();
     QApplication application(argc, argv);
     QGuiApplication::setApplicationDisplayName(u"Quillbrook"_s);
     QGuiApplication::setDesktopFileName(u"com.tarnwick.Quillbrook"_s);
     QGuiApplication::setWindowIcon(QIcon(u":/icons/com.tarnwick.Quillbrook-256.png"_s));
     QQuickStyle::setStyle(u"Basic"_s);
 
+    const auto machine = Machine::ofThisSystem();
     // Before anything that writes: the stores have one writer.
     const auto start = AppDelegate::startOf(QApplication::arguments());
     auto &instance = machine->instance();

@@ -6,7 +6,6 @@
 // only.
 
 #include <memory>
-#include <string>
 
 namespace Quillbrook {
 
@@ -19,7 +18,9 @@ struct AppServices;
 class Machine
 {
 public:
-    /// Made before the application object and before there are threads, since it prepares the process itself.
+    /// Prepares the process itself: before the application object is made, and before there are threads.
+    static void prepareProcess();
+    /// Made after the application object, and gone before it.
     [[nodiscard]] static std::unique_ptr<Machine> ofThisSystem();
 
     Machine() = default;
@@ -27,7 +28,7 @@ public:
     Machine &operator=(const Machine &) = delete;
     virtual ~Machine() = default;
 
-    // The rest is asked for once there is an application object, and lives as long as this.
+    // All that it hands out lives as long as this.
 
     /// To be claimed before anything else is asked for, because that writes files.
     [[nodiscard]] virtual AppInstance &instance() = 0;

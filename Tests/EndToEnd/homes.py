@@ -7,14 +7,15 @@ import waiting
 
 
 class Home:
-    """`path` is the home; what the program itself stores goes beside it, so that the home stays as it was made."""
+    """`path` is the home; what the program itself stores goes beside it, so that the home stays as it was made. Only
+    caches are where they usually are: of a base outside the home folder nothing can be cleared."""
 
     def __init__(self, folder, user="ann"):
         self.folder = pathlib.Path(folder)
         self.path = self.folder / "home" / user
         self.path.mkdir(parents=True)
         self.settings = self.folder / "config" / "Quillbrook" / "Quillbrook.conf"
-        for name in ("config", "cache", "data", "state"):
+        for name in ("config", "data", "state"):
             (self.folder / name).mkdir()
         self._passwd = self.folder / "passwd"
         self._group = self.folder / "group"
@@ -31,7 +32,8 @@ class Home:
             "LANG": "C.UTF-8",
             "TZ": "UTC",
             "XDG_CONFIG_HOME": str(self.folder / "config"),
-            "XDG_CACHE_HOME": str(self.folder / "cache"),
+            "XDG_CACHE_HOME": str(self.path / ".cache"),
+            "QML_DISABLE_DISK_CACHE": "1",
             "XDG_DATA_HOME": str(self.folder / "data"),
             "XDG_STATE_HOME": str(self.folder / "state"),
             "XDG_DATA_DIRS": "/usr/local/share:/usr/share",

@@ -46,7 +46,10 @@ class Warden(case.Case):
                          for entry in json.loads(manifest.read_text(encoding="utf-8")) if entry["stale"]]
 
     def open(self):
-        self.quillbrook = self.start()
+        # The home has everything in its usual place.
+        self.quillbrook = self.start(XDG_CONFIG_HOME=str(self.home.path / ".config"),
+                                     XDG_DATA_HOME=str(self.home.path / ".local/share"),
+                                     XDG_STATE_HOME=str(self.home.path / ".local/state"))
         self.quillbrook.scanned()
         self.quillbrook.activate()
         return self.quillbrook

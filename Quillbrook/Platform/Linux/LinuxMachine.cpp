@@ -44,6 +44,13 @@ const QProcessEnvironment &environment()
     return present;
 }
 
+/// What this start was given, which the application object takes out of the environment.
+LinuxAppInstance::StartTokens &startTokens()
+{
+    static LinuxAppInstance::StartTokens tokens;
+    return tokens;
+}
+
 /// Where the program finds itself: the folders that everything else goes by.
 struct Places
 {
@@ -104,17 +111,11 @@ struct Services
 class LinuxMachine final : public Machine
 {
 public:
-    LinuxMachine()
-    {
-        raiseOpenFileLimit();
-        ActivationToken::reserve();
-    }
-
     [[nodiscard]] AppInstance &instance() override
     {
         if (!m_instance)
             m_instance.emplace(
-                LinuxAppInstance::Options{ .tokens = m_tokens, .lockFolder = places().programFolder });
+                LinuxAppInstance::Options{ .tokens = startTokens(), .lockFolder = places().programFolder });
         return *m_instance;
     }
 
@@ -155,13 +156,19 @@ private:
     [[nodiscard]] Places &places() { return m_places ? *m_places : m_places.emplace(); }
     [[nodiscard]] Services &made() { return m_services ? *m_services : m_services.emplace(places()); }
 
-    const LinuxAppInstance::StartTokens m_tokens = LinuxAppInstance::StartTokens::ofEnvironment();
     std::optional<Places> m_places;
     std::optional<LinuxAppInstance> m_instance;
     std::optional<Services> m_services;
 };
 
 } // namespace
+
+void Machine::prepareProcess()
+{
+    raiseOpenFileLimit();
+    ActivationToken::reserve();
+    startTokens() = LinuxAppInstance::StartTokens::ofEnvironment();
+}
 
 std::unique_ptr<Machine> Machine::ofThisSystem()
 {

@@ -16,11 +16,7 @@ ColumnLayout {
 
     spacing: Metrics.space12
 
-    Component.onCompleted: {
-        table.shown = true;
-        list.startOver();
-    }
-    Component.onDestruction: table.shown = false
+    Component.onCompleted: list.startOver()
 
     Item {
         Layout.fillHeight: true

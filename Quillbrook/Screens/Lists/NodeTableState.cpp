@@ -7,21 +7,12 @@
 namespace Quillbrook {
 
 NodeTableState::NodeTableState(AppModel &model, QObject *parent)
-    : QObject(parent)
+    : PaneState(parent)
     , m_model(model)
 {
     connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &NodeTableState::followTree);
     connect(&m_model.scans(), &ScanDriver::treeChanged, this, &NodeTableState::followTree);
     connect(&m_model.navigation(), &Navigation::selectionChanged, this, &NodeTableState::refreshSelectedRow);
-}
-
-void NodeTableState::setShown(bool shown)
-{
-    if (m_shown == shown)
-        return;
-    m_shown = shown;
-    reloadIfNeeded();
-    Q_EMIT shownChanged();
 }
 
 void NodeTableState::invalidateRows()
@@ -40,7 +31,7 @@ void NodeTableState::followTree()
 
 void NodeTableState::reloadIfNeeded()
 {
-    if (!m_shown || !m_stale)
+    if (!shown() || !m_stale)
         return;
     m_stale = false;
     m_source = m_model.scans().tree();

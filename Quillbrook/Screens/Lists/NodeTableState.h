@@ -4,8 +4,8 @@
 // "Show" do. A list says what its rows are by overriding `fetch`. Main thread only; the model outlives it.
 
 #include "Screens/Lists/NodeTableModel.h"
+#include "Screens/PaneState.h"
 
-#include <QObject>
 #include <QtQmlIntegration>
 
 #include <memory>
@@ -14,14 +14,12 @@ namespace Quillbrook {
 
 class AppModel;
 
-class NodeTableState : public QObject
+class NodeTableState : public PaneState
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The window is handed its state")
 
-    /// Whether the list is on the screen. Only then are its rows kept up to date.
-    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged FINAL)
     Q_PROPERTY(Quillbrook::NodeTableModel *rows READ rows CONSTANT FINAL)
     /// The sentence of a list without rows.
     Q_PROPERTY(QString emptyMessage READ emptyMessage NOTIFY emptyMessageChanged FINAL)
@@ -32,8 +30,6 @@ public:
     explicit NodeTableState(AppModel &model, QObject *parent = nullptr);
 
     [[nodiscard]] NodeTableModel *rows() { return &m_rows; }
-    [[nodiscard]] bool shown() const { return m_shown; }
-    void setShown(bool shown);
     [[nodiscard]] virtual QString emptyMessage() const = 0;
     [[nodiscard]] int selectedRow() const { return m_selectedRow; }
 
@@ -43,11 +39,12 @@ public:
     Q_INVOKABLE void reveal(int row);
 
 Q_SIGNALS:
-    void shownChanged();
     void emptyMessageChanged();
     void selectedRowChanged();
 
 protected:
+    /// Rows are kept up to date only while the list is shown.
+    void appear() override { reloadIfNeeded(); }
     /// The rows that the list should have now.
     [[nodiscard]] virtual QList<NodeSnapshot> fetch() const = 0;
     /// To be called when `fetch` would give other rows than before.
@@ -63,7 +60,6 @@ private:
     NodeTableModel m_rows;
     /// The tree that the rows were taken from, without holding it.
     std::weak_ptr<const FileTree> m_source;
-    bool m_shown = false;
     bool m_stale = true;
     int m_selectedRow = -1;
 };

@@ -13,7 +13,13 @@ ColumnLayout {
 
     spacing: Metrics.space12
 
-    Component.onCompleted: field.forceActiveFocus()
+    Connections {
+        function onKeyboardOffered() {
+            field.forceActiveFocus();
+        }
+
+        target: root.search
+    }
 
     InputField {
         id: field

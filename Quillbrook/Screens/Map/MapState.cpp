@@ -24,21 +24,6 @@ constexpr double tooltipBelow = 18.0;
 constexpr double tooltipAbove = 78.0;
 constexpr double bottomBand = 90.0;
 
-QString text(const Phase &phase)
-{
-    switch (phase.kind) {
-    case Phase::Kind::idle:
-        return u"idle"_s;
-    case Phase::Kind::scanning:
-        return u"scanning"_s;
-    case Phase::Kind::ready:
-        return u"ready"_s;
-    case Phase::Kind::failed:
-        break;
-    }
-    return u"failed: "_s + phase.message;
-}
-
 NodeSnapshot snapshotOf(const Treemap::Tile &tile)
 {
     return { .id = tile.id,
@@ -51,7 +36,7 @@ NodeSnapshot snapshotOf(const Treemap::Tile &tile)
 } // namespace
 
 MapState::MapState(AppModel &model, QObject *parent)
-    : QObject(parent)
+    : PaneState(parent)
     , m_model(model)
 {
     for (const auto signal :
@@ -73,7 +58,7 @@ TreemapLayoutKey MapState::presentKey() const
 {
     return { .size = m_size,
         .focus = m_model.navigation().focus(),
-        .phase = text(m_model.scans().phase()),
+        .phase = m_model.scans().phase(),
         .generation = m_model.scans().treeGeneration() };
 }
 

@@ -6,8 +6,8 @@
 
 #include "Screens/Map/TreemapGeometry.h"
 #include "Screens/Map/TreemapLayoutKey.h"
+#include "Screens/PaneState.h"
 
-#include <QObject>
 #include <QPointF>
 #include <QtQmlIntegration>
 
@@ -18,7 +18,7 @@ namespace Quillbrook {
 
 class AppModel;
 
-class MapState : public QObject
+class MapState : public PaneState
 {
     Q_OBJECT
     QML_ELEMENT

@@ -20,28 +20,28 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype fewestItemsTold = 2;
-constexpr int lookingThreads = 2;
+constexpr int threadsPerPool = 2;
 
-// Looking at the disk has threads of its own here, and they outlive everything: on a file system that has
-// stopped answering a look never ends, and must keep neither a scan from starting nor the program from
-// ending.
-QThreadPool *newLookingPool()
+// A file system that has stopped answering may hold a thread for ever. So these questions to the disk have
+// pools of their own, where they keep no scan waiting, and the pools are never destroyed, because that would
+// wait for the thread and the program could not end.
+QThreadPool *newPool()
 {
     auto *created = new QThreadPool;
-    created->setMaxThreadCount(lookingThreads);
+    created->setMaxThreadCount(threadsPerPool);
     return created;
 }
 
 QThreadPool *countingPool()
 {
-    static auto *pool = newLookingPool();
+    static auto *pool = newPool();
     return pool;
 }
 
-// Apart from counting, which may take long: the guards answer at once.
+// Counting may take long, and the answer of the guards must not wait for it.
 QThreadPool *judgingPool()
 {
-    static auto *pool = newLookingPool();
+    static auto *pool = newPool();
     return pool;
 }
 

@@ -164,7 +164,8 @@ void TreemapItem::mousePressEvent(QMouseEvent *event)
 
 void TreemapItem::mouseReleaseEvent(QMouseEvent *event)
 {
-    // The release that ends a double click is none of a click.
+    // A double click ends with a release too; by then `m_pressed` is false, so that it does not select as
+    // well.
     if (m_map && m_pressed && contains(event->position()))
         m_map->clickAt(event->position());
     m_pressed = false;

@@ -2,8 +2,9 @@
 
 // What a layout of the map was made for. A change of any field causes a new layout, and nothing else does.
 
+#include "Core/AppModel.h"
+
 #include <QSizeF>
-#include <QString>
 #include <QtGlobal>
 
 namespace Quillbrook {
@@ -14,8 +15,7 @@ struct TreemapLayoutKey
     QSizeF size{};
     /// The node whose contents are shown; -1 when there is none.
     qint32 focus = -1;
-    /// Text form of the model's phase.
-    QString phase{};
+    Phase phase{};
     quint64 generation = 0;
 
     // QSizeF compares with a tolerance of 1e-12, far below anything that can be seen.

@@ -45,6 +45,7 @@ Item {
         WardenBanner {
             row: root.row
             onActed: root.warden.act(root.index)
+            onActedOtherwise: root.warden.act(root.index, 1)
         }
     }
 

@@ -35,6 +35,7 @@ struct WardenRow
     Q_PROPERTY(QString symbol MEMBER symbol FINAL)
     Q_PROPERTY(bool tinted MEMBER tinted FINAL)
     Q_PROPERTY(QString action MEMBER action FINAL)
+    Q_PROPERTY(QString otherAction MEMBER otherAction FINAL)
     Q_PROPERTY(QString ages MEMBER ages FINAL)
     Q_PROPERTY(QString what MEMBER what FINAL)
     Q_PROPERTY(QString regenerates MEMBER regenerates FINAL)
@@ -53,15 +54,17 @@ public:
     QString title{};
     /// Of the finding, or of all that the section counts.
     QString size{};
-    /// Behind a heading, what else holds for its section; under a finding, why clearing it would not help.
+    /// Behind a heading, what else holds for its section; under a finding, why clearing it would not help; in
+    /// a banner, a quiet line under its text.
     QString note{};
     /// Of a heading's dot, or of a banner.
     QColor tone{};
-    /// Of a banner: its symbol, whether its ground takes the tone, and the words on its button, if it has
-    /// one.
+    /// Of a banner: its symbol, whether its ground takes the tone, and the words on its buttons; empty for
+    /// one that is not there.
     QString symbol{};
     bool tinted = false;
     QString action{};
+    QString otherAction{};
     QString ages{};
     /// What a finding is, or what a banner tells.
     QString what{};

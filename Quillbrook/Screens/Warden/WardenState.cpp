@@ -30,7 +30,7 @@ void flip(QSet<QString> &ids, const QString &id)
 } // namespace
 
 WardenState::WardenState(AppModel &model, QObject *parent)
-    : QObject(parent)
+    : PaneState(parent)
     , m_model(model)
 {
     connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &WardenState::followPhase);
@@ -39,18 +39,23 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     connect(&m_model.reclaims(), &ReclaimDriver::reclaimLogChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::lastVerificationChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::safetyNetChanged, this, &WardenState::refresh);
-    connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::lookAgain);
-    lookAgain();
+    connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::recheck);
+    recheck();
 }
 
 void WardenState::appear()
 {
+    tickDefaults();
+}
+
+void WardenState::tickDefaults()
+{
     m_chosen = WardenRows::defaultSelection(m_model.scans().report());
-    lookAgain();
+    recheck();
 }
 
 // The ledger asks the disk about each of its things, which is too much for every tick.
-void WardenState::lookAgain()
+void WardenState::recheck()
 {
     m_pending = m_model.reclaims().ledger().pending();
     Q_EMIT pendingChanged();
@@ -64,9 +69,9 @@ void WardenState::followPhase()
     if (m_model.scans().phase().kind != Phase::Kind::ready)
         return;
     if (m_touched)
-        lookAgain();
+        recheck();
     else
-        appear();
+        tickDefaults();
 }
 
 QList<Finding> WardenState::chosenFindings() const
@@ -105,10 +110,11 @@ void WardenState::reveal(int row)
             return m_model.services().revealer.reveal(m_model.navigation().rawPath(finding));
 }
 
-void WardenState::act(int row)
+void WardenState::act(int row, int button)
 {
     const auto *line = m_rows.at(row);
-    if (!line || line->kind != WardenLines::Kind::Banner)
+    // No banner has a second button yet.
+    if (!line || line->kind != WardenLines::Kind::Banner || button != 0)
         return;
     if (line->id == WardenRows::verificationBanner)
         m_model.reclaims().dismissVerification();

@@ -5,9 +5,9 @@
 
 #include "Catalogue/Finding.h"
 #include "Removal/TrashLedger.h"
+#include "Screens/PaneState.h"
 #include "Screens/Warden/WardenListModel.h"
 
-#include <QObject>
 #include <QSet>
 #include <QString>
 #include <QtQmlIntegration>
@@ -16,7 +16,7 @@ namespace Quillbrook {
 
 class AppModel;
 
-class WardenState : public QObject
+class WardenState : public PaneState
 {
     Q_OBJECT
     QML_ELEMENT
@@ -40,10 +40,6 @@ class WardenState : public QObject
 public:
     explicit WardenState(AppModel &model, QObject *parent = nullptr);
 
-    /// To be called whenever the screen is chosen: the ticks are then the default ones. A scan that stands in
-    /// front of the screen for a while does not make it appear anew.
-    void appear();
-
     [[nodiscard]] WardenListModel *rows() { return &m_rows; }
     [[nodiscard]] const QString &total() const { return m_total; }
     [[nodiscard]] const QString &counts() const { return m_counts; }
@@ -66,8 +62,9 @@ public:
     Q_INVOKABLE void togglePath(int row);
     /// Shows a row's finding in the file manager.
     Q_INVOKABLE void reveal(int row);
-    /// Does what the button of a row's banner says, or tells by a signal that it has to be asked about first.
-    Q_INVOKABLE void act(int row);
+    /// Does what a button of a row's banner says, counted from 0, or tells by a signal that it has to be
+    /// asked about first.
+    Q_INVOKABLE void act(int row, int button = 0);
     /// Takes down what is ticked now, and tells that it has to be asked about. What is ticked, found or
     /// sorted otherwise meanwhile changes nothing about what the answer does.
     Q_INVOKABLE void askToReclaim();
@@ -75,8 +72,8 @@ public:
     Q_INVOKABLE void reclaim(bool permanently);
     /// Deletes for good what lies in the Trash of what Quillbrook moved there.
     Q_INVOKABLE void finishRemoving();
-    /// Takes note that the window is looked at again: the Trash may have been emptied meanwhile.
-    Q_INVOKABLE void lookAgain();
+    /// Asks what still lies in the Trash: it may have been emptied meanwhile.
+    void recheck() override;
 
 Q_SIGNALS:
     void selectionChanged();
@@ -86,7 +83,12 @@ Q_SIGNALS:
     void reclaimAsked();
     void finishAsked();
 
+protected:
+    /// The ticks are then the default ones.
+    void appear() override;
+
 private:
+    void tickDefaults();
     void followPhase();
     void refresh();
     void setSums();

@@ -20,6 +20,7 @@ ContentState::ContentState(AppModel &model, FolderAccess &access, Background &ba
 
 void ContentState::appear()
 {
+    setOpen(true);
     m_model.startRuleClock();
     m_model.watch().configureWatcher(m_background);
     m_background.refresh();
@@ -30,6 +31,19 @@ void ContentState::appear()
     m_model.volume().refreshVolume();
     m_model.reclaims().refreshSafetyNet();
     startScanning();
+}
+
+void ContentState::disappear()
+{
+    setOpen(false);
+}
+
+void ContentState::setOpen(bool isOpen)
+{
+    if (m_isOpen == isOpen)
+        return;
+    m_isOpen = isOpen;
+    Q_EMIT openChanged();
 }
 
 // Later, not within the press: the folder window has an event loop of its own, and whoever pressed by way of
@@ -63,13 +77,19 @@ void ContentState::setPane(Pane pane)
     refresh();
 }
 
+void ContentState::choose(Pane pane)
+{
+    setPane(pane);
+    Q_EMIT paneChosen();
+}
+
 ContentState::Shown ContentState::shownFor(const Circumstances &circumstances)
 {
     if (circumstances.isGated)
-        return { .view = View::Gate };
+        return { .file = gateFile() };
     switch (circumstances.phase.kind) {
     case Phase::Kind::scanning:
-        return { .view = View::Scanning };
+        return { .file = scanningFile() };
     case Phase::Kind::failed:
         return { .title = tr("Scan failed"), .message = circumstances.phase.message };
     case Phase::Kind::idle:
@@ -77,29 +97,10 @@ ContentState::Shown ContentState::shownFor(const Circumstances &circumstances)
     case Phase::Kind::ready:
         break;
     }
-    return shownForPane(circumstances.pane);
-}
-
-ContentState::Shown ContentState::shownForPane(Pane pane)
-{
-    switch (pane) {
-    case Pane::warden:
-        return { .view = View::Warden };
-    case Pane::map:
-        return { .view = View::Map };
-    case Pane::largest:
-        return { .view = View::Largest };
-    case Pane::search:
-        return { .view = View::Search };
-    case Pane::photos:
-    case Pane::rules:
-    case Pane::offload:
-    case Pane::apps:
-    case Pane::stats:
-    case Pane::advisor:
-        break;
-    }
-    return { .title = Quillbrook::title(pane), .message = tr("Not here yet.") };
+    const auto *file = row(circumstances.pane).file;
+    if (*file == '\0')
+        return { .title = Quillbrook::title(circumstances.pane), .message = tr("Not here yet.") };
+    return { .file = QString::fromLatin1(file) };
 }
 
 ContentState::Shown ContentState::presentlyShown() const
@@ -113,7 +114,7 @@ void ContentState::refresh()
     if (m_shown == shown)
         return;
     m_shown = std::move(shown);
-    Q_EMIT viewChanged();
+    Q_EMIT shownChanged();
 }
 
 void ContentState::followRequest()

@@ -22,23 +22,23 @@ class ContentState : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("The window is handed its state")
 
-    /// What stands on the right side.
-    Q_PROPERTY(View view READ view NOTIFY viewChanged FINAL)
-    /// The words of the notice; empty unless `view` is `Notice`.
-    Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY viewChanged FINAL)
-    Q_PROPERTY(QString noticeMessage READ noticeMessage NOTIFY viewChanged FINAL)
+    /// The file of what stands on the right side, below the folder of the screens.
+    Q_PROPERTY(QString file READ file NOTIFY shownChanged FINAL)
+    /// There is no folder that may be read, and so nothing that may be scanned.
+    Q_PROPERTY(bool isGated READ isGated NOTIFY shownChanged FINAL)
     /// The question field stands under every pane but the conversation itself.
     Q_PROPERTY(bool asksBelow READ asksBelow NOTIFY paneChanged FINAL)
 
 public:
-    /// The gate, the scanning view, a notice, or one of the panes that there are.
-    enum class View { Gate, Scanning, Notice, Warden, Map, Largest, Search };
-    Q_ENUM(View)
+    /// What stands there where no pane can: the gate, the scanning view, or a notice.
+    [[nodiscard]] static QString gateFile() { return QStringLiteral("Window/PermissionGate.qml"); }
+    [[nodiscard]] static QString scanningFile() { return QStringLiteral("Scanning/ScanningView.qml"); }
+    [[nodiscard]] static QString noticeFile() { return QStringLiteral("Window/CentredNotice.qml"); }
 
-    /// What stands on the right side, with the words of a notice.
+    /// What stands on the right side: its file, and the words of a notice.
     struct Shown
     {
-        View view = View::Notice;
+        QString file = noticeFile();
         QString title{};
         QString message{};
 
@@ -58,28 +58,38 @@ public:
     /// show.
     [[nodiscard]] static Shown shownFor(const Circumstances &circumstances);
 
-    /// To be called whenever the window's content appears; the start action runs the first time only.
+    /// To be called whenever the window opens; the start action runs the first time only.
     Q_INVOKABLE void appear();
+    /// To be called whenever the window is closed.
+    Q_INVOKABLE void disappear();
     /// Lets the person pick their home folder, and measures it then. Returns at once.
     Q_INVOKABLE void chooseHomeFolder();
     /// Measures what may be read now, in the present scope, and gives up a scan of what was before.
     void rescan();
+    /// Shows a pane, and leaves the keyboard where it is.
     void setPane(Pane pane);
+    /// Shows a pane that the person chose by its key or by a press, and lets it take the keyboard.
+    void choose(Pane pane);
 
     [[nodiscard]] Pane pane() const { return m_pane; }
-    [[nodiscard]] View view() const { return m_shown.view; }
-    [[nodiscard]] const QString &noticeTitle() const { return m_shown.title; }
-    [[nodiscard]] const QString &noticeMessage() const { return m_shown.message; }
+    [[nodiscard]] const Shown &shown() const { return m_shown; }
+    [[nodiscard]] const QString &file() const { return m_shown.file; }
+    [[nodiscard]] bool isGated() const { return m_shown.file == gateFile(); }
+    /// Whether the window is there.
+    [[nodiscard]] bool isOpen() const { return m_isOpen; }
     [[nodiscard]] bool asksBelow() const { return m_pane != Pane::advisor; }
     [[nodiscard]] bool didStart() const { return m_didStart; }
 
 Q_SIGNALS:
     void paneChanged();
-    void viewChanged();
+    /// The person chose the present pane.
+    void paneChosen();
+    void openChanged();
+    void shownChanged();
 
 private:
-    [[nodiscard]] static Shown shownForPane(Pane pane);
     [[nodiscard]] Shown presentlyShown() const;
+    void setOpen(bool isOpen);
     void refresh();
     void followRequest();
     void startScanning();
@@ -89,6 +99,7 @@ private:
     Background &m_background;
     Pane m_pane = Pane::warden;
     Shown m_shown;
+    bool m_isOpen = false;
     bool m_didStart = false;
 };
 

@@ -1,9 +1,10 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
 // What fills the window: the sidebar, and to its right the top bar, the chosen pane and the question field.
-// Not `ComponentBehavior: Bound`, unlike the other files: a Loader of Qt 6.4 can't create bound components.
 RowLayout {
     id: root
 
@@ -16,6 +17,8 @@ RowLayout {
     onAppearsChanged: {
         if (appears)
             screens.content.appear();
+        else
+            screens.content.disappear();
     }
 
     Sidebar {
@@ -38,8 +41,7 @@ RowLayout {
         TopBar {
             Layout.fillWidth: true
             bar: root.screens.topBar
-            // There is nothing that may be scanned.
-            enabled: root.screens.content.view !== ContentState.Gate
+            enabled: !root.screens.content.isGated
         }
 
         Hairline {
@@ -47,25 +49,24 @@ RowLayout {
         }
 
         Loader {
+            id: right
+
+            function show() {
+                setSource(Qt.resolvedUrl("../" + root.screens.content.file), root.screens.shownProperties);
+            }
+
             Layout.fillHeight: true
             Layout.fillWidth: true
-            sourceComponent: {
-                switch (root.screens.content.view) {
-                case ContentState.Gate:
-                    return gate;
-                case ContentState.Scanning:
-                    return scanning;
-                case ContentState.Warden:
-                    return warden;
-                case ContentState.Map:
-                    return map;
-                case ContentState.Largest:
-                    return largest;
-                case ContentState.Search:
-                    return search;
-                default:
-                    return notice;
+            objectName: "right"
+
+            Component.onCompleted: show()
+
+            Connections {
+                function onShownChanged() {
+                    right.show();
                 }
+
+                target: root.screens.content
             }
         }
 
@@ -78,67 +79,4 @@ RowLayout {
             visible: root.screens.content.asksBelow
         }
     }
-
-    // qmllint disable unqualified
-    Component {
-        id: gate
-
-        PermissionGate {
-            content: root.screens.content
-        }
-    }
-
-    Component {
-        id: scanning
-
-        ScanningView {
-            scan: root.screens.scanning
-        }
-    }
-
-    Component {
-        id: warden
-
-        WardenPane {
-            warden: root.screens.warden
-        }
-    }
-
-    Component {
-        id: map
-
-        MapPane {
-            crumbs: root.screens.crumbs
-            map: root.screens.map
-            selection: root.screens.selection
-        }
-    }
-
-    Component {
-        id: largest
-
-        LargestPane {
-            largest: root.screens.largest
-            selection: root.screens.selection
-        }
-    }
-
-    Component {
-        id: search
-
-        SearchPane {
-            search: root.screens.search
-            selection: root.screens.selection
-        }
-    }
-
-    Component {
-        id: notice
-
-        CentredNotice {
-            message: root.screens.content.noticeMessage
-            title: root.screens.content.noticeTitle
-        }
-    }
-    // qmllint enable unqualified
 }

@@ -25,7 +25,7 @@ Window {
 
     onActiveChanged: {
         if (active)
-            screens.warden.lookAgain();
+            screens.recheck();
     }
 
     ContentView {

@@ -3,7 +3,11 @@
 #include "Core/AppModel.h"
 #include "Platform/MotionPreference.h"
 
+#include <optional>
+
 namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
 
 MainWindowState::MainWindowState(
     AppModel &model, Background &background, MotionPreference &motion, QObject *parent)
@@ -11,30 +15,42 @@ MainWindowState::MainWindowState(
     , m_motion(motion)
     , m_access(model.services())
     , m_content(model, m_access, background)
+    , m_panes(model)
     , m_sidebar(m_content)
     , m_topBar(model)
     , m_volumeGauge(model)
     , m_grantedFolder(m_access, m_content)
     , m_updateLine(model)
-    , m_warden(model)
-    , m_crumbs(model)
-    , m_map(model)
-    , m_largest(model)
-    , m_search(model)
-    , m_selection(model)
     , m_scanning(model.scans().scanProgress())
     , m_askBar(m_content)
     , m_freeNow(model)
 {
     connect(&m_motion, &MotionPreference::changed, this, &MainWindowState::reducedMotionChanged);
-    connect(&m_content, &ContentState::paneChanged, this, &MainWindowState::followPane);
-    followPane();
+    connect(&m_content, &ContentState::openChanged, this, &MainWindowState::showPane);
+    connect(&m_content, &ContentState::paneChanged, this, &MainWindowState::showPane);
+    connect(&m_content, &ContentState::paneChosen, &m_panes, &PaneStates::offerKeyboard);
 }
 
-void MainWindowState::followPane()
+void MainWindowState::showPane()
 {
-    if (m_content.pane() == Pane::warden)
-        m_warden.appear();
+    m_panes.show(m_content.isOpen() ? std::optional(m_content.pane()) : std::nullopt);
+}
+
+QVariantMap MainWindowState::shownProperties()
+{
+    const auto &shown = m_content.shown();
+    if (shown.file == ContentState::gateFile())
+        return { { u"content"_s, QVariant::fromValue(&m_content) } };
+    if (shown.file == ContentState::scanningFile())
+        return { { u"scan"_s, QVariant::fromValue(&m_scanning) } };
+    if (shown.file == ContentState::noticeFile())
+        return { { u"title"_s, shown.title }, { u"message"_s, shown.message } };
+    return m_panes.properties(m_content.pane());
+}
+
+void MainWindowState::recheck()
+{
+    m_panes.recheck();
 }
 
 bool MainWindowState::reducedMotion() const

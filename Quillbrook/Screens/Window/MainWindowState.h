@@ -4,23 +4,19 @@
 // view gets what it needs and nothing more. Main thread only; what it is made from outlives it.
 
 #include "Core/FolderAccess.h"
-#include "Screens/Lists/LargestState.h"
-#include "Screens/Lists/SearchState.h"
-#include "Screens/Map/BreadcrumbModel.h"
-#include "Screens/Map/MapState.h"
-#include "Screens/Map/SelectionBarState.h"
 #include "Screens/Scanning/ScanningState.h"
 #include "Screens/Warden/FreeNowState.h"
-#include "Screens/Warden/WardenState.h"
 #include "Screens/Window/AskBarState.h"
 #include "Screens/Window/ContentState.h"
 #include "Screens/Window/GrantedFolderState.h"
+#include "Screens/Window/PaneStates.h"
 #include "Screens/Window/SidebarModel.h"
 #include "Screens/Window/TopBarState.h"
 #include "Screens/Window/UpdateLineState.h"
 #include "Screens/Window/VolumeGaugeState.h"
 
 #include <QObject>
+#include <QVariantMap>
 #include <QtQmlIntegration>
 
 namespace Quillbrook {
@@ -39,15 +35,11 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::VolumeGaugeState *volumeGauge READ volumeGauge CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::GrantedFolderState *grantedFolder READ grantedFolder CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::UpdateLineState *updateLine READ updateLine CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::WardenState *warden READ warden CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::BreadcrumbModel *crumbs READ crumbs CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::MapState *map READ map CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::LargestState *largest READ largest CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::SearchState *search READ search CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::SelectionBarState *selection READ selection CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::ScanningState *scanning READ scanning CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::FreeNowState *freeNow READ freeNow CONSTANT FINAL)
+    /// What the file that `content` names is made with.
+    Q_PROPERTY(QVariantMap shownProperties READ shownProperties FINAL)
     /// The person has asked their desktop for less movement.
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged FINAL)
 
@@ -63,37 +55,31 @@ public:
     [[nodiscard]] VolumeGaugeState *volumeGauge() { return &m_volumeGauge; }
     [[nodiscard]] GrantedFolderState *grantedFolder() { return &m_grantedFolder; }
     [[nodiscard]] UpdateLineState *updateLine() { return &m_updateLine; }
-    [[nodiscard]] WardenState *warden() { return &m_warden; }
-    [[nodiscard]] BreadcrumbModel *crumbs() { return &m_crumbs; }
-    [[nodiscard]] MapState *map() { return &m_map; }
-    [[nodiscard]] LargestState *largest() { return &m_largest; }
-    [[nodiscard]] SearchState *search() { return &m_search; }
-    [[nodiscard]] SelectionBarState *selection() { return &m_selection; }
     [[nodiscard]] ScanningState *scanning() { return &m_scanning; }
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
     [[nodiscard]] FreeNowState *freeNow() { return &m_freeNow; }
+    [[nodiscard]] QVariantMap shownProperties();
     [[nodiscard]] bool reducedMotion() const;
+
+    /// To be called when the person comes back to the window: the pane that is shown asks again for what
+    /// other programs may have changed.
+    Q_INVOKABLE void recheck();
 
 Q_SIGNALS:
     void reducedMotionChanged();
 
 private:
-    void followPane();
+    void showPane();
 
     MotionPreference &m_motion;
     FolderAccess m_access;
     ContentState m_content;
+    PaneStates m_panes;
     SidebarModel m_sidebar;
     TopBarState m_topBar;
     VolumeGaugeState m_volumeGauge;
     GrantedFolderState m_grantedFolder;
     UpdateLineState m_updateLine;
-    WardenState m_warden;
-    BreadcrumbModel m_crumbs;
-    MapState m_map;
-    LargestState m_largest;
-    SearchState m_search;
-    SelectionBarState m_selection;
     ScanningState m_scanning;
     AskBarState m_askBar;
     FreeNowState m_freeNow;

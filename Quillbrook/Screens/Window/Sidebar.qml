@@ -5,8 +5,8 @@ import QtQuick.Layouts
 import Quillbrook
 
 // The list of panes, and below it the figures of the volume, the folder that was handed over and word of a newer
-// version, where there are such. The list is one stop of the Tab key; the arrow
-// keys choose within it. It grows with fonts whose letters are wide, so that no title is cut.
+// version, where there are such. The list is one stop of the Tab key; the arrow keys walk it, and keep the
+// keyboard. It grows with fonts whose letters are wide, so that no title is cut.
 FocusScope {
     id: root
 
@@ -44,14 +44,14 @@ FocusScope {
 
             Accessible.name: "Screens"
             Accessible.role: Accessible.List
-            Keys.onDownPressed: root.rows.choose(root.rows.selectedRow + 1)
+            Keys.onDownPressed: root.rows.walkTo(root.rows.selectedRow + 1)
             Keys.onPressed: event => {
                 if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
-                    root.rows.choose(event.key === Qt.Key_Home ? 0 : list.count - 1);
+                    root.rows.walkTo(event.key === Qt.Key_Home ? 0 : list.count - 1);
                     event.accepted = true;
                 }
             }
-            Keys.onUpPressed: root.rows.choose(root.rows.selectedRow - 1)
+            Keys.onUpPressed: root.rows.walkTo(root.rows.selectedRow - 1)
             spacing: 0
 
             Repeater {

@@ -19,7 +19,13 @@ SidebarModel::SidebarModel(ContentState &content, QObject *parent)
 void SidebarModel::choose(int row)
 {
     if (row >= 0 && row < rowCount())
-        m_content.setPane(allPanes[static_cast<size_t>(row)]);
+        m_content.choose(paneTable[static_cast<size_t>(row)].pane);
+}
+
+void SidebarModel::walkTo(int row)
+{
+    if (row >= 0 && row < rowCount())
+        m_content.setPane(paneTable[static_cast<size_t>(row)].pane);
 }
 
 int SidebarModel::selectedRow() const
@@ -29,25 +35,25 @@ int SidebarModel::selectedRow() const
 
 int SidebarModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(allPanes.size());
+    return parent.isValid() ? 0 : static_cast<int>(paneTable.size());
 }
 
 QVariant SidebarModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const auto pane = allPanes[static_cast<size_t>(index.row())];
+    const auto &row = paneTable[static_cast<size_t>(index.row())];
     switch (Role{ role }) {
     case Role::title:
-        return title(pane);
+        return title(row.pane);
     case Role::symbol:
-        return symbol(pane);
+        return symbol(row.pane);
     case Role::shortcut:
-        return u"Ctrl+%1"_s.arg(shortcutDigit(pane));
+        return u"Ctrl+%1"_s.arg(row.digit);
     case Role::hint:
-        return u"^%1"_s.arg(shortcutDigit(pane));
+        return u"^%1"_s.arg(row.digit);
     case Role::isSelected:
-        return pane == m_selected;
+        return row.pane == m_selected;
     }
     return {};
 }

@@ -35,8 +35,10 @@ public:
 
     explicit SidebarModel(ContentState &content, QObject *parent = nullptr);
 
-    /// Chooses the pane of a row; a row that does not exist chooses nothing.
+    /// Chooses the pane of a row and lets it take the keyboard; a row that does not exist chooses nothing.
     Q_INVOKABLE void choose(int row);
+    /// The same, with the keyboard staying where it is.
+    Q_INVOKABLE void walkTo(int row);
 
     [[nodiscard]] int selectedRow() const;
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;

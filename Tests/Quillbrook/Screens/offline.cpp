@@ -157,7 +157,7 @@ int showWindow(FakeServices &machine, const QString &what)
     if (what == u"scanning"_s)
         pretending.start(50);
 
-    const auto result = show(engine, u"Main.qml"_s);
+    const auto result = show(engine, u"Window/Main.qml"_s);
     if (hold)
         hold->release();
     return result;
@@ -190,7 +190,7 @@ int showPanel(FakeServices &machine, const QString &what)
 
     QQmlApplicationEngine engine;
     engine.setInitialProperties({ { u"panel"_s, QVariant::fromValue(&panel) } });
-    const auto result = show(engine, u"MenuBarPanel.qml"_s);
+    const auto result = show(engine, u"Panel/MenuBarPanel.qml"_s);
     if (hold)
         hold->release();
     return result;

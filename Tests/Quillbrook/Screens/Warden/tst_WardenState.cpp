@@ -60,7 +60,7 @@ struct DiskFixture : HomeOnDisk
         tree.file("home/.gradle/daemon/log", 4096);
         tree.file("home/.pub-cache/library", 4096);
         scan();
-        warden.appear();
+        warden.setShown(true);
     }
 
     /// The line of a banner, by its id.
@@ -174,7 +174,8 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.scan();
         fixture.warden.toggle(fixture.row(fixture.packages));
-        fixture.warden.appear();
+        fixture.warden.setShown(false);
+        fixture.warden.setShown(true);
         QCOMPARE(fixture.chosenTitles(), QStringList({ fixture.packages, fixture.logs }));
         QVERIFY(fixture.warden.touched());
     }
@@ -405,7 +406,7 @@ private Q_SLOTS:
         fixture.settled();
         QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
         std::filesystem::remove_all(fixture.trashFolder);
-        fixture.warden.lookAgain();
+        fixture.warden.recheck();
         QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
     }
 

@@ -5,14 +5,25 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
-using View = ContentState::View;
 
 namespace {
 
 const auto bookmarkKey = u"Quillbrook.homeBookmark"_s;
+const auto gate = ContentState::gateFile();
+const auto scanning = ContentState::scanningFile();
+const auto notice = ContentState::noticeFile();
+
+QList<Pane> allPanes()
+{
+    QList<Pane> panes;
+    for (const auto &row : paneTable)
+        panes.append(row.pane);
+    return panes;
+}
 
 struct Sandbox : FakeServices
 {
@@ -35,20 +46,13 @@ class TestContentState : public QObject
 private Q_SLOTS:
     void gateGoesBeforeEverything()
     {
-        const ContentState::Shown expected{ .view = View::Gate };
+        const ContentState::Shown expected{ .file = gate };
         for (const auto kind :
             { Phase::Kind::idle, Phase::Kind::scanning, Phase::Kind::ready, Phase::Kind::failed })
-            for (const auto pane : allPanes)
+            for (const auto pane : allPanes())
                 QVERIFY(ContentState::shownFor(
                             { .isGated = true, .phase = phaseOf(kind, u"gone"_s), .pane = pane })
                     == expected);
-    }
-
-    void scanningGoesBeforeEveryPane()
-    {
-        for (const auto pane : allPanes)
-            QCOMPARE(ContentState::shownFor({ .phase = phaseOf(Phase::Kind::scanning), .pane = pane }).view,
-                View::Scanning);
     }
 
     void noticeTellsWhyThereIsNothing_data()
@@ -71,8 +75,8 @@ private Q_SLOTS:
         QFETCH(QString, payload);
         QFETCH(QString, title);
         QFETCH(QString, message);
-        const ContentState::Shown expected{ .view = View::Notice, .title = title, .message = message };
-        for (const auto pane : allPanes)
+        const ContentState::Shown expected{ .file = notice, .title = title, .message = message };
+        for (const auto pane : allPanes())
             QVERIFY(ContentState::shownFor({ .phase = phaseOf(Phase::Kind(kind), payload), .pane = pane })
                 == expected);
     }
@@ -85,8 +89,8 @@ private Q_SLOTS:
         const auto &content = window.content;
         QCOMPARE(content.pane(), Pane::warden);
         QVERIFY(!content.didStart());
-        QCOMPARE(content.view(), View::Notice);
-        QCOMPARE(content.noticeTitle(), u"Nothing scanned yet"_s);
+        QCOMPARE(content.file(), notice);
+        QCOMPARE(content.shown().title, u"Nothing scanned yet"_s);
         QCOMPARE(machine.directories.sessionsMade(), 0);
     }
 
@@ -104,7 +108,7 @@ private Q_SLOTS:
         QCOMPARE(model.volume().liveFree(), 25);
         QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
         QVERIFY(model.scans().scope() == Scope::quiet);
-        QCOMPARE(content.view(), View::Scanning);
+        QCOMPARE(content.file(), scanning);
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
         QCOMPARE(machine.directories.sessionsMade(), 1);
     }
@@ -174,8 +178,10 @@ private Q_SLOTS:
         connect(&model.volume(), &VolumeFigures::volumeChanged, this, [&] { note("volume "); });
         connect(&model.scans(), &ScanDriver::scanRootChanged, this, [&] { note("root "); });
         connect(&model.scans(), &ScanDriver::phaseChanged, this, [&] { note("scan "); });
+        const auto *clock = model.findChild<QTimer *>(u"volumeClock"_s);
+        QVERIFY(!clock->isActive());
         content.appear();
-        QVERIFY(model.findChild<QTimer *>(u"volumeClock"_s)->isActive());
+        QVERIFY(clock->isActive());
         QCOMPARE(steps, QStringList({ u"background 0"_s, u"volume 1"_s, u"root 1"_s, u"scan 1"_s }));
         QTRY_VERIFY(model.reclaims().safetyNet());
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
@@ -187,19 +193,19 @@ private Q_SLOTS:
         machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
         AppModel model(machine.services);
         WindowContent window(model);
-        QCOMPARE(window.content.view(), View::Gate);
+        QCOMPARE(window.content.file(), gate);
         window.content.appear();
         QVERIFY(window.content.didStart());
         QCOMPARE(model.volume().liveFree(), 25);
         QTRY_VERIFY(model.reclaims().safetyNet());
-        QCOMPARE(window.content.view(), View::Gate);
+        QCOMPARE(window.content.file(), gate);
         QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
         QCOMPARE(machine.directories.sessionsMade(), 0);
         QCOMPARE(machine.questions(), 0);
 
-        for (const auto pane : allPanes) {
+        for (const auto pane : allPanes()) {
             window.content.setPane(pane);
-            QCOMPARE(window.content.view(), View::Gate);
+            QCOMPARE(window.content.file(), gate);
         }
     }
 
@@ -209,9 +215,9 @@ private Q_SLOTS:
         machine.keep("/home/someone");
         AppModel model(machine.services);
         WindowContent window(model);
-        QCOMPARE(window.content.view(), View::Notice);
+        QCOMPARE(window.content.file(), notice);
         window.content.appear();
-        QCOMPARE(window.content.view(), View::Scanning);
+        QCOMPARE(window.content.file(), scanning);
         QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
         QVERIFY(model.scans().scope() == Scope::quiet);
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
@@ -240,17 +246,17 @@ private Q_SLOTS:
         AppModel model(machine.services);
         WindowContent window(model);
         window.content.appear();
-        QSignalSpy views(&window.content, &ContentState::viewChanged);
+        QSignalSpy views(&window.content, &ContentState::shownChanged);
         window.content.chooseHomeFolder();
         // The press comes to its end before the desktop's window opens.
         QCOMPARE(machine.questions(), 0);
         QTRY_COMPARE(machine.questions(), 1);
-        QTRY_COMPARE(window.content.view(), View::Scanning);
+        QTRY_COMPARE(window.content.file(), scanning);
         QVERIFY(views.count() > 0);
         QVERIFY(model.scans().scope() == Scope::quiet);
         QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
-        QCOMPARE(window.content.view(), View::Warden);
+        QCOMPARE(window.content.file(), u"Warden/WardenPane.qml"_s);
         QCOMPARE(machine.directories.sessionsMade(), 1);
         QCOMPARE(model.scans().scannedFileCount(), 1);
     }
@@ -264,7 +270,7 @@ private Q_SLOTS:
         for (int times = 1; times <= 2; ++times) {
             window.content.chooseHomeFolder();
             QTRY_COMPARE(machine.questions(), times);
-            QCOMPARE(window.content.view(), View::Gate);
+            QCOMPARE(window.content.file(), gate);
         }
         QVERIFY(model.scans().phase().kind == Phase::Kind::idle);
         QCOMPARE(machine.directories.sessionsMade(), 0);
@@ -295,11 +301,11 @@ private Q_SLOTS:
         window.content.appear();
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
         window.access.revoke();
-        QCOMPARE(window.content.view(), View::Gate);
+        QCOMPARE(window.content.file(), gate);
 
         machine.desktop.folderPicker.answer = "/home/another";
         window.content.chooseHomeFolder();
-        QTRY_COMPARE(window.content.view(), View::Scanning);
+        QTRY_COMPARE(window.content.file(), scanning);
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
         QCOMPARE(machine.directories.sessionsMade(), 2);
         QCOMPARE(model.scans().scannedFileCount(), 0);
@@ -312,9 +318,9 @@ private Q_SLOTS:
         machine.desktop.folderGrants.canResolve = false;
         AppModel model(machine.services);
         WindowContent window(model);
-        QCOMPARE(window.content.view(), View::Notice);
+        QCOMPARE(window.content.file(), notice);
         window.content.appear();
-        QCOMPARE(window.content.view(), View::Scanning);
+        QCOMPARE(window.content.file(), scanning);
         QCOMPARE(model.scans().scanRoot(), u"/home/someone"_s);
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
         QVERIFY(machine.desktop.folderGrants.started.empty());
@@ -350,38 +356,20 @@ private Q_SLOTS:
         QTRY_VERIFY(hold.isHolding());
 
         QSignalSpy panes(&content, &ContentState::paneChanged);
-        QSignalSpy views(&content, &ContentState::viewChanged);
-        for (const auto pane : allPanes) {
+        QSignalSpy views(&content, &ContentState::shownChanged);
+        for (const auto pane : allPanes()) {
             content.setPane(pane);
             QCOMPARE(content.pane(), pane);
-            QCOMPARE(content.view(), View::Scanning);
+            QCOMPARE(content.file(), scanning);
         }
         QCOMPARE(panes.count(), 9);
         QCOMPARE(views.count(), 0);
 
         hold.release();
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
-        QCOMPARE(content.view(), View::Notice);
-        QCOMPARE(content.noticeTitle(), u"Past answers"_s);
-        QCOMPARE(content.noticeMessage(), u"Not here yet."_s);
-    }
-
-    void stoppingBeforeTheFirstTreeShowsTheNotice()
-    {
-        FakeServices machine;
-        machine.directories.folder("/home/someone", {});
-        FolderHold hold(machine.directories, "/home/someone");
-        AppModel model(machine.services);
-        WindowContent window(model);
-        auto &content = window.content;
-        content.appear();
-        QTRY_VERIFY(hold.isHolding());
-
-        model.scans().cancelScan();
-        QCOMPARE(content.view(), View::Notice);
-        QCOMPARE(content.noticeTitle(), u"Nothing scanned yet"_s);
-        QCOMPARE(content.noticeMessage(), u"Press Rescan to look at this Mac."_s);
-        hold.release();
+        QCOMPARE(content.file(), notice);
+        QCOMPARE(content.shown().title, u"Past answers"_s);
+        QCOMPARE(content.shown().message, u"Not here yet."_s);
     }
 
     void requestedPaneIsChosenAndThenCleared()
@@ -427,21 +415,10 @@ private Q_SLOTS:
         AppModel model(machine.services);
         WindowContent window(model);
         auto &content = window.content;
-        for (const auto pane : allPanes) {
+        for (const auto pane : allPanes()) {
             content.setPane(pane);
             QCOMPARE(content.asksBelow(), pane != Pane::advisor);
         }
-    }
-
-    void choosingTheSamePaneAgainTellsNobody()
-    {
-        FakeServices machine;
-        AppModel model(machine.services);
-        WindowContent window(model);
-        auto &content = window.content;
-        QSignalSpy panes(&content, &ContentState::paneChanged);
-        content.setPane(Pane::warden);
-        QCOMPARE(panes.count(), 0);
     }
 
 private:

@@ -92,15 +92,29 @@ private Q_SLOTS:
         QCOMPARE(value(row, Role::isSelected).toBool(), row == 0);
     }
 
-    void choosingARowSelectsItAlone()
+    void rowIsSelectedAlone_data()
     {
+        QTest::addColumn<bool>("isChosen");
+        QTest::newRow("chosen") << true;
+        QTest::newRow("walked to") << false;
+    }
+
+    // Only what is chosen may take the keyboard.
+    void rowIsSelectedAlone()
+    {
+        QFETCH(bool, isChosen);
+        QSignalSpy choices(m_content, &ContentState::paneChosen);
         for (int chosen = 9; chosen >= 0; --chosen) {
-            m_rows->choose(chosen);
-            QCOMPARE(m_content->pane(), allPanes[static_cast<size_t>(chosen)]);
+            if (isChosen)
+                m_rows->choose(chosen);
+            else
+                m_rows->walkTo(chosen);
+            QCOMPARE(m_content->pane(), Pane(chosen));
             QCOMPARE(m_rows->selectedRow(), chosen);
             for (int row = 0; row < m_rows->rowCount(); ++row)
                 QCOMPARE(value(row, Role::isSelected).toBool(), row == chosen);
         }
+        QCOMPARE(choices.count(), isChosen ? 10 : 0);
     }
 
     void rowThatDoesNotExistChoosesNothing()
@@ -108,6 +122,8 @@ private Q_SLOTS:
         m_rows->choose(4);
         m_rows->choose(-1);
         m_rows->choose(10);
+        m_rows->walkTo(-1);
+        m_rows->walkTo(10);
         QCOMPARE(m_content->pane(), Pane::photos);
     }
 
