@@ -73,6 +73,8 @@ build()
     shift
     if [ -z "${CMAKE_CXX_COMPILER_LAUNCHER:-}" ] && command -v ccache >/dev/null; then
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR="$PWD"
+        # Else it keeps nothing that reads headers compiled beforehand.
+        export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
     fi
     say "Building ($preset)"
     cmake --preset "$preset" -Wno-dev --log-level=WARNING \

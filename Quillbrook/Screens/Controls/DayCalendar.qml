@@ -107,7 +107,7 @@ T.Popup {
             id: days
 
             Accessible.name: DateText.month(root.current)
-            Accessible.role: Accessible.Table
+            Accessible.role: Accessible.Grouping
             Keys.onDownPressed: root.walk(7)
             Keys.onEnterPressed: root.choose(root.current)
             Keys.onLeftPressed: root.walk(-1)
@@ -138,7 +138,7 @@ T.Popup {
                     readonly property bool isOfTheMonth: day.getMonth() === root.current.getMonth()
 
                     Accessible.name: DateText.day(day)
-                    Accessible.role: Accessible.Cell
+                    Accessible.role: Accessible.Button
                     Accessible.selectable: true
                     Accessible.selected: isValue
                     Accessible.onPressAction: clicked()

@@ -4,9 +4,20 @@ import QtQuick
 import Quillbrook
 
 // The words that choose which of several lists a screen shows.
-SegmentedPicker {
+SegmentGround {
     id: root
 
-    optionRole: Accessible.PageTab
-    role: Accessible.PageTabList
+    Accessible.role: Accessible.PageTabList
+    segments: words
+
+    Repeater {
+        id: words
+
+        model: root.options
+
+        Segment {
+            Accessible.role: Accessible.PageTab
+            picker: root
+        }
+    }
 }

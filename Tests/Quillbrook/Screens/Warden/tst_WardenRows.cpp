@@ -239,6 +239,16 @@ private Q_SLOTS:
         QCOMPARE(fixture.rows().at(1), expected);
     }
 
+    void namesStayOnTheirLineAndInTheirDirection()
+    {
+        Fixture fixture;
+        fixture.report->findings = { finding("a", Safety::safe, 3) };
+        fixture.report->findings[0].locationLabel = u"two\nlines\u202egpj"_s;
+        fixture.report->findings[0].path = u"/home/someone/\u2067b"_s;
+        QCOMPARE(fixture.rows().at(1).title, u"Title of a \u00b7 two lines gpj"_s);
+        QCOMPARE(fixture.rows().at(1).path, u"~/ b"_s);
+    }
+
     void unknownDatesAreSaidToBe()
     {
         Fixture fixture;
