@@ -1,9 +1,11 @@
 """What every end-to-end suite builds on: a desktop for the run, and for each test a made-up home with the real
 program on it."""
 
+import importlib
 import os
 import pathlib
 import shutil
+import sys
 import tempfile
 import unittest
 
@@ -14,6 +16,10 @@ import processes
 import program
 import screenshot
 import waiting
+
+
+# What ends a run that is passed over as a whole, for ctest.
+SKIPPED = 77
 
 
 class Run:
@@ -29,11 +35,15 @@ def run(arguments):
     processes.adopt_orphans()
     Run.program, Run.helpers = arguments.program.resolve(), arguments.helpers.resolve()
     Run.folder = pathlib.Path(tempfile.mkdtemp(prefix="run-"))
-    Run.desktop = desktop.Desktop(str(Run.folder / "desktop"))
+    suite = importlib.import_module(arguments.suite)
+    Run.desktop = getattr(suite, "DESKTOP", desktop.Desktop)(str(Run.folder / "desktop"))
     try:
         Run.desktop.start()
-        suite = unittest.main(module=arguments.suite, argv=[arguments.suite, "-v", *arguments.rest], exit=False)
+        suite = unittest.main(module=suite, argv=[arguments.suite, "-v", *arguments.rest], exit=False)
         return 0 if suite.result.wasSuccessful() and suite.result.testsRun > 0 else 1
+    except unittest.SkipTest as reason:
+        print(f"skipped: {reason}", file=sys.stderr)
+        return SKIPPED
     finally:
         Run.desktop.stop()
         processes.end_all()

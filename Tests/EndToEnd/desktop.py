@@ -15,7 +15,8 @@ _BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bu
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
-  <listen>unix:path={folder}/bus</listen>
+  <listen>unix:path={socket}</listen>
+  {services}
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
@@ -29,6 +30,9 @@ _BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bu
 class Desktop:
     """Made once a process: after `start`, this process's environment names it, for the program as for D-Bus."""
 
+    # Which services the bus starts by itself, in the words of its configuration.
+    services = ""
+
     def __init__(self, folder, size=(1280, 900), window_manager=True):
         self.folder = folder
         self.size = size
@@ -36,7 +40,8 @@ class Desktop:
         self._parts = []
 
     def start(self):
-        runtime = self._made("runtime")
+        # A short name, as sockets with long names of their own are made in there.
+        runtime = self._made("run")
         os.chmod(runtime, 0o700)
         # Nothing of the desktop this may run on leaks in.
         for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "SESSION_MANAGER",
@@ -89,13 +94,16 @@ class Desktop:
         os.environ["DISPLAY"] = ":" + number
 
     def _start_bus(self):
-        configuration = os.path.join(self.folder, "bus.conf")
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._bus("bus", self.services)
+
+    def _bus(self, name, services=""):
+        """The address of a bus that this has started."""
+        configuration, socket = os.path.join(self.folder, name + ".conf"), os.path.join(self.folder, name)
         with open(configuration, "w", encoding="utf-8") as file:
-            file.write(_BUS_CONFIGURATION.format(folder=self.folder))
-        self._part("bus", ["dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}"])
-        socket = os.path.join(self.folder, "bus")
-        waiting.until("session bus", lambda: os.path.exists(socket), 10)
-        os.environ["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={socket}"
+            file.write(_BUS_CONFIGURATION.format(socket=socket, services=services))
+        self._part(name, ["dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}"])
+        waiting.until(name, lambda: os.path.exists(socket), 10)
+        return f"unix:path={socket}"
 
     def _start_window_manager(self):
         # A window that asks to be shown while it starts stays hidden; this file tells that it has.
@@ -137,6 +145,11 @@ def windows_of_class(name):
     return _search("--class", f"^{name}$")
 
 
+def all_windows():
+    """Ids of the visible windows."""
+    return _search("--name", "")
+
+
 def _search(*conditions):
     answer = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", *conditions], capture_output=True, text=True,
                             timeout=20, check=False)
@@ -161,6 +174,11 @@ def width_of(window):
 
 def activate(window):
     _xdotool("windowactivate", "--sync", window)
+
+
+def focus(window):
+    """Gives it the keyboard where no window manager does."""
+    _xdotool("windowfocus", window)
 
 
 def minimise(window):

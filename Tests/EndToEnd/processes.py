@@ -59,11 +59,11 @@ def descendants():
     return found
 
 
-def end_all(seconds=10):
-    """Ends everything below this process."""
+def end_all(seconds=10, kept=frozenset()):
+    """Ends everything below this process but those with these ids, whose children it ends."""
     for sign in (signal.SIGTERM, signal.SIGKILL):
         limit = time.monotonic() + seconds
-        alive = descendants()
+        alive = descendants() - kept
         for pid in alive:
             try:
                 os.kill(pid, sign)
@@ -71,7 +71,7 @@ def end_all(seconds=10):
                 pass
         while alive and time.monotonic() < limit:
             _reap()
-            alive = descendants()
+            alive = descendants() - kept
             time.sleep(0.05)
         if not alive:
             return

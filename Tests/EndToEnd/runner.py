@@ -62,7 +62,7 @@ def main():
     parser.add_argument("--pictures", type=pathlib.Path, help="where pictures of failed tests go")
     parser.add_argument("--seconds", type=float, default=200)
     parser.add_argument("--below", action="store_true", help=argparse.SUPPRESS)
-    parser.add_argument("suite")
+    parser.add_argument("suite", help="its name; of one in another folder, with the way there from this one")
     parser.add_argument("rest", nargs=argparse.REMAINDER)
     arguments = parser.parse_args()
     if not arguments.below:
@@ -70,6 +70,8 @@ def main():
 
     # Whatever hangs, ends here with a trace of where.
     faulthandler.dump_traceback_later(arguments.seconds, exit=True)
+    where, _, arguments.suite = arguments.suite.rpartition("/")
+    sys.path.append(str(HERE / where))
     import case
     return case.run(arguments)
 

@@ -350,7 +350,7 @@ private Q_SLOTS:
             directories.folder("/r", { aFile("f", 3) });
             FastScanner scanner(directories);
             const auto result
-                = scanner.scan({ .rootPath = u"/r"_s, .threads = threads, .stop = stop.get_token() });
+                = scanner.scan({ .rootPath = "/r", .threads = threads, .stop = stop.get_token() });
             QCOMPARE(directories.opened(), Paths());
             QCOMPARE(result.tree->nodeCount(), 1);
         }
