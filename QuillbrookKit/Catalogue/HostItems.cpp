@@ -1,6 +1,7 @@
 #include "Catalogue/HostItems.h"
 
 #include "Catalogue/ApplicationNames.h"
+#include "StandardisedPath.h"
 
 #include <QRegularExpression>
 
@@ -15,14 +16,14 @@ namespace {
 
 constexpr qsizetype hashLength = 8;
 
-// Pipenv: NAME-XXXXXXXX. Poetry: NAME-XXXXXXXX-py3.12.
+// Pipenv: NAME-XXXXXXXX. Poetry: NAME-XXXXXXXX-py3.12. The hash itself may hold hyphens.
 QString withoutHash(const QString &name)
 {
     static const QRegularExpression version(u"-py[0-9]+(\\.[0-9]+)*$"_s);
     auto text = name;
     text.remove(version);
-    const auto hash = text.lastIndexOf(u'-');
-    return hash > 0 && text.size() - hash - 1 == hashLength ? text.first(hash) : name;
+    const auto hyphen = text.size() - hashLength - 1;
+    return hyphen > 0 && text[hyphen] == u'-' ? text.first(hyphen) : name;
 }
 
 QString withBlankBeforeVersion(const QString &name)
@@ -50,11 +51,6 @@ void describeHubRepository(const QString &childName, StorageItem &item)
         return;
     item.name = pieces.sliced(1).join(u'/');
     item.detail = QString::fromUtf16(kind->detail);
-}
-
-std::string parentOf(const std::string &path)
-{
-    return path.substr(0, path.find_last_of('/'));
 }
 
 QString steamGame(const FileReading &reading, const QString &childName, const StorageItem &item)

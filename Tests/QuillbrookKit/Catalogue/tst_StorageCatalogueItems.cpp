@@ -259,6 +259,7 @@ private Q_SLOTS:
         };
         const auto environment = u"Python environment"_s;
         row("python.envs:.local/share/virtualenvs", "site-Ab3dEf_9", u"site"_s, environment);
+        row("python.envs:.local/share/virtualenvs", "site-Ab3-Ef_9", u"site"_s, environment);
         row("python.envs:.local/share/virtualenvs", "site", u"site"_s, environment);
         row("python.envs:.local/share/virtualenvs", "my-project", u"my-project"_s, environment);
         row("python.envs:.cache/pypoetry/virtualenvs", "my-site-Ab3dEf_9-py3.12", u"my-site"_s, environment);
