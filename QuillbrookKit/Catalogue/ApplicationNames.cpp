@@ -18,8 +18,8 @@ constexpr qsizetype maximumNameLength = 80;
 // nothing is left.
 std::optional<QString> plain(const QString &name)
 {
-    static const QRegularExpression unseen(u"\\p{Cf}"_s);
-    const auto line = name.simplified().remove(unseen).left(maximumNameLength);
+    static const QRegularExpression unseen(u"(?!\\s)[\\p{Cf}\\p{Cc}]"_s);
+    const auto line = QString(name).remove(unseen).simplified().left(maximumNameLength);
     return line.isEmpty() ? std::nullopt : std::optional(line);
 }
 

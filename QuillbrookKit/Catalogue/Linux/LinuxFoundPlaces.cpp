@@ -2,6 +2,7 @@
 
 #include "Catalogue/ApplicationNames.h"
 #include "Platform/FolderEntries.h"
+#include "RawText.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -47,7 +48,7 @@ QStringList foldersIn(const QString &folder, const QRegularExpression &name)
     if (!entries->open(path))
         return names;
     while (const auto entry = entries->next()) {
-        const auto text = QString::fromUtf8(entry->name.data(), static_cast<qsizetype>(entry->name.size()));
+        const auto text = repairedText(entry->name);
         if (entry->isFolder && name.match(text).hasMatch())
             names.append(text);
     }

@@ -174,17 +174,18 @@ private Q_SLOTS:
     void cachesOfFlatpakAppsAreFoundOneByOne()
     {
         TempTree tree;
-        // Not told: one with a place of its own in the tables, two that keep more than copies there, one that
-        // is no application's name, and a link.
-        for (const auto *id : { "org.videolan.VLC", "org.one.App", "org.two.App", "org.three.App",
-                 "com.google.Chrome", "org.darktable.Darktable", "com.jetbrains.CLion", "notes" })
+        // Not told: one with a place of its own in the tables, two that keep more than copies there, two that
+        // are no application's name, one of them by its byte order mark alone, and a link.
+        for (const auto *id :
+            { "org.videolan.VLC", "org.one.App", "org.two.App", "org.three.App", "com.google.Chrome",
+                "org.darktable.Darktable", "com.jetbrains.CLion", "notes", "\xef\xbb\xbforg.five.App" })
             tree.folder(".var/app/" + std::string(id));
         tree.link(".var/app/org.four.App", "org.one.App");
         FakeFileReading reading;
         const auto exported = tree.path(".local/share/flatpak/exports/share/applications/");
         reading.files[exported + "org.videolan.VLC.desktop"]
             = "# VLC\n[Desktop Entry]\nType=Application\n"
-              "Name[de]=VLC auf Deutsch\nName= VLC\t\xe2\x80\xaeplayer \n";
+              "Name[de]=VLC auf Deutsch\nName=\xe2\x80\xae VLC\t\xe2\x80\xae\x1b player \n";
         reading.files["/var/lib/flatpak/exports/share/applications/org.one.App.desktop"]
             = "[Desktop Entry]\nName=App\n";
         reading.files[exported + "org.two.App.desktop"] = "[Desktop Entry]\nName=App\n";
