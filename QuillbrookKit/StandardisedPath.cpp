@@ -81,4 +81,9 @@ std::string parentOf(const std::string &path)
     return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
+bool isAtOrBelow(const QString &path, const QString &folder)
+{
+    return path == folder || path.startsWith(folder + u'/');
+}
+
 } // namespace Quillbrook

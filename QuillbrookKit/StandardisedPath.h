@@ -19,4 +19,7 @@ namespace Quillbrook {
 /// The folder that `path` (absolute, raw bytes) lies in; "/" for what lies there, and for "/" itself.
 [[nodiscard]] std::string parentOf(const std::string &path);
 
+/// Whether `path` is `folder` or lies in it, by their texts. `folder` is not "/".
+[[nodiscard]] bool isAtOrBelow(const QString &path, const QString &folder);
+
 } // namespace Quillbrook

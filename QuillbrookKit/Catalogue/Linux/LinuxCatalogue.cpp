@@ -1,6 +1,7 @@
 #include "Catalogue/Linux/LinuxCatalogue.h"
 
 #include "Catalogue/StorageCatalogue.h"
+#include "StandardisedPath.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,11 +17,6 @@ struct Place
     QString path{};
     Safety safety{};
 };
-
-bool isAtOrBelow(const QString &path, const QString &folder)
-{
-    return path == folder || path.startsWith(folder + u'/');
-}
 
 // A rule's own table does not repeat its paths: they are those of its locations.
 HostRule withPaths(HostRule row)

@@ -18,7 +18,7 @@
 // the only copy is `reportOnly`.
 
 #include "Catalogue/HostCatalogue.h"
-#include "Catalogue/Linux/LinuxBaseFolders.h"
+#include "Catalogue/Linux/LinuxMovedPaths.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 
 namespace Quillbrook::LinuxCatalogue {

@@ -3,6 +3,7 @@
 #include "Catalogue/ApplicationNames.h"
 #include "Platform/FolderEntries.h"
 #include "RawText.h"
+#include "StandardisedPath.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -58,9 +59,8 @@ QStringList foldersIn(const QString &folder, const QRegularExpression &name)
 
 bool hasPlaceIn(const HostCatalogue &catalogue, const QString &folder)
 {
-    const auto isThere = [&folder](const HostLocation &location) {
-        return location.path == folder || location.path.startsWith(folder + u'/');
-    };
+    const auto isThere
+        = [&folder](const HostLocation &location) { return isAtOrBelow(location.path, folder); };
     const auto holds = [&isThere](const auto &row) { return std::ranges::any_of(row.locations, isThere); };
     return std::ranges::any_of(catalogue.rules, holds) || std::ranges::any_of(catalogue.locations, holds);
 }

@@ -4,7 +4,7 @@
 // gives them, the bases where the environment moves them, and what only the home folder itself tells.
 
 #include "Catalogue/HostKnowledge.h"
-#include "Catalogue/Linux/LinuxBaseFolders.h"
+#include "Platform/Linux/Folders/LinuxBaseFolders.h"
 
 namespace Quillbrook {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-// What Linux adds to the quiet scope's two fences: which folders of the home folder the first look may enter,
+// What Linux adds to the quiet scope's two fences: which folders of the home folder the first scan may enter,
 // and which it neither enters nor measures, because they hold the user's own documents, photos, music and
 // videos, mail, synchronised files, or keys and passwords.
 
-#include "Catalogue/Linux/LinuxBaseFolders.h"
+#include "Platform/Linux/Folders/LinuxBaseFolders.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 #include "Scan/FastScanner.h"
 

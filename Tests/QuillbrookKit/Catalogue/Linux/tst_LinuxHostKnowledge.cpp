@@ -132,6 +132,11 @@ private Q_SLOTS:
             { u"XDG_DATA_HOME"_s, home + u"/.var/app/com.tarnwick.Quillbrook/data"_s },
             { u"HOST_XDG_DATA_HOME"_s, home + u"/.data"_s } }
                                       << trash << files << u".data/Trash/files"_s;
+        const auto snap = home + u"/snap/quillbrook/1"_s;
+        QTest::newRow("in a strict Snap")
+            << Variables{ { u"SNAP"_s, u"/snap/quillbrook/1"_s }, { u"SNAP_USER_DATA"_s, snap },
+                   { u"HOME"_s, snap }, { u"XDG_CACHE_HOME"_s, home + u"/snap/quillbrook/common/.cache"_s } }
+            << tools << pip << u".cache/pip"_s;
     }
 
     void placesMoveWithTheirBase()

@@ -1,31 +1,15 @@
 #pragma once
 
-// Where this user's programs keep caches, settings, data and state, when the environment moves them from the
-// usual places in the home folder.
+// The places of the tables on a machine whose environment moves the base folders.
+
+#include "Platform/Linux/Folders/LinuxBaseFolders.h"
 
 #include <QStringList>
 
 #include <array>
 #include <optional>
 
-class QProcessEnvironment;
-
 namespace Quillbrook {
-
-struct LinuxBaseFolders
-{
-    /// Absolute; absent where the usual place holds.
-    std::optional<QString> cache{};
-    std::optional<QString> config{};
-    std::optional<QString> data{};
-    std::optional<QString> state{};
-
-    bool operator==(const LinuxBaseFolders &) const = default;
-
-    /// Of the machine: in a Flatpak the usual variables tell of the sandbox's own folders. A value that is no
-    /// absolute path says nothing.
-    [[nodiscard]] static LinuxBaseFolders of(const QProcessEnvironment &environment);
-};
 
 /// Turns a path of the tables, which name the usual places, into the one that holds on this machine.
 class LinuxMovedPaths

@@ -1,8 +1,6 @@
-#include "Catalogue/Linux/LinuxBaseFolders.h"
+#include "Catalogue/Linux/LinuxMovedPaths.h"
 
 #include "StandardisedPath.h"
-
-#include <QProcessEnvironment>
 
 #include <algorithm>
 
@@ -11,11 +9,6 @@ namespace Quillbrook {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool isAtOrBelow(const QString &path, const QString &folder)
-{
-    return path == folder || path.startsWith(folder + u'/');
-}
 
 bool meet(const QString &a, const QString &b)
 {
@@ -33,21 +26,6 @@ std::optional<QString> belowHome(
 }
 
 } // namespace
-
-LinuxBaseFolders LinuxBaseFolders::of(const QProcessEnvironment &environment)
-{
-    const auto isInFlatpak = !environment.value(u"FLATPAK_ID"_s).isEmpty();
-    const auto folder = [&](const QString &name) -> std::optional<QString> {
-        const auto value = environment.value(isInFlatpak ? u"HOST_"_s + name : name);
-        if (!value.startsWith(u'/'))
-            return std::nullopt;
-        return standardisedPath(value, {});
-    };
-    return { .cache = folder(u"XDG_CACHE_HOME"_s),
-        .config = folder(u"XDG_CONFIG_HOME"_s),
-        .data = folder(u"XDG_DATA_HOME"_s),
-        .state = folder(u"XDG_STATE_HOME"_s) };
-}
 
 LinuxMovedPaths::LinuxMovedPaths(const LinuxBaseFolders &bases, const QString &home)
     : m_bases{ { { u".cache"_s, belowHome(bases.cache, u".cache"_s, home) },
