@@ -19,7 +19,8 @@ LinuxHostKnowledge::LinuxHostKnowledge(const FileReading &reading, const QProces
 
 HostFacts LinuxHostKnowledge::about(const QString &home) const
 {
-    const auto folders = LinuxUserFolders::read(m_reading, home, m_bases.config);
+    const auto settings = m_bases.config.value_or(home + u"/.config"_s);
+    const auto folders = LinuxUserFolders::read(m_reading, settings.toStdString(), home);
     HostFacts facts{ .catalogue = LinuxCatalogue::catalogue(folders, home, m_bases),
         .quietAllowlist = LinuxQuietScope::allowlist(home, LinuxCatalogue::movedPaths(m_bases, home).moved()),
         .protectedPaths = LinuxQuietScope::protectedPaths(home, folders, m_bases) };

@@ -1,6 +1,7 @@
 #include "Removal/Linux/LinuxGuards.h"
 
 #include "Platform/HomeFolder.h"
+#include "Platform/Linux/Folders/LinuxBaseFolders.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 #include "Platform/Linux/Folders/MountTable.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
@@ -8,6 +9,7 @@
 #include "StandardisedPath.h"
 
 #include <QCoreApplication>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -201,23 +203,38 @@ bool isMountPoint(const std::string &path)
         && std::ranges::any_of(*mounts, [&](const Mount &mount) { return mount.mountPoint == path; });
 }
 
+// The desktop names them as text, in which bytes of the home folder's own path may have been repaired.
+std::vector<std::string> userFolders(
+    const FileReading &reading, const std::string &home, const QString &homeText)
+{
+    const auto config = LinuxBaseFolders::of(QProcessEnvironment::systemEnvironment()).config;
+    const auto settings = config ? config->toStdString() : home + "/.config";
+    std::vector<std::string> folders;
+    for (const auto &folder : LinuxUserFolders::read(reading, settings, homeText).all()) {
+        const bool isInHome = folder.startsWith(homeText + u'/');
+        folders.push_back(
+            isInHome ? home + folder.sliced(homeText.size()).toStdString() : folder.toStdString());
+    }
+    return folders;
+}
+
 } // namespace
 
 Surroundings surroundings(const HomeFolder &home, const FileReading &reading)
 {
-    const auto homePath = home.realHomeDirectory();
+    const auto homePath = home.rawRealHomeDirectory();
     Surroundings host{ .userName = userName(),
-        .homes = { homePath.toStdString(), ResolvedPath::withoutLinks(homePath.toStdString() + "/.") },
+        .homes = { homePath, ResolvedPath::withoutLinks(homePath + "/.") },
         .trashes = TrashPlaces::ofThisUser(home),
         .isMountPoint = isMountPoint };
-    for (const auto &folder : LinuxUserFolders::read(reading, homePath).all())
-        host.userFolders.push_back(GuardedPath::composed(folder.toStdString()));
+    for (const auto &folder : userFolders(reading, homePath, home.realHomeDirectory()))
+        host.userFolders.push_back(GuardedPath::composed(folder));
     host.programFiles.push_back(QCoreApplication::applicationFilePath().toStdString());
     if (const auto image = qEnvironmentVariable("APPIMAGE"); image.startsWith(u'/'))
         host.programFiles.push_back(standardisedPath(image.toStdString(), {}));
     for (const auto place : { QStandardPaths::GenericDataLocation, QStandardPaths::GenericConfigLocation })
         host.ownFolders.push_back((QStandardPaths::writableLocation(place) + u"/Quillbrook"_s).toStdString());
-    host.ownFolders.push_back((homePath + u"/.var/app/com.tarnwick.Quillbrook"_s).toStdString());
+    host.ownFolders.push_back(homePath + "/.var/app/com.tarnwick.Quillbrook");
     return host;
 }
 

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 
 #include "Platform/FileReading.h"
+#include "StandardisedPath.h"
 
 #include <QRegularExpression>
 
@@ -58,7 +59,7 @@ std::optional<QString> folder(const QString &value, const QString &home)
 {
     const auto variable = u"$HOME"_s;
     auto path = value;
-    if (path == variable || path.startsWith(variable + u'/'))
+    if (isAtOrBelow(path, variable))
         path = home + path.sliced(variable.size());
     if (!path.startsWith(u'/'))
         return std::nullopt;
@@ -90,10 +91,9 @@ Folders parse(const QByteArray &text, const QString &home)
     return folders;
 }
 
-Folders read(const FileReading &reading, const QString &home, const std::optional<QString> &config)
+Folders read(const FileReading &reading, const std::string &settings, const QString &home)
 {
-    const auto path = (config.value_or(home + u"/.config"_s) + u"/user-dirs.dirs"_s).toStdString();
-    const auto text = reading.contents(path, maximumFileBytes);
+    const auto text = reading.contents(settings + "/user-dirs.dirs", maximumFileBytes);
     return text ? parse(*text, home) : Folders();
 }
 

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Quillbrook {
@@ -35,10 +36,9 @@ struct Folders
 /// From the text of user-dirs.dirs: lines of XDG_NAME_DIR="$HOME/..." or an absolute path. A line that is
 /// anything else says nothing; of two for one folder the later counts.
 [[nodiscard]] Folders parse(const QByteArray &text, const QString &home);
-/// From the file among the user's settings, which are in `config` or in their usual place below `home`; all
+/// From the file among the user's settings, which lie in the folder `settings` (absolute, raw bytes); all
 /// absent without it.
-[[nodiscard]] Folders read(
-    const FileReading &reading, const QString &home, const std::optional<QString> &config = {});
+[[nodiscard]] Folders read(const FileReading &reading, const std::string &settings, const QString &home);
 
 } // namespace LinuxUserFolders
 

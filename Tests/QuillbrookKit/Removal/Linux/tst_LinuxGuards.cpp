@@ -2,6 +2,7 @@
 // what is kept, and the surroundings of this process.
 
 #include "Platform/Linux/Files/LinuxFileReading.h"
+#include "RawText.h"
 #include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathRemoval.h"
 #include "Support/FakeHomeFolder.h"
@@ -40,6 +41,17 @@ std::optional<QString> judged(const std::string &path)
     return refusal(path, home, &guards);
 }
 
+class RawHomeFolder final : public HomeFolder
+{
+public:
+    QString homeDirectory() const override { return repairedText(path); }
+    QString realHomeDirectory() const override { return repairedText(path); }
+    std::string rawHomeDirectory() const override { return path; }
+    std::string rawRealHomeDirectory() const override { return path; }
+
+    std::string path;
+};
+
 QString own(const QString &name)
 {
     return name
@@ -64,6 +76,12 @@ class TestLinuxGuards : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        // The machine's own would hide what a case puts in the usual place.
+        qunsetenv("XDG_CONFIG_HOME");
+    }
+
     void refuses_data()
     {
         QTest::addColumn<QByteArray>("path");
@@ -331,6 +349,33 @@ private Q_SLOTS:
         QCOMPARE(at(tree.path("x")), u"(let)"_s);
         QCOMPARE(at(tree.path(".var/app/com.tarnwick.Quillbrook/data")), u"That is Quillbrook itself."_s);
         QCOMPARE(at("/proc"), u"That is an entire drive, not something on it."_s);
+    }
+
+    void userFoldersAreReadWhereTheSettingsAre()
+    {
+        const TempTree tree;
+        tree.fileWith("settings/user-dirs.dirs", "XDG_MUSIC_DIR=\"$HOME/Klang\"\n");
+        FakeHomeFolder homeFolder;
+        homeFolder.home = tree.text();
+        homeFolder.realHome = tree.text();
+        qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(tree.path("settings")));
+        const auto guards = LinuxGuards::guards(LinuxGuards::surroundings(homeFolder, LinuxFileReading()));
+        QCOMPARE(refusal(tree.path("Klang"), tree.path(), &guards), own(u"Klang"_s));
+    }
+
+    void homeThatIsNotUtf8IsKnownByItsBytes()
+    {
+        const TempTree tree;
+        tree.fileWith("j\xf6rg/.config/user-dirs.dirs", "XDG_MUSIC_DIR=\"$HOME/Klang\"\n");
+        RawHomeFolder home;
+        home.path = tree.path("j\xf6rg");
+        const auto guards = LinuxGuards::guards(LinuxGuards::surroundings(home, LinuxFileReading()));
+        const auto at
+            = [&](const std::string &path) { return refusal(path, home.path, &guards).value_or(u"(let)"_s); };
+        QCOMPARE(at(tree.path()), u"That holds your home folder."_s);
+        QCOMPARE(at(home.path + "/Klang"), own(u"Klang"_s));
+        QCOMPARE(at(home.path + "/.var/app/com.tarnwick.Quillbrook/data"), u"That is Quillbrook itself."_s);
+        QCOMPARE(at(home.path + "/x"), u"(let)"_s);
     }
 };
 

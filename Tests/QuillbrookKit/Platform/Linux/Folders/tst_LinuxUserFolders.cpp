@@ -77,7 +77,7 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("XDG_PICTURES_DIR=\"$HOME/Bilder\"\n");
         file.close();
-        const auto folders = LinuxUserFolders::read(LinuxFileReading(), tree.text());
+        const auto folders = LinuxUserFolders::read(LinuxFileReading(), tree.path(".config"), tree.text());
         QCOMPARE(folders.pictures, tree.text("Bilder"));
         QCOMPARE(folders.all().size(), size_t(1));
     }
@@ -85,7 +85,8 @@ private Q_SLOTS:
     void withoutTheFileNothingIsKnown()
     {
         TempTree tree;
-        QCOMPARE(LinuxUserFolders::read(LinuxFileReading(), tree.text()), LinuxUserFolders::Folders());
+        QCOMPARE(LinuxUserFolders::read(LinuxFileReading(), tree.path(".config"), tree.text()),
+            LinuxUserFolders::Folders());
     }
 };
 
