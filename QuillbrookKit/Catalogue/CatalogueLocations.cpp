@@ -106,8 +106,8 @@ bool isStale(const ReclaimRule &rule, const std::optional<QDateTime> &lastModifi
     return wholeDays(lastModified.value_or(now), now) >= *rule.staleDays;
 }
 
-// A rule whose places are all found on the machine has none of its own, and needs their labels from the
-// first.
+// Whether a finding of the rule goes without a label as long as it is the only one. A rule without paths of
+// its own has places that only the machine knows, so that each of them shows its label.
 bool isLonePlace(const ReclaimRule &rule)
 {
     return rule.paths.size() == 1;

@@ -42,7 +42,7 @@ struct QuickScanRequest
     Places places{};
     /// Gets each finding the moment it is made, on the calling thread; must be quick. May be empty.
     std::function<void(const Finding &)> onFinding{};
-    /// A stop ends the location in hand, which then gives no finding, and all that would follow.
+    /// After a stop, the location that is being measured gives no finding, and no further one is measured.
     std::stop_token stop{};
 };
 

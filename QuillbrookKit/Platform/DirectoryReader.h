@@ -18,8 +18,7 @@ namespace Quillbrook {
 /// the file for hard-link counting together with `fileDevice` (fileId 0: not told), `allocatedSize` is bytes
 /// on disk. `isMeasured` is false where the system did not tell a file's size, which is 0 then.
 /// `isMountPoint` is told of folders only. `name` points into the reader's scratch and is valid until the
-/// next call on the same reader. Folders need tell no more than their name, type, device and
-/// mount state.
+/// next call on the same reader. Folders need tell no more than their name, type, device and mount state.
 struct DirectoryRecord
 {
     enum class Type : std::uint8_t { other, directory, symlink };

@@ -32,7 +32,7 @@ struct Row
 };
 
 // One row of `children` from `first` on: it takes items in as long as its worst aspect ratio does not grow.
-// Smallest and largest area are carried along, so that a folder of any width costs one look at each child.
+// Smallest and largest area are carried along, so that each child is read once, however many there are.
 Row buildRow(const std::vector<Child> &children, size_t first, double scale, double side)
 {
     const auto areaOf = [&](size_t i) { return scale * static_cast<double>(children[i].size); };

@@ -1,8 +1,8 @@
 #include "Platform/Linux/Files/LinuxFileReading.h"
 
 #include "Platform/Linux/Files/FileDescriptor.h"
+#include "Platform/Linux/Files/Uninterrupted.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,15 +13,6 @@ namespace {
 
 // The kernel's own files tell no size, and are written anew for each read: a large one keeps a table whole.
 constexpr qsizetype bytesOfAnUnknownSize = 65536;
-
-ssize_t readSome(int descriptor, char *buffer, size_t size)
-{
-    ssize_t count = 0;
-    do
-        count = ::read(descriptor, buffer, size);
-    while (count < 0 && errno == EINTR);
-    return count;
-}
 
 } // namespace
 
@@ -43,8 +34,9 @@ std::optional<QByteArray> LinuxFileReading::contents(const std::string &path, qs
             return std::nullopt;
         if (length == bytes.size())
             bytes.resize(bytes.size() * 2);
-        const auto count
-            = readSome(file.number(), bytes.data() + length, static_cast<size_t>(bytes.size() - length));
+        const auto count = uninterrupted([&] {
+            return ::read(file.number(), bytes.data() + length, static_cast<size_t>(bytes.size() - length));
+        });
         if (count < 0)
             return std::nullopt;
         if (count == 0)

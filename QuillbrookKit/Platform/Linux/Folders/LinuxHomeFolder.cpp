@@ -49,41 +49,40 @@ std::string rawValue(const QProcessEnvironment &environment, const QString &name
 }
 
 // An account without a usable entry has only its environment to go by.
-std::string realHome(const LinuxHomeFolder::Surroundings &surroundings)
+std::string realHome(const LinuxHomeFolder::Sources &sources)
 {
-    const auto home = surroundings.accountHome.value_or(std::string());
+    const auto home = sources.accountHome.value_or(std::string());
     if (home.starts_with('/'))
         return standardisedPath(home, std::string());
-    const auto fallback = rawValue(surroundings.environment, u"HOME"_s);
+    const auto fallback = rawValue(sources.environment, u"HOME"_s);
     return fallback.starts_with('/') ? standardisedPath(fallback, std::string()) : "/";
 }
 
-std::optional<std::string> sandboxHome(
-    const LinuxHomeFolder::Surroundings &surroundings, const std::string &realHome)
+std::optional<std::string> sandboxHome(const LinuxHomeFolder::Sources &sources, const std::string &realHome)
 {
-    if (surroundings.flatpakInfo) {
-        const auto info = parseFlatpakInfo(*surroundings.flatpakInfo);
+    if (sources.flatpakInfo) {
+        const auto info = parseFlatpakInfo(*sources.flatpakInfo);
         if (info.seesHome || info.application.isEmpty())
             return std::nullopt;
         return realHome + "/.var/app/" + info.application.toStdString();
     }
-    if (isStrictSnap(surroundings.environment))
-        return standardisedPath(rawValue(surroundings.environment, u"SNAP_USER_DATA"_s), std::string());
+    if (isStrictSnap(sources.environment))
+        return standardisedPath(rawValue(sources.environment, u"SNAP_USER_DATA"_s), std::string());
     return std::nullopt;
 }
 
 } // namespace
 
 LinuxHomeFolder::LinuxHomeFolder()
-    : LinuxHomeFolder(Surroundings{ .flatpakInfo = Quillbrook::flatpakInfo(),
+    : LinuxHomeFolder(Sources{ .flatpakInfo = Quillbrook::flatpakInfo(),
         .environment = QProcessEnvironment::systemEnvironment(),
         .accountHome = Quillbrook::accountHome() })
 {
 }
 
-LinuxHomeFolder::LinuxHomeFolder(const Surroundings &surroundings)
-    : m_realHome(realHome(surroundings))
-    , m_home(sandboxHome(surroundings, m_realHome).value_or(m_realHome))
+LinuxHomeFolder::LinuxHomeFolder(const Sources &sources)
+    : m_realHome(realHome(sources))
+    , m_home(sandboxHome(sources, m_realHome).value_or(m_realHome))
 {
 }
 

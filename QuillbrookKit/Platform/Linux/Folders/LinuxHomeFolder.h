@@ -18,7 +18,7 @@ class LinuxHomeFolder final : public HomeFolder
 {
 public:
     /// What tells of a sandbox and of the account.
-    struct Surroundings
+    struct Sources
     {
         /// Content of /.flatpak-info; absent outside a Flatpak.
         std::optional<QByteArray> flatpakInfo{};
@@ -29,7 +29,7 @@ public:
 
     /// Those of this process.
     LinuxHomeFolder();
-    explicit LinuxHomeFolder(const Surroundings &surroundings);
+    explicit LinuxHomeFolder(const Sources &sources);
 
     [[nodiscard]] QString homeDirectory() const override { return repairedText(m_home); }
     [[nodiscard]] QString realHomeDirectory() const override { return repairedText(m_realHome); }

@@ -4,8 +4,8 @@
 
 namespace Quillbrook {
 
-/// Raises the limit to the most that the system grants without asking. To be called once, before there are
-/// threads. Where it fails, the limit stays as it was.
+/// Raises the limit as far as the system grants without asking, up to half a million. To be called once,
+/// before there are threads. Where it fails, the limit stays as it was.
 void raiseOpenFileLimit();
 
 } // namespace Quillbrook
