@@ -91,12 +91,12 @@ struct Told
 
 } // namespace
 
-class TestWatcherLooks : public QObject
+class TestWatcherChecks : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void looksAtTheHomeFolder()
+    void checksTheHomeFolder()
     {
         Home home;
         Watcher watcher(home.kit.kitServices, Home::settings());
@@ -115,7 +115,7 @@ private Q_SLOTS:
         QCOMPARE(home.kit.volumes.askedPaths, QStringList{ home.tree.text("home") });
     }
 
-    void looksAtTheHomeOfTheProcess()
+    void checksTheHomeOfTheProcess()
     {
         Home home;
         home.tree.file("sandbox/.npm/_cacache/content", mebibyte);
@@ -222,7 +222,7 @@ private Q_SLOTS:
         QVERIFY(told.observations.isEmpty());
     }
 
-    void secondLookInTheQuietPeriodIsQuiet()
+    void secondCheckInTheQuietPeriodIsQuiet()
     {
         Home home;
         Watcher watcher(home.kit.kitServices, Home::settings());
@@ -239,7 +239,7 @@ private Q_SLOTS:
         QVERIFY(watcher.lastNotifiedAt() == first.addSecs(21600));
     }
 
-    void forcedLookSpeaksAgain()
+    void forcedCheckSpeaksAgain()
     {
         Home home;
         home.kit.volumes.answer->available = qint64(1) << 39;
@@ -255,7 +255,7 @@ private Q_SLOTS:
         QVERIFY(watcher.lastObservation()->shouldNotify);
     }
 
-    void looksMayOverlap()
+    void checksMayOverlap()
     {
         SlowHome home;
         FolderHold hold(home.directories, "/home/someone/.npm/_cacache");
@@ -272,7 +272,7 @@ private Q_SLOTS:
         QTRY_COMPARE(told.observations.size(), 2);
     }
 
-    void timerLooks()
+    void timerChecks()
     {
         Home home;
         Watcher watcher(home.kit.kitServices, Home::settings());
@@ -310,7 +310,7 @@ private Q_SLOTS:
         QVERIFY(told.observations.isEmpty());
     }
 
-    void waitingLookOfAGoneWatcherDoesNothing()
+    void waitingCheckOfAGoneWatcherDoesNothing()
     {
         Home home;
         auto watcher = std::make_unique<Watcher>(home.kit.kitServices);
@@ -323,7 +323,7 @@ private Q_SLOTS:
         QVERIFY(home.opened.empty());
     }
 
-    void endOfTheWatcherEndsALook()
+    void endOfTheWatcherEndsACheck()
     {
         SlowHome home;
         FolderHold hold(home.directories, "/home/someone/.npm");
@@ -343,7 +343,7 @@ private Q_SLOTS:
         QVERIFY(home.kit.volumes.askedPaths.isEmpty());
     }
 
-    void switchingOffLetsALookEnd()
+    void switchingOffLetsACheckEnd()
     {
         SlowHome home;
         FolderHold hold(home.directories, "/home/someone/.npm");
@@ -379,29 +379,29 @@ private Q_SLOTS:
         QCOMPARE(calls, 1);
     }
 
-    void looksOnTheRealQueue()
+    void checksOnTheRealQueue()
     {
         LinuxUtilityQueue queue;
         FakeKit kit({ .utility = &queue });
         kit.directories.folder("/home/someone", {});
         Watcher watcher(kit.kitServices);
         Told told(watcher);
-        constexpr int looks = 50;
-        for (int look = 0; look < looks; ++look)
+        constexpr int checks = 50;
+        for (int check = 0; check < checks; ++check)
             watcher.checkSoon();
-        // Meanwhile the main thread looks as well, and asks and changes what the looks go by.
-        for (int round = 0; told.observations.size() < looks && round < 1000; ++round) {
+        // Meanwhile the main thread checks as well, and asks for and changes what the checks go by.
+        for (int round = 0; told.observations.size() < checks && round < 1000; ++round) {
             watcher.update({ .lowSpaceBytes = round, .enabled = true });
             static_cast<void>(watcher.lastObservation());
             static_cast<void>(watcher.lastNotifiedAt());
             QTest::qWait(1);
         }
-        QTRY_COMPARE_WITH_TIMEOUT(told.observations.size(), looks, 20'000);
+        QTRY_COMPARE_WITH_TIMEOUT(told.observations.size(), checks, 20'000);
         for (const auto *thread : told.threads)
             QCOMPARE(thread, QThread::currentThread());
     }
 
-    void watcherAndQueueMayEndInTheMidstOfLooks()
+    void watcherAndQueueMayEndInTheMidstOfChecks()
     {
         for (int round = 0; round < 20; ++round) {
             auto queue = std::make_unique<LinuxUtilityQueue>();
@@ -410,7 +410,7 @@ private Q_SLOTS:
             auto watcher = std::make_unique<Watcher>(kit.kitServices);
             int told = 0;
             watcher->setOnObservation([&told](const Watcher::Observation &) { ++told; });
-            for (int look = 0; look < 5; ++look)
+            for (int check = 0; check < 5; ++check)
                 watcher->checkSoon();
             QTest::qWait(round % 4);
             watcher.reset();
@@ -422,5 +422,5 @@ private Q_SLOTS:
     }
 };
 
-QUILLBROOK_SUITE(TestWatcherLooks, QCoreApplication)
-#include "tst_WatcherLooks.moc"
+QUILLBROOK_SUITE(TestWatcherChecks, QCoreApplication)
+#include "tst_WatcherChecks.moc"
