@@ -188,14 +188,11 @@ void AppDelegate::showPanel(const std::optional<QPoint> &place)
     m_panel = make(m_windows.panel, m_windows.panelProperties);
     if (!m_panel)
         return;
+    m_panelPlace = place;
     if (!canPlaceWindows())
         m_panel->setFlags(Qt::Window);
-    else if (const auto *screen = screenFor(place))
-        m_panel->setPosition(PanelPlacement{ .panel = m_panel->size(),
-            .place = place,
-            .screen = screen->geometry(),
-            .available = screen->availableGeometry() }
-                                 .position());
+    placePanel();
+    connect(m_panel, &QWindow::heightChanged, this, &AppDelegate::placePanel);
     connect(m_panel, &QWindow::visibleChanged, this, [this](bool isVisible) {
         if (!isVisible)
             release(m_panel);
@@ -208,6 +205,19 @@ void AppDelegate::showPanel(const std::optional<QPoint> &place)
     });
     m_services.instance.useActivationToken(m_services.tray.takeActivationToken());
     bringToFront(*m_panel);
+}
+
+// It grows and shrinks with what it shows, and stays at its item.
+void AppDelegate::placePanel()
+{
+    const auto *screen = screenFor(m_panelPlace);
+    if (!m_panel || !screen || !canPlaceWindows())
+        return;
+    m_panel->setPosition(PanelPlacement{ .panel = m_panel->size(),
+        .place = m_panelPlace,
+        .screen = screen->geometry(),
+        .available = screen->availableGeometry() }
+                             .position());
 }
 
 void AppDelegate::hidePanel()

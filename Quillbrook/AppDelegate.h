@@ -80,6 +80,7 @@ private:
     [[nodiscard]] QQuickWindow *make(const QUrl &file, const QVariantMap &properties);
     void togglePanel(const std::optional<QPoint> &place);
     void showPanel(const std::optional<QPoint> &place);
+    void placePanel();
     void hidePanel();
     void release(QPointer<QQuickWindow> &window);
     void showTray();
@@ -91,6 +92,8 @@ private:
     Windows m_windows;
     QPointer<QQuickWindow> m_main;
     QPointer<QQuickWindow> m_panel;
+    /// Where the item was pressed that the panel belongs to.
+    std::optional<QPoint> m_panelPlace;
     /// Since the panel went because something else was pressed.
     QElapsedTimer m_sincePanelLeft;
     QTimer m_updateClock;

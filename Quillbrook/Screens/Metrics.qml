@@ -22,7 +22,6 @@ QtObject {
     readonly property int scanningTop: 88
     readonly property int noticeWidth: 440
     readonly property int panelWidth: 340
-    readonly property int panelHeight: 470
 
     // The 4-point grid.
     readonly property int space4: 4
@@ -53,6 +52,14 @@ QtObject {
     readonly property int tickSize: 16
     readonly property int switchWidth: 34
     readonly property int switchHeight: 20
+    readonly property int sliderTrack: 4
+    readonly property int sliderKnob: 18
+    readonly property int segmentGap: 2
+    readonly property int segmentPadding: 14
+    readonly property int segmentHeight: 26
+    readonly property int segmentRadius: 5
+    readonly property int dateFieldWidth: 196
+    readonly property int rowActionWidth: 64
     readonly property int scrollBarWidth: 6
     readonly property int sheetWidth: 560
     readonly property int dialogWidth: 420
@@ -74,6 +81,7 @@ QtObject {
     // Symbols.
     readonly property int symbolTiny: 9
     readonly property int symbolSmall: 11
+    readonly property int symbolMedium: 14
     readonly property int symbolSize: 16
     readonly property int symbolLarge: 20
     readonly property int symbolHuge: 40
@@ -89,6 +97,8 @@ QtObject {
     readonly property real headingFont: 15 * Theme.pointsPerPixel
     readonly property real figureFont: 25 * Theme.pointsPerPixel
     readonly property real sectionTracking: 0.84
+    readonly property int textLine: 18
+    readonly property int captionLine: 16
     readonly property real looseLines: 1.15
 
     // States of a control are told by opacity alone.

@@ -272,6 +272,21 @@ private Q_SLOTS:
         QVERIFY(!m_delegate->panel()->position().isNull());
     }
 
+    // One that stands above an item at the bottom of the screen would run over the bar otherwise.
+    void panelStaysAtItsItemWhenItGrows()
+    {
+        QVERIFY(m_delegate->start(inBackground));
+        const auto *screen = QGuiApplication::primaryScreen();
+        press(QPoint(400, screen->geometry().bottom() - 10));
+        const auto *panel = m_delegate->panel();
+        const auto bottom = panel->geometry().bottom();
+        for (const int height : { 250, 120 }) {
+            m_delegate->panel()->setHeight(height);
+            QTRY_COMPARE(panel->geometry().height(), height);
+            QTRY_COMPARE(panel->geometry().bottom(), bottom);
+        }
+    }
+
     void panelGoesWhenItLosesTheKeyboard()
     {
         QVERIFY(m_delegate->start(inBackground));

@@ -16,8 +16,7 @@ Window {
 
     color: Qt.tint(Theme.page, Theme.faded(Theme.surface, Metrics.faintOpacity))
     flags: Qt.Tool | Qt.FramelessWindowHint
-    // The same for all states that fit, so that it stays in its place while switches are pressed.
-    height: Math.max(Metrics.panelHeight, column.implicitHeight + 2 * Metrics.hairlineWidth)
+    height: column.implicitHeight + 2 * Metrics.hairlineWidth
     title: "Quillbrook"
     width: Metrics.panelWidth
 
@@ -95,6 +94,7 @@ Window {
             Layout.leftMargin: Metrics.panelInset
             Layout.rightMargin: Metrics.panelInset
             Layout.topMargin: Metrics.panelGap
+            hint: root.panel.settingsHint
             line: root.panel.notificationsLine
             on: root.panel.notificationsWanted
             title: "Tell me when space runs low"

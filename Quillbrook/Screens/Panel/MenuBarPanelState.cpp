@@ -162,10 +162,21 @@ QString MenuBarPanelState::notificationsLine() const
     return {};
 }
 
+bool MenuBarPanelState::isDenied() const
+{
+    return m_background.notificationState() == NotificationState::denied;
+}
+
 bool MenuBarPanelState::offersSettings() const
 {
-    return m_background.notificationState() == NotificationState::denied
-        && m_model.services().notifier.hasSettings();
+    return isDenied() && m_model.services().notifier.hasSettings();
+}
+
+QString MenuBarPanelState::settingsHint() const
+{
+    return isDenied() && !offersSettings()
+        ? tr("Alerts can be allowed again where this desktop keeps its settings for notifications.")
+        : QString();
 }
 
 bool MenuBarPanelState::launchesAtLogin() const

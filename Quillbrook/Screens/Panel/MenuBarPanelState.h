@@ -37,6 +37,8 @@ class MenuBarPanelState : public QObject
     Q_PROPERTY(QString notificationsLine READ notificationsLine NOTIFY changed FINAL)
     /// The desktop keeps notifications back, and its settings can change that.
     Q_PROPERTY(bool offersSettings READ offersSettings NOTIFY changed FINAL)
+    /// Stands in place of that button where the desktop has no page that is known; empty otherwise.
+    Q_PROPERTY(QString settingsHint READ settingsHint NOTIFY changed FINAL)
     Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY changed FINAL)
     Q_PROPERTY(QString loginLine READ loginLine NOTIFY changed FINAL)
     /// What quitting means now.
@@ -77,6 +79,7 @@ public:
     [[nodiscard]] bool notificationsWanted() const;
     [[nodiscard]] QString notificationsLine() const;
     [[nodiscard]] bool offersSettings() const;
+    [[nodiscard]] QString settingsHint() const;
     [[nodiscard]] bool launchesAtLogin() const;
     [[nodiscard]] QString loginLine() const;
     [[nodiscard]] QString quitHelp() const;
@@ -90,6 +93,7 @@ Q_SIGNALS:
     void quitRequested();
 
 private:
+    [[nodiscard]] bool isDenied() const;
     [[nodiscard]] bool isMeasuring() const;
 
     AppModel &m_model;

@@ -10,6 +10,8 @@ import Quillbrook
 Item {
     id: root
 
+    /// A second sentence under the line, where there is one.
+    property string hint: ""
     required property string line
     required property bool on
     required property string title
@@ -24,7 +26,7 @@ Item {
     ToggleSwitch {
         id: toggle
 
-        Accessible.description: root.line
+        Accessible.description: root.hint === "" ? root.line : root.line + " " + root.hint
         anchors.right: parent.right
         checked: root.on
         name: root.title
@@ -56,6 +58,14 @@ Item {
             Layout.topMargin: Metrics.space4 / 2
             lineHeight: Metrics.looseLines
             text: root.line
+            wrapMode: Text.Wrap
+        }
+
+        CaptionText {
+            Layout.fillWidth: true
+            lineHeight: Metrics.looseLines
+            text: root.hint
+            visible: text !== ""
             wrapMode: Text.Wrap
         }
 

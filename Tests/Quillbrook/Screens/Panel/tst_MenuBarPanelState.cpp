@@ -240,12 +240,17 @@ private Q_SLOTS:
         QCOMPARE(fixture.defaults.boolean(u"Quillbrook.notificationsWanted"_s), std::optional(false));
     }
 
-    void settingsAreOfferedWhereTheDesktopHasThem()
+    void aSentenceStandsWhereNoSettingsCanBeOpened()
     {
         Fixture fixture;
-        fixture.desktop.notifier.settingsPage = false;
         fixture.isTold(NotificationState::denied);
+        QCOMPARE(fixture.panel.settingsHint(), QString());
+        fixture.desktop.notifier.settingsPage = false;
         QVERIFY(!fixture.panel.offersSettings());
+        QCOMPARE(fixture.panel.settingsHint(),
+            u"Alerts can be allowed again where this desktop keeps its settings for notifications."_s);
+        fixture.isTold(NotificationState::allowed);
+        QCOMPARE(fixture.panel.settingsHint(), QString());
     }
 
     void deniedNotificationsCanStillBeSwitched()
