@@ -99,20 +99,9 @@ bool AppDelegate::start(AppInstance::Start start)
     m_updateClock.start();
     const bool isInBackground = start == AppInstance::Start::inBackground;
     if (isInBackground)
-        startWithoutWindow();
+        m_services.model.start(m_services.background);
     showTray();
     return isInBackground || openWindow();
-}
-
-void AppDelegate::startWithoutWindow()
-{
-    auto &model = m_services.model;
-    model.startRuleClock();
-    model.watch().configureWatcher(m_services.background);
-    m_services.background.refresh();
-    model.updates().checkForUpdate();
-    model.volume().refreshVolume();
-    model.reclaims().refreshSafetyNet();
 }
 
 // The model itself asks once a day, but for a notice that it shows already: that it asks about every time.

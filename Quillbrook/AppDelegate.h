@@ -60,10 +60,9 @@ public:
     /// The start at login asks for no window.
     [[nodiscard]] static AppInstance::Start startOf(const QStringList &arguments);
 
-    /// Shows the item in the tray, and the main window unless it starts in the background. What the window's
-    /// content sets going when it appears is then set going here, all but the first scan: the clocks, the
-    /// watcher, and the questions for a newer version, the volume's figures and the backups' state. From now
-    /// on a newer version is asked for daily. False when the window could not be made.
+    /// Shows the item in the tray, and the main window unless it starts in the background. The window's
+    /// content starts the model when it appears; in the background this does. From now on a newer version is
+    /// asked for daily. False when the window could not be made.
     [[nodiscard]] bool start(AppInstance::Start start);
 
     /// Brings the main window to the front, and makes it when there is none. The token lets it come there,
@@ -84,7 +83,6 @@ private:
     void hidePanel();
     void release(QPointer<QQuickWindow> &window);
     void showTray();
-    void startWithoutWindow();
     void askForUpdate();
     void checkDisk();
 

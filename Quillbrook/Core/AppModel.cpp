@@ -1,5 +1,9 @@
 #include "Core/AppModel.h"
 
+#include "Core/Background.h"
+
+#include <utility>
+
 namespace Quillbrook {
 
 // A signal reaches the connections in the order in which they were made. These are the first, so that every
@@ -26,6 +30,19 @@ void AppModel::endScan()
 {
     m_reclaims.verifyClaim();
     m_volume.refreshVolume();
+}
+
+void AppModel::start(Background &background)
+{
+    startRuleClock();
+    m_watch.configureWatcher(background);
+    background.refresh();
+    const bool isFirst = !std::exchange(m_hasStarted, true);
+    if (isFirst)
+        m_updates.checkForUpdate();
+    m_volume.refreshVolume();
+    if (isFirst)
+        m_reclaims.refreshSafetyNet();
 }
 
 void AppModel::startRuleClock()

@@ -16,6 +16,8 @@
 
 namespace Quillbrook {
 
+class Background;
+
 class AppModel : public QObject
 {
     Q_OBJECT
@@ -38,6 +40,10 @@ public:
     [[nodiscard]] const UpdateDriver &updates() const { return m_updates; }
     [[nodiscard]] const AppServices &services() const { return m_services; }
 
+    /// What the start of the program sets going, in the background as with a window, and each opening of the
+    /// window anew: the clocks, what listens to the watcher, the volume's figures, and what holds without a
+    /// window. A newer version and the backups' state are asked for the first time only.
+    void start(Background &background);
     /// Starts the clocks of the model; starting again replaces them.
     void startRuleClock();
 
@@ -52,6 +58,7 @@ private:
     ReclaimDriver m_reclaims;
     WatchDriver m_watch;
     UpdateDriver m_updates;
+    bool m_hasStarted = false;
 };
 
 } // namespace Quillbrook

@@ -3,6 +3,8 @@
 #include "Core/Background.h"
 #include "Core/FolderAccess.h"
 
+#include <utility>
+
 namespace Quillbrook {
 
 ContentState::ContentState(AppModel &model, FolderAccess &access, Background &background, QObject *parent)
@@ -21,16 +23,9 @@ ContentState::ContentState(AppModel &model, FolderAccess &access, Background &ba
 void ContentState::appear()
 {
     setOpen(true);
-    m_model.startRuleClock();
-    m_model.watch().configureWatcher(m_background);
-    m_background.refresh();
-    if (m_didStart)
-        return;
-    m_didStart = true;
-    m_model.updates().checkForUpdate();
-    m_model.volume().refreshVolume();
-    m_model.reclaims().refreshSafetyNet();
-    startScanning();
+    m_model.start(m_background);
+    if (!std::exchange(m_didStart, true))
+        startScanning();
 }
 
 void ContentState::disappear()

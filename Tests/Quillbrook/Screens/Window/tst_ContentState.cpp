@@ -159,6 +159,24 @@ private Q_SLOTS:
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
     }
 
+    void windowAfterAStartInTheBackgroundAsksNothingTwice()
+    {
+        FakeServices machine;
+        AppModel model(machine.services);
+        WindowContent window(model);
+        model.start(window.background);
+        QTRY_VERIFY(model.reclaims().safetyNet());
+        QSignalSpy nets(&model.reclaims(), &ReclaimDriver::safetyNetChanged);
+        // A day later another window would ask for a newer version.
+        machine.clock.moment = machine.clock.moment.addDays(2);
+        machine.volumes.answer = VolumeCapacity{ .available = 25, .total = 100 };
+        window.content.appear();
+        QCOMPARE(model.volume().liveFree(), 25);
+        QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+        QCOMPARE(machine.desktop.http.requests.size(), 1);
+        QCOMPARE(nets.count(), 0);
+    }
+
     void startActionGoesInItsOrder()
     {
         FakeServices machine;
