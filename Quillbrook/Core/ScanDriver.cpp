@@ -164,9 +164,10 @@ void ScanDriver::cancelScan()
     stopRun();
     ++m_scanToken;
     m_ticker.stop();
-    m_scanProgress.reset();
     const Phase phase{ .kind = m_tree ? Phase::Kind::ready : Phase::Kind::idle };
-    if (std::exchange(m_phase, phase) != phase)
+    const bool phaseChanges = std::exchange(m_phase, phase) != phase;
+    m_scanProgress.reset();
+    if (phaseChanges)
         Q_EMIT phaseChanged();
 }
 

@@ -82,7 +82,7 @@ Q_SIGNALS:
     void lastScanDurationChanged();
     void treeGenerationChanged();
     void scannedFileCountChanged();
-    /// The first finding of the quick stage is there, or its last. Emitted on a thread of the pool.
+    /// The quick stage has its first finding, or has ended. Emitted on a thread of the pool.
     void quickStageAdvanced(QPrivateSignal);
 
 private:

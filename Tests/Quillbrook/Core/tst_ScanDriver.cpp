@@ -425,7 +425,13 @@ private Q_SLOTS:
         model.scans().scan({});
         QTRY_VERIFY(hold.isHolding());
         const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
+        // Whoever hears of any part of it meets the scan at its end.
+        auto heardAt = Kind::scanning;
+        model.scans().scanProgress().setDetail(u"caches"_s);
+        connect(&model.scans().scanProgress(), &ScanProgress::detailChanged, this,
+            [&] { heardAt = model.scans().phase().kind; });
         model.scans().cancelScan();
+        QCOMPARE(heardAt, Kind::idle);
         QVERIFY(isAt(model, Kind::idle));
         QCOMPARE(phases.count(), 1);
         QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
