@@ -12,6 +12,7 @@ namespace {
 
 constexpr int firstOfTwoDigitYears = 1970;
 constexpr int noon = 12;
+constexpr int daysOfWeek = 7;
 constexpr qint64 secondsOfMinute = 60;
 constexpr qint64 secondsOfHour = 60 * secondsOfMinute;
 
@@ -197,6 +198,29 @@ QDateTime DateText::stepped(const QDateTime &moment, int part, int steps)
 {
     const auto parts = partsOf(moment);
     return part >= 0 && part < parts.size() ? shifted(moment, parts.at(part).letters, steps) : moment;
+}
+
+QDateTime DateText::sheetDay(const QDateTime &moment, int place)
+{
+    const auto first = moment.addDays(1 - moment.date().day());
+    const auto lead = (first.date().dayOfWeek() - QLocale().firstDayOfWeek() + daysOfWeek) % daysOfWeek;
+    return first.addDays(place - lead);
+}
+
+QString DateText::sheetColumn(int column)
+{
+    const auto day = (QLocale().firstDayOfWeek() - 1 + column) % daysOfWeek + 1;
+    return QLocale().standaloneDayName(day, QLocale::NarrowFormat);
+}
+
+QDateTime DateText::daysLater(const QDateTime &moment, int days)
+{
+    return moment.addDays(days);
+}
+
+QDateTime DateText::monthsLater(const QDateTime &moment, int months)
+{
+    return moment.addMonths(months);
 }
 
 QString DateText::month(const QDateTime &moment)

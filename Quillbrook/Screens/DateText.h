@@ -36,6 +36,15 @@ public:
     /// `moment` with one part more or less; as it is for no part.
     Q_INVOKABLE [[nodiscard]] static QDateTime stepped(const QDateTime &moment, int part, int steps);
 
+    /// The day at a place of the sheet, six weeks long, that shows the month of `moment`: its first row holds
+    /// the month's first day.
+    Q_INVOKABLE [[nodiscard]] static QDateTime sheetDay(const QDateTime &moment, int place);
+    /// The name of a column of that sheet, as short as the language has it.
+    Q_INVOKABLE [[nodiscard]] static QString sheetColumn(int column);
+    Q_INVOKABLE [[nodiscard]] static QDateTime daysLater(const QDateTime &moment, int days);
+    /// The last day of a month that has no such day.
+    Q_INVOKABLE [[nodiscard]] static QDateTime monthsLater(const QDateTime &moment, int months);
+
     /// Headings: the month with its year, and a whole day.
     Q_INVOKABLE [[nodiscard]] static QString month(const QDateTime &moment);
     Q_INVOKABLE [[nodiscard]] static QString day(const QDateTime &moment);

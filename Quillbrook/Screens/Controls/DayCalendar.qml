@@ -16,28 +16,18 @@ T.Popup {
     /// The day that the keyboard stands on; its month is the one that is shown.
     property date current: value
 
-    readonly property int firstDay: Qt.locale().firstDayOfWeek % 7
-    /// How many days of the month before fill the first row.
-    readonly property int lead: (new Date(current.getFullYear(), current.getMonth(), 1).getDay() - firstDay + 7) % 7
-
     signal picked(date day)
-
-    function dayAt(index: int): date {
-        return new Date(current.getFullYear(), current.getMonth(), 1 - lead + index);
-    }
 
     function isSameDay(one: date, other: date): bool {
         return one.toDateString() === other.toDateString();
     }
 
     function walk(days: int) {
-        current = new Date(current.getFullYear(), current.getMonth(), current.getDate() + days);
+        current = DateText.daysLater(current, days);
     }
 
-    // The last day of a shorter month, where there is no such day.
     function walkMonths(months: int) {
-        const last = new Date(current.getFullYear(), current.getMonth() + months + 1, 0).getDate();
-        current = new Date(current.getFullYear(), current.getMonth() + months, Math.min(current.getDate(), last));
+        current = DateText.monthsLater(current, months);
     }
 
     function choose(day: date) {
@@ -97,7 +87,7 @@ T.Popup {
 
                     Accessible.ignored: true
                     horizontalAlignment: Text.AlignHCenter
-                    text: Qt.locale().standaloneDayName((root.firstDay + index) % 7, Locale.NarrowFormat)
+                    text: DateText.sheetColumn(index)
                     width: Metrics.controlHeight
                 }
             }
@@ -132,7 +122,7 @@ T.Popup {
 
                     required property int index
 
-                    readonly property date day: root.dayAt(index)
+                    readonly property date day: DateText.sheetDay(root.current, index)
                     readonly property bool isCurrent: root.isSameDay(day, root.current)
                     readonly property bool isValue: root.isSameDay(day, root.value)
                     readonly property bool isOfTheMonth: day.getMonth() === root.current.getMonth()

@@ -114,6 +114,29 @@ private Q_SLOTS:
         QCOMPARE(DateText::onDay(moment, QDateTime(QDate(2024, 2, 29), QTime(0, 0))),
             QDateTime(QDate(2024, 2, 29), QTime(9, 30)));
     }
+
+    void sheetBeginsWithTheWeekOfTheLanguage_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QDate>("first");
+        // June of 2020 began with a Monday.
+        QTest::newRow("Monday") << "de_DE" << QDate(2020, 6, 1);
+        QTest::newRow("Sunday") << "en_US" << QDate(2020, 5, 31);
+        QTest::newRow("Saturday") << "ar_EG" << QDate(2020, 5, 30);
+    }
+
+    void sheetBeginsWithTheWeekOfTheLanguage()
+    {
+        QFETCH(QString, language);
+        QFETCH(QDate, first);
+        QLocale::setDefault(QLocale(language));
+        for (const int place : { 0, 6, 41 }) {
+            const auto day = DateText::sheetDay(moment, place).date();
+            QCOMPARE(day, first.addDays(place));
+            QCOMPARE(DateText::sheetColumn(place % 7),
+                QLocale().standaloneDayName(day.dayOfWeek(), QLocale::NarrowFormat));
+        }
+    }
 };
 
 QUILLBROOK_SUITE(TestDateText, QCoreApplication)
