@@ -353,7 +353,7 @@ private Q_SLOTS:
         QVERIFY(!m_delegate->panel());
     }
 
-    void checkingLooksAtOnce()
+    void checkingIsDoneAtOnce()
     {
         QVERIFY(m_delegate->start(inBackground));
         QVERIFY(!m_model->watch().watcher().lastObservation());

@@ -39,7 +39,7 @@ struct HomeOnDisk : FakeKit
         model->scans().scan({ .scope = Scope::complete });
         settled();
     }
-    /// Waits for the end of the scan in hand.
+    /// Waits for the end of the scan that runs.
     void settled() const { QTRY_COMPARE(model->scans().phase().kind, Phase::Kind::ready); }
 
     [[nodiscard]] std::string path(const std::string &name) const { return tree.path("home/" + name); }

@@ -28,7 +28,7 @@
 #include "Removal/Linux/LinuxGuards.h"
 
 #include <QCoreApplication>
-#include <QProcess>
+#include <QProcessEnvironment>
 
 #include <optional>
 
@@ -85,13 +85,9 @@ struct Services
     LinuxFileRevealer revealer;
     LinuxMotionPreference motion;
     const DesktopSession session = DesktopSession::of(environment(), places.home.realHomeDirectory());
-    LinuxNotifier notifier{ { .processes = processes,
-        .reading = disk.reading,
-        .defaults = defaults,
-        .session = session,
-        .start = [](const QString &program, const QStringList &arguments) {
-            QProcess::startDetached(program, arguments);
-        } } };
+    LinuxNotifier notifier{
+        { .processes = processes, .reading = disk.reading, .defaults = defaults, .session = session }
+    };
     LinuxLoginItem loginItem{ { .reading = disk.reading,
         .writing = disk.writing,
         .defaults = defaults,

@@ -5,8 +5,7 @@ import QtQuick.Layouts
 import Quillbrook
 
 // A card that tells one thing: symbol, title, text, a quieter note where there is one, and after them what can be
-// done about it. With `tinted`
-// the card takes `tone` for its border and a breath of it for its ground.
+// done about it. With `tinted` the card takes `tone` for its border and a breath of it for its ground.
 Card {
     id: root
 

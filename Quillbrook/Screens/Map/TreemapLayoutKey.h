@@ -2,7 +2,7 @@
 
 // What a layout of the map was made for. A change of any field causes a new layout, and nothing else does.
 
-#include "Core/AppModel.h"
+#include "Core/Phase.h"
 
 #include <QSizeF>
 #include <QtGlobal>

@@ -63,12 +63,12 @@ public:
     /// Opens the desktop's page of notification settings.
     Q_INVOKABLE void openSettings();
 
-    /// One look of the watcher, which the panel waits for; kept on the main thread on purpose.
+    /// One check by the watcher, which the panel waits for; kept on the main thread on purpose.
     Q_INVOKABLE void checkNow();
     Q_INVOKABLE void open();
     Q_INVOKABLE void quit();
 
-    /// Bytes by the watcher's latest look, else by the report; absent before either.
+    /// Bytes by the watcher's latest check, else by the report; absent before either.
     [[nodiscard]] std::optional<qint64> reclaimableNow() const;
 
     [[nodiscard]] QString freeText() const;

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
-// A finding that a scan in hand has made: what it is, and how much.
+// A finding of a scan that runs: what it is, and how much.
 Item {
     id: root
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The findings of a scan in hand as a list of titles and sizes, largest first. What arrives is put in where
-// it belongs; the rows that are there stay.
+// The findings of a scan that runs, as a list of titles and sizes, largest first. What arrives is put in
+// where it belongs; the rows that are there stay.
 
 #include "Catalogue/Finding.h"
 

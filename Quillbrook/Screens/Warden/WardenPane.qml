@@ -71,7 +71,7 @@ ColumnLayout {
             anchors.rightMargin: Metrics.paneInset
             bottomMargin: Metrics.space12
             boundsBehavior: Flickable.StopAtBounds
-            // Rows differ in height; with those below in hand the bar beside them stays calm.
+            // Rows differ in height; once those below are made, the bar beside them stays calm.
             cacheBuffer: 2 * height
             clip: true
             currentIndex: -1

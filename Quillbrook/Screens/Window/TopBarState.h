@@ -27,7 +27,7 @@ public:
 
     /// The words for a scan that saw `fileCount` files in `seconds`; empty where no time has been taken.
     [[nodiscard]] static QString summaryOf(qsizetype fileCount, double seconds);
-    /// Stops the scan in hand, else starts one in the present scope.
+    /// Stops the scan that runs, else starts one in the present scope.
     Q_INVOKABLE void act();
 
     [[nodiscard]] QString summary() const;

@@ -27,8 +27,8 @@ struct FullDisk : ScannedHome
         model.watch().configureWatcher(background);
     }
 
-    /// One look by the timer. REQUIRES: the watching is on.
-    void look()
+    /// One check by the timer. REQUIRES: the watching is on.
+    void check()
     {
         desktop.utility.fire();
         QCoreApplication::processEvents();
@@ -54,7 +54,7 @@ private Q_SLOTS:
         QCOMPARE(disk.desktop.notifier.requests, 0);
     }
 
-    void switchingOnStartsTheTimerAndLooks()
+    void switchingOnStartsTheTimerAndChecks()
     {
         FullDisk disk;
         disk.model.watch().setWatching(true);
@@ -146,7 +146,7 @@ private Q_SLOTS:
         FullDisk disk;
         disk.model.watch().setWatching(true);
         const QSignalSpy changes(&disk.model.watch(), &WatchDriver::lastWatchChanged);
-        disk.look();
+        disk.check();
         QCOMPARE(changes.count(), 1);
         QVERIFY(disk.model.watch().lastWatch() == disk.model.watch().watcher().lastObservation());
         QCOMPARE(disk.model.watch().lastWatch()->reclaimableBytes, 4 * gibibyte);
@@ -157,7 +157,7 @@ private Q_SLOTS:
     {
         FullDisk disk;
         disk.model.watch().setWatching(true);
-        disk.look();
+        disk.check();
         const QList<std::pair<QString, QString>> expected{ { u"4.0 GB can be reclaimed"_s,
             u"1.0 GB free · 4.0 GB can be reclaimed · mostly Downloaded code packages"_s } };
         QCOMPARE(disk.desktop.notifier.posted, expected);
@@ -167,13 +167,13 @@ private Q_SLOTS:
     {
         FullDisk disk;
         disk.model.watch().setWatching(true);
-        disk.look();
+        disk.check();
         disk.clock.moment = disk.clock.moment.addSecs(1800);
-        disk.look();
+        disk.check();
         QCOMPARE(disk.model.watch().lastWatch()->checkedAt, disk.clock.moment);
         QCOMPARE(disk.desktop.notifier.posted.size(), 1);
         disk.clock.moment = disk.clock.moment.addSecs(21600);
-        disk.look();
+        disk.check();
         QCOMPARE(disk.desktop.notifier.posted.size(), 2);
     }
 
@@ -196,7 +196,7 @@ private Q_SLOTS:
         FullDisk disk;
         disk.volumes.answer->available = 100 * gibibyte;
         disk.model.watch().setWatching(true);
-        disk.look();
+        disk.check();
         QCOMPARE(disk.model.watch().lastWatch()->headline, u"100 GB free"_s);
         QVERIFY(disk.desktop.notifier.posted.isEmpty());
     }
@@ -206,12 +206,12 @@ private Q_SLOTS:
         FullDisk disk;
         disk.background.setNotificationsWanted(false);
         disk.model.watch().setWatching(true);
-        disk.look();
+        disk.check();
         QVERIFY(disk.model.watch().lastWatch()->shouldNotify);
         QVERIFY(disk.desktop.notifier.posted.isEmpty());
         // It counted as a notice all the same.
         disk.background.setNotificationsWanted(true);
-        disk.look();
+        disk.check();
         QVERIFY(disk.desktop.notifier.posted.isEmpty());
     }
 
@@ -219,7 +219,7 @@ private Q_SLOTS:
     {
         FullDisk disk;
         disk.model.watch().setWatching(true);
-        disk.look();
+        disk.check();
         const auto seen = disk.model.watch().lastWatch();
         disk.scan();
         QVERIFY(disk.model.watch().lastWatch() == seen);
@@ -232,7 +232,7 @@ private Q_SLOTS:
         const auto tree = disk.model.scans().tree();
         const auto generation = disk.model.scans().treeGeneration();
         disk.model.watch().setWatching(true);
-        disk.look();
+        disk.check();
         QCOMPARE(disk.model.scans().tree(), tree);
         QCOMPARE(disk.model.scans().treeGeneration(), generation);
         QCOMPARE(disk.model.scans().phase().kind, Phase::Kind::ready);

@@ -36,7 +36,7 @@ public:
         const FileReading &reading;
         UserDefaults &defaults;
         DesktopSession session{};
-        /// Starts a program that goes on by itself.
+        /// Starts a program that goes on by itself; QProcess where it is empty.
         std::function<void(const QString &program, const QStringList &arguments)> start{};
     };
 

@@ -38,8 +38,8 @@ void StatusNotifierItem::setAppearance(const TrayItem::Appearance &appearance)
 {
     if (std::exchange(m_label, appearance.title) != m_label)
         tellText();
-    const auto look = TrayPicture::look(appearance.usedShare, appearance.isDanger);
-    if (std::exchange(m_look, look) != m_look) {
+    const auto content = TrayPicture::contentOf(appearance.usedShare, appearance.isDanger);
+    if (std::exchange(m_content, content) != m_content) {
         paint();
         Q_EMIT NewIcon();
     }
@@ -107,7 +107,7 @@ void StatusNotifierItem::tellText()
 void StatusNotifierItem::paint()
 {
     m_pixmaps.clear();
-    for (const auto &image : TrayPicture::drawAll(m_look))
+    for (const auto &image : TrayPicture::drawAll(m_content))
         m_pixmaps.append(trayPixmap(image));
 }
 

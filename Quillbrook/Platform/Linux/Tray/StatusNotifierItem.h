@@ -99,7 +99,7 @@ private:
     QDBusConnection m_bus;
     QDBusObjectPath m_menu;
     QString m_label;
-    TrayPicture::Look m_look;
+    TrayPicture::Content m_content;
     QList<TrayPixmap> m_pixmaps;
     QByteArray m_token;
     bool m_isPublished = false;

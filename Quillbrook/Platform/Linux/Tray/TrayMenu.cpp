@@ -173,7 +173,7 @@ void TrayMenu::refuse(int id)
 
 void TrayMenu::choose(int id)
 {
-    // Later, so that the panel has its answer before a window comes up or a look at the disk begins.
+    // Later, so that the panel has its answer before a window comes up or a check of the disk begins.
     const auto tell = [this](void (TrayMenu::*chosen)()) {
         QMetaObject::invokeMethod(this, chosen, Qt::QueuedConnection);
     };

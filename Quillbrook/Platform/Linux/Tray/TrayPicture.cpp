@@ -61,7 +61,7 @@ void fill(QPainter &painter, const QRectF &disk, const QColor &tone, double shar
 
 } // namespace
 
-Look look(double usedShare, bool isDanger)
+Content contentOf(double usedShare, bool isDanger)
 {
     const auto share = std::isnan(usedShare) ? 0.0 : std::clamp(usedShare, 0.0, 1.0);
     return { .step = static_cast<int>(std::lround(share * steps)), .isDanger = isDanger };
@@ -72,7 +72,7 @@ QColor tone(bool isDanger)
     return isDanger ? QColor(0xd1, 0x36, 0x29) : QColor(0x3f, 0x66, 0xd6);
 }
 
-QImage draw(const Look &look, int size)
+QImage draw(const Content &content, int size)
 {
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -80,14 +80,14 @@ QImage draw(const Look &look, int size)
     painter.setRenderHint(QPainter::Antialiasing);
     const auto ring = std::max(1.0, size / 16.0);
     const QRectF disk(ring / 2, ring / 2, size - ring, size - ring);
-    const auto colour = tone(look.isDanger);
+    const auto colour = tone(content.isDanger);
 
     QPainterPath circle;
     circle.addEllipse(disk);
     painter.fillPath(circle, ground());
     painter.save();
     painter.setClipPath(circle);
-    fill(painter, disk, colour, static_cast<double>(look.step) / steps, size >= leastWithRows);
+    fill(painter, disk, colour, static_cast<double>(content.step) / steps, size >= leastWithRows);
     painter.restore();
 
     if (size >= leastWithQuill) {
@@ -105,11 +105,11 @@ QImage draw(const Look &look, int size)
     return image.convertToFormat(QImage::Format_ARGB32);
 }
 
-QList<QImage> drawAll(const Look &look)
+QList<QImage> drawAll(const Content &content)
 {
     QList<QImage> images;
     for (const auto size : sizes)
-        images.append(draw(look, size));
+        images.append(draw(content, size));
     return images;
 }
 

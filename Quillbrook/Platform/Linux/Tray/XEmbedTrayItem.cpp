@@ -16,10 +16,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QIcon icon(const TrayPicture::Look &look)
+QIcon icon(const TrayPicture::Content &content)
 {
     QIcon result;
-    for (const auto &image : TrayPicture::drawAll(look))
+    for (const auto &image : TrayPicture::drawAll(content))
         result.addPixmap(QPixmap::fromImage(image));
     return result;
 }
@@ -65,7 +65,7 @@ void XEmbedTrayItem::show(const Appearance &appearance)
     // An ampersand would mark the next letter as the entry's key.
     m_figure.setText(TrayTexts::free(appearance.title).replace(u'&', u"&&"_s));
     m_icon.setToolTip(TrayTexts::whole(appearance.title));
-    m_icon.setIcon(icon(TrayPicture::look(appearance.usedShare, appearance.isDanger)));
+    m_icon.setIcon(icon(TrayPicture::contentOf(appearance.usedShare, appearance.isDanger)));
     m_icon.show();
     seekTray();
 }

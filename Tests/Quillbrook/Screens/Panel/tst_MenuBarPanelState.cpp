@@ -30,12 +30,12 @@ struct Fixture : ScannedHome
         volumes.answer
             = VolumeCapacity{ .available = bytes, .availableForImportantUsage = bytes, .total = 200 * gibi };
     }
-    /// The watcher looks once, by the button, and has told what it saw.
-    void look()
+    /// The watcher checks once, by the button, and has told what it saw.
+    void check()
     {
-        QSignalSpy looks(&model.watch(), &WatchDriver::lastWatchChanged);
+        QSignalSpy checks(&model.watch(), &WatchDriver::lastWatchChanged);
         panel.checkNow();
-        QTRY_COMPARE(looks.count(), 1);
+        QTRY_COMPARE(checks.count(), 1);
     }
     void isTold(NotificationState state)
     {
@@ -120,7 +120,7 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.scan();
         fixture.addFile(".gradle/daemon/more", 20);
-        fixture.look();
+        fixture.check();
         QCOMPARE(fixture.panel.summary(), u"50.0 MB can be reclaimed safely"_s);
 
         fixture.addFile(".gradle/daemon/still more", 10);
@@ -132,7 +132,7 @@ private Q_SLOTS:
     void measuringHidesAKnownSize()
     {
         Fixture fixture;
-        fixture.look();
+        fixture.check();
         QVERIFY(fixture.panel.isReclaimable());
 
         FolderHold hold(fixture.directories, fixture.path());
@@ -162,7 +162,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.panel.watchingLine(), words);
         QCOMPARE(fixture.panel.quitHelp(), u"Quit Quillbrook."_s);
         // Also with a reading on hand.
-        fixture.look();
+        fixture.check();
         QCOMPARE(fixture.panel.watchingLine(), words);
     }
 
@@ -187,7 +187,7 @@ private Q_SLOTS:
     {
         Fixture fixture;
         fixture.panel.setWatching(true);
-        fixture.look();
+        fixture.check();
         QCOMPARE(fixture.panel.watchingLine(), u"Last checked today · checks every 30 minutes"_s);
         fixture.clock.moment = fixture.clock.moment.addDays(1);
         QCOMPARE(fixture.panel.watchingLine(), u"Last checked yesterday · checks every 30 minutes"_s);
@@ -304,12 +304,12 @@ private Q_SLOTS:
         QCOMPARE(fixture.panel.loginLine(), u"Without this, nothing watches after a restart."_s);
     }
 
-    void buttonLooksAtOnceWithoutForce()
+    void buttonChecksAtOnceWithoutForce()
     {
         Fixture fixture;
         QVERIFY(!fixture.model.watch().watcher().lastObservation());
         fixture.panel.checkNow();
-        // It has waited for the look; only the telling comes later.
+        // It has waited for the check; only the telling comes later.
         QVERIFY(fixture.model.watch().watcher().lastObservation());
         QVERIFY(!fixture.model.watch().watcher().lastObservation()->shouldNotify);
         QVERIFY(!fixture.model.watch().watcher().lastNotifiedAt());

@@ -95,8 +95,8 @@ private Q_SLOTS:
             QCOMPARE(pixmaps[i].width, size);
             QCOMPARE(pixmaps[i].height, size);
             QCOMPARE(pixmaps[i].bytes.size(), 4 * size * size);
-            const auto expected
-                = TrayPicture::draw(TrayPicture::look(0.5, false), size).pixelColor(size / 4, size * 3 / 4);
+            const auto expected = TrayPicture::draw(TrayPicture::contentOf(0.5, false), size)
+                                      .pixelColor(size / 4, size * 3 / 4);
             const auto *bytes = pixmaps[i].bytes.constData() + 4 * (size * 3 / 4 * size + size / 4);
             const auto byte = [&](int at) { return int(static_cast<unsigned char>(bytes[at])); };
             QCOMPARE(byte(0), expected.alpha());

@@ -79,8 +79,9 @@ private Q_SLOTS:
     {
         QFETCH(double, share);
         QFETCH(int, step);
-        QCOMPARE(TrayPicture::look(share, false), (TrayPicture::Look{ .step = step }));
-        QCOMPARE(TrayPicture::look(share, true), (TrayPicture::Look{ .step = step, .isDanger = true }));
+        QCOMPARE(TrayPicture::contentOf(share, false), (TrayPicture::Content{ .step = step }));
+        QCOMPARE(
+            TrayPicture::contentOf(share, true), (TrayPicture::Content{ .step = step, .isDanger = true }));
     }
 
     void hasAllSizes()
