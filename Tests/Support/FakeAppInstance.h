@@ -1,6 +1,6 @@
 #pragma once
 
-// The one running program, or not, as a test has it; another start is the signal.
+// The one running program; another start is the signal.
 
 #include "Platform/AppInstance.h"
 
@@ -11,14 +11,13 @@ namespace Quillbrook {
 class FakeAppInstance final : public AppInstance
 {
 public:
-    bool claim(Start /*start*/) override { return isTheOne; }
+    bool claim(Start /*start*/) override { return true; }
     void useActivationToken(const QByteArray &token) override
     {
         if (!token.isEmpty())
             tokens.append(token);
     }
 
-    bool isTheOne = true;
     QList<QByteArray> tokens;
 };
 
