@@ -175,7 +175,8 @@ bool DateText::isMoment(const QString &text, const QDateTime &present)
 
 QDateTime DateText::onDay(const QDateTime &moment, const QDateTime &day)
 {
-    return { day.date(), moment.time() };
+    // Not made from the two: no clock may show that time on that day.
+    return moment.addDays(moment.date().daysTo(day.date()));
 }
 
 int DateText::partAt(const QDateTime &moment, int cursor)

@@ -26,7 +26,7 @@ public:
     /// between 1970 and 2069. Not valid where the text is no date.
     Q_INVOKABLE [[nodiscard]] static QDateTime moment(const QString &text, const QDateTime &present);
     Q_INVOKABLE [[nodiscard]] static bool isMoment(const QString &text, const QDateTime &present);
-    /// The same time on another day.
+    /// The same time on another day; an hour later where the clock skips it there.
     Q_INVOKABLE [[nodiscard]] static QDateTime onDay(const QDateTime &moment, const QDateTime &day);
 
     /// The part of `text(moment)` that the cursor stands in or behind; -1 where there is none.

@@ -2,7 +2,10 @@
 #include "Support/Suite.h"
 
 #include <QLocale>
+#include <QScopeGuard>
 #include <QTest>
+
+#include <ctime>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -113,6 +116,21 @@ private Q_SLOTS:
     {
         QCOMPARE(DateText::onDay(moment, QDateTime(QDate(2024, 2, 29), QTime(0, 0))),
             QDateTime(QDate(2024, 2, 29), QTime(9, 30)));
+    }
+
+    void chosenDayHasATimeThoughItsClockSkipsThatHour()
+    {
+        const auto zone = qgetenv("TZ");
+        const auto reset = qScopeGuard([&zone] {
+            qputenv("TZ", zone);
+            ::tzset();
+        });
+        qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+        ::tzset();
+        const QDateTime before(QDate(2021, 3, 27), QTime(2, 30));
+        const auto chosen = DateText::onDay(before, QDateTime(QDate(2021, 3, 28), QTime(12, 0)));
+        QVERIFY(chosen.isValid());
+        QCOMPARE(chosen, QDateTime(QDate(2021, 3, 28), QTime(3, 30)));
     }
 
     void sheetBeginsWithTheWeekOfTheLanguage_data()
