@@ -10,6 +10,7 @@
 #include "Scan/FastScanner.h"
 #include "Scan/Format.h"
 
+#include <QCoreApplication>
 #include <QObject>
 
 #include <algorithm>
@@ -54,12 +55,13 @@ std::optional<QString> biggestSafe(const ReclaimReport &report)
 
 QString headlineOf(const Watcher::Observation &observation, bool low, bool worthMentioning)
 {
-    auto headline = Format::bytes(observation.freeBytes) + u" free"_s;
+    const auto free = Format::bytes(observation.freeBytes);
     if (low && worthMentioning)
-        headline += u" · "_s + Format::bytes(observation.reclaimableBytes) + u" can be reclaimed"_s;
-    else if (low)
-        headline += u" · nothing safe left to reclaim"_s;
-    return headline;
+        return QCoreApplication::translate("Watcher", "%1 free · %2 can be reclaimed")
+            .arg(free, Format::bytes(observation.reclaimableBytes));
+    return (low ? QCoreApplication::translate("Watcher", "%1 free · nothing safe left to reclaim")
+                : QCoreApplication::translate("Watcher", "%1 free"))
+        .arg(free);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "Scan/WholeDays.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 
 #include <array>
@@ -62,17 +63,17 @@ QString count(qint64 value)
 QString age(const std::optional<QDateTime> &date, const QDateTime &now)
 {
     if (!date)
-        return u"unknown"_s;
+        return QCoreApplication::translate("Format", "unknown");
     const auto days = wholeDays(*date, now);
     if (days < 1)
-        return u"today"_s;
+        return QCoreApplication::translate("Format", "today");
     if (days == 1)
-        return u"yesterday"_s;
+        return QCoreApplication::translate("Format", "yesterday");
     if (days < daysPerMonth)
-        return u"%1 days ago"_s.arg(days);
+        return QCoreApplication::translate("Format", "%1 days ago").arg(days);
     if (days < daysPerYear)
-        return u"%1 months ago"_s.arg(days / daysPerMonth);
-    return u"over a year ago"_s;
+        return QCoreApplication::translate("Format", "%1 months ago").arg(days / daysPerMonth);
+    return QCoreApplication::translate("Format", "over a year ago");
 }
 
 QString friendlyPath(const QString &path, const QString &home)

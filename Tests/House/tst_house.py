@@ -230,6 +230,50 @@ class Documents(unittest.TestCase):
         self.assertGreater(named, 10, "the documents name no paths any more")
 
 
+# Literals with a word for people in them: a capital and small letters, or words with blanks between.
+SPOKEN = re.compile(r"^[^\w]*([A-Z][a-z]+|[A-Z]{4,}|.*[A-Za-z]{2}.*[ …].*|.*[ …].*[A-Za-z]{2}.*)[^\w]*$")
+
+# Where a literal of that form is not read by a person in their own language: lines that are logged, and what goes
+# with them, stay English, and the tables are translated where they are shown.
+ENGLISH = {
+    "QuillbrookKit/Catalogue/": "tables, translated where they are shown",
+    "QuillbrookKit/Removal/": "sentences of the log, and tables",
+    "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
+    "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
+}
+# Words of protocols, of other programs and of styles, and names.
+NOT_SPOKEN = {"Quillbrook", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
+
+
+class Words(unittest.TestCase):
+    def bare(self, path, literal):
+        if path.suffix == ".qml":
+            literal = re.compile(r'(?<!qsTr\()(?<!QT_TR_NOOP\()"((?:[^"\\\n]|\\.)*)"')
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            if re.match(r"\s*(//|import|#include|pragma)", line):
+                continue
+            for text in literal.findall(line.split(" // ")[0]):
+                text = "".join(text)
+                if SPOKEN.match(text) and text not in NOT_SPOKEN and not text.startswith("/"):
+                    yield number, text
+
+    def testEveryTextAPersonReadsIsTranslated(self):
+        literal = re.compile(r'(?:u"((?:[^"\\\n]|\\.)*)"_s|QStringLiteral\("((?:[^"\\\n]|\\.)*)"\))')
+        for path in tracked(".cpp", ".h", ".qml"):
+            name = relative(path)
+            if not name.startswith(("Quillbrook/", "QuillbrookKit/")) or name.startswith(tuple(ENGLISH)):
+                continue
+            for number, text in self.bare(path, literal):
+                with self.subTest(f"{name}:{number}: {text}"):
+                    self.fail("a text without tr or qsTr")
+
+    def testWhatStaysEnglishIsStillThere(self):
+        names = [relative(path) for path in tracked()]
+        for start in ENGLISH:
+            with self.subTest(start):
+                self.assertTrue(any(name.startswith(start) for name in names))
+
+
 class Packages(unittest.TestCase):
     def lines(self):
         section = None
@@ -296,7 +340,6 @@ class Form(unittest.TestCase):
 
 if __name__ == "__main__":
     if "--list" in sys.argv:
-        for suite in (Directions, Suites, Documents, Packages, Form):
             print(*unittest.defaultTestLoader.getTestCaseNames(suite), sep="\n")
     else:
         unittest.main()

@@ -2,6 +2,7 @@
 
 // What the tray's item says, whichever way the desktop shows it.
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace Quillbrook::TrayTexts {
@@ -13,7 +14,7 @@ namespace Quillbrook::TrayTexts {
 
 [[nodiscard]] inline QString free(const QString &figure)
 {
-    return figure + QStringLiteral(" free");
+    return QCoreApplication::translate("Tray", "%1 free").arg(figure);
 }
 
 /// For desktops that know one text only.
@@ -24,17 +25,17 @@ namespace Quillbrook::TrayTexts {
 
 [[nodiscard]] inline QString open()
 {
-    return QStringLiteral("Open");
+    return QCoreApplication::translate("Tray", "Open");
 }
 
 [[nodiscard]] inline QString checkNow()
 {
-    return QStringLiteral("Check now");
+    return QCoreApplication::translate("Tray", "Check now");
 }
 
 [[nodiscard]] inline QString quit()
 {
-    return QStringLiteral("Quit");
+    return QCoreApplication::translate("Tray", "Quit");
 }
 
 } // namespace Quillbrook::TrayTexts
