@@ -2,6 +2,7 @@
 #include "Automation/UpdateCheck.h"
 #include "Core/AppModel.h"
 #include "Core/Background.h"
+#include "Core/Translation.h"
 #include "Platform/AppInstance.h"
 #include "Platform/AppServices.h"
 #include "Platform/Machine.h"
@@ -49,6 +50,7 @@ int main(int argc, char **argv)
     QGuiApplication::setDesktopFileName(u"com.tarnwick.Quillbrook"_s);
     QGuiApplication::setWindowIcon(QIcon(u":/icons/com.tarnwick.Quillbrook-256.png"_s));
     QQuickStyle::setStyle(u"Basic"_s);
+    const Translation translation;
 
     const auto machine = Machine::ofThisSystem();
     // Before anything that writes: the stores have one writer.

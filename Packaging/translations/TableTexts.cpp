@@ -1,5 +1,5 @@
-// Writes the texts of the Kit's tables as a source file that the extraction of texts can read: it finds what stands in
-// a call, and a table is none.
+// Writes the texts of the Kit's tables as a source file that the extraction of texts can read: it finds what
+// stands in a call, and a table is none.
 
 #include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/Safety.h"

@@ -6,6 +6,7 @@
 #include "Catalogue/ScanFences.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Core/ReleaseOnPool.h"
+#include "Core/Translation.h"
 #include "Core/TreeStageEstimate.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/KitServices.h"
@@ -254,7 +255,7 @@ void ScanDriver::showQuickFindings(const FindingCollector::Found &found, qsizety
     m_progress = std::min(share * TreeStageEstimate::start, TreeStageEstimate::start);
     m_scanProgress.setFraction(m_progress);
     if (found.latest)
-        m_scanProgress.setDetail(*found.latest);
+        m_scanProgress.setDetail(translatedTableText(*found.latest));
     m_scanProgress.setFindings(found.findings);
 }
 
@@ -262,7 +263,7 @@ void ScanDriver::endQuickStage(const Run &run)
 {
     m_report = run.report;
     Q_EMIT reportChanged();
-    m_scanProgress.setDetail(u"measuring the rest of the disk"_s);
+    m_scanProgress.setDetail(tr("measuring the rest of the disk"));
 }
 
 // Once a second while a scan runs.
@@ -271,7 +272,8 @@ void ScanDriver::tick()
     if (!m_run)
         return;
     const auto seen = m_run->scanner.progress();
-    m_scanProgress.setCounts(Format::count(seen.filesSeen) + u" files · "_s + Format::bytes(seen.bytesSeen));
+    m_scanProgress.setCounts(
+        tr("%1 files · %2").arg(Format::count(seen.filesSeen), Format::bytes(seen.bytesSeen)));
     if (m_progress < TreeStageEstimate::start)
         return;
     const auto fraction = TreeStageEstimate::fraction({ .filesSeen = seen.filesSeen,

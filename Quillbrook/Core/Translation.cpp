@@ -12,10 +12,11 @@ using namespace Qt::StringLiterals;
 
 Translation::Translation()
 {
-    const auto folders = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
-        u"quillbrook/translations"_s, QStandardPaths::LocateDirectory);
-    const bool found = std::ranges::any_of(folders,
-        [this](const QString &folder) { return m_translator.load(QLocale(), u"quillbrook"_s, u"_"_s, folder); });
+    const auto folders = QStandardPaths::locateAll(
+        QStandardPaths::GenericDataLocation, u"quillbrook/translations"_s, QStandardPaths::LocateDirectory);
+    const bool found = std::ranges::any_of(folders, [this](const QString &folder) {
+        return m_translator.load(QLocale(), u"quillbrook"_s, u"_"_s, folder);
+    });
     if (found)
         QCoreApplication::installTranslator(&m_translator);
 }

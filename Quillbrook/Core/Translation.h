@@ -7,9 +7,9 @@
 
 namespace Quillbrook {
 
-/// Loads the translation for the languages that the user has asked the desktop for, and installs it in the running
-/// application for as long as this lives. Where there is none, everything stays English. Main thread; made before the
-/// first text is shown.
+/// Loads the translation for the languages that the user has asked the desktop for, and installs it in the
+/// running application for as long as this lives. Where there is none, everything stays English. Main thread;
+/// made before the first text is shown.
 class Translation
 {
 public:
@@ -19,8 +19,8 @@ private:
     QTranslator m_translator;
 };
 
-/// What a person reads of a text that one of the Kit's tables holds; the tables, and with them what is stored, stay
-/// English.
+/// What a person reads of a text that one of the Kit's tables holds. The tables stay English, and with them
+/// what is stored of them.
 [[nodiscard]] QString translatedTableText(const QString &text);
 
 } // namespace Quillbrook

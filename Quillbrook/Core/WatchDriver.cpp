@@ -1,6 +1,7 @@
 #include "Core/WatchDriver.h"
 
 #include "Core/Background.h"
+#include "Core/Translation.h"
 #include "Platform/AppServices.h"
 #include "Platform/Notifier.h"
 #include "Scan/Format.h"
@@ -31,10 +32,11 @@ void WatchDriver::takeObservation(const Watcher::Observation &observation)
         Q_EMIT lastWatchChanged();
     if (!observation.shouldNotify || !m_background || !m_background->notificationsWanted())
         return;
-    auto body = observation.headline;
-    if (observation.biggestGroup)
-        body += u" · mostly "_s + *observation.biggestGroup;
-    m_services.notifier.post(Format::bytes(observation.reclaimableBytes) + u" can be reclaimed"_s, body);
+    const auto body = observation.biggestGroup
+        ? tr("%1 · mostly %2").arg(observation.headline, translatedTableText(*observation.biggestGroup))
+        : observation.headline;
+    m_services.notifier.post(
+        tr("%1 can be reclaimed").arg(Format::bytes(observation.reclaimableBytes)), body);
 }
 
 void WatchDriver::setWatching(bool watching)

@@ -240,9 +240,12 @@ ENGLISH = {
     "QuillbrookKit/Removal/": "sentences of the log, and tables",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
+    "Quillbrook/Platform/Linux/Bus/": "errors told to programs",
+    "Quillbrook/Platform/Linux/Tray/TrayMenu.cpp": "an error told to programs, and texts that TrayTexts words",
 }
 # Words of protocols, of other programs and of styles, and names.
-NOT_SPOKEN = {"Quillbrook", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
+NOT_SPOKEN = {
+    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
 
 
 class Words(unittest.TestCase):
@@ -340,6 +343,7 @@ class Form(unittest.TestCase):
 
 if __name__ == "__main__":
     if "--list" in sys.argv:
+        for suite in (Directions, Suites, Documents, Words, Packages, Form):
             print(*unittest.defaultTestLoader.getTestCaseNames(suite), sep="\n")
     else:
         unittest.main()

@@ -2,7 +2,7 @@
 """Makes up a language: every text gets accents, a third more letters and brackets at its ends, so that on a picture
 one sees at once what is not translated, put together from pieces, or cut.
 
-    made_up_language.py TEMPLATE.ts TRANSLATED.ts"""
+    made_up_language.py TEMPLATE.ts ... TRANSLATED.ts ..."""
 
 import re
 import sys
@@ -20,8 +20,7 @@ def translated(text):
     return f"[{accented}{'~' * max(1, round(letters / 3))}]"
 
 
-def main():
-    template, result = sys.argv[1:]
+def translate(template, result):
     tree = ElementTree.parse(template)
     root = tree.getroot()
     root.set("language", "eo")
@@ -36,6 +35,12 @@ def main():
         else:
             translation.text = translated(source)
     tree.write(result, encoding="utf-8", xml_declaration=True)
+
+
+def main():
+    count = len(sys.argv) // 2
+    for template, result in zip(sys.argv[1 : count + 1], sys.argv[count + 1 :]):
+        translate(template, result)
 
 
 if __name__ == "__main__":

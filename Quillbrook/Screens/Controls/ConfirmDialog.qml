@@ -11,7 +11,7 @@ Sheet {
     id: root
 
     required property string message
-    property string cancelText: "Cancel"
+    property string cancelText: qsTr("Cancel")
     default property alias actions: actionRow.data
 
     signal cancelled

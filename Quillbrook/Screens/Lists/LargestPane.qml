@@ -16,7 +16,7 @@ Item {
         anchors.leftMargin: Metrics.paneInset
         anchors.rightMargin: Metrics.paneInset
         anchors.topMargin: Metrics.paneInset
-        name: "Biggest files"
+        name: qsTr("Biggest files")
         selection: root.selection
         // The linter does not see through the namespace that the state's base class stands in.
         // qmllint disable type

@@ -52,7 +52,7 @@ ListRow {
         PushButton {
             Accessible.description: root.name
             activeFocusOnTab: root.ListView.isCurrentItem || activeFocus
-            text: "Show"
+            text: qsTr("Show")
             onClicked: root.showRequested()
         }
     }

@@ -29,7 +29,7 @@ ColumnLayout {
         Layout.rightMargin: Metrics.paneInset
         Layout.topMargin: Metrics.paneInset
         objectName: "searchField"
-        placeholderText: "Search every file name on this Mac"
+        placeholderText: qsTr("Search every file name on this Mac")
         symbol: "magnifyingglass"
         text: root.search.text
         onTextEdited: root.search.text = text
@@ -41,7 +41,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.leftMargin: Metrics.paneInset
         Layout.rightMargin: Metrics.paneInset
-        name: "Found"
+        name: qsTr("Found")
         selection: root.selection
         // The linter does not see through the namespace that the state's base class stands in.
         // qmllint disable type

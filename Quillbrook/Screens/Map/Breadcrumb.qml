@@ -26,7 +26,7 @@ RowLayout {
             contentX = Math.max(0, contentWidth - width);
         }
 
-        Accessible.name: "Folders above"
+        Accessible.name: qsTr("Folders above")
         Accessible.role: Accessible.List
         Layout.fillHeight: true
         Layout.fillWidth: true
@@ -89,6 +89,6 @@ RowLayout {
     BodyText {
         color: Theme.label
         font.pointSize: Metrics.smallFont
-        text: "double-click to drill in"
+        text: qsTr("double-click to drill in")
     }
 }

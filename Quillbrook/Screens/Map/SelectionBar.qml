@@ -91,32 +91,32 @@ Card {
         }
 
         PushButton {
-            text: "Open"
+            text: qsTr("Open")
             visible: root.selection.canOpen
             onClicked: root.selection.open()
         }
 
         PushButton {
-            text: "Show in Finder"
+            text: qsTr("Show in Finder")
             onClicked: root.selection.reveal()
         }
 
         PushButton {
-            text: "Move to Trash"
+            text: qsTr("Move to Trash")
             visible: root.selection.removable
             onClicked: root.selection.askToRemove(false)
         }
 
         PushButton {
             kind: PushButton.Destructive
-            text: "Delete permanently"
+            text: qsTr("Delete permanently")
             visible: root.selection.removable
             onClicked: root.selection.askToRemove(true)
         }
 
         SymbolButton {
             symbol: "xmark"
-            text: "Clear selection"
+            text: qsTr("Clear selection")
             onClicked: root.selection.dismiss()
         }
     }

@@ -10,7 +10,7 @@ Item {
     required property MapState map
 
     TreemapItem {
-        Accessible.name: "Map"
+        Accessible.name: qsTr("Map")
         Accessible.role: Accessible.List
         anchors.fill: parent
         map: root.map

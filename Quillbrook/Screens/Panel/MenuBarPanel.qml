@@ -60,7 +60,7 @@ Window {
             BodyText {
                 anchors.baseline: figure.baseline
                 color: Theme.label
-                text: "free"
+                text: qsTr("free")
             }
         }
 
@@ -85,7 +85,7 @@ Window {
             Layout.topMargin: Metrics.space24
             line: root.panel.watchingLine
             on: root.panel.watching
-            title: "Keep watching this Mac"
+            title: qsTr("Keep watching this Mac")
             onAsked: wanted => root.panel.setWatching(wanted)
         }
 
@@ -97,13 +97,13 @@ Window {
             hint: root.panel.settingsHint
             line: root.panel.notificationsLine
             on: root.panel.notificationsWanted
-            title: "Tell me when space runs low"
+            title: qsTr("Tell me when space runs low")
             visible: root.panel.watching
             onAsked: wanted => root.panel.setNotificationsWanted(wanted)
 
             PushButton {
                 kind: PushButton.Link
-                text: "Open Settings"
+                text: qsTr("Open Settings")
                 visible: root.panel.offersSettings
                 onClicked: root.panel.openSettings()
             }
@@ -116,7 +116,7 @@ Window {
             Layout.topMargin: Metrics.panelGap
             line: root.panel.loginLine
             on: root.panel.launchesAtLogin
-            title: "Keep watching after I restart"
+            title: qsTr("Keep watching after I restart")
             visible: root.panel.watching
             onAsked: wanted => root.panel.setLaunchAtLogin(wanted)
         }
@@ -140,12 +140,12 @@ Window {
 
             PushButton {
                 kind: PushButton.Prominent
-                text: "Open"
+                text: qsTr("Open")
                 onClicked: root.panel.open()
             }
 
             PushButton {
-                text: "Check now"
+                text: qsTr("Check now")
                 onClicked: root.panel.checkNow()
             }
 
@@ -157,7 +157,7 @@ Window {
                 id: quit
 
                 Accessible.description: root.panel.quitHelp
-                text: "Quit"
+                text: qsTr("Quit")
                 onClicked: root.panel.quit()
 
                 HelpTip {

@@ -1,5 +1,6 @@
 #include "Screens/Scanning/ArrivingFindingsModel.h"
 
+#include "Core/Translation.h"
 #include "Scan/Format.h"
 
 namespace Quillbrook {
@@ -43,11 +44,11 @@ QVariant ArrivingFindingsModel::data(const QModelIndex &index, int role) const
     const auto &finding = m_findings.at(index.row());
     switch (Role(role)) {
     case Role::title:
-        return finding.rule.title;
+        return translatedTableText(finding.rule.title);
     case Role::size:
         return Format::bytes(finding.bytes);
     }
-    return role == Qt::DisplayRole ? QVariant(finding.rule.title) : QVariant();
+    return role == Qt::DisplayRole ? QVariant(translatedTableText(finding.rule.title)) : QVariant();
 }
 
 QHash<int, QByteArray> ArrivingFindingsModel::roleNames() const

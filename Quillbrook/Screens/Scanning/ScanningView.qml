@@ -54,7 +54,7 @@ Item {
         ListView {
             id: findings
 
-            Accessible.name: "Found so far"
+            Accessible.name: qsTr("Found so far")
             Accessible.role: Accessible.List
             activeFocusOnTab: count > 0
             anchors.fill: parent

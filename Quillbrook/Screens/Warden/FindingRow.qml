@@ -52,7 +52,7 @@ CardSlice {
             }
 
             Symbol {
-                Accessible.name: "Locked"
+                Accessible.name: qsTr("Locked")
                 Accessible.role: Accessible.Graphic
                 anchors.fill: parent
                 color: Theme.label
@@ -120,7 +120,7 @@ CardSlice {
                 Accessible.description: root.row.title
                 activeFocusOnTab: root.current
                 open: root.row.pathShown
-                text: "Where is it?"
+                text: qsTr("Where is it?")
                 onClicked: root.pathToggled()
             }
 
@@ -135,7 +135,7 @@ CardSlice {
         PushButton {
             Accessible.description: root.row.title
             activeFocusOnTab: root.current
-            text: "Show"
+            text: qsTr("Show")
             onClicked: root.revealed()
         }
     }

@@ -9,8 +9,8 @@ ConfirmDialog {
 
     required property FreeNowState offer
 
-    cancelText: "Keep in Trash for now"
-    message: "The Trash is on the same disk, so the space only comes back once it leaves. Freeing it now removes only what Quillbrook moved, and can't be undone. Keep it in the Trash if you might want something back."
+    cancelText: qsTr("Keep in Trash for now")
+    message: qsTr("The Trash is on the same disk, so the space only comes back once it leaves. Freeing it now removes only what Quillbrook moved, and can't be undone. Keep it in the Trash if you might want something back.")
     title: offer.title
 
     Component.onCompleted: follow()
@@ -33,7 +33,7 @@ ConfirmDialog {
 
     PushButton {
         kind: PushButton.Destructive
-        text: "Free it now"
+        text: qsTr("Free it now")
         onClicked: root.offer.free()
     }
 }

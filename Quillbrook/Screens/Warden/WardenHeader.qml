@@ -39,7 +39,7 @@ Item {
         enabled: root.warden.canReclaim
         implicitHeight: Metrics.prominentHeight
         kind: PushButton.Prominent
-        text: "Move to Trash"
+        text: qsTr("Move to Trash")
         onClicked: root.warden.askToReclaim()
     }
 }

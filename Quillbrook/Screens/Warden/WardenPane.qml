@@ -61,7 +61,7 @@ ColumnLayout {
                 currentItem.forceActiveFocus(Qt.TabFocusReason);
             }
 
-            Accessible.name: "What can go"
+            Accessible.name: qsTr("What can go")
             Accessible.role: Accessible.List
             Keys.onDownPressed: step(1)
             Keys.onUpPressed: step(-1)
@@ -123,7 +123,7 @@ ColumnLayout {
 
         PushButton {
             kind: PushButton.Destructive
-            text: "Delete permanently"
+            text: qsTr("Delete permanently")
             onClicked: {
                 confirming.close();
                 root.warden.reclaim(true);
@@ -134,12 +134,12 @@ ColumnLayout {
     ConfirmDialog {
         id: finishing
 
-        message: "This frees the space immediately and cannot be undone. Only the items Quillbrook moved are removed."
+        message: qsTr("This frees the space immediately and cannot be undone. Only the items Quillbrook moved are removed.")
         title: root.warden.finishTitle
 
         PushButton {
             kind: PushButton.Destructive
-            text: "Remove permanently"
+            text: qsTr("Remove permanently")
             onClicked: {
                 finishing.close();
                 root.warden.finishRemoving();

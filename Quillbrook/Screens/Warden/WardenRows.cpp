@@ -1,5 +1,6 @@
 #include "Screens/Warden/WardenRows.h"
 
+#include "Core/Translation.h"
 #include "Scan/Format.h"
 #include "Screens/SingleLine.h"
 #include "Screens/Theme.h"
@@ -118,10 +119,18 @@ QList<WardenRow> banners(const Input &input)
 WardenRow heading(const ReclaimReport &report, Safety safety)
 {
     return { .kind = WardenLines::Kind::Heading,
-        .title = label(safety),
+        .title = translatedTableText(label(safety)),
         .size = Format::bytes(report.bytes(safety)),
         .note = safety == Safety::reportOnly ? tr("· Quillbrook never picks these") : QString(),
         .tone = tone(safety) };
+}
+
+QString translatedTitle(Finding finding)
+{
+    finding.rule.title = translatedTableText(finding.rule.title);
+    if (finding.locationLabel)
+        finding.locationLabel = translatedTableText(*finding.locationLabel);
+    return finding.displayTitle();
 }
 
 WardenRow row(const Finding &finding, const Input &input)
@@ -129,7 +138,7 @@ WardenRow row(const Finding &finding, const Input &input)
     const bool selectable = isSelectable(finding);
     return { .kind = WardenLines::Kind::Finding,
         .id = finding.id,
-        .title = singleLine(finding.displayTitle()),
+        .title = singleLine(translatedTitle(finding)),
         .size = Format::bytes(finding.bytes),
         .note = finding.redirectedOffVolume
             ? tr("This folder actually lives on another drive, so clearing it frees nothing here.")
@@ -137,8 +146,8 @@ WardenRow row(const Finding &finding, const Input &input)
         .ages
         = tr("Created %1 · last used %2")
               .arg(Format::age(finding.created, input.now), Format::age(finding.lastModified, input.now)),
-        .what = finding.rule.what,
-        .regenerates = finding.rule.regenerates,
+        .what = translatedTableText(finding.rule.what),
+        .regenerates = translatedTableText(finding.rule.regenerates),
         .path = singleLine(finding.friendlyPath(input.home)),
         .selectable = selectable,
         .ticked = selectable && input.chosen.contains(finding.id),

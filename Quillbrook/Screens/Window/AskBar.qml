@@ -36,7 +36,7 @@ Card {
             Layout.fillWidth: true
             leftPadding: 0
             objectName: "questionField"
-            placeholderText: "Ask Quillbrook anything about this Mac"
+            placeholderText: qsTr("Ask Quillbrook anything about this Mac")
             plain: true
             text: root.ask.draft
             onAccepted: root.submit()
@@ -44,13 +44,13 @@ Card {
         }
 
         PushButton {
-            text: "History"
+            text: qsTr("History")
             onClicked: root.ask.openConversation()
         }
 
         PushButton {
             kind: PushButton.Prominent
-            text: "Ask"
+            text: qsTr("Ask")
             onClicked: root.submit()
         }
     }

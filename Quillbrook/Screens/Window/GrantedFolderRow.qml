@@ -17,14 +17,14 @@ ColumnLayout {
         color: Theme.danger
         font.pointSize: Metrics.warningFont
         semibold: true
-        text: "That is not this Mac's startup disk"
+        text: qsTr("That is not this Mac's startup disk")
         visible: root.folder.isWrongVolume
         wrapMode: Text.Wrap
     }
 
     CaptionText {
         Layout.fillWidth: true
-        text: "Freeing space there will not help a full internal disk."
+        text: qsTr("Freeing space there will not help a full internal disk.")
         visible: root.folder.isWrongVolume
         wrapMode: Text.Wrap
     }
@@ -40,7 +40,7 @@ ColumnLayout {
         }
 
         PushButton {
-            text: "Change"
+            text: qsTr("Change")
             onClicked: root.folder.change()
         }
     }

@@ -28,7 +28,7 @@ Item {
 
             HeadingText {
                 horizontalAlignment: Text.AlignHCenter
-                text: "Quillbrook needs to see your files to measure them"
+                text: qsTr("Quillbrook needs to see your files to measure them")
                 width: parent.width
                 wrapMode: Text.Wrap
             }
@@ -36,7 +36,7 @@ Item {
             BodyText {
                 font.pointSize: Metrics.messageFont
                 horizontalAlignment: Text.AlignHCenter
-                text: "It reads names, sizes and dates — never the contents of a file. Choose your home folder and it will not ask again."
+                text: qsTr("It reads names, sizes and dates — never the contents of a file. Choose your home folder and it will not ask again.")
                 width: parent.width
                 wrapMode: Text.Wrap
             }
@@ -46,7 +46,7 @@ Item {
             anchors.horizontalCenter: parent.horizontalCenter
             implicitHeight: Metrics.prominentHeight
             kind: PushButton.Prominent
-            text: "Choose my home folder…"
+            text: qsTr("Choose my home folder…")
             onClicked: root.content.chooseHomeFolder()
         }
     }

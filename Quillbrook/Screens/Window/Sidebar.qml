@@ -36,13 +36,13 @@ FocusScope {
             Layout.bottomMargin: Metrics.space8
             Layout.leftMargin: Metrics.sidebarInset
             Layout.topMargin: Metrics.space16
-            text: "STORAGE"
+            text: qsTr("STORAGE")
         }
 
         ColumnLayout {
             id: rowColumn
 
-            Accessible.name: "Screens"
+            Accessible.name: qsTr("Screens")
             Accessible.role: Accessible.List
             Keys.onDownPressed: root.rows.walkTo(root.rows.selectedRow + 1)
             Keys.onPressed: event => {

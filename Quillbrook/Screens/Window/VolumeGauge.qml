@@ -28,7 +28,7 @@ ColumnLayout {
         BodyText {
             anchors.baseline: figure.baseline
             color: Theme.label
-            text: "free"
+            text: qsTr("free")
         }
     }
 

@@ -7,6 +7,7 @@
 #include "Platform/UserDefaults.h"
 #include "WhenAnswered.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QPromise>
@@ -87,7 +88,8 @@ LinuxLoginItem::Outcome LinuxLoginItem::write(bool isHidden) const
 {
     // An entry is text; a name of other bytes would make it start something else.
     if (!m_services.program.startsWith(u'/') || m_services.program.contains(QChar::ReplacementCharacter))
-        return std::unexpected(u"The program's own path can't be written down."_s);
+        return std::unexpected(
+            QCoreApplication::translate("LoginItem", "The program's own path can't be written down."));
     return m_services.writing.replace(
         bytes(m_services.session.configFolder + entryName), autostartFile(m_services.program, isHidden));
 }
@@ -125,7 +127,8 @@ LinuxLoginItem::Outcome LinuxLoginItem::takeAnswer(
     bool enabled, const std::optional<PortalRequest::Response> &response)
 {
     if (!response)
-        return std::unexpected(u"The desktop portal gave no answer."_s);
+        return std::unexpected(
+            QCoreApplication::translate("LoginItem", "The desktop portal gave no answer."));
     // A refusal tells how it stands as well.
     const auto starts = response->results.value(autostartKey);
     const bool isGranted = response->code == PortalRequest::Response::granted;
@@ -134,9 +137,9 @@ LinuxLoginItem::Outcome LinuxLoginItem::takeAnswer(
     else if (isGranted)
         m_services.defaults.setBoolean(rememberedKey, enabled);
     if (!isGranted)
-        return std::unexpected(u"The request was turned down."_s);
+        return std::unexpected(QCoreApplication::translate("LoginItem", "The request was turned down."));
     if (isEnabled() != enabled)
-        return std::unexpected(u"The desktop did not change it."_s);
+        return std::unexpected(QCoreApplication::translate("LoginItem", "The desktop did not change it."));
     return {};
 }
 

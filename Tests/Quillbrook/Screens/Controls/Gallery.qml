@@ -35,25 +35,25 @@ Rectangle {
             spacing: Metrics.space24
 
             Group {
-                label: "Buttons"
+                label: qsTr("Buttons")
 
                 Repeater {
                     model: [
                         {
                             kind: PushButton.Plain,
-                            name: "Plain"
+                            name: qsTr("Plain")
                         },
                         {
                             kind: PushButton.Prominent,
-                            name: "Prominent"
+                            name: qsTr("Prominent")
                         },
                         {
                             kind: PushButton.Destructive,
-                            name: "Destructive"
+                            name: qsTr("Destructive")
                         },
                         {
                             kind: PushButton.Link,
-                            name: "Link"
+                            name: qsTr("Link")
                         }
                     ]
 
@@ -72,19 +72,19 @@ Rectangle {
                         PushButton {
                             kind: buttonRow.modelData.kind
                             symbol: "trash"
-                            text: buttonRow.modelData.name + " with symbol"
+                            text: buttonRow.modelData.name + qsTr(" with symbol")
                         }
 
                         PushButton {
                             down: true
                             kind: buttonRow.modelData.kind
-                            text: buttonRow.modelData.name + " pressed"
+                            text: buttonRow.modelData.name + qsTr(" pressed")
                         }
 
                         PushButton {
                             enabled: false
                             kind: buttonRow.modelData.kind
-                            text: buttonRow.modelData.name + " disabled"
+                            text: buttonRow.modelData.name + qsTr(" disabled")
                         }
                     }
                 }
@@ -95,20 +95,20 @@ Rectangle {
                     PushButton {
                         implicitHeight: Metrics.prominentHeight
                         kind: PushButton.Prominent
-                        text: "The screen's own"
+                        text: qsTr("The screen's own")
                     }
 
                     PushButton {
                         id: helped
 
                         Accessible.description: help.text
-                        text: "With help"
+                        text: qsTr("With help")
 
                         HelpTip {
                             id: help
 
                             shown: helped.hovered || helped.visualFocus
-                            text: "What pressing it means, in a sentence."
+                            text: qsTr("What pressing it means, in a sentence.")
                         }
                     }
 
@@ -120,40 +120,40 @@ Rectangle {
                     SymbolButton {
                         enabled: false
                         symbol: "arrow.clockwise"
-                        text: "Again"
+                        text: qsTr("Again")
                     }
                 }
             }
 
             Group {
-                label: "Choices"
+                label: qsTr("Choices")
 
                 RowLayout {
                     spacing: Metrics.space16
 
                     TickBox {
-                        text: "Off"
+                        text: qsTr("Off")
                     }
 
                     TickBox {
                         checked: true
-                        text: "On"
+                        text: qsTr("On")
                     }
 
                     TickBox {
                         checked: true
                         enabled: false
-                        text: "On, disabled"
+                        text: qsTr("On, disabled")
                     }
 
                     TickBox {
                         enabled: false
-                        text: "Off, disabled"
+                        text: qsTr("Off, disabled")
                     }
 
                     TickBox {
                         checked: true
-                        name: "Without words"
+                        name: qsTr("Without words")
                     }
                 }
 
@@ -161,71 +161,71 @@ Rectangle {
                     spacing: Metrics.space16
 
                     ToggleSwitch {
-                        text: "Switch off"
+                        text: qsTr("Switch off")
                     }
 
                     ToggleSwitch {
                         checked: true
-                        text: "Switch on"
+                        text: qsTr("Switch on")
                     }
 
                     ToggleSwitch {
                         checked: true
                         enabled: false
-                        text: "Switch on, disabled"
+                        text: qsTr("Switch on, disabled")
                     }
 
                     ToggleSwitch {
-                        name: "Switch without words"
+                        name: qsTr("Switch without words")
                     }
                 }
             }
 
             Group {
-                label: "Fields"
+                label: qsTr("Fields")
 
                 RowLayout {
                     spacing: Metrics.space12
 
                     InputField {
-                        placeholderText: "Filter"
+                        placeholderText: qsTr("Filter")
                         symbol: "magnifyingglass"
                     }
 
                     InputField {
-                        placeholderText: "Name"
+                        placeholderText: qsTr("Name")
                         text: "renderer"
                     }
 
                     InputField {
                         enabled: false
-                        placeholderText: "Disabled field"
+                        placeholderText: qsTr("Disabled field")
                     }
                 }
             }
 
             Group {
-                label: "Text"
+                label: qsTr("Text")
 
                 FigureText {
-                    text: "48.2 GB"
+                    text: qsTr("48.2 GB")
                 }
 
                 HeadingText {
-                    text: "A heading of a screen"
+                    text: qsTr("A heading of a screen")
                 }
 
                 BodyText {
-                    text: "Running text, as it stands in a row"
+                    text: qsTr("Running text, as it stands in a row")
                 }
 
                 BodyText {
                     semibold: true
-                    text: "The same, semibold"
+                    text: qsTr("The same, semibold")
                 }
 
                 CaptionText {
-                    text: "A caption: created over a year ago · last used today"
+                    text: qsTr("A caption: created over a year ago · last used today")
                 }
 
                 BodyText {
@@ -243,37 +243,37 @@ Rectangle {
 
             Group {
                 Layout.fillWidth: true
-                label: "Banners"
+                label: qsTr("Banners")
 
                 Banner {
                     Layout.fillWidth: true
                     symbol: "exclamationmark.shield.fill"
-                    text: "What it means, in as many words as that takes, over more than one line where the card is narrow."
+                    text: qsTr("What it means, in as many words as that takes, over more than one line where the card is narrow.")
                     tinted: true
-                    title: "Something to be careful about"
+                    title: qsTr("Something to be careful about")
                     tone: Theme.careful
                 }
 
                 Banner {
                     Layout.fillWidth: true
-                    note: "A note on what comes of it."
+                    note: qsTr("A note on what comes of it.")
                     symbol: "trash"
-                    text: "What it means, in a few words."
-                    title: "Something that can be done"
+                    text: qsTr("What it means, in a few words.")
+                    title: qsTr("Something that can be done")
 
                     PushButton {
-                        text: "Do it"
+                        text: qsTr("Do it")
                     }
 
                     PushButton {
-                        text: "Rather not"
+                        text: qsTr("Rather not")
                     }
                 }
             }
 
             Group {
                 Layout.fillWidth: true
-                label: "Rows"
+                label: qsTr("Rows")
 
                 Card {
                     Layout.fillWidth: true
@@ -286,11 +286,11 @@ Rectangle {
 
                         ListRow {
                             activeFocusOnTab: true
-                            text: "A row"
+                            text: qsTr("A row")
                             width: parent.width
 
                             contentItem: BodyText {
-                                text: "A row"
+                                text: qsTr("A row")
                             }
                         }
 
@@ -301,11 +301,11 @@ Rectangle {
                         ListRow {
                             activeFocusOnTab: true
                             selected: true
-                            text: "A row that is selected"
+                            text: qsTr("A row that is selected")
                             width: parent.width
 
                             contentItem: BodyText {
-                                text: "A row that is selected"
+                                text: qsTr("A row that is selected")
                             }
                         }
 
@@ -316,11 +316,11 @@ Rectangle {
                         ListRow {
                             activeFocusOnTab: true
                             enabled: false
-                            text: "A row that is disabled"
+                            text: qsTr("A row that is disabled")
                             width: parent.width
 
                             contentItem: BodyText {
-                                text: "A row that is disabled"
+                                text: qsTr("A row that is disabled")
                             }
                         }
                     }
@@ -329,7 +329,7 @@ Rectangle {
 
             Group {
                 Layout.fillWidth: true
-                label: "Progress"
+                label: qsTr("Progress")
 
                 Repeater {
                     model: [0, 0.31, 1]
@@ -351,7 +351,7 @@ Rectangle {
             }
 
             Group {
-                label: "Focus, hover, press"
+                label: qsTr("Focus, hover, press")
 
                 RowLayout {
                     spacing: Metrics.space16
@@ -393,18 +393,18 @@ Rectangle {
             }
 
             Group {
-                label: "Sheets"
+                label: qsTr("Sheets")
 
                 RowLayout {
                     spacing: Metrics.space12
 
                     PushButton {
-                        text: "Ask something"
+                        text: qsTr("Ask something")
                         onClicked: question.open()
                     }
 
                     PushButton {
-                        text: "Open a sheet"
+                        text: qsTr("Open a sheet")
                         onClicked: sheet.open()
                     }
                 }
@@ -425,7 +425,7 @@ Rectangle {
                     delegate: BodyText {
                         required property int index
 
-                        text: "Line " + index + " of a list that scrolls"
+                        text: qsTr("Line ") + index + qsTr(" of a list that scrolls")
                     }
                 }
             }
@@ -439,36 +439,36 @@ Rectangle {
             spacing: Metrics.space24
 
             Group {
-                label: "Pickers"
+                label: qsTr("Pickers")
 
                 RowLayout {
                     spacing: Metrics.space8
 
                     TabRow {
-                        name: "Which list"
+                        name: qsTr("Which list")
                         objectName: "tabs"
-                        options: ["Apps on this Mac", "Leftovers"]
+                        options: [qsTr("Apps on this Mac"), qsTr("Leftovers")]
                         onPicked: index => current = index
                     }
 
                     SegmentedPicker {
-                        name: "How often"
+                        name: qsTr("How often")
                         objectName: "picker"
-                        options: ["Every time", "Just once", "Never"]
+                        options: [qsTr("Every time"), qsTr("Just once"), qsTr("Never")]
                         onPicked: index => current = index
                     }
 
                     SegmentedPicker {
                         enabled: false
-                        name: "Picker, disabled"
-                        options: ["On", "Off"]
+                        name: qsTr("Picker, disabled")
+                        options: [qsTr("On"), qsTr("Off")]
                     }
                 }
 
                 StepSlider {
                     Layout.fillWidth: true
                     from: 70
-                    label: "Clear it when the disk reaches " + value + "%"
+                    label: qsTr("Clear it when the disk reaches ") + value + "%"
                     objectName: "slider"
                     to: 99
                     value: 96
@@ -478,7 +478,7 @@ Rectangle {
                     Layout.fillWidth: true
                     enabled: false
                     from: 70
-                    label: "Slider, disabled"
+                    label: qsTr("Slider, disabled")
                     to: 99
                     value: 80
                 }
@@ -486,7 +486,7 @@ Rectangle {
 
             Group {
                 Layout.fillWidth: true
-                label: "Switch rows"
+                label: qsTr("Switch rows")
 
                 Card {
                     Layout.fillWidth: true
@@ -498,27 +498,27 @@ Rectangle {
                         width: parent.width
 
                         SwitchRow {
-                            caption: "1 item · when the disk is 90% full"
-                            note: "Would clear 2.9 GB now."
+                            caption: qsTr("1 item · when the disk is 90% full")
+                            note: qsTr("Would clear 2.9 GB now.")
                             objectName: "switchRow"
                             on: false
-                            size: "2.9 GB"
-                            text: "Package and build caches. Each one refetches what it needs next time you build."
-                            title: "Keep build tools in check"
+                            size: qsTr("2.9 GB")
+                            text: qsTr("Package and build caches. Each one refetches what it needs next time you build.")
+                            title: qsTr("Keep build tools in check")
                             width: parent.width
                             onAsked: wanted => on = wanted
                         }
 
                         SwitchRow {
-                            caption: "Fired 3× · last 2 days ago"
+                            caption: qsTr("Fired 3× · last 2 days ago")
                             divided: true
                             on: true
-                            text: "When the disk is 95% full, clear it · just once"
-                            title: "Leftovers from building apps"
+                            text: qsTr("When the disk is 95% full, clear it · just once")
+                            title: qsTr("Leftovers from building apps")
                             width: parent.width
 
                             PushButton {
-                                text: "Remove"
+                                text: qsTr("Remove")
                             }
                         }
                     }
@@ -527,7 +527,7 @@ Rectangle {
 
             Group {
                 Layout.fillWidth: true
-                label: "Progress rows"
+                label: qsTr("Progress rows")
 
                 Card {
                     Layout.fillWidth: true
@@ -539,23 +539,23 @@ Rectangle {
                         width: parent.width
 
                         ProgressRow {
-                            detail: "Created 7 months ago · last used 2 months ago"
+                            detail: qsTr("Created 7 months ago · last used 2 months ago")
                             objectName: "runningRow"
                             progress: 0.337
-                            progressText: "6.2 GB of 18.4 GB · 104 MB/s"
+                            progressText: qsTr("6.2 GB of 18.4 GB · 104 MB/s")
                             running: true
-                            size: "18.4 GB"
-                            title: "Downloaded AI models"
+                            size: qsTr("18.4 GB")
+                            title: qsTr("Downloaded AI models")
                             width: parent.width
                         }
 
                         ProgressRow {
-                            action: "Move"
+                            action: qsTr("Move")
                             actionEnabled: false
-                            detail: "Created over a year ago · last used 3 months ago"
+                            detail: qsTr("Created over a year ago · last used 3 months ago")
                             divided: true
-                            size: "1.8 GB"
-                            title: "Test Android phones"
+                            size: qsTr("1.8 GB")
+                            title: qsTr("Test Android phones")
                             width: parent.width
                         }
                     }
@@ -564,24 +564,24 @@ Rectangle {
 
             Group {
                 Layout.fillWidth: true
-                label: "Chips"
+                label: qsTr("Chips")
 
                 ChipFlow {
                     Layout.fillWidth: true
-                    name: "Questions"
+                    name: qsTr("Questions")
                     objectName: "chips"
-                    texts: ["What is using the most space?", "Is it safe to clear caches?", "How do I get 10 GB back?", "What changed?"]
+                    texts: [qsTr("What is using the most space?"), qsTr("Is it safe to clear caches?"), qsTr("How do I get 10 GB back?"), qsTr("What changed?")]
                 }
             }
 
             Group {
-                label: "Dates"
+                label: qsTr("Dates")
 
                 RowLayout {
                     spacing: Metrics.space20
 
                     DateField {
-                        name: "From"
+                        name: qsTr("From")
                         objectName: "date"
                         value: new Date(2020, 5, 14, 9, 30)
                         onPicked: moment => value = moment
@@ -589,7 +589,7 @@ Rectangle {
 
                     DateField {
                         enabled: false
-                        name: "Date, disabled"
+                        name: qsTr("Date, disabled")
                         value: new Date(2022, 5, 14, 9, 30)
                     }
                 }
@@ -600,19 +600,19 @@ Rectangle {
     ConfirmDialog {
         id: question
 
-        message: "What happens then, and that it can be put back."
+        message: qsTr("What happens then, and that it can be put back.")
         objectName: "question"
-        title: "Move renderer to the Trash?"
+        title: qsTr("Move renderer to the Trash?")
 
         PushButton {
             kind: PushButton.Prominent
-            text: "Move to Trash"
+            text: qsTr("Move to Trash")
             onClicked: question.close()
         }
 
         PushButton {
             kind: PushButton.Destructive
-            text: "Delete permanently"
+            text: qsTr("Delete permanently")
             onClicked: question.close()
         }
     }
@@ -621,18 +621,18 @@ Rectangle {
         id: sheet
 
         objectName: "sheet"
-        title: "A sheet"
+        title: qsTr("A sheet")
 
         contentItem: ColumnLayout {
             HeadingText {
                 Layout.margins: Metrics.space20
-                text: "A sheet"
+                text: qsTr("A sheet")
             }
 
             PushButton {
                 Layout.margins: Metrics.space20
                 focus: true
-                text: "Close the sheet"
+                text: qsTr("Close the sheet")
                 onClicked: sheet.close()
             }
         }

@@ -10,6 +10,7 @@
 #include <QQuickView>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTranslator>
 #include <QtQml/QQmlExtensionPlugin>
 
 #include <algorithm>
@@ -79,6 +80,23 @@ private Q_SLOTS:
         QCOMPARE(m_view->status(), QQuickView::Ready);
         QTest::qWait(50);
         QCOMPARE(m_warnings, QStringList());
+    }
+
+    void longerTextsAreWhole()
+    {
+        QTranslator language;
+        QVERIFY(language.load(QStringLiteral(MADE_UP_LANGUAGE)));
+        QCoreApplication::installTranslator(&language);
+        load();
+        int count = 0;
+        for (auto *item : items()) {
+            const auto text = item->property("text").toString();
+            if (!item->property("truncated").isValid() || !text.startsWith(u'['))
+                continue;
+            ++count;
+            QVERIFY2(!item->property("truncated").toBool(), qPrintable(text));
+        }
+        QVERIFY(count > 30);
     }
 
     void everythingThatCanBePressedHasAName()
