@@ -346,8 +346,9 @@ private Q_SLOTS:
         const auto *last = item(
             Role::StaticText, watching ? m_machine->panel.loginLine() : m_machine->panel.watchingLine());
         const auto *open = item(Role::Button, u"Open"_s);
-        const auto gap
-            = [&] { return open->mapToScene({}).y() - last->mapToScene({ 0, last->height() }).y(); };
+        const auto gap = [&] {
+            return open->mapToScene({}).y() - last->mapToScene({ 0, last->height() }).y();
+        };
         QTRY_COMPARE_LE(gap(), 24 + 1 + 12 + 1);
         QVERIFY(shows(m_machine->panel.watchingLine()));
         QCOMPARE(shows(m_machine->panel.notificationsLine()), watching);
