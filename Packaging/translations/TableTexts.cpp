@@ -4,6 +4,8 @@
 #include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/Safety.h"
 #include "Catalogue/StorageCatalogue.h"
+#include "Removal/Linux/LinuxGuards.h"
+#include "Removal/PathGuards.h"
 
 #include <QSet>
 #include <QTextStream>
@@ -62,6 +64,10 @@ int main()
         }
         for (const auto &row : host.suitability)
             listing.add(row.hotReason.value_or(QString()));
+        for (const auto &guard : PathGuards::builtIn())
+            listing.add(guard.sentence);
+        for (const auto &guard : LinuxGuards::guards({}).guards)
+            listing.add(guard.sentence);
         for (const auto safety : { Safety::safe, Safety::careful, Safety::reportOnly })
             listing.add(label(safety));
     }

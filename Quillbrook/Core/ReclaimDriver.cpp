@@ -3,6 +3,7 @@
 #include "Catalogue/StorageCatalogue.h"
 #include "Core/Navigation.h"
 #include "Core/ScanDriver.h"
+#include "Core/Translation.h"
 #include "Core/VolumeFigures.h"
 #include "Platform/Clock.h"
 #include "Platform/FileFacts.h"
@@ -126,7 +127,10 @@ std::optional<TrashedItem> ReclaimDriver::moveItem(const StorageItem &item)
 
 std::function<std::optional<QString>()> ReclaimDriver::guardedPath(const NodeSnapshot &snapshot) const
 {
-    return [path = m_navigation.rawPath(snapshot), home = rawHome(), guards = m_kit.guards] {
+    // For a person to read; the log, which a refused removal ends in, stays English.
+    auto guards = m_kit.guards;
+    guards.wording = translatedTableText;
+    return [path = m_navigation.rawPath(snapshot), home = rawHome(), guards = std::move(guards)] {
         return PathRemoval::refusal(path, home, &guards);
     };
 }

@@ -30,6 +30,9 @@ struct HostGuards
     /// followed only where it is "." or "..". The same path where nothing is there, empty where it can't be
     /// told. Both what was given and the answer have to pass.
     std::function<std::string(const std::string &path)> withoutLinks{};
+    /// What a person reads of a sentence, in which names are filled in afterwards; absent: the sentence
+    /// itself.
+    std::function<QString(const QString &sentence)> wording{};
 };
 
 } // namespace Quillbrook

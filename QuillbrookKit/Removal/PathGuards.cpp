@@ -131,11 +131,12 @@ std::span<const Guard> builtIn()
     return table;
 }
 
-std::optional<QString> answer(std::span<const Guard> table, const GuardedPath &path)
+std::optional<QString> answer(std::span<const Guard> table, const GuardedPath &path,
+    const std::function<QString(const QString &sentence)> &wording)
 {
     for (const auto &row : table)
         if (const auto named = row.names(path))
-            return worded(row.sentence, path, *named);
+            return worded(wording ? wording(row.sentence) : row.sentence, path, *named);
     return std::nullopt;
 }
 

@@ -24,8 +24,10 @@ inline constexpr std::array<std::string_view, 12> systemRoots{ "/System", "/usr"
 
 [[nodiscard]] std::span<const Guard> builtIn();
 
-/// The sentence of the first row of `table` that holds for `path`; absent when none does.
-[[nodiscard]] std::optional<QString> answer(std::span<const Guard> table, const GuardedPath &path);
+/// The sentence of the first row of `table` that holds for `path`, in the words of `wording` where there is
+/// one; absent when none does.
+[[nodiscard]] std::optional<QString> answer(std::span<const Guard> table, const GuardedPath &path,
+    const std::function<QString(const QString &sentence)> &wording = {});
 
 /// The sentences about a package itself ({name}) and about what lies in one ({named}).
 [[nodiscard]] QString packageSentence();

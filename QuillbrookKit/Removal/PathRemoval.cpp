@@ -23,9 +23,11 @@ std::optional<QString> answer(const std::string &path, const std::string &home, 
     // A home folder that is the root of the disk makes nothing on it the user's.
     judged.fearsSystemRoots = host == nullptr || !host->sparesHomeFromSystemRoots || home == "/"
         || !(judged.isHome || judged.rest);
-    if (auto sentence = PathGuards::answer(PathGuards::builtIn(), judged))
+    if (host == nullptr)
+        return PathGuards::answer(PathGuards::builtIn(), judged);
+    if (auto sentence = PathGuards::answer(PathGuards::builtIn(), judged, host->wording))
         return sentence;
-    return host != nullptr ? PathGuards::answer(host->guards, judged) : std::nullopt;
+    return PathGuards::answer(host->guards, judged, host->wording);
 }
 
 // What is not below the home folder by one of its paths may be by the other. Below none it is judged by the

@@ -172,6 +172,16 @@ private Q_SLOTS:
         QVERIFY(!refusal("/a/line\nfeed", home));
     }
 
+    void namesAreFilledIntoTheWordingOfAnotherLanguage()
+    {
+        HostGuards host;
+        host.wording
+            = [](const QString &sentence) { return sentence.toUpper().replace(u"{NAMED}"_s, u"{named}"_s); };
+        QCOMPARE(refusal("/a/x.band/b", home, &host),
+            inside(u"x.band"_s).toUpper().replace(u"X.BAND"_s, u"x.band"_s));
+        QCOMPARE(refusal("/", home, &host), u"THAT IS THE WHOLE DISK."_s);
+    }
+
     void tablesAreAsTheyAre()
     {
         QCOMPARE(PathGuards::builtIn().size(), size_t(11));
