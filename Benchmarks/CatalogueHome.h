@@ -1,6 +1,6 @@
 #pragma once
 
-// The catalogue's surroundings on this machine, and made-up trees of a million nodes for it to read.
+// What the catalogue asks of this machine, and made-up trees of a million nodes for it to read.
 
 #include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/StorageCatalogue.h"
@@ -20,7 +20,7 @@
 
 namespace Quillbrook::Benchmarks {
 
-class CatalogueSurroundings
+class CatalogueMachine
 {
 public:
     [[nodiscard]] CatalogueServices services()

@@ -39,11 +39,11 @@ HostCatalogue hostOf(const QString &home)
 
 QJsonObject quick(const QString &home)
 {
-    CatalogueSurroundings surroundings;
+    CatalogueMachine machine;
     const auto host = hostOf(home);
     double first = 0;
     const auto start = Watch::now();
-    const auto report = StorageCatalogue::quickScan(surroundings.services(),
+    const auto report = StorageCatalogue::quickScan(machine.services(),
         { .places = { .homeDirectory = home, .host = &host }, .onFinding = [&first, start](const Finding &) {
              if (first == 0)
                  first = secondsSince(start);
@@ -73,7 +73,7 @@ QJsonObject bare(const QString &home)
 
 QJsonObject evaluate()
 {
-    CatalogueSurroundings surroundings;
+    CatalogueMachine machine;
     const auto home = u"/home/nobody here"_s;
     const auto host = hostOf(home);
     CatalogueHome maker(home);
@@ -83,7 +83,7 @@ QJsonObject evaluate()
     qsizetype findings = 0;
     for (int i = 0; i < evaluations; ++i) {
         const auto start = Watch::now();
-        findings = StorageCatalogue::evaluate(surroundings.services(),
+        findings = StorageCatalogue::evaluate(machine.services(),
             { .tree = *tree, .root = 0, .places = { .homeDirectory = home, .host = &host } })
                        .findings.size();
         seconds.append(secondsSince(start));

@@ -18,10 +18,10 @@ const HostCatalogue &host()
 
 void evaluate(benchmark::State &state, const FileTree &tree)
 {
-    CatalogueSurroundings surroundings;
+    CatalogueMachine machine;
     qsizetype findings = 0;
     for (auto _ : state)
-        findings = StorageCatalogue::evaluate(surroundings.services(),
+        findings = StorageCatalogue::evaluate(machine.services(),
             { .tree = tree, .root = 0, .places = { .homeDirectory = home, .host = &host() } })
                        .findings.size();
     state.counters["findings"] = static_cast<double>(findings);

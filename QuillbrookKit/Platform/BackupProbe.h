@@ -21,7 +21,7 @@ public:
     virtual ~BackupProbe() = default;
     /// What can't be found out counts as not there. Asks nobody for a password, and takes some seconds at the
     /// most; not for the main thread.
-    [[nodiscard]] virtual Backups look() const = 0;
+    [[nodiscard]] virtual Backups find() const = 0;
 };
 
 } // namespace Quillbrook

@@ -35,7 +35,7 @@ SafetyNet SafetyNet::current(const ProcessRunner &processes, const BackupProbe &
     const auto destinations = ask(processes, { u"destinationinfo"_s });
     const auto snapshots = ask(processes, { u"listlocalsnapshots"_s, u"/"_s });
     if (!destinations && !snapshots) {
-        const auto backups = probe.look();
+        const auto backups = probe.find();
         return { .hasTimeMachineDestination = backups.hasDestination,
             .localSnapshotCount = backups.localSnapshots };
     }

@@ -9,7 +9,7 @@ namespace Quillbrook {
 class FakeBackupProbe final : public BackupProbe
 {
 public:
-    [[nodiscard]] Backups look() const override { return backups; }
+    [[nodiscard]] Backups find() const override { return backups; }
 
     Backups backups{ .hasDestination = true };
 };

@@ -81,7 +81,7 @@ struct Services
     LinuxBackupProbe backups{
         { .reading = disk.reading, .files = disk.files, .processes = processes, .home = places.realHome }
     };
-    const HostGuards guards = LinuxGuards::guards(LinuxGuards::surroundings(places.home, disk.reading));
+    const HostGuards guards = LinuxGuards::guards(LinuxGuards::places(places.home, disk.reading));
     LinuxFileRevealer revealer;
     LinuxMotionPreference motion;
     const DesktopSession session = DesktopSession::of(environment(), places.home.realHomeDirectory());

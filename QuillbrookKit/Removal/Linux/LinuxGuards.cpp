@@ -98,7 +98,7 @@ Named someoneElsesHome(const GuardedPath &path)
     return when(isBelowHomes && !path.isHome && !path.rest);
 }
 
-bool isWholeDrive(const GuardedPath &path, const Surroundings &host)
+bool isWholeDrive(const GuardedPath &path, const Places &host)
 {
     const auto deepest = [&](const std::string &folder, std::ptrdiff_t depth) {
         const auto found = depthBelow(path, folder);
@@ -117,7 +117,7 @@ std::string shortened(const std::string &folder, const GuardedPath &path)
 }
 
 // What holds one of them would take it along.
-Named userFolder(const GuardedPath &path, const Surroundings &host)
+Named userFolder(const GuardedPath &path, const Places &host)
 {
     for (const auto &folder : host.userFolders)
         if (path.path == folder || path.holds(folder))
@@ -157,14 +157,14 @@ Named insidePackage(const GuardedPath &path)
     return found != components.end() ? Named(*found) : restWithinOneOf(packageFolders)(path);
 }
 
-Named trashItself(const GuardedPath &path, const Surroundings &host)
+Named trashItself(const GuardedPath &path, const Places &host)
 {
     const auto position = host.trashes.position(path.path);
     const bool isPart = position && std::ranges::find(trashParts, position->inner) != trashParts.end();
     return when(isPart || path.holds(host.trashes.homeTrash));
 }
 
-bool isProgramItself(const GuardedPath &path, const Surroundings &host)
+bool isProgramItself(const GuardedPath &path, const Places &host)
 {
     return std::ranges::any_of(host.programFiles, [&](const auto &file) {
         return path.path == file || path.holds(file);
@@ -220,10 +220,10 @@ std::vector<std::string> userFolders(
 
 } // namespace
 
-Surroundings surroundings(const HomeFolder &home, const FileReading &reading)
+Places places(const HomeFolder &home, const FileReading &reading)
 {
     const auto homePath = home.rawRealHomeDirectory();
-    Surroundings host{ .userName = userName(),
+    Places host{ .userName = userName(),
         .homes = { homePath, ResolvedPath::withoutLinks(homePath + "/.") },
         .trashes = TrashPlaces::ofThisUser(home),
         .isMountPoint = isMountPoint };
@@ -238,9 +238,9 @@ Surroundings surroundings(const HomeFolder &home, const FileReading &reading)
     return host;
 }
 
-HostGuards guards(const Surroundings &surroundings)
+HostGuards guards(const Places &places)
 {
-    const auto host = std::make_shared<const Surroundings>(surroundings);
+    const auto host = std::make_shared<const Places>(places);
     const auto notInHome = [](std::string_view root) {
         return [root](const GuardedPath &path) { return when(path.fearsSystemRoots && path.isWithin(root)); };
     };

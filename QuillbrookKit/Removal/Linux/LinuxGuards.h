@@ -18,7 +18,7 @@ class HomeFolder;
 namespace LinuxGuards {
 
 /// What the guards go by besides the path. Paths are absolute and standardised.
-struct Surroundings
+struct Places
 {
     std::string userName{};
     /// The home folder, and where its links lead.
@@ -34,10 +34,10 @@ struct Surroundings
 };
 
 /// Those of this process.
-[[nodiscard]] Surroundings surroundings(const HomeFolder &home, const FileReading &reading);
+[[nodiscard]] Places places(const HomeFolder &home, const FileReading &reading);
 
 /// The guards, which look at the disk for where links lead and for what is mounted. Callable from any thread.
-[[nodiscard]] HostGuards guards(const Surroundings &surroundings);
+[[nodiscard]] HostGuards guards(const Places &places);
 
 } // namespace LinuxGuards
 

@@ -330,7 +330,7 @@ private Q_SLOTS:
         QCOMPARE(idsOf(report), QStringList(u"gradle.daemon"_s));
     }
 
-    void stopEndsTheLocationInHandAndNoOtherIsBegun()
+    void stopEndsThePresentLocationAndNoOtherIsBegun()
     {
         MadeUpHome home;
         home.tree.folder(".gradle/daemon");

@@ -13,7 +13,7 @@ namespace {
 class FakeProbe final : public BackupProbe
 {
 public:
-    [[nodiscard]] Backups look() const override
+    [[nodiscard]] Backups find() const override
     {
         ++looks;
         return answer;

@@ -195,7 +195,7 @@ LinuxBackupProbe::LinuxBackupProbe(Services services)
 {
 }
 
-Backups LinuxBackupProbe::look() const
+Backups LinuxBackupProbe::find() const
 {
     const Questions questions(m_services);
     return { .hasDestination = questions.hasDestination(), .localSnapshots = questions.localSnapshots() };

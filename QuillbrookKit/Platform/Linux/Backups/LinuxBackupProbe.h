@@ -36,7 +36,7 @@ public:
 
     explicit LinuxBackupProbe(Services services);
 
-    [[nodiscard]] Backups look() const override;
+    [[nodiscard]] Backups find() const override;
 
 private:
     const Services m_services;

@@ -128,7 +128,7 @@ struct MadeUpDisk
         kept.alone("/tmp");
     }
 
-    [[nodiscard]] LinuxGuards::Surroundings surroundings() const
+    [[nodiscard]] LinuxGuards::Places places() const
     {
         return { .userName = "anna",
             .homes = { home, linkedHome },
@@ -205,7 +205,7 @@ private Q_SLOTS:
         QFETCH(bool, byItsLinkedPath);
         const MadeUpDisk disk;
         const auto &home = byItsLinkedPath ? disk.linkedHome : disk.home;
-        const auto guards = LinuxGuards::guards(disk.surroundings());
+        const auto guards = LinuxGuards::guards(disk.places());
         PathMaker maker(disk);
         int keptOnes = 0;
         int letGoOnes = 0;

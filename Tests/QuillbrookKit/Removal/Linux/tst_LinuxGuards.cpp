@@ -1,5 +1,5 @@
 // What a Linux desktop adds to the guards: each row beside what it only nearly meets, links that lead into
-// what is kept, and the surroundings of this process.
+// what is kept, and the places of this process.
 
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "RawText.h"
@@ -22,7 +22,7 @@ namespace {
 
 const std::string home = "/home/anna";
 
-LinuxGuards::Surroundings madeUp(const std::string &homePath)
+LinuxGuards::Places madeUp(const std::string &homePath)
 {
     return { .userName = "anna",
         .homes = { homePath },
@@ -234,8 +234,8 @@ private Q_SLOTS:
     void homeBelowASystemRootIsTheUsersOwn()
     {
         const std::string varHome = "/var/home/anna";
-        auto surroundings = madeUp(varHome);
-        const auto guards = LinuxGuards::guards(surroundings);
+        auto places = madeUp(varHome);
+        const auto guards = LinuxGuards::guards(places);
         const auto at
             = [&](const std::string &path) { return refusal(path, varHome, &guards).value_or(u"(let)"_s); };
         QCOMPARE(at("/var/home/anna/.cache/pip"), u"(let)"_s);
@@ -261,9 +261,9 @@ private Q_SLOTS:
         const auto linked = tree.path("home/anna");
         const auto real = tree.path("var/home/anna");
         for (const auto &[at, other] : { std::pair(linked, real), std::pair(real, linked) }) {
-            auto surroundings = madeUp(at);
-            surroundings.homes.push_back(real);
-            const auto guards = LinuxGuards::guards(surroundings);
+            auto places = madeUp(at);
+            places.homes.push_back(real);
+            const auto guards = LinuxGuards::guards(places);
             for (const auto &way : { linked, real }) {
                 QCOMPARE(refusal(way, at, &guards), u"That is your home folder."_s);
                 QVERIFY(refusal(way + "/.ssh/id", at, &guards));
@@ -330,7 +330,7 @@ private Q_SLOTS:
         QVERIFY(!refusal(tree.path(detour + "a"), tree.path(), &guards));
     }
 
-    void surroundingsOfThisProcess()
+    void placesOfThisProcess()
     {
         const TempTree tree;
         tree.fileWith(".config/user-dirs.dirs", "XDG_MUSIC_DIR=\"$HOME/Klang\"\nXDG_VIDEOS_DIR=\"$HOME/\"\n");
@@ -338,7 +338,7 @@ private Q_SLOTS:
         homeFolder.home = tree.text();
         homeFolder.realHome = tree.text();
         const LinuxFileReading reading;
-        const auto guards = LinuxGuards::guards(LinuxGuards::surroundings(homeFolder, reading));
+        const auto guards = LinuxGuards::guards(LinuxGuards::places(homeFolder, reading));
         const auto program = QCoreApplication::applicationFilePath().toStdString();
         const auto at = [&](const std::string &path) {
             return refusal(path, tree.path(), &guards).value_or(u"(let)"_s);
@@ -359,7 +359,7 @@ private Q_SLOTS:
         homeFolder.home = tree.text();
         homeFolder.realHome = tree.text();
         qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(tree.path("settings")));
-        const auto guards = LinuxGuards::guards(LinuxGuards::surroundings(homeFolder, LinuxFileReading()));
+        const auto guards = LinuxGuards::guards(LinuxGuards::places(homeFolder, LinuxFileReading()));
         QCOMPARE(refusal(tree.path("Klang"), tree.path(), &guards), own(u"Klang"_s));
     }
 
@@ -369,7 +369,7 @@ private Q_SLOTS:
         tree.fileWith("j\xf6rg/.config/user-dirs.dirs", "XDG_MUSIC_DIR=\"$HOME/Klang\"\n");
         RawHomeFolder home;
         home.path = tree.path("j\xf6rg");
-        const auto guards = LinuxGuards::guards(LinuxGuards::surroundings(home, LinuxFileReading()));
+        const auto guards = LinuxGuards::guards(LinuxGuards::places(home, LinuxFileReading()));
         const auto at
             = [&](const std::string &path) { return refusal(path, home.path, &guards).value_or(u"(let)"_s); };
         QCOMPARE(at(tree.path()), u"That holds your home folder."_s);

@@ -30,7 +30,7 @@ HostGuards guardsFor(const std::string &home)
     FakeHomeFolder homeFolder;
     homeFolder.home = QString::fromStdString(home);
     homeFolder.realHome = homeFolder.home;
-    return LinuxGuards::guards(LinuxGuards::surroundings(homeFolder, LinuxFileReading()));
+    return LinuxGuards::guards(LinuxGuards::places(homeFolder, LinuxFileReading()));
 }
 
 } // namespace

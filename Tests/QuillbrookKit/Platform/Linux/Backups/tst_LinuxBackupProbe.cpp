@@ -55,7 +55,7 @@ struct Machine
         tree.folder("etc");
     }
 
-    [[nodiscard]] Backups look() const
+    [[nodiscard]] Backups find() const
     {
         return LinuxBackupProbe({ .reading = reading,
                                     .files = files,
@@ -64,7 +64,7 @@ struct Machine
                                     .systemSettings = tree.path("etc"),
                                     .systemBus = bus,
                                     .timeLimit = timeLimit })
-            .look();
+            .find();
     }
 
     TempTree tree;
@@ -167,22 +167,22 @@ class TestLinuxBackupProbe : public QObject
 {
     Q_OBJECT
 
-    // Looks on another thread, while this one answers for the services on the bus.
-    static Backups lookFrom(const Machine &machine)
+    // Finds on another thread, while this one answers for the services on the bus.
+    static Backups findFrom(const Machine &machine)
     {
-        const auto look = QtConcurrent::run([&] { return machine.look(); });
+        const auto probing = QtConcurrent::run([&] { return machine.find(); });
         QElapsedTimer timer;
         timer.start();
-        while (!look.isFinished() && timer.elapsed() < 20'000)
+        while (!probing.isFinished() && timer.elapsed() < 20'000)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-        return look.result();
+        return probing.result();
     }
 
 private Q_SLOTS:
     void bareMachineHasNothing()
     {
         Machine machine;
-        QCOMPARE(machine.look(), Backups());
+        QCOMPARE(machine.find(), Backups());
         QVERIFY(machine.processes.commands.empty());
     }
 
@@ -219,7 +219,7 @@ private Q_SLOTS:
         Machine machine;
         content.replace("HOME", QByteArray::fromStdString(machine.tree.path("home")));
         machine.tree.fileWith(file.toStdString(), content.toStdString());
-        QCOMPARE(machine.look(), Backups{ .hasDestination = true });
+        QCOMPARE(machine.find(), Backups{ .hasDestination = true });
     }
 
     void repositoriesInADatabaseAreADestination_data()
@@ -241,7 +241,7 @@ private Q_SLOTS:
             nullptr);
         sqlite3_close(database);
         QCOMPARE(made, SQLITE_OK);
-        QCOMPARE(machine.look(), Backups{ .hasDestination = true });
+        QCOMPARE(machine.find(), Backups{ .hasDestination = true });
     }
 
     void settingsThatSayNothingAreNone_data()
@@ -260,7 +260,7 @@ private Q_SLOTS:
         QFETCH(QString, file);
         Machine machine;
         machine.tree.fileWith(file.toStdString(), "\xFF\n");
-        QCOMPARE(machine.look(), Backups());
+        QCOMPARE(machine.find(), Backups());
     }
 
     void oddThingsInThePlaceOfSettingsAreNone()
@@ -270,7 +270,7 @@ private Q_SLOTS:
         machine.tree.folder("home/.config/pika-backup/backup.json");
         machine.tree.link("home/.config/systemd/user/timers.target.wants", "timers.target.wants");
         machine.tree.fileWith("etc/timeshift/timeshift.json", std::string(2 << 20, '['));
-        QCOMPARE(machine.look(), Backups());
+        QCOMPARE(machine.find(), Backups());
     }
 
     void timersThatAreSwitchedOnCount_data()
@@ -297,10 +297,10 @@ private Q_SLOTS:
         const auto folder = units.toStdString();
         machine.tree.fileWith(
             folder + '/' + service.toStdString(), "[Service]\nExecStart=/usr/bin/restic backup\n");
-        QCOMPARE(machine.look(), Backups());
+        QCOMPARE(machine.find(), Backups());
         machine.tree.link(
             folder + "/timers.target.wants/" + wanted.toStdString(), "../" + wanted.toStdString());
-        QCOMPARE(machine.look().hasDestination, has);
+        QCOMPARE(machine.find().hasDestination, has);
     }
 
     void desktopSettingsAreAskedFor_data()
@@ -324,7 +324,7 @@ private Q_SLOTS:
                 .exited = true,
                 .exitCode = exitCode };
         };
-        QTEST(machine.look().hasDestination, "has");
+        QTEST(machine.find().hasDestination, "has");
         const auto &command = machine.processes.commands.at(0);
         QCOMPARE(command.program, u"/usr/bin/gsettings"_s);
         QCOMPARE(command.arguments, QStringList({ u"get"_s, u"org.gnome.DejaDup"_s, u"last-backup"_s }));
@@ -341,7 +341,7 @@ private Q_SLOTS:
                 .exited = true,
                 .exitCode = 0 };
         };
-        QCOMPARE(machine.look(), Backups{ .localSnapshots = 2 });
+        QCOMPARE(machine.find(), Backups{ .localSnapshots = 2 });
         const auto &command = machine.processes.commands.constLast();
         QCOMPARE(command.program, u"/usr/sbin/zfs"_s);
         QCOMPARE(command.arguments.constLast(), QDir(machine.tree.text("home")).canonicalPath());
@@ -353,7 +353,7 @@ private Q_SLOTS:
         machine.tree.fileWith("etc/timeshift/timeshift.json",
             "{\"backup_device_uuid\":\"a\",\"btrfs_mode\":\"true\",\"include_btrfs_home\":\"true\","
             "\"snapshot_count\":\"4\"}");
-        QCOMPARE(machine.look(), Backups{ .localSnapshots = 4 });
+        QCOMPARE(machine.find(), Backups{ .localSnapshots = 4 });
     }
 
     void withoutTimeNobodyIsAsked()
@@ -361,7 +361,7 @@ private Q_SLOTS:
         Machine machine;
         machine.files.hasTools = true;
         machine.timeLimit = {};
-        QCOMPARE(machine.look(), Backups());
+        QCOMPARE(machine.find(), Backups());
         QVERIFY(machine.processes.commands.empty());
     }
 
@@ -380,7 +380,7 @@ private Q_SLOTS:
             { u"secret"_s, subvolume, {} } };
         snapper.snapshots = { { u"other"_s, { { 0 }, { 1 } } }, { u"home"_s, { { 0 }, { 3 }, { 17 } } } };
         QVERIFY(snapper.answerOn(connection));
-        QCOMPARE(lookFrom(machine), Backups{ .localSnapshots = 2 });
+        QCOMPARE(findFrom(machine), Backups{ .localSnapshots = 2 });
         QCOMPARE(snapper.calls, 3);
     }
 
@@ -398,7 +398,7 @@ private Q_SLOTS:
         QVERIFY(snapper.answerOn(connection));
         QElapsedTimer timer;
         timer.start();
-        QCOMPARE(lookFrom(machine), Backups());
+        QCOMPARE(findFrom(machine), Backups());
         QVERIFY(timer.elapsed() < 5000);
         QCOMPARE(snapper.calls, 1);
     }
