@@ -34,7 +34,8 @@ double secondsSince(Watch::time_point start)
 
 HostCatalogue hostOf(const QString &home)
 {
-    return LinuxCatalogue::catalogue(LinuxUserFolders::read(LinuxFileReading(), home), home);
+    return LinuxCatalogue::catalogue(
+        LinuxUserFolders::read(LinuxFileReading(), home.toStdString() + "/.config", home), home);
 }
 
 QJsonObject quick(const QString &home)
