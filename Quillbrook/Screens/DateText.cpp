@@ -214,6 +214,11 @@ QString DateText::sheetColumn(int column)
     return QLocale().standaloneDayName(day, QLocale::NarrowFormat);
 }
 
+bool DateText::isSameDay(const QDateTime &moment, const QDateTime &other)
+{
+    return moment.date() == other.date();
+}
+
 QDateTime DateText::daysLater(const QDateTime &moment, int days)
 {
     return moment.addDays(days);

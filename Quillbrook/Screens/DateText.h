@@ -41,6 +41,8 @@ public:
     Q_INVOKABLE [[nodiscard]] static QDateTime sheetDay(const QDateTime &moment, int place);
     /// The name of a column of that sheet, as short as the language has it.
     Q_INVOKABLE [[nodiscard]] static QString sheetColumn(int column);
+    /// Whatever the time of each is.
+    Q_INVOKABLE [[nodiscard]] static bool isSameDay(const QDateTime &moment, const QDateTime &other);
     Q_INVOKABLE [[nodiscard]] static QDateTime daysLater(const QDateTime &moment, int days);
     /// The last day of a month that has no such day.
     Q_INVOKABLE [[nodiscard]] static QDateTime monthsLater(const QDateTime &moment, int months);

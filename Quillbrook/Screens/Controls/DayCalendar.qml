@@ -18,10 +18,6 @@ T.Popup {
 
     signal picked(date day)
 
-    function isSameDay(one: date, other: date): bool {
-        return one.toDateString() === other.toDateString();
-    }
-
     function walk(days: int) {
         current = DateText.daysLater(current, days);
     }
@@ -53,7 +49,9 @@ T.Popup {
             z: -1
         }
     }
+    // qmllint disable deferred-property-id
     contentItem: ColumnLayout {
+        // qmllint enable deferred-property-id
         spacing: Metrics.space4
 
         RowLayout {
@@ -123,8 +121,8 @@ T.Popup {
                     required property int index
 
                     readonly property date day: DateText.sheetDay(root.current, index)
-                    readonly property bool isCurrent: root.isSameDay(day, root.current)
-                    readonly property bool isValue: root.isSameDay(day, root.value)
+                    readonly property bool isCurrent: DateText.isSameDay(day, root.current)
+                    readonly property bool isValue: DateText.isSameDay(day, root.value)
                     readonly property bool isOfTheMonth: day.getMonth() === root.current.getMonth()
 
                     Accessible.name: DateText.day(day)

@@ -26,7 +26,7 @@ Item {
     signal acted
     signal stopped
 
-    Accessible.description: [detail, size, running ? progressText : ""].filter(words => words !== "").join(", ")
+    Accessible.description: (detail + ", " + size + ", " + (running ? progressText : "")).replace(/(, )+/g, ", ").replace(/^, |, $/g, "")
     Accessible.name: title
     Accessible.role: Accessible.ListItem
 

@@ -25,7 +25,7 @@ Item {
 
     signal asked(bool wanted)
 
-    Accessible.description: [text, caption, note, size].filter(words => words !== "").join(" ")
+    Accessible.description: (text + " " + caption + " " + note + " " + size).replace(/ +/g, " ").trim()
     Accessible.name: title
     Accessible.role: Accessible.ListItem
 
