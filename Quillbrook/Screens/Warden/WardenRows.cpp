@@ -19,7 +19,7 @@ constexpr std::array sections{ Safety::safe, Safety::careful, Safety::reportOnly
 
 QString tr(const char *text)
 {
-    return QCoreApplication::translate("WardenRows", text);
+    return QCoreApplication::translate("Quillbrook::WardenRows", text);
 }
 
 QColor tone(Safety safety)
