@@ -1,5 +1,6 @@
 #include "Platform/Linux/Sandbox/Sandbox.h"
 
+#include "Platform/Linux/Files/FlatpakInfo.h"
 #include "Platform/Linux/Folders/LinuxHomeFolder.h"
 
 #include <QDir>

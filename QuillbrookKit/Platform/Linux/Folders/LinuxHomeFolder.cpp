@@ -1,5 +1,6 @@
 #include "Platform/Linux/Folders/LinuxHomeFolder.h"
 
+#include "Platform/Linux/Files/FlatpakInfo.h"
 #include "StandardisedPath.h"
 
 #include <QFile>
@@ -84,37 +85,6 @@ LinuxHomeFolder::LinuxHomeFolder(const Sources &sources)
     : m_realHome(realHome(sources))
     , m_home(sandboxHome(sources, m_realHome).value_or(m_realHome))
 {
-}
-
-FlatpakInfo parseFlatpakInfo(QByteArrayView text)
-{
-    FlatpakInfo info;
-    bool hidesHome = false;
-    QByteArray group;
-    for (const auto &rawLine : text.toByteArray().split('\n')) {
-        const auto line = rawLine.trimmed();
-        if (line.startsWith('[')) {
-            group = line;
-            continue;
-        }
-        const auto separator = line.indexOf('=');
-        if (separator < 0)
-            continue;
-        const auto key = line.first(separator).trimmed();
-        const auto value = line.sliced(separator + 1).trimmed();
-        if (group == "[Application]" && key == "name")
-            info.application = QString::fromUtf8(value);
-        if (group != "[Context]" || key != "filesystems")
-            continue;
-        for (const auto &entry : value.split(';')) {
-            // What follows a colon is how it may be used: ro, rw, create.
-            const auto place = entry.split(':').constFirst().trimmed();
-            info.seesHome |= place == "home" || place == "host";
-            hidesHome |= place == "!home";
-        }
-    }
-    info.seesHome &= !hidesHome;
-    return info;
 }
 
 bool isStrictSnap(const QProcessEnvironment &environment)

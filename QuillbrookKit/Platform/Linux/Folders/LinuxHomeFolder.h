@@ -6,7 +6,7 @@
 #include "Platform/HomeFolder.h"
 #include "RawText.h"
 
-#include <QByteArrayView>
+#include <QByteArray>
 #include <QProcessEnvironment>
 
 #include <optional>
@@ -40,17 +40,6 @@ private:
     std::string m_realHome;
     std::string m_home;
 };
-
-/// What a Flatpak's description of itself tells: its application id, and whether it sees the home folder.
-struct FlatpakInfo
-{
-    QString application{};
-    bool seesHome = false;
-
-    bool operator==(const FlatpakInfo &) const = default;
-};
-
-[[nodiscard]] FlatpakInfo parseFlatpakInfo(QByteArrayView text);
 
 /// Whether the environment is that of a Snap under strict confinement: only there HOME is its own data
 /// folder.

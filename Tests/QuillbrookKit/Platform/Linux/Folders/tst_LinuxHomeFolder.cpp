@@ -1,3 +1,4 @@
+#include "Platform/Linux/Files/FlatpakInfo.h"
 #include "Platform/Linux/Folders/LinuxHomeFolder.h"
 #include "Support/Suite.h"
 
