@@ -19,6 +19,7 @@ class HostKnowledge;
 class HttpClient;
 class ProcessRunner;
 class Processors;
+class RunningApps;
 class Trash;
 class UserDefaults;
 class UtilityQueue;
@@ -35,6 +36,7 @@ struct KitServices
     FileFacts &files;
     FileReading &reading;
     ProcessRunner &processes;
+    RunningApps &runningApps;
     Clock &clock;
     HostKnowledge &host;
     Trash &trash;

@@ -14,6 +14,7 @@
 #include "Support/FakeHttpClient.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/FakeProcessors.h"
+#include "Support/FakeRunningApps.h"
 #include "Support/FakeTrash.h"
 #include "Support/FakeUserDefaults.h"
 #include "Support/FakeUtilityQueue.h"
@@ -64,6 +65,7 @@ struct FakeKit
             .files = either(instead.files, files),
             .reading = either(instead.reading, stored),
             .processes = either(instead.processes, processes),
+            .runningApps = runningApps,
             .clock = clock,
             .host = either(instead.host, host),
             .trash = either(instead.trash, trash),
@@ -83,6 +85,7 @@ struct FakeKit
     FakeHomeFolder home;
     FakeFileFacts files;
     FakeProcessRunner processes;
+    FakeRunningApps runningApps;
     FakeClock clock;
     FakeHostKnowledge host;
     FakeTrash trash;

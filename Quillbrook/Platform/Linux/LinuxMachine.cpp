@@ -11,6 +11,7 @@
 #include "Platform/Linux/Opening/LinuxLinkOpener.h"
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Platform/Linux/Processes/LinuxProcessors.h"
+#include "Platform/Linux/Processes/LinuxRunningApps.h"
 #include "Platform/Linux/Processes/LinuxUtilityQueue.h"
 #include "Platform/Linux/Processes/OpenFileLimit.h"
 #include "Platform/Linux/Sandbox/LinuxFolderGrants.h"
@@ -85,6 +86,8 @@ struct Services
     LinuxFileRevealer revealer;
     LinuxMotionPreference motion;
     const DesktopSession session = DesktopSession::of(environment(), places.home.realHomeDirectory());
+    LinuxRunningApps runningApps{ disk.reading,
+        session.sandbox.isNone() ? environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() : std::string() };
     LinuxNotifier notifier{
         { .processes = processes, .reading = disk.reading, .defaults = defaults, .session = session }
     };
@@ -126,6 +129,7 @@ public:
                      .files = all.disk.files,
                      .reading = all.disk.reading,
                      .processes = all.processes,
+                     .runningApps = all.runningApps,
                      .clock = all.clock,
                      .host = all.host,
                      .trash = all.disk.trash,
