@@ -11,6 +11,7 @@
 #include "Platform/Linux/Folders/LinuxVolumes.h"
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Platform/Linux/Processes/LinuxProcessors.h"
+#include "Platform/Linux/Processes/LinuxRunningApps.h"
 #include "Scan/FileTree.h"
 
 #include <map>
@@ -25,7 +26,8 @@ class CatalogueMachine
 public:
     [[nodiscard]] CatalogueServices services()
     {
-        return { m_directories, m_processors, m_volumes, m_files, m_reading, m_processes, m_clock };
+        return { m_directories, m_processors, m_volumes, m_files, m_reading, m_processes, m_runningApps,
+            m_clock };
     }
 
 private:
@@ -35,6 +37,7 @@ private:
     LinuxFileFacts m_files;
     LinuxFileReading m_reading;
     LinuxProcessRunner m_processes;
+    LinuxRunningApps m_runningApps{ m_reading, {} };
     SystemClock m_clock;
 };
 

@@ -2,6 +2,7 @@
 
 #include "Platform/Clock.h"
 #include "Platform/FileFacts.h"
+#include "Platform/RunningApps.h"
 #include "Platform/Volumes.h"
 #include "Scan/WholeDays.h"
 
@@ -63,8 +64,8 @@ public:
 
     void visit(const HostRule &row)
     {
-        for (const auto &[path, label] : row.locations)
-            visit({ .rule = &row.rule, .path = expanded(path), .label = label });
+        for (const auto &location : row.locations)
+            visit(row.rule, location);
         visitHostLocations(row.rule);
     }
 
@@ -74,6 +75,14 @@ private:
     [[nodiscard]] QString expanded(const QString &path) const
     {
         return path.startsWith(u'/') ? path : m_home + u'/' + path;
+    }
+
+    void visit(const ReclaimRule &rule, const HostLocation &location)
+    {
+        visit({ .rule = &rule,
+            .path = expanded(location.path),
+            .label = location.label,
+            .applicationId = location.applicationId });
     }
 
     void visit(CatalogueLocation location)
@@ -88,8 +97,8 @@ private:
             return;
         for (const auto &row : m_host->locations)
             if (row.ruleId == rule.id)
-                for (const auto &[path, label] : row.locations)
-                    visit({ .rule = &rule, .path = expanded(path), .label = label });
+                for (const auto &location : row.locations)
+                    visit(rule, location);
     }
 
     QString m_home;
@@ -113,6 +122,12 @@ bool isLonePlace(const ReclaimRule &rule)
     return rule.paths.size() == 1;
 }
 
+// Whether no application is using the place, as far as one is known that could.
+bool isUnused(const CatalogueLocation &location, const RunningApps &apps)
+{
+    return location.applicationId.isEmpty() || !apps.isRunning(location.applicationId).value_or(true);
+}
+
 QString lastComponent(const QString &path)
 {
     return path.section(u'/', -1, -1, QString::SectionSkipEmpty);
@@ -131,9 +146,10 @@ std::vector<CatalogueLocation> catalogueLocations(const StorageCatalogue::Places
     return std::move(walk).finish();
 }
 
-FindingList::FindingList(const FileFacts &files, const Clock &clock)
-    : m_files(files)
-    , m_clock(clock)
+FindingList::FindingList(const CatalogueServices &services)
+    : m_files(services.files)
+    , m_clock(services.clock)
+    , m_runningApps(services.runningApps)
 {
 }
 
@@ -146,7 +162,10 @@ const Finding &FindingList::add(const CatalogueLocation &location, qint64 bytes,
         .rule = rule,
         .path = location.path,
         .bytes = bytes,
-        .redirectedOffVolume = isLink };
+        .redirectedOffVolume = isLink,
+        .applicationId = location.applicationId };
+    if (rule.safety == Safety::safe && !isUnused(location, m_runningApps))
+        finding.rule.safety = Safety::careful;
     if (const auto dates = m_files.dates(location.path.toStdString())) {
         finding.created = dates->created;
         finding.lastModified = dates->lastModified;

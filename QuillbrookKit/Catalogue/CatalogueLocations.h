@@ -18,6 +18,7 @@ struct CatalogueLocation
     QString path{};
     /// Only where the host names it.
     std::optional<QString> label{};
+    QString applicationId{};
 };
 
 /// Every location of every table, in table order and path order, without those that `places` skips. The
@@ -29,9 +30,10 @@ struct CatalogueLocation
 class FindingList
 {
 public:
-    FindingList(const FileFacts &files, const Clock &clock);
+    explicit FindingList(const CatalogueServices &services);
 
-    /// Makes the finding of a location that holds `bytes`, reads its dates and keeps it.
+    /// Makes the finding of a location that holds `bytes`, reads its dates and keeps it. What is safe is
+    /// careful where its application runs, or where that can't be told.
     const Finding &add(const CatalogueLocation &location, qint64 bytes, bool isLink);
     /// All findings, largest first, with the figures of the volume that holds the home folder.
     [[nodiscard]] ReclaimReport report(const Volumes &volumes, const QString &homeDirectory) &&;
@@ -47,6 +49,7 @@ private:
 
     const FileFacts &m_files;
     const Clock &m_clock;
+    const RunningApps &m_runningApps;
     std::vector<Entry> m_entries;
 };
 

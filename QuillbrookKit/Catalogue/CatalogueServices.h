@@ -14,6 +14,7 @@ struct CatalogueServices
     const FileFacts &files;
     const FileReading &reading;
     const ProcessRunner &processes;
+    const RunningApps &runningApps;
     const Clock &clock;
 
     /// That part of all there is.
@@ -25,6 +26,7 @@ struct CatalogueServices
             .files = kit.files,
             .reading = kit.reading,
             .processes = kit.processes,
+            .runningApps = kit.runningApps,
             .clock = kit.clock };
     }
 };

@@ -27,6 +27,9 @@ struct Finding
     /// What tells this finding from others of its rule where the host names its locations; absent where the
     /// path has to do.
     std::optional<QString> locationLabel{};
+    /// The application that may be using it. Where it was found running, or nobody could tell, a rule that is
+    /// safe has become a careful one. Empty for most findings.
+    QString applicationId{};
 
     bool operator==(const Finding &) const = default;
 

@@ -16,6 +16,8 @@ struct HostLocation
 {
     QString path{};
     QString label{};
+    /// The application that may be using what lies here; empty where none is known by its ID.
+    QString applicationId{};
 
     bool operator==(const HostLocation &) const = default;
 };

@@ -13,7 +13,7 @@ ReclaimReport evaluate(const CatalogueServices &services, const EvaluateRequest 
         paths.push_back(location.path);
     const auto nodes = findAll(request.tree, paths, request.root);
 
-    FindingList findings(services.files, services.clock);
+    FindingList findings(services);
     for (size_t index = 0; index < locations.size() && !request.stop.stop_requested(); ++index) {
         const auto bytes = request.tree.size(nodes[index]);
         if (bytes < 1)

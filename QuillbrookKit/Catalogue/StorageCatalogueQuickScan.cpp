@@ -66,7 +66,7 @@ ReclaimReport quickScan(const CatalogueServices &services, const QuickScanReques
     const auto &home = request.places.homeDirectory;
     const auto threads = FastScanner::defaultThreadCount(services.processors);
     LinkedParents linkedParents(services.files, home);
-    FindingList findings(services.files, services.clock);
+    FindingList findings(services);
     for (const auto &location : catalogueLocations(request.places)) {
         if (request.stop.stop_requested())
             break;

@@ -3,8 +3,11 @@
 #include "Platform/Clock.h"
 #include "Platform/FileRemoval.h"
 #include "Platform/FolderEntries.h"
+#include "Platform/RunningApps.h"
 #include "Platform/Trash.h"
 #include "StandardisedPath.h"
+
+#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -33,6 +36,20 @@ std::vector<std::string> childrenOf(const std::string &folder)
     return children;
 }
 
+// Asked again at the removal: the application may have been started since the finding was made.
+std::optional<QString> reasonToWait(const Finding &finding, const RunningApps *apps)
+{
+    if (finding.applicationId.isEmpty())
+        return std::nullopt;
+    const auto isRunning = apps != nullptr ? apps->isRunning(finding.applicationId) : std::nullopt;
+    const auto name = finding.locationLabel.value_or(finding.applicationId);
+    if (isRunning.value_or(false))
+        return ReclaimError::running(name);
+    if (!isRunning && finding.rule.safety == Safety::safe)
+        return ReclaimError::perhapsRunning(name);
+    return std::nullopt;
+}
+
 } // namespace
 
 QString ReclaimError::notActionable(const QString &title)
@@ -53,6 +70,18 @@ QString ReclaimError::redirected()
 QString ReclaimError::alreadyInTrash()
 {
     return u"This is already in the Trash. Delete it permanently to get the space back."_s;
+}
+
+QString ReclaimError::running(const QString &name)
+{
+    return QCoreApplication::translate("Reclaimer", "%1 is running. Close it, then try again.").arg(name);
+}
+
+QString ReclaimError::perhapsRunning(const QString &name)
+{
+    return QCoreApplication::translate(
+        "Reclaimer", "Whether %1 is running can't be told any more. Scan again, then decide.")
+        .arg(name);
 }
 
 QString ReclaimError::failed(const QString &name, const QString &error)
@@ -104,7 +133,7 @@ std::optional<QString> Reclaimer::refusal(const Finding &finding, Disposal dispo
         return ReclaimError::redirected();
     if (disposal == Disposal::toTrash && services.trash.holds(finding.path.toStdString()))
         return ReclaimError::alreadyInTrash();
-    return std::nullopt;
+    return reasonToWait(finding, services.runningApps);
 }
 
 // As it is written and as it is read: "/home/me/.." begins like something in the home folder. Without a home

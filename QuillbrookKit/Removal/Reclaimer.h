@@ -23,6 +23,8 @@ namespace ReclaimError {
 [[nodiscard]] QString outsideHome(const QString &path);
 [[nodiscard]] QString redirected();
 [[nodiscard]] QString alreadyInTrash();
+[[nodiscard]] QString running(const QString &name);
+[[nodiscard]] QString perhapsRunning(const QString &name);
 [[nodiscard]] QString failed(const QString &name, const QString &error);
 
 } // namespace ReclaimError
@@ -55,7 +57,8 @@ struct Reclaimer
     /// Removes what lies in the finding's folder, or the finding itself where its rule says so. Never touches
     /// what is report-only, what is not below the home folder, or what is a link. What can't be removed stays
     /// and is told, and the rest goes; nothing that can't go to the Trash is deleted instead. A folder that
-    /// can't be read is an empty one, and emptying it no failure.
+    /// can't be read is an empty one, and emptying it no failure. Nor is anything touched whose application
+    /// runs by now, or can't be told not to when the finding is a safe one.
     ///
     /// What lies in the Trash already goes for good only, each thing with its note of where it came from.
     [[nodiscard]] Outcome reclaim(const Finding &finding, Disposal disposal) const;

@@ -12,11 +12,17 @@ struct RemovalServices
     FileRemoval &removal;
     const FileFacts &files;
     const Clock &clock;
+    /// Null: whether an application runs can't be told.
+    const RunningApps *runningApps = nullptr;
 
     /// That part of all there is.
     [[nodiscard]] static RemovalServices of(const KitServices &kit)
     {
-        return { .trash = kit.trash, .removal = kit.removal, .files = kit.files, .clock = kit.clock };
+        return { .trash = kit.trash,
+            .removal = kit.removal,
+            .files = kit.files,
+            .clock = kit.clock,
+            .runningApps = &kit.runningApps };
     }
 };
 

@@ -11,6 +11,7 @@
 #include "Support/FakeClock.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/FakeProcessors.h"
+#include "Support/FakeRunningApps.h"
 #include "Support/FakeVolumes.h"
 #include "Support/TempTree.h"
 
@@ -25,6 +26,7 @@ public:
     FakeProcessors processors;
     FakeVolumes volumes;
     FakeProcessRunner processes;
+    FakeRunningApps runningApps;
     FakeClock clock;
 
     [[nodiscard]] CatalogueServices services() { return services(m_directories); }
@@ -37,6 +39,7 @@ public:
             .files = m_files,
             .reading = m_reading,
             .processes = processes,
+            .runningApps = runningApps,
             .clock = clock };
     }
 

@@ -213,8 +213,8 @@ const QList<HostRule> &mediaRules()
                 .id = u"flatpak.caches"_s,
                 .title = u"Caches of Flatpak apps"_s,
                 .what = u"What a Flatpak app keeps at hand so that it need not fetch or work it out again."_s,
-                .regenerates = u"Most comes back as you use the app. Close the app first. A few apps keep more than copies here: drafts, or what is still on its way to a server."_s,
-                .safety = Safety::careful,
+                .regenerates = u"Comes back as you use the app. While the app runs it may be working with these files, so close it first. Apps known to keep more than copies here are left out."_s,
+                .safety = Safety::safe,
             },
         },
     };

@@ -66,14 +66,14 @@ bool hasPlaceIn(const HostCatalogue &catalogue, const QString &folder)
 }
 
 // Two that are called alike are told apart by what Flatpak calls them.
-void tellApart(QList<HostLocation> &locations, const QStringList &ids)
+void tellApart(QList<HostLocation> &locations)
 {
     QHash<QString, int> counts;
     for (const auto &location : std::as_const(locations))
         ++counts[location.label];
-    for (qsizetype i = 0; i < locations.size(); ++i)
-        if (counts.value(locations[i].label) > 1)
-            locations[i].label = ids[i];
+    for (auto &location : locations)
+        if (counts.value(location.label) > 1)
+            location.label = location.applicationId;
 }
 
 } // namespace
@@ -83,15 +83,13 @@ QList<HostLocation> flatpakCaches(
 {
     static const QRegularExpression id(u"\\A[A-Za-z0-9_-]+(\\.[A-Za-z0-9_-]+)+\\z"_s);
     QList<HostLocation> locations;
-    QStringList ids;
     for (const auto &name : foldersIn(home + u"/.var/app"_s, id)) {
         const auto path = u".var/app/"_s + name + u"/cache"_s;
         if (keepsMoreThanCopies(name) || hasPlaceIn(catalogue, path))
             continue;
-        locations.append({ path, ApplicationNames::ofFlatpak(reading, catalogue, home, name) });
-        ids.append(name);
+        locations.append({ path, ApplicationNames::ofFlatpak(reading, catalogue, home, name), name });
     }
-    tellApart(locations, ids);
+    tellApart(locations);
     return locations;
 }
 
@@ -103,7 +101,7 @@ QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const QStrin
         catalogue.rules, u"browser.offline"_s, [](const HostRule &row) { return row.rule.id; });
     if (rule == catalogue.rules.end())
         return locations;
-    for (const auto &[path, label] : rule->locations) {
+    for (const auto &[path, label, application] : rule->locations) {
         if (!path.endsWith(firstProfile))
             continue;
         const auto browser = path.chopped(firstProfile.size());

@@ -11,9 +11,9 @@ class FileReading;
 
 namespace LinuxFoundPlaces {
 
-/// The caches of the Flatpak applications that have folders below `home`, as places of "flatpak.caches". Left
-/// out are applications with a place of their own in `catalogue`, and those known to keep more than copies in
-/// such a folder.
+/// The caches of the Flatpak applications that have folders below `home`, as places of "flatpak.caches", each
+/// with its application's ID. Left out are applications with a place of their own in `catalogue`, and those
+/// known to keep more than copies in such a folder.
 [[nodiscard]] QList<HostLocation> flatpakCaches(
     const HostCatalogue &catalogue, const FileReading &reading, const QString &home);
 

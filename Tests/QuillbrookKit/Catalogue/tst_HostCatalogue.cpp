@@ -135,6 +135,43 @@ private Q_SLOTS:
         QCOMPARE(titles(seen), QStringList({ u"Trash"_s, u"Trash \u00B7 Expunged"_s }));
     }
 
+    void whatAnApplicationMayBeUsingIsSafeOnlyWhereItIsNotRunning_data()
+    {
+        QTest::addColumn<std::optional<bool>>("isRunning");
+        QTest::addColumn<Safety>("safety");
+        QTest::addColumn<Safety>("expected");
+        QTest::newRow("not running") << std::optional(false) << Safety::safe << Safety::safe;
+        QTest::newRow("running") << std::optional(true) << Safety::safe << Safety::careful;
+        QTest::newRow("can't be told") << std::optional<bool>() << Safety::safe << Safety::careful;
+        QTest::newRow("careful") << std::optional(false) << Safety::careful << Safety::careful;
+        QTest::newRow("locked") << std::optional(true) << Safety::reportOnly << Safety::reportOnly;
+    }
+    void whatAnApplicationMayBeUsingIsSafeOnlyWhereItIsNotRunning()
+    {
+        QFETCH(std::optional<bool>, isRunning);
+        QFETCH(Safety, safety);
+        QFETCH(Safety, expected);
+        MadeUpHome home;
+        home.fill("app", 10);
+        home.fill("other", 10);
+        home.runningApps.answer = isRunning;
+        const HostCatalogue host{ .locations
+            = { { u"a.rule"_s, { { u"app"_s, u"App"_s, u"org.one.App"_s }, { u"other"_s, u"Other"_s } } } },
+            .rules = { { .rule = { .id = u"a.rule"_s, .safety = safety } } } };
+        const StorageCatalogue::Places places{ .homeDirectory = home.path(), .host = &host };
+        const auto report = StorageCatalogue::quickScan(home.services(), { .places = places });
+        QCOMPARE(report.findings.size(), 2);
+        for (const auto &finding : report.findings) {
+            const bool isApp = finding.path == home.path("app");
+            QCOMPARE(finding.applicationId, isApp ? u"org.one.App"_s : QString());
+            QCOMPARE(finding.rule.safety, isApp ? expected : safety);
+        }
+        const auto result = home.scan();
+        QCOMPARE(StorageCatalogue::evaluate(
+                     home.services(), { .tree = *result.tree, .root = result.root, .places = places }),
+            report);
+    }
+
     void skippingCoversTheHostsPlaces()
     {
         MadeUpHome home;

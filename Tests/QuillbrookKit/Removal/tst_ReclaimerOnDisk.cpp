@@ -4,6 +4,7 @@
 #include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Platform/Linux/Files/LinuxFileWriting.h"
+#include "Platform/Linux/Processes/LinuxRunningApps.h"
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
 #include "Removal/Reclaimer.h"
 #include "Removal/TrashLedger.h"
@@ -100,6 +101,48 @@ class TestReclaimerOnDisk : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void whatARunningApplicationUsesStays_data()
+    {
+        const auto running = u"App is running. Close it, then try again."_s;
+        const auto unknown = u"Whether App is running can't be told any more. Scan again, then decide."_s;
+        const auto own = std::to_string(::getpid());
+        QTest::addColumn<std::string>("pid");
+        QTest::addColumn<Safety>("safety");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("not running, safe") << std::string() << Safety::safe << QString();
+        QTest::newRow("not running, careful") << std::string() << Safety::careful << QString();
+        QTest::newRow("running, safe") << own << Safety::safe << running;
+        QTest::newRow("running, careful") << own << Safety::careful << running;
+        QTest::newRow("can't be told, safe") << std::string("?") << Safety::safe << unknown;
+        QTest::newRow("can't be told, careful") << std::string("?") << Safety::careful << QString();
+    }
+    void whatARunningApplicationUsesStays()
+    {
+        QFETCH(std::string, pid);
+        QFETCH(Safety, safety);
+        QFETCH(QString, expected);
+        for (const auto disposal : { Disposal::toTrash, Disposal::permanent }) {
+            Machine machine;
+            machine.home.file("cache/a", 10);
+            machine.home.folder("run");
+            if (!pid.empty()) {
+                machine.home.fileWith("run/.flatpak/1/info", "[Application]\nname=org.one.App\n");
+                machine.home.fileWith("run/.flatpak/1/pid", pid);
+            }
+            const LinuxRunningApps apps(machine.reading, machine.home.path("run"));
+            auto finding = machine.finding("cache");
+            finding.rule.safety = safety;
+            finding.applicationId = u"org.one.App"_s;
+            finding.locationLabel = u"App"_s;
+            auto reclaimer = machine.reclaimer();
+            reclaimer.services.runningApps = &apps;
+            const auto outcome = reclaimer.reclaim(finding, disposal);
+            QCOMPARE(outcome.error.value_or(QString()), expected);
+            QCOMPARE(outcome.bytesMoved, expected.isEmpty() ? 1000 : 0);
+            QCOMPARE(machine.names("cache"), expected.isEmpty() ? Names() : Names{ "a" });
+        }
+    }
+
     void contentGoesToTheTrashWhateverItIs()
     {
         Machine machine;

@@ -181,7 +181,7 @@ private Q_SLOTS:
     void sandboxedPlacesSaySo()
     {
         for (const auto &row : m_host.rules)
-            for (const auto &[path, label] : row.locations)
+            for (const auto &[path, label, application] : row.locations)
                 if (row.rule.id != u"sandbox.data") {
                     QVERIFY2(path.startsWith(u".var/app/") == label.contains(u"(Flatpak)"), qPrintable(path));
                     QVERIFY2(path.startsWith(u"snap/") == label.contains(u"(Snap)"), qPrintable(path));
@@ -252,7 +252,6 @@ private Q_SLOTS:
         QTest::newRow("backup.caches") << u"starts over"_s;
         QTest::newRow("ai.huggingface") << u"worked out from a data set"_s;
         QTest::newRow("language.packages") << u"Overrides.toml"_s;
-        QTest::newRow("flatpak.caches") << u"Close the app first"_s;
     }
     void rowsThatHoldMoreThanCopiesSaySo()
     {

@@ -43,9 +43,9 @@ QStringList described(const HostCatalogue &catalogue, const QString &ruleId)
 {
     QStringList lines;
     for (const auto &row : catalogue.locations)
-        for (const auto &[path, label] : row.locations)
+        for (const auto &[path, label, application] : row.locations)
             if (row.ruleId == ruleId)
-                lines.append(path + u" = "_s + label);
+                lines.append(QStringList{ path, label, application }.join(u" = "_s));
     return lines;
 }
 
@@ -197,10 +197,10 @@ private Q_SLOTS:
         reading.files[exported + "org.three.App.desktop"] = "[Desktop Entry]\nName=\n[Other]\nName=Three\n";
         const auto facts = LinuxHostKnowledge(reading, {}).about(tree.text());
         QCOMPARE(described(facts.catalogue, u"flatpak.caches"_s),
-            QStringList({ u".var/app/org.one.App/cache = org.one.App"_s,
-                u".var/app/org.three.App/cache = org.three.App"_s,
-                u".var/app/org.two.App/cache = org.two.App"_s,
-                u".var/app/org.videolan.VLC/cache = VLC player"_s }));
+            QStringList({ u".var/app/org.one.App/cache = org.one.App = org.one.App"_s,
+                u".var/app/org.three.App/cache = org.three.App = org.three.App"_s,
+                u".var/app/org.two.App/cache = org.two.App = org.two.App"_s,
+                u".var/app/org.videolan.VLC/cache = VLC player = org.videolan.VLC"_s }));
     }
 
     void furtherProfilesAreFoundBesideTheFirst()
@@ -210,8 +210,9 @@ private Q_SLOTS:
             tree.folder(".config/chromium/" + std::string(name));
         const auto facts = LinuxHostKnowledge(FakeFileReading(), {}).about(tree.text());
         QCOMPARE(described(facts.catalogue, u"browser.offline"_s),
-            QStringList({ u".config/chromium/Profile 10/Service Worker/CacheStorage = Chromium, Profile 10"_s,
-                u".config/chromium/Profile 2/Service Worker/CacheStorage = Chromium, Profile 2"_s }));
+            QStringList(
+                { u".config/chromium/Profile 10/Service Worker/CacheStorage = Chromium, Profile 10 = "_s,
+                    u".config/chromium/Profile 2/Service Worker/CacheStorage = Chromium, Profile 2 = "_s }));
     }
 };
 
