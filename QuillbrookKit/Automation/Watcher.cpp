@@ -11,6 +11,7 @@
 #include "Scan/Format.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 
 #include <algorithm>
@@ -68,6 +69,23 @@ QString headlineOf(const Watcher::Observation &observation, bool low, bool worth
 
 struct Watcher::State
 {
+    /// Takes the call to the main thread, on which it lives, by an event that carries nothing: what is told
+    /// lies under the lock.
+    class Teller final : public QObject
+    {
+    public:
+        explicit Teller(State &state)
+            : m_state(state)
+        {
+        }
+
+    protected:
+        void customEvent(QEvent * /*event*/) override { m_state.tell(); }
+
+    private:
+        State &m_state;
+    };
+
     State(const KitServices &services, const Settings &initial)
         : kit(services)
         , settings(initial)
@@ -90,8 +108,8 @@ struct Watcher::State
     Observer observer{};
     /// What has not been told yet.
     QList<Observation> untold{};
-    /// Receives the call to the main thread, on which it lives; null once the watcher is gone.
-    std::unique_ptr<QObject> teller = std::make_unique<QObject>();
+    /// Null once the watcher is gone.
+    std::unique_ptr<Teller> teller = std::make_unique<Teller>(*this);
 };
 
 std::optional<ReclaimReport> Watcher::State::measure() const
@@ -129,8 +147,7 @@ void Watcher::State::check(bool force)
     if (!observer)
         return;
     untold.append(observation);
-    QMetaObject::invokeMethod(
-        teller.get(), [this] { tell(); }, Qt::QueuedConnection);
+    QCoreApplication::postEvent(teller.get(), new QEvent(QEvent::User));
 }
 
 // The observer may do anything, also let the watcher go; so nothing of it is touched any more once it is
@@ -164,7 +181,7 @@ Watcher::~Watcher()
     stop();
     m_state->stop.request_stop();
     // Both end outside the lock.
-    std::unique_ptr<QObject> teller;
+    std::unique_ptr<State::Teller> teller;
     Observer observer;
     const std::lock_guard guard(m_state->lock);
     m_state->teller.swap(teller);
