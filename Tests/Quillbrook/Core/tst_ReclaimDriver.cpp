@@ -424,7 +424,7 @@ private Q_SLOTS:
     void finishingRemovesOnlyWhatWeMoved()
     {
         Fixture fixture;
-        QVERIFY(fixture.trash.move(fixture.path("notes.txt")).has_value());
+        QVERIFY(fixture.disk.trash.move(fixture.path("notes.txt")).has_value());
         fixture.model->reclaims().reclaim({ fixture.finding(logs) }, false);
         fixture.settled();
         const auto verified = fixture.model->reclaims().lastVerification();

@@ -245,6 +245,10 @@ private Q_SLOTS:
 
         watch();
         QCOMPARE(description(), u"Quitting stops Quillbrook watching this Mac."_s);
+        // The panel has grown, and the button has moved.
+        const auto isUnderThePointer = [&] { return quit->property("hovered").toBool(); };
+        QTRY_VERIFY(!isUnderThePointer());
+        QTest::mouseMove(m_window, centreOf(*quit));
         QTRY_VERIFY(tip(u"Quitting stops Quillbrook watching this Mac."_s));
         const auto *shown = tip(u"Quitting stops Quillbrook watching this Mac."_s);
         QVERIFY(QRectF(QPointF(), m_window->size()).contains(shown->mapRectToScene(shown->boundingRect())));

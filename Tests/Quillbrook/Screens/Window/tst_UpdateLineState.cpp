@@ -56,16 +56,6 @@ private Q_SLOTS:
         QCOMPARE(changes.count(), 1);
     }
 
-    void versionStaysOnOneLine()
-    {
-        FakeServices machine;
-        answer(machine, R"({"version": "2.\n%1", "url": "https:\/\/updates.test/"})");
-        AppModel model(machine.services);
-        UpdateLineState line(model);
-        model.updates().checkForUpdate();
-        QTRY_COMPARE(line.text(), u"Quillbrook 2. %1 is out"_s);
-    }
-
 private:
     static void answer(FakeServices &machine, const QByteArray &body)
     {
