@@ -75,7 +75,8 @@ class Session(desktop.Desktop):
         """Ends all that the session has started; the display and the bus stay."""
         if self._session:
             processes.end(self._session)
-            processes.end_all(kept=self._before)
+            # A signal to a copy that the bus has made of itself, to start a service, reaches the bus too.
+            processes.end_all(kept=self._before | processes.copies_of(self._before))
 
     def stop(self):
         self.log_out()

@@ -3,7 +3,6 @@
 import dataclasses
 import json
 import subprocess
-import unittest
 
 from gi.repository import GLib
 
@@ -23,6 +22,10 @@ Exec=gnome-shell --nested --wayland --unsafe-mode --wayland-display=wayland-test
 X-GNOME-Autostart-Phase=DisplayServer
 X-GNOME-Provides=panel;windowmanager
 X-GNOME-Autostart-Notify=true
+"""
+_NOTICES = """[D-BUS Service]
+Name=org.freedesktop.Notifications
+Exec=/bin/false
 """
 _EXTENSION = "ubuntu-appindicators@ubuntu.com"
 _SETTINGS = (("org.gnome.shell", "enabled-extensions", f"['{_EXTENSION}']"),
@@ -49,6 +52,8 @@ class Gnome(session.Session):
     def log_in(self):
         self.write("config/gnome-session/sessions/test.session", _SESSION)
         self.write("data/applications/quillbrook-test-shell.desktop", _SHELL)
+        # The shell answers for notices itself; a server of another desktop would be started for the first one.
+        self.write("data/dbus-1/services/org.freedesktop.Notifications.service", _NOTICES)
         for setting in _SETTINGS:
             subprocess.run(["gsettings", "set", *setting], check=True, timeout=20)
         super().log_in()
@@ -127,6 +132,4 @@ DESKTOP = Gnome
 
 
 class InGnome(in_desktop.Shared):
-    @unittest.skip("the shell in a window gets no notice from its own server, for a reason that is not known yet")
-    def testANoticeIsShownAndGoesWhenItIsPressed(self):
-        super().testANoticeIsShownAndGoesWhenItIsPressed()
+    pass

@@ -6,6 +6,7 @@ import desktop
 import in_desktop
 import processes
 import session
+import waiting
 
 
 class Xfce(session.Session):
@@ -28,9 +29,14 @@ class Xfce(session.Session):
         return x + width // 2, y + height // 2
 
     def shows_figure(self, figure):
-        # In a window that comes up at the pointer.
-        desktop.point(*self.place_of_item())
-        return len(self._windows()) > 1
+        # In a window that comes up at the pointer, once that has come in and stays.
+        x, y = self.place_of_item()
+        desktop.point(x, y + 100)
+        desktop.point(x, y)
+        try:
+            return waiting.until("the tool tip", lambda: len(self._windows()) > 1, 3)
+        except waiting.Late:
+            return False
 
     @staticmethod
     def _windows():

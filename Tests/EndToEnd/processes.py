@@ -59,6 +59,24 @@ def descendants():
     return found
 
 
+def copies_of(pids):
+    """Ids of those below this process whose parent is one of these, and which run what that runs."""
+
+    def field(pid, name):
+        try:
+            with open(f"/proc/{pid}/{name}", "rb") as file:
+                return file.read()
+        except OSError:
+            return b""
+
+    def parent(pid):
+        found = field(pid, "stat").rpartition(b")")[2].split()
+        return int(found[1]) if len(found) > 1 else 0
+
+    return {pid for pid in descendants() if (above := parent(pid)) in pids
+            and field(pid, "cmdline") and field(pid, "cmdline") == field(above, "cmdline")}
+
+
 def end_all(seconds=10, kept=frozenset()):
     """Ends everything below this process but those with these ids, whose children it ends."""
     for sign in (signal.SIGTERM, signal.SIGKILL):
