@@ -173,7 +173,15 @@ def width_of(window):
 
 
 def activate(window):
+    """Gives it the keyboard, and waits until keys go there: a window manager names a window as the active one before
+    the display does."""
     _xdotool("windowactivate", "--sync", window)
+    waiting.until("keys go to the window", lambda: _focused() == window)
+
+
+def _focused():
+    answer = subprocess.run(["xdotool", "getwindowfocus"], capture_output=True, text=True, timeout=20, check=False)
+    return answer.stdout.strip()
 
 
 def focus(window):

@@ -73,6 +73,8 @@ class Program:
         waiting.until("no window on the display", lambda: not self.window_ids())
 
     def close_panel(self):
+        """By the key for that."""
+        waiting.until("the keyboard in the panel", lambda: self.panel().has(accessibility.ACTIVE))
         desktop.keys("Escape")
         waiting.until("the panel closed", lambda: not self.open_panels())
 
@@ -82,8 +84,9 @@ class Program:
         return self.process.returncode
 
     def activate(self):
-        """Gives the window the keyboard."""
+        """Gives the window the keyboard, and waits until the program knows that it has it."""
         desktop.activate(self.window_id())
+        waiting.until("the keyboard in the window", lambda: self.window().has(accessibility.ACTIVE))
 
     def words(self):
         """Everything the window says, in reading order."""
