@@ -46,6 +46,9 @@ public:
             Q_EMIT StatusNotifierHostUnregistered();
     }
 
+    /// Forgets an item, whether it is there or not.
+    void drop(const QString &item) { Q_EMIT StatusNotifierItemUnregistered(item); }
+
     [[nodiscard]] static QString name() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
     [[nodiscard]] static QString path() { return QStringLiteral("/StatusNotifierWatcher"); }
     [[nodiscard]] bool hasPanel() const { return isPanelThere; }
@@ -68,6 +71,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void StatusNotifierHostRegistered();
     void StatusNotifierHostUnregistered();
+    void StatusNotifierItemUnregistered(const QString &item);
 
 private:
     QDBusConnection m_bus;

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusReply>
+#include <QTimer>
 
 #include <utility>
 
@@ -60,11 +61,14 @@ void StatusNotifierRegistration::start()
     connect(&m_watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
         [this](const QString &, const QString &, const QString &owner) {
             startOver();
+            m_returns = 0;
             if (!owner.isEmpty())
                 enlist();
         });
     for (const auto &signal : { u"StatusNotifierHostRegistered"_s, u"StatusNotifierHostUnregistered"_s })
         m_bus.connect(watcherName, watcherPath, watcherName, signal, this, SLOT(askForPanel()));
+    m_bus.connect(watcherName, watcherPath, watcherName, u"StatusNotifierItemUnregistered"_s, this,
+        SLOT(comeBack(QString)));
     enlist();
 }
 
@@ -100,6 +104,21 @@ void StatusNotifierRegistration::askForPanel()
             // A watcher that took the item but can't tell of panels is itself one.
             setShown(!reply.isValid() || reply.value().toBool());
         });
+}
+
+void StatusNotifierRegistration::comeBack(const QString &item)
+{
+    // Watchers write the item's path behind its name, with one sign or another between, or leave it out.
+    const auto isOwn = item == m_name || item.startsWith(m_name + u'/') || item.startsWith(m_name + u'@');
+    if (!isOwn)
+        return;
+    startOver();
+    if (m_returns == mostReturns)
+        return;
+    QTimer::singleShot(firstPause * (1 << m_returns++), this, [this, generation = m_generation] {
+        if (generation == m_generation)
+            enlist();
+    });
 }
 
 void StatusNotifierRegistration::startOver()

@@ -1,7 +1,8 @@
 #pragma once
 
 // Tells the desktop's watcher of a tray item, at once and whenever a watcher comes up: at login it may come
-// later than the program, and a panel that starts anew brings another. Main thread only.
+// later than the program, and a panel that starts anew brings another. A busy watcher may also drop an item that
+// is still there; it is told of it again. Main thread only.
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
@@ -19,6 +20,10 @@ class StatusNotifierRegistration : public QObject
 public:
     /// How long the watcher has to answer. Nobody waits for it, and at login it has much to do.
     static constexpr std::chrono::milliseconds patience{ 25000 };
+    /// How often one watcher that drops the item is told of it again, and how long after the first time; each
+    /// further pause is twice as long.
+    static constexpr int mostReturns = 6;
+    static constexpr std::chrono::milliseconds firstPause{ 250 };
 
     explicit StatusNotifierRegistration(const QDBusConnection &bus, QObject *parent = nullptr);
     ~StatusNotifierRegistration() override;
@@ -33,6 +38,8 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void askForPanel();
+    /// The watcher has dropped the item of that name.
+    void comeBack(const QString &item);
 
 private:
     void takeName();
@@ -45,8 +52,10 @@ private:
     /// By which the watcher finds the item; empty before `start`.
     QString m_name;
     bool m_ownsName = false;
-    /// Of the watcher that is there now, so that an answer of an earlier one counts no more.
+    /// Of the watcher that is there now, and of the time it has known the item, so that an earlier answer counts
+    /// no more.
     int m_generation = 0;
+    int m_returns = 0;
     bool m_isKnown = false;
     bool m_isShown = false;
 };

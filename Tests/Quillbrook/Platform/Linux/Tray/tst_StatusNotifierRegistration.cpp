@@ -72,6 +72,36 @@ private Q_SLOTS:
         QCOMPARE(changes.count(), 6);
     }
 
+    void comesBackToAWatcherThatDropsIt()
+    {
+        m_panel->start();
+        m_registration->start();
+        QTRY_VERIFY(m_registration->isShown());
+        m_panel->drop(u"org.kde.StatusNotifierItem-1-1"_s);
+        settle();
+        QVERIFY(m_registration->isShown());
+        for (const auto *after : { "", "/StatusNotifierItem", "@/StatusNotifierItem" }) {
+            m_panel->drop(ownName() + QLatin1StringView(after));
+            QTRY_VERIFY(!m_registration->isShown());
+            QTRY_VERIFY(m_registration->isShown());
+        }
+        QCOMPARE(m_panel->items, QStringList(4, ownName()));
+    }
+
+    void comesBackToTheWatcherThatIsThere()
+    {
+        m_panel->start();
+        m_registration->start();
+        QTRY_VERIFY(m_registration->isShown());
+        m_panel->drop(ownName());
+        m_panel->stop();
+        QTRY_VERIFY(!m_registration->isShown());
+        m_panel->start();
+        QTRY_VERIFY(m_registration->isShown());
+        QTest::qWait(2 * StatusNotifierRegistration::firstPause.count());
+        QCOMPARE(m_panel->items, QStringList(2, ownName()));
+    }
+
     void isShownOnlyWithAPanel()
     {
         m_panel->isPanelThere = false;
