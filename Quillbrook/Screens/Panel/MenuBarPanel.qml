@@ -12,19 +12,43 @@ Window {
 
     required property MenuBarPanelState panel
 
+    readonly property int fittingHeight: Math.ceil(column.implicitHeight) + 2 * Metrics.hairlineWidth
+    /// How often the height was asked for again since it last changed: a desktop that insists on its own gets it.
+    property int refits: 0
     readonly property color summaryTone: panel.isReclaimable ? Theme.safe : Theme.label
+
+    // A desktop that hears of two sizes at once may answer with the one from before.
+    function fit() {
+        if (height === fittingHeight || refits === 3)
+            return;
+        ++refits;
+        height = fittingHeight;
+    }
 
     color: Qt.tint(Theme.page, Theme.faded(Theme.surface, Metrics.faintOpacity))
     flags: Qt.Tool | Qt.FramelessWindowHint
-    height: column.implicitHeight + 2 * Metrics.hairlineWidth
+    height: fittingHeight
     title: "Quillbrook"
     width: Metrics.panelWidth
 
+    onFittingHeightChanged: {
+        refits = 0;
+        height = fittingHeight;
+    }
+    onHeightChanged: refitting.restart()
     onVisibleChanged: {
         if (visible)
             panel.appear();
         else
             panel.disappear();
+    }
+
+    // Once the change that is under way has come to its end.
+    Timer {
+        id: refitting
+
+        interval: 0
+        onTriggered: root.fit()
     }
 
     Shortcut {

@@ -358,6 +358,23 @@ private Q_SLOTS:
         QCOMPARE(shows(m_machine->panel.notificationsLine()), watching);
     }
 
+    void staysAsHighAsWhatItShowsWhereADesktopAnswersLate()
+    {
+        load();
+        const auto off = m_window->height();
+        watch(NotificationState::allowed);
+        QTRY_VERIFY(m_window->height() > off);
+        const auto on = m_window->height();
+        // The desktop answers with the height from before, and at last insists.
+        for (int answer = 0; answer < 3; ++answer) {
+            m_window->setHeight(off);
+            QTRY_COMPARE(m_window->height(), on);
+        }
+        m_window->setHeight(off);
+        QTest::qWait(100);
+        QCOMPARE(m_window->height(), off);
+    }
+
 private:
     [[nodiscard]] QQuickItem *item(Role role, const QString &name) const
     {
