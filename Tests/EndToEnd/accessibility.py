@@ -4,16 +4,13 @@ accessibility bus. Nothing is cached, so that an answer is always of now."""
 from gi.repository import Gio, GLib
 
 import waiting
+from waiting import Gone
 
 ROOT = "/org/a11y/atspi/accessible/root"
 _MILLISECONDS = 8000
 
 # Bits of a state set.
 ACTIVE, CHECKED, ENABLED, FOCUSABLE, FOCUSED, SELECTED, SHOWING, VISIBLE = 1, 4, 8, 11, 12, 23, 25, 30
-
-
-class Gone(Exception):
-    """What was asked is not there any more, or did not answer."""
 
 
 class Bus:
@@ -123,7 +120,8 @@ class Thing:
         return [action[0] for action in self._call("Action", "GetActions")[0]]
 
     def act(self, action="Press"):
-        """Does the action of that name; raises Gone where there is none."""
+        """Does the action of that name, once it can be done; raises Gone where there is none."""
+        waiting.until(f"{self!r} can be used", lambda: self.has(ENABLED))
         actions = self.actions
         if action not in actions:
             raise Gone(f"{self!r} knows {actions}, not {action}")

@@ -81,7 +81,7 @@ class Case(unittest.TestCase):
         self.addCleanup(self._end, started)
         return started
 
-    def becomes(self, question, expected, seconds=10.0):
+    def becomes(self, question, expected, seconds=20.0):
         """Waits until the question has that answer, and gives it back; fails with the difference."""
         try:
             return waiting.until("the answer", lambda: [answer] if (answer := self._answer(question)) == expected else None,
@@ -105,7 +105,7 @@ class Case(unittest.TestCase):
         if self._failed():
             self._explain(started)
         if started.running:
-            self.assertTrue(started.quit(), "did not end within 10 s of being asked")
+            self.assertTrue(started.quit(), "did not end within 20 s of being asked")
         self.assertFalse(started.crashed(), f"crashed with {started.process.returncode}: {started.output()}")
 
     def _failed(self):

@@ -102,14 +102,14 @@ class Desktop:
         with open(configuration, "w", encoding="utf-8") as file:
             file.write(_BUS_CONFIGURATION.format(socket=socket, services=services))
         self._part(name, ["dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}"])
-        waiting.until(name, lambda: os.path.exists(socket), 10)
+        waiting.until(name, lambda: os.path.exists(socket))
         return f"unix:path={socket}"
 
     def _start_window_manager(self):
         # A window that asks to be shown while it starts stays hidden; this file tells that it has.
         ready = os.path.join(self.folder, "window-manager-ready")
         self._part("openbox", ["openbox", "--sm-disable", "--startup", f"touch {ready}"])
-        waiting.until("window manager", lambda: os.path.exists(ready), 20)
+        waiting.until("window manager", lambda: os.path.exists(ready))
 
 
 def keys(*combination):
@@ -123,7 +123,7 @@ def type_text(text):
 
 def click(x, y, times=1):
     _xdotool("mousemove", "--sync", str(x), str(y))
-    _xdotool("click", "--repeat", str(times), "--delay", "60", "1")
+    _xdotool("click", "--repeat", str(times), "--delay", "30", "1")
 
 
 def point(x, y):

@@ -74,6 +74,7 @@ class InTray(case.Case):
 
     def free(self, quillbrook):
         """What the panel tells is free."""
+        quillbrook.panel_says("free")
         names = quillbrook.panel().names()
         return names[names.index("free") - 1]
 

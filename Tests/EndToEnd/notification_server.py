@@ -78,7 +78,7 @@ class Dunst:
         """(title, body, application) of what is on the display, once something is: dismissed by this, oldest first."""
         waiting.until("a notification on the display", lambda: self._property("displayedLength") > 0, seconds)
         self._command("NotificationCloseAll")
-        rows = waiting.until("what dunst has shown", lambda: self._command("NotificationListHistory")[0], 10)
+        rows = waiting.until("what dunst has shown", lambda: self._command("NotificationListHistory")[0])
         return [(row["summary"], row["body"], row["appname"]) for row in reversed(rows)]
 
     def _property(self, name):

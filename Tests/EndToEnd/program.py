@@ -129,13 +129,38 @@ class Program:
         """The rows of a list of files that are on the screen, in reading order."""
         return [name for found in self.window().all("list", table) for name in found.names("list item")]
 
+    def search(self, text):
+        """Replaces what stands in the search field of the screen that is chosen."""
+        field = self.window().one("text", "Search every file name on this Mac")
+        waiting.until("the keyboard in the search field", lambda: field.has(accessibility.FOCUSED))
+        desktop.keys("ctrl+a", "BackSpace")
+        desktop.type_text(text)
+        waiting.until(f"{text} in the search field", lambda: field.text == text)
+
     def tab_to(self, reached, stops=40):
-        """Presses Tab until `reached` answers yes."""
+        """Presses Tab until `reached` answers yes: each time once the last press has moved the keyboard on, so that none
+        goes past the right place."""
         for _ in range(stops):
             if reached():
                 return
+            before = self._with_keyboard()
             desktop.keys("Tab")
-        waiting.until(f"the right place within {stops} presses of Tab", reached, 5)
+            try:
+                waiting.until("the keyboard elsewhere", lambda: self._with_keyboard() != before, 3)
+            except waiting.Late:
+                pass  # It has nowhere else to go.
+        waiting.until(f"the right place within {stops} presses of Tab", reached)
+
+    def _with_keyboard(self):
+        """What has the keyboard, with all that it lies in."""
+        return [thing for thing in self.application().walk() if self._has(thing, accessibility.FOCUSED)]
+
+    @staticmethod
+    def _has(thing, state):
+        try:
+            return thing.has(state)
+        except accessibility.Gone:
+            return False
 
     def picture(self, desk):
         # What the window says of itself; the frame that a window manager puts around it is none of it.
@@ -145,7 +170,7 @@ class Program:
         with open(self.log, encoding="utf-8", errors="replace") as log:
             return log.read()[-4000:]
 
-    def quit(self, seconds=10):
+    def quit(self, seconds=20):
         """Ends it as a session does when the user logs out. Answers whether it ended when asked."""
         return processes.end(self.process, seconds)
 

@@ -51,6 +51,9 @@ def under(found, name):
 
 
 class Removing(case.Case):
+    # The same for the whole run, once it is known.
+    _backup = None
+
     @property
     def seen(self):
         """The home folder by the path at which the program sees it."""
@@ -120,11 +123,13 @@ class Removing(case.Case):
 
     def hasBackup(self):
         """Whether the screen has told by now that a backup stands behind what is removed: it warns of none."""
-        try:
-            self.quillbrook.says(NO_BACKUP, 3)
-            return False
-        except waiting.Late:
-            return True
+        if Removing._backup is None:
+            try:
+                self.quillbrook.says(NO_BACKUP)
+                Removing._backup = False
+            except waiting.Late:
+                Removing._backup = True
+        return Removing._backup
 
     def open(self):
         """The program with a first scan behind it, and the keyboard in its window."""

@@ -61,7 +61,7 @@ class Background(in_tray.InTray):
     def testWithoutATrayAnotherStartBringsTheWindowBack(self):
         quillbrook = self.started()
         again = self.start()
-        self.assertEqual(again.exited(10), 0)
+        self.assertEqual(again.exited(), 0)
         self.comes_back(quillbrook)
         self.assertTrue(quillbrook.running)
 
@@ -70,7 +70,7 @@ class Background(in_tray.InTray):
         quillbrook = self.start()
         quillbrook.scanned()
         for _ in range(2):
-            self.assertEqual(self.start().exited(10), 0)
+            self.assertEqual(self.start().exited(), 0)
         self.assertEqual(len(quillbrook.window_ids()), 1)
 
     def testTheEndOfTheSessionEndsItInTheTray(self):
@@ -188,7 +188,7 @@ class Background(in_tray.InTray):
         def look():
             answers.append(question())
             return len(answers) > 1 and answers[-1] == answers[-2]
-        waiting.until("the same answer twice", look, 10, pause=0.2)
+        waiting.until("the same answer twice", look, pause=0.2)
         return answers[-1]
 
     def testThePanelDropsFromWhereTheItemWasPressed(self):
@@ -203,10 +203,10 @@ class Background(in_tray.InTray):
         tray = self.tray()
         quillbrook = self.started()
         self.open_panel(quillbrook, tray)
-        self.assertEqual(self.free(quillbrook), tray.item().get("XAyatanaLabel"))
-        self.assertEqual(self.reclaimable(quillbrook), "2.9 MB can be reclaimed safely")
+        self.becomes(lambda: self.free(quillbrook) == tray.item().get("XAyatanaLabel"), True)
+        self.becomes(lambda: self.reclaimable(quillbrook), "2.9 MB can be reclaimed safely")
         quillbrook.panel_says(OFFER)
-        self.assertEqual(self.switches(quillbrook), [WATCH])
+        self.becomes(lambda: self.switches(quillbrook), [WATCH])
         self.assertEqual(quillbrook.panel().names("push button"), ["Open", "Check now", "Quit"])
         self.assertEqual(quillbrook.panel().one("push button", "Quit").description, "Quit Quillbrook.")
 
@@ -225,7 +225,7 @@ class Background(in_tray.InTray):
         self.home.file(f"{TOOLS}/torch.whl", 40 * MB)
         self.turn(quillbrook, WATCH)
         quillbrook.panel_says(LAST_CHECKED)
-        self.assertEqual(self.switches(quillbrook), [WATCH, TELL, LOGIN])
+        self.becomes(lambda: self.switches(quillbrook), [WATCH, TELL, LOGIN])
         # The look sees what the last scan of the window has not.
         self.becomes(lambda: self.reclaimable(quillbrook), "42.9 MB can be reclaimed safely")
         quillbrook.panel_says("Without this, nothing watches after a restart.")
@@ -236,7 +236,7 @@ class Background(in_tray.InTray):
         quillbrook.panel_says("Alerts are on.")
         self.turn(quillbrook, WATCH, False)
         quillbrook.panel_says(OFFER)
-        self.assertEqual(self.switches(quillbrook), [WATCH])
+        self.becomes(lambda: self.switches(quillbrook), [WATCH])
 
     def testBeforeTheFirstLookItSaysThatItWillCheck(self):
         for number in range(1000):
@@ -268,7 +268,7 @@ class Background(in_tray.InTray):
         tray = self.tray()
         quillbrook = self.started()
         self.open_panel(quillbrook, tray)
-        self.assertEqual(self.reclaimable(quillbrook), "2.9 MB can be reclaimed safely")
+        self.becomes(lambda: self.reclaimable(quillbrook), "2.9 MB can be reclaimed safely")
         for count, expected in ((1, "42.9 MB"), (2, "82.9 MB")):
             self.home.file(f"{TOOLS}/{count}.whl", 40 * MB)
             self.press(quillbrook, "Check now")
@@ -307,15 +307,18 @@ class Background(in_tray.InTray):
     def testWindowsThatComeAndGoLeaveNothingBehind(self):
         tray = self.tray()
         quillbrook = self.started()
-        descriptors = []
-        for _ in range(6):
+        descriptors = 0
+        for time in range(6):
             self.open_panel(quillbrook, tray)
             self.press(quillbrook, "Open")
             self.comes_back(quillbrook)
             self.assertEqual(quillbrook.open_panels(), [])
             quillbrook.close_window()
-            descriptors.append(quillbrook.descriptor_count())
-        self.assertEqual(descriptors[1:], descriptors[1:2] * 5)
+            # What the first windows leave is kept; after the others all that was opened is closed again.
+            if time < 2:
+                descriptors = self.becomesStill(quillbrook.descriptor_count)
+            waiting.until(f"no more than {descriptors} descriptors",
+                          lambda: quillbrook.descriptor_count() <= descriptors)
 
     def testThePanelGoesWhenAnotherWindowGetsTheKeyboard(self):
         tray = self.tray()

@@ -128,7 +128,7 @@ class Removal(removing.Removing):
         self.trashTools()
         quillbrook.press("Dismiss")
         self.becomes(lambda: self.banners("free space barely moved", "actually freed"), [])
-        self.assertEqual(len(self.pending()), 1)
+        self.becomes(lambda: len(self.pending()), 1)
 
     def testTheOfferFreesTheSpaceAtOnce(self):
         self.openOnTools()
@@ -139,7 +139,7 @@ class Removal(removing.Removing):
             f"✓ permanently removed 2 items · {homes.in_words(2 * share)} actually freed"])
         self.assertEqual(self.trashed(), self.old)
         self.assertEqual(self.ledger(), {})
-        self.assertEqual(self.pending(), [])
+        self.becomes(self.pending, [])
         self.assertEqual(self.inHome(), without(before, TOOLS))
 
     def testDeletingPermanentlyLeavesTheTrashOutOfIt(self):
@@ -181,7 +181,7 @@ class Removal(removing.Removing):
     def testWhatSomebodyElseEmptiedIsPendingNoMore(self):
         quillbrook = self.openOnTools()
         self.trashTools()
-        self.assertEqual(len(self.pending()), 1)
+        self.becomes(lambda: len(self.pending()), 1)
         for part in ("files", "info"):
             shutil.rmtree(self.data / "Trash" / part)
         quillbrook.press("Rescan")
@@ -289,7 +289,7 @@ class Removal(removing.Removing):
         # The books were not yet written; nothing stands in them that is not so, and nothing more goes by itself.
         self.assertEqual(self.ledger(), {})
         self.open()
-        self.assertEqual(self.pending(), [])
+        self.becomes(self.pending, [])
         self.assertEqual(self.inHome(), left)
 
     def killed(self):

@@ -175,10 +175,8 @@ class RemovalMap(removing.Removing):
         self.assertNotIn("Delete permanently", self.buttons())
 
     def selectFound(self, text, name=None):
-        field = self.quillbrook.window().one("text", "Search every file name on this Mac")
-        field.focus()
-        desktop.keys("ctrl+a", "BackSpace")
-        desktop.type_text(text)
+        self.quillbrook.window().one("text", "Search every file name on this Mac").focus()
+        self.quillbrook.search(text)
         row = self.quillbrook.window().one("list", "Found").one(
             "list item", lambda label: label.startswith(f"{name or text}, "))
         row.act("Press")
@@ -196,7 +194,7 @@ class RemovalMap(removing.Removing):
         (self.home.path / "report.pdf").unlink()
         before = self.inHome()
         self.answer("Move to Trash")
-        self.assertEqual(self.bar(), ["report.pdf"])
+        self.becomes(self.bar, ["report.pdf"])
         self.isTold("✗ report.pdf is not there any more.")
         self.assertEqual(self.inHome(), before)
         self.assertEqual((self.trashed(), self.ledger(), self.pending()), ({}, {}, []))
@@ -245,7 +243,7 @@ class RemovalMap(removing.Removing):
             self.select("readme.txt")
             self.pressInBar(button)
             self.answer(button)
-            self.assertEqual(self.bar(), ["readme.txt"])
+            self.becomes(self.bar, ["readme.txt"])
         line = "✗ Could not remove readme.txt: You do not have permission."
         self.isTold(line, line)
         self.assertEqual(self.inHome(), before)
@@ -286,7 +284,7 @@ class RemovalMap(removing.Removing):
         self.assertEqual(self.inTrash(), under(before, "development/odd"))
         self.assertEqual(self.inHome(), without(before, "development/odd"))
         self.quillbrook.open_pane("1", "Free up space")
-        self.assertEqual(len(self.activity()), len(names))
+        self.becomes(lambda: len(self.activity()), len(names))
         self.quillbrook.press("Finish removing")
         self.answer("Remove permanently")
         self.becomes(self.pending, [])

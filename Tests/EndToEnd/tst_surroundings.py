@@ -4,7 +4,6 @@ import os
 import unittest
 
 import case
-import desktop
 import homes
 import made_home
 
@@ -21,7 +20,7 @@ class Surroundings(case.Case):
     def testTheNumberOfFilesIsRememberedForTheNextProgress(self):
         made_home.fill(self.home)
         self.start().scanned()
-        self.assertIn(f"{EXPECTED_FILES}={made_home.FILE_COUNT}\n", self.home.settings.read_text(encoding="utf-8"))
+        self.home.wait_for_setting(EXPECTED_FILES, str(made_home.FILE_COUNT))
 
     def testDamagedSettingsAreDefaults(self):
         made_home.fill(self.home)
@@ -89,7 +88,7 @@ class Surroundings(case.Case):
         quillbrook.open_pane("3", "Biggest files")
         quillbrook.says("No files found.")
         quillbrook.open_pane("4", "Find a file")
-        desktop.type_text("anything")
+        quillbrook.search("anything")
         quillbrook.says("No files found.")
 
     def testAHomeThatIsAFileIsAnEmptyScan(self):

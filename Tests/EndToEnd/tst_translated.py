@@ -3,6 +3,7 @@ translation, each text as a whole."""
 
 import re
 
+import accessibility
 import case
 import desktop
 import made_home
@@ -52,6 +53,9 @@ class Translated(case.Case):
         bare = {}
         for digit in range(1, PANES + 1):
             desktop.keys(f"ctrl+{digit}")
+            # The first list of the window is that of the screens.
+            row = quillbrook.window().one("list").children[digit - 1]
+            waiting.until(f"screen {digit} chosen", lambda: row.has(accessibility.SELECTED))
             for text in self.settled(quillbrook):
                 if rest := left_over(text, self.names):
                     bare.setdefault(digit, []).append((text, rest))

@@ -83,7 +83,7 @@ class Warden(case.Case):
             row = self.moved(row)
         return seen
 
-    def moved(self, row, seconds=1.5):
+    def moved(self, row, seconds=5):
         """The finding the keyboard went to from that one; none where it stayed, at the end of the list."""
         def look():
             now = self.focused()
@@ -129,11 +129,11 @@ class Warden(case.Case):
     def testTicksChangeTheTotal(self):
         quillbrook = self.open()
         safe = self.of("safe")
-        box = self.list().all("check box")[0]
-        self.assertTrue(box.has(accessibility.CHECKED))
+        box = self.list().one("check box")
+        self.becomes(lambda: box.has(accessibility.CHECKED), True)
         box.act("Press")
         quillbrook.says(f"{self.total(safe[1:])} selected")
-        self.becomes(lambda: self.list().all("check box")[0].has(accessibility.CHECKED), False)
+        self.becomes(lambda: self.list().one("check box").has(accessibility.CHECKED), False)
         quillbrook.tab_to(self.focused)
         desktop.keys("space")
         quillbrook.says(f"{self.total(safe)} selected")
@@ -144,7 +144,7 @@ class Warden(case.Case):
     def testTicksStandThroughARescan(self):
         quillbrook = self.open()
         safe = self.of("safe")
-        self.list().all("check box")[0].act("Press")
+        self.list().one("check box").act("Press")
         quillbrook.says(f"{self.total(safe[1:])} selected")
         quillbrook.press("Rescan")
         quillbrook.scanned()
@@ -156,9 +156,9 @@ class Warden(case.Case):
         quillbrook = self.open()
         largest = self.of("safe")[0]
         self.assertNotIn(f"~/{largest['path']}", quillbrook.words())
-        self.list().all("push button", "Where is it?")[0].act("Press")
+        self.list().one("push button", "Where is it?").act("Press")
         quillbrook.says(f"~/{largest['path']}")
-        self.list().all("push button", "Show")[0].act("Press")
+        self.list().one("push button", "Show").act("Press")
         uri = "file://" + urllib.parse.quote(os.path.join(self.home.path, largest["path"]), safe="/")
         self.assertEqual(manager.shown(), [("ShowItems", [uri])])
 

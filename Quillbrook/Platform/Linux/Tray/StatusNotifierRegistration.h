@@ -1,8 +1,8 @@
 #pragma once
 
 // Tells the desktop's watcher of a tray item, at once and whenever a watcher comes up: at login it may come
-// later than the program, and a panel that starts anew brings another. A busy watcher may also drop an item that
-// is still there; it is told of it again. Main thread only.
+// later than the program, and a panel that starts anew brings another. A busy watcher may also drop an item
+// that is still there; it is told of it again. Main thread only.
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
@@ -52,8 +52,8 @@ private:
     /// By which the watcher finds the item; empty before `start`.
     QString m_name;
     bool m_ownsName = false;
-    /// Of the watcher that is there now, and of the time it has known the item, so that an earlier answer counts
-    /// no more.
+    /// Of the watcher that is there now, and of the time it has known the item, so that an earlier answer
+    /// counts no more.
     int m_generation = 0;
     int m_returns = 0;
     bool m_isKnown = false;
