@@ -176,10 +176,16 @@ def activate(window):
     """Gives it the keyboard, and waits until keys go there: a window manager names a window as the active one before
     the display does."""
     _xdotool("windowactivate", "--sync", window)
-    waiting.until("keys go to the window", lambda: _focused() == window)
+    waiting.until("keys go to the window", lambda: focused() == window)
 
 
-def _focused():
+def keyboard_is_placed():
+    """Whether keys go to a window: after one that had them closed, the window manager sees to that in its own time."""
+    return focused() not in ("", "0", "1")
+
+
+def focused():
+    """The window's id; the numbers below 2 stand for none."""
     answer = subprocess.run(["xdotool", "getwindowfocus"], capture_output=True, text=True, timeout=20, check=False)
     return answer.stdout.strip()
 

@@ -75,8 +75,12 @@ class Program:
     def close_panel(self):
         """By the key for that."""
         waiting.until("the keyboard in the panel", lambda: self.panel().has(accessibility.ACTIVE))
+        before = desktop.focused()
+        is_own = before in desktop.all_windows_of(self.pid)
         desktop.keys("Escape")
         waiting.until("the panel closed", lambda: not self.open_panels())
+        if is_own:
+            waiting.until("keys go elsewhere", lambda: desktop.focused() != before)
 
     def exited(self, seconds=20.0):
         """Its exit code, once it has ended by itself."""
