@@ -23,6 +23,12 @@ public:
     [[nodiscard]] virtual std::expected<void, QString> replace(
         const std::string &path, QByteArrayView content)
         = 0;
+
+    /// Adds `content` at the end of the file at `path`, with the folders it needs; only the user may read
+    /// either. All of it or, on an error, nothing. It outlives a kill of the program at once, and a loss of
+    /// power only once the system has written it out. What is no file of its own is an error.
+    [[nodiscard]] virtual std::expected<void, QString> append(const std::string &path, QByteArrayView content)
+        = 0;
 };
 
 } // namespace Quillbrook

@@ -30,6 +30,8 @@ public:
     /// open before is closed. A link is not followed, not even at the start, and what is mounted is not
     /// entered; false for these, and for what can't be read.
     [[nodiscard]] virtual bool open(const std::string &path) = 0;
+    /// Where the open folder really is, without links; absent when nothing is open or it can't be told.
+    [[nodiscard]] virtual std::optional<std::string> place() const = 0;
     /// The next entry of the open folder, without "." and ".."; absent at the end and when nothing is open.
     [[nodiscard]] virtual std::optional<FolderEntry> next() = 0;
 };

@@ -6,11 +6,11 @@
 // on the disk. Errors are texts for a person to read, sentences that begin with a capital and end with a
 // full stop; where one is told, everything lies where it lay before, unless said otherwise.
 
-#include <QDateTime>
-#include <QString>
+#include "Platform/TakenThing.h"
+
+#include <QCoreApplication>
 
 #include <expected>
-#include <string>
 #include <vector>
 
 namespace Quillbrook {
@@ -25,6 +25,29 @@ struct TrashEntry
     bool operator==(const TrashEntry &) const = default;
 };
 
+/// Where a thing lies in the Trash, or is to lie, and by what it is known there.
+struct TrashedThing
+{
+    std::string path{};
+    std::optional<ThingIdentity> identity{};
+};
+
+/// What a move to the Trash has to ask on its way.
+struct TrashOrder
+{
+    TakingJudge judge{};
+    /// Told of each name that is tried, before its note is made. An error ends the move.
+    std::function<std::expected<void, QString>(const TrashedThing &planned)> announce{};
+};
+
+/// What is known of a thing that was moved to the Trash. A `movedAt` that is not valid fits no note.
+struct Provenance
+{
+    std::string originalPath{};
+    QDateTime movedAt{};
+    std::optional<ThingIdentity> identity{};
+};
+
 class Trash
 {
 public:
@@ -33,25 +56,47 @@ public:
     /// Moves what lies at `path` into the Trash of its own volume and tells where it lies now, which is what
     /// `restore` and `erase` want. What is a mount, holds one, is or holds a trash, or lies in one already is
     /// refused, and so is everything on a volume that can have no trash.
-    [[nodiscard]] virtual std::expected<std::string, QString> move(const std::string &path) = 0;
+    [[nodiscard]] virtual std::expected<TrashedThing, QString> move(
+        const std::string &path, const TrashOrder &order)
+        = 0;
+    [[nodiscard]] std::expected<std::string, QString> move(const std::string &path)
+    {
+        const auto moved = move(path, TrashOrder());
+        return moved ? std::expected<std::string, QString>(moved->path) : std::unexpected(moved.error());
+    }
 
     /// Moves a thing of the Trash back to `originalPath` and drops its note. Folders on the way that are gone
-    /// are made again; what lies at `originalPath` by now is never replaced, but an error.
+    /// are made again; what lies at `originalPath` by now is never replaced, but an error. Where `from` is
+    /// given, something else under that name stays where it is.
     [[nodiscard]] virtual std::expected<void, QString> restore(
-        const std::string &trashPath, const std::string &originalPath)
+        const std::string &trashPath, const std::string &originalPath, const Provenance *from)
         = 0;
+    [[nodiscard]] std::expected<void, QString> restore(
+        const std::string &trashPath, const std::string &originalPath)
+    {
+        return restore(trashPath, originalPath, nullptr);
+    }
 
     /// Deletes a thing of the Trash for good, together with its note. It is out of the Trash before its first
     /// file goes, so that no half of it can be put back. On an error either all of it is still in the Trash
     /// with its note, or what could not be deleted is left, mostly among the leftovers that `items` lists. A
-    /// path that is not directly in a trash, or among its leftovers, is refused.
-    [[nodiscard]] virtual std::expected<void, QString> erase(const std::string &trashPath) = 0;
+    /// path that is not directly in a trash, or among its leftovers, is refused. Where `from` is given,
+    /// something else under that name stays.
+    [[nodiscard]] virtual std::expected<void, QString> erase(
+        const std::string &trashPath, const Provenance *from)
+        = 0;
+    [[nodiscard]] std::expected<void, QString> erase(const std::string &trashPath)
+    {
+        return erase(trashPath, nullptr);
+    }
 
-    /// Whether a thing of the Trash may be what was moved there from `originalPath` at `movedAt`: false only
-    /// where its note says that it came from elsewhere or at another time, as it does when the Trash was
-    /// emptied or the thing put back, and the name given again. A `movedAt` that is not valid fits any time.
-    [[nodiscard]] virtual bool mayComeFrom(
-        const std::string &trashPath, const std::string &originalPath, const QDateTime &movedAt) const = 0;
+    /// Whether what lies at `trashPath` is what was moved there: by its identity where `from` has one, else
+    /// only where its note says the same place and the same moment. What can't be told is something else.
+    [[nodiscard]] virtual bool isStill(const std::string &trashPath, const Provenance &from) const = 0;
+
+    /// Drops the note of a thing that never came to `trashPath`, where it is `note` or the beginning of it,
+    /// as a kill leaves it. Nothing happens where a thing lies there, or the note is another.
+    virtual void dropLoneNote(const std::string &trashPath, const std::string &note) = 0;
 
     /// Whether `path` is a trash of this user, or lies anywhere in one. Told by where trashes are kept, also
     /// of paths that are not there.
@@ -61,6 +106,13 @@ public:
     /// their notes, and leftovers of deletions, or only the ones or the others where `path` is the folder
     /// that keeps them. Empty where there is no trash, or it can't be read.
     [[nodiscard]] virtual std::vector<TrashEntry> items(const std::string &path) const = 0;
+
+    /// Why a thing stays that is not the one that was moved.
+    [[nodiscard]] static QString somethingElse()
+    {
+        return QCoreApplication::translate(
+            "Trash", "Something else lies in the Trash under its name by now.");
+    }
 };
 
 } // namespace Quillbrook

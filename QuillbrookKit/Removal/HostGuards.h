@@ -33,6 +33,12 @@ struct HostGuards
     /// What a person reads of a sentence, in which names are filled in afterwards; absent: the sentence
     /// itself.
     std::function<QString(const QString &sentence)> wording{};
+    /// A path without links, seen from the home folder where it leads into that by another mount; itself
+    /// otherwise.
+    std::function<std::string(const std::string &path)> inHome{};
+    /// Where the folders that are kept really lie as far as they are links, asked at each judgement; without
+    /// links, absolute. They are kept like the links, though what is in them may go.
+    std::function<std::vector<std::string>()> keptTargets{};
 };
 
 } // namespace Quillbrook

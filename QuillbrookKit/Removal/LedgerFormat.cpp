@@ -1,7 +1,5 @@
 #include "Removal/LedgerFormat.h"
 
-#include "JsonValues.h"
-
 #include <QUtf8StringView>
 
 #include <algorithm>
@@ -56,7 +54,23 @@ QDateTime moment(double seconds)
     return QDateTime::fromMSecsSinceEpoch(milliseconds + referenceMilliseconds, Qt::UTC);
 }
 
-Json row(const TrashedItem &item)
+// The bytes count only where they are those of the text beside them; else somebody has changed the text, and
+// means it.
+std::optional<std::string> path(const Json &row, const PathKeys &keys)
+{
+    auto readable = text(row, keys.text);
+    const auto encoded = text(row, keys.bytes);
+    if (!readable || !encoded)
+        return readable;
+    const auto decoded = QByteArray::fromBase64Encoding(
+        QByteArray::fromStdString(*encoded), QByteArray::AbortOnBase64DecodingErrors);
+    const auto bytes = decoded ? (*decoded).toStdString() : std::string();
+    return repaired(bytes) == *readable ? bytes : *readable;
+}
+
+} // namespace
+
+Json encodeRow(const TrashedItem &item)
 {
     Json row;
     row["id"] = item.id.toStdString();
@@ -74,21 +88,7 @@ Json row(const TrashedItem &item)
     return row;
 }
 
-// The bytes count only where they are those of the text beside them; else somebody has changed the text, and
-// means it.
-std::optional<std::string> path(const Json &row, const PathKeys &keys)
-{
-    auto readable = text(row, keys.text);
-    const auto encoded = text(row, keys.bytes);
-    if (!readable || !encoded)
-        return readable;
-    const auto decoded = QByteArray::fromBase64Encoding(
-        QByteArray::fromStdString(*encoded), QByteArray::AbortOnBase64DecodingErrors);
-    const auto bytes = decoded ? (*decoded).toStdString() : std::string();
-    return repaired(bytes) == *readable ? bytes : *readable;
-}
-
-std::optional<TrashedItem> item(const Json &row)
+std::optional<TrashedItem> decodeRow(const Json &row)
 {
     if (!row.is_object())
         return std::nullopt;
@@ -117,13 +117,11 @@ std::optional<TrashedItem> item(const Json &row)
     return item;
 }
 
-} // namespace
-
 QByteArray encode(const std::vector<TrashedItem> &items)
 {
     auto rows = Json::array();
     for (const auto &item : items)
-        rows.push_back(row(item));
+        rows.push_back(encodeRow(item));
     // A slash stands nowhere but in texts, where it means the same with a backslash before it.
     return QByteArray::fromStdString(rows.dump()).replace('/', "\\/");
 }
@@ -136,7 +134,7 @@ std::optional<std::vector<TrashedItem>> decode(QByteArrayView json)
     std::vector<TrashedItem> items;
     items.reserve(rows.size());
     for (const auto &row : rows) {
-        auto read = item(row);
+        auto read = decodeRow(row);
         if (!read)
             return std::nullopt;
         items.push_back(*std::move(read));

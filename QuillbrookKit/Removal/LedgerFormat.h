@@ -8,6 +8,7 @@
 // whole as base64 under the same key followed by "Bytes". So nothing is lost, no two paths are written alike,
 // and a file in which every path is text holds no key besides the seven of a row.
 
+#include "JsonValues.h"
 #include "Removal/TrashedItem.h"
 
 #include <QByteArray>
@@ -22,5 +23,9 @@ namespace Quillbrook::LedgerFormat {
 /// Absent when `json` is anything else than an array of whole rows. Keys that are not known are passed over;
 /// a moment is rounded to the millisecond, and one beyond 270,000 years is taken as that.
 [[nodiscard]] std::optional<std::vector<TrashedItem>> decode(QByteArrayView json);
+
+/// One row; its identity is no part of it.
+[[nodiscard]] JsonValues::Json encodeRow(const TrashedItem &item);
+[[nodiscard]] std::optional<TrashedItem> decodeRow(const JsonValues::Json &row);
 
 } // namespace Quillbrook::LedgerFormat

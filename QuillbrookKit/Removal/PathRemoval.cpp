@@ -6,8 +6,11 @@
 #include "Platform/FolderEntries.h"
 #include "Platform/Trash.h"
 #include "Removal/PathGuards.h"
-#include "Removal/RemovalServices.h"
+#include "Removal/Reclaimer.h"
+#include "Removal/RemovalJournal.h"
 #include "StandardisedPath.h"
+
+#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -65,6 +68,75 @@ Removal failedToRemove(const Item &item, const QString &why)
     return failed(item, u"Could not remove %1: %2"_s.arg(item.label, why));
 }
 
+std::vector<std::string> homesOf(const std::string &home, const HostGuards &host)
+{
+    std::vector homes{ home };
+    if (auto resolved = standardisedPath(host.withoutLinks(home + "/."), {});
+        !resolved.empty() && resolved != home)
+        homes.push_back(std::move(resolved));
+    return homes;
+}
+
+// The guards about where a thing really is, by the folder that it is taken from.
+std::optional<QString> refusalThere(const TakenThing &thing, const Manner &manner)
+{
+    const auto home = standardisedPath(manner.home, {});
+    const auto *host = manner.host;
+    if (host == nullptr || !host->withoutLinks)
+        return answerForHomes(thing.path, { home }, host);
+    const auto homes = homesOf(home, *host);
+    if (auto sentence = answerForHomes(thing.path, homes, host))
+        return sentence;
+    const auto inHome = host->inHome ? host->inHome(thing.path) : thing.path;
+    return inHome == thing.path ? std::nullopt : answerForHomes(inHome, homes, host);
+}
+
+bool isPicked(const TakenThing &thing, const Item &item)
+{
+    return !item.picked || (item.picked->kind == thing.kind && item.picked->inode == thing.inode);
+}
+
+QString notMeasured(const Item &item)
+{
+    return QCoreApplication::translate("PathRemoval", "%1 is not what was measured any more. Scan again.")
+        .arg(item.label);
+}
+
+struct Judgement
+{
+    const TakingJudge &judge;
+    const std::optional<QString> &refused;
+};
+
+Removal moveToTrash(
+    const RemovalServices &services, const Item &item, const Manner &manner, const Judgement &judgement)
+{
+    auto *journal = manner.journal;
+    auto row = TrashedItem::moved({ .label = item.label,
+        .originalPath = item.path,
+        .bytes = item.bytes,
+        .movedAt = services.clock.now() });
+    const auto begun = journal != nullptr ? journal->begin({ .title = item.label, .bytes = item.bytes })
+                                          : std::expected<void, QString>();
+    if (!begun)
+        return failed(item, ReclaimError::notBegun(begun.error()));
+    const auto announce = [&](const TrashedThing &planned) -> std::expected<void, QString> {
+        row.trashPath = planned.path;
+        row.identity = planned.identity;
+        return journal != nullptr ? journal->plan(row) : std::expected<void, QString>();
+    };
+    const auto moved = services.trash.move(item.path, { .judge = judgement.judge, .announce = announce });
+    if (journal != nullptr && !moved)
+        journal->fail(row.id);
+    if (journal != nullptr)
+        journal->settle();
+    if (!moved)
+        return judgement.refused ? failed(item, *judgement.refused) : failedToRemove(item, moved.error());
+    row.trashPath = moved->path;
+    row.identity = moved->identity;
+    return { .path = item.path, .bytes = item.bytes, .trashed = std::move(row) };
+}
+
 bool isHidden(std::string_view name)
 {
     return name.starts_with('.');
@@ -76,13 +148,10 @@ std::optional<QString> refusal(const std::string &path, const std::string &home,
 {
     const auto standardisedHome = standardisedPath(home, {});
     const auto given = standardisedPath(path, standardisedHome);
-    std::vector homes{ standardisedHome };
     if (host == nullptr || !host->withoutLinks || !given.starts_with('/'))
-        return answerForHomes(given, homes, host);
+        return answerForHomes(given, { standardisedHome }, host);
 
-    if (const auto resolvedHome = standardisedPath(host->withoutLinks(standardisedHome + "/."), {});
-        !resolvedHome.empty() && resolvedHome != standardisedHome)
-        homes.push_back(resolvedHome);
+    const auto homes = homesOf(standardisedHome, *host);
     if (auto sentence = answerForHomes(given, homes, host))
         return sentence;
     // Not what was standardised: to the system a ".." behind a link leads elsewhere than its text says.
@@ -97,20 +166,16 @@ Removal remove(const RemovalServices &services, const Item &item, const Manner &
         return failed(item, *sentence);
     if (!services.files.kind(itself(item.path)))
         return failed(item, u"%1 is not there any more."_s.arg(item.label));
-    if (manner.permanent) {
-        if (const auto done = services.removal.remove(item.path); !done)
-            return failedToRemove(item, done.error());
-        return { .path = item.path, .bytes = item.bytes };
-    }
-    const auto trashPath = services.trash.move(item.path);
-    if (!trashPath)
-        return failedToRemove(item, trashPath.error());
-    auto trashed = TrashedItem::moved({ .label = item.label,
-        .originalPath = item.path,
-        .trashPath = *trashPath,
-        .bytes = item.bytes,
-        .movedAt = services.clock.now() });
-    return { .path = item.path, .bytes = item.bytes, .trashed = std::move(trashed) };
+    std::optional<QString> refused;
+    const TakingJudge judge = [&](const TakenThing &thing) {
+        refused = isPicked(thing, item) ? refusalThere(thing, manner) : notMeasured(item);
+        return refused;
+    };
+    if (!manner.permanent)
+        return moveToTrash(services, item, manner, { .judge = judge, .refused = refused });
+    if (const auto done = services.removal.remove(item.path, judge); !done)
+        return refused ? failed(item, *refused) : failedToRemove(item, done.error());
+    return { .path = item.path, .bytes = item.bytes };
 }
 
 std::vector<Removal> removeAll(

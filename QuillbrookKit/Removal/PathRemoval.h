@@ -13,27 +13,41 @@
 
 namespace Quillbrook {
 
+class RemovalJournal;
 struct HostGuards;
 struct RemovalServices;
 
 namespace PathRemoval {
 
-/// One thing to remove. `bytes` is the caller's figure; `label` is what a person knows the thing by.
+/// What was seen where a thing was picked. A folder may have changed in it since.
+struct Picked
+{
+    FileKind kind = FileKind::other;
+    std::uint64_t inode = 0;
+
+    bool operator==(const Picked &) const = default;
+};
+
+/// One thing to remove. `bytes` is the caller's figure; `label` is what a person knows the thing by. Where
+/// `picked` is given, nothing else than that goes.
 struct Item
 {
     std::string path{};
     qint64 bytes = 0;
     QString label{};
+    std::optional<Picked> picked{};
 
     bool operator==(const Item &) const = default;
 };
 
-/// How to remove. `host` holds the guards that the machine adds; none when it is absent.
+/// How to remove. `host` holds the guards that the machine adds; none when it is absent. `journal` is written
+/// before each move to the Trash, where there is one; without its line nothing is moved.
 struct Manner
 {
     bool permanent = false;
     std::string home{};
     const HostGuards *host = nullptr;
+    RemovalJournal *journal = nullptr;
 };
 
 /// The result of one attempt.
@@ -68,8 +82,9 @@ struct ItemCount
 [[nodiscard]] std::optional<QString> refusal(
     const std::string &path, const std::string &home, const HostGuards *host = nullptr);
 
-/// Removes one thing, to the Trash or for good, unless a guard refuses it. A failed move to the Trash never
-/// becomes a deletion. Writes to no ledger: that is the caller's, with `trashed`.
+/// Removes one thing, to the Trash or for good, unless a guard refuses it. The guards are asked about the
+/// path first, and then about where the open folder really is that the thing is taken from. A failed move to
+/// the Trash never becomes a deletion. Writes to no ledger: that is the caller's, with `trashed`.
 [[nodiscard]] Removal remove(const RemovalServices &services, const Item &item, const Manner &manner);
 /// The same for each, in order; one failure does not stop the others.
 [[nodiscard]] std::vector<Removal> removeAll(

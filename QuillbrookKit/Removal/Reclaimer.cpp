@@ -5,6 +5,8 @@
 #include "Platform/FolderEntries.h"
 #include "Platform/RunningApps.h"
 #include "Platform/Trash.h"
+#include "Removal/HostGuards.h"
+#include "Removal/RemovalJournal.h"
 #include "StandardisedPath.h"
 
 #include <QCoreApplication>
@@ -89,30 +91,81 @@ QString ReclaimError::failed(const QString &name, const QString &error)
     return u"Could not reclaim %1: %2"_s.arg(name, error);
 }
 
-Reclaimer::Outcome Reclaimer::reclaim(const Finding &finding, Disposal disposal) const
+QString ReclaimError::notBegun(const QString &error)
+{
+    return QCoreApplication::translate(
+        "Reclaimer", "Quillbrook could not note down what goes, so nothing was moved: %1")
+        .arg(error);
+}
+
+QString ReclaimError::stopped()
+{
+    return QCoreApplication::translate("Reclaimer", "Stopped before all of it went.");
+}
+
+struct Reclaimer::Targets
+{
+    std::vector<std::string> paths{};
+    // Where the folder that they were listed in really is; absent where they were not listed in one.
+    std::optional<std::string> place{};
+    // What must neither go nor be held by what goes.
+    std::vector<std::string> kept{};
+};
+
+Reclaimer::Outcome Reclaimer::reclaim(const Finding &finding, Disposal disposal, const Steps &steps) const
 {
     Outcome outcome{ .finding = finding, .permanent = disposal == Disposal::permanent };
     outcome.error = refusal(finding, disposal);
     if (outcome.error)
         return outcome;
+    const auto found = targets(finding);
+    if (!found) {
+        outcome.error = found.error();
+        return outcome;
+    }
+    const bool isJournaled = journal != nullptr && !outcome.permanent && !found->paths.empty();
+    const auto begun = isJournaled ? journal->begin({ .title = finding.rule.title,
+                           .bytes = finding.bytes,
+                           .planned = static_cast<qint64>(found->paths.size()),
+                           .byRule = byRule })
+                                   : std::expected<void, QString>();
+    if (!begun) {
+        outcome.error = ReclaimError::notBegun(begun.error());
+        return outcome;
+    }
+    clear(*found, outcome, steps);
+    if (isJournaled)
+        journal->settle();
+    return outcome;
+}
 
+void Reclaimer::clear(const Targets &targets, Outcome &outcome, const Steps &steps) const
+{
+    const auto planned = static_cast<qint64>(targets.paths.size());
     qint64 removed = 0;
-    for (const auto &target : targets(finding)) {
-        auto disposed = dispose(target, finding, disposal);
-        if (!disposed) {
-            outcome.error = ReclaimError::failed(nameOf(target), disposed.error());
-            continue;
+    Step step{ .entries = planned };
+    for (const auto &target : targets.paths) {
+        if (steps.stop.stop_requested()) {
+            outcome.error = ReclaimError::stopped();
+            if (journal != nullptr && !outcome.permanent)
+                journal->fail({});
+            break;
         }
-        ++removed;
-        if (*disposed)
-            outcome.trashed.push_back(**std::move(disposed));
+        ++step.entry;
+        step.name = nameOf(target);
+        step.bytes = outcome.finding.bytes / planned * removed;
+        if (steps.before)
+            steps.before(step);
+        if (const auto disposed = dispose(target, targets, outcome); disposed)
+            ++removed;
+        else
+            outcome.error = ReclaimError::failed(step.name, disposed.error());
     }
     if (removed == 0)
-        return outcome;
-    outcome.bytesMoved = finding.bytes;
+        return;
+    outcome.bytesMoved = outcome.finding.bytes;
     for (auto &item : outcome.trashed)
-        item.bytes = finding.bytes / removed;
-    return outcome;
+        item.bytes = outcome.finding.bytes / removed;
 }
 
 std::vector<Reclaimer::Outcome> Reclaimer::reclaimAll(const QList<Finding> &findings, Disposal disposal) const
@@ -145,36 +198,90 @@ bool Reclaimer::isBelowHome(const QString &path) const
         && standardisedPath(path, homeDirectory).startsWith(start);
 }
 
-std::vector<std::string> Reclaimer::targets(const Finding &finding) const
+// As the links on the way lead by now. Without a word about where links lead every path is what it says.
+bool Reclaimer::isReallyBelowHome(const std::string &path) const
 {
-    const auto path = finding.path.toStdString();
-    if (!finding.rule.emptyContentsOnly)
-        return { path };
-    if (!services.trash.holds(path))
-        return childrenOf(path);
-    std::vector<std::string> things;
-    for (const auto &thing : services.trash.items(path))
-        things.push_back(thing.path);
-    return things;
+    const auto home = homeDirectory.toStdString();
+    const auto resolve = services.guards != nullptr ? services.guards->withoutLinks : nullptr;
+    const auto realHome = resolve ? standardisedPath(resolve(home + "/."), {}) : home;
+    return path.starts_with(home + '/') || (realHome.size() > 1 && path.starts_with(realHome + '/'));
 }
 
-std::expected<std::optional<TrashedItem>, QString> Reclaimer::dispose(
-    const std::string &target, const Finding &finding, Disposal disposal) const
+// Of a folder what lies in it, hidden things among it: none where it can't be read, and none behind a link,
+// which it may have become since it was found.
+std::expected<Reclaimer::Targets, QString> Reclaimer::targets(const Finding &finding) const
 {
-    if (disposal == Disposal::permanent) {
-        const auto gone
-            = services.trash.holds(target) ? services.trash.erase(target) : services.removal.remove(target);
-        if (!gone)
-            return std::unexpected(gone.error());
-        return std::nullopt;
+    const auto path = finding.path.toStdString();
+    Targets targets;
+    if (services.guards != nullptr && services.guards->keptTargets)
+        targets.kept = services.guards->keptTargets();
+    if (!finding.rule.emptyContentsOnly) {
+        targets.paths = { path };
+        return targets;
     }
-    const auto trashed = services.trash.move(target);
-    if (!trashed)
-        return std::unexpected(trashed.error());
-    return TrashedItem::moved({ .label = finding.rule.title + u" \u00B7 "_s + nameOf(target),
+    if (services.trash.holds(path)) {
+        for (const auto &thing : services.trash.items(path))
+            targets.paths.push_back(thing.path);
+        return targets;
+    }
+    const auto entries = folderEntries(path);
+    if (!entries->open(path))
+        return targets;
+    targets.place = entries->place();
+    if (!targets.place || !isReallyBelowHome(*targets.place))
+        return std::unexpected(ReclaimError::outsideHome(finding.path));
+    while (const auto entry = entries->next())
+        targets.paths.push_back(path + '/' + std::string(entry->name));
+    std::ranges::sort(targets.paths);
+    return targets;
+}
+
+TakingJudge Reclaimer::judge(const Targets &targets) const
+{
+    return [this, &targets](const TakenThing &thing) -> std::optional<QString> {
+        const auto folder = thing.path.substr(0, thing.path.find_last_of('/'));
+        if (targets.place ? folder != *targets.place : !isReallyBelowHome(thing.path))
+            return QCoreApplication::translate("Reclaimer", "Its folder is not where it was any more.");
+        const bool isKept = std::ranges::any_of(targets.kept, [&](const std::string &kept) {
+            return kept == thing.path || kept.starts_with(thing.path + '/');
+        });
+        if (isKept)
+            return QCoreApplication::translate(
+                "Reclaimer", "One of your own folders is really there, behind a link.");
+        return std::nullopt;
+    };
+}
+
+std::expected<void, QString> Reclaimer::dispose(
+    const std::string &target, const Targets &targets, Outcome &outcome) const
+{
+    if (!outcome.permanent)
+        return moveToTrash(target, targets, outcome);
+    return services.trash.holds(target) ? services.trash.erase(target)
+                                        : services.removal.remove(target, judge(targets));
+}
+
+std::expected<void, QString> Reclaimer::moveToTrash(
+    const std::string &target, const Targets &targets, Outcome &outcome) const
+{
+    auto item = TrashedItem::moved({ .label = outcome.finding.rule.title + u" \u00B7 "_s + nameOf(target),
         .originalPath = target,
-        .trashPath = *trashed,
         .movedAt = services.clock.now() });
+    const auto announce = [&](const TrashedThing &planned) -> std::expected<void, QString> {
+        item.trashPath = planned.path;
+        item.identity = planned.identity;
+        return journal != nullptr ? journal->plan(item) : std::expected<void, QString>();
+    };
+    const auto moved = services.trash.move(target, { .judge = judge(targets), .announce = announce });
+    if (!moved) {
+        if (journal != nullptr)
+            journal->fail(item.id);
+        return std::unexpected(moved.error());
+    }
+    item.trashPath = moved->path;
+    item.identity = moved->identity;
+    outcome.trashed.push_back(std::move(item));
+    return {};
 }
 
 } // namespace Quillbrook

@@ -12,9 +12,13 @@
 
 #include <cstdint>
 #include <expected>
+#include <functional>
+#include <stop_token>
 #include <vector>
 
 namespace Quillbrook {
+
+class RemovalJournal;
 
 /// Why nothing, or not all, was removed, as sentences for a person.
 namespace ReclaimError {
@@ -26,6 +30,8 @@ namespace ReclaimError {
 [[nodiscard]] QString running(const QString &name);
 [[nodiscard]] QString perhapsRunning(const QString &name);
 [[nodiscard]] QString failed(const QString &name, const QString &error);
+[[nodiscard]] QString notBegun(const QString &error);
+[[nodiscard]] QString stopped();
 
 } // namespace ReclaimError
 
@@ -50,27 +56,59 @@ struct Reclaimer
         bool operator==(const Outcome &) const = default;
     };
 
+    /// An entry that is about to go. Counts begin at 1; `bytes` is what the entries before it came to.
+    struct Step
+    {
+        qsizetype entry = 0;
+        qsizetype entries = 0;
+        QString name{};
+        qint64 bytes = 0;
+    };
+
+    struct Steps
+    {
+        std::function<void(const Step &)> before{};
+        /// Obeyed before each entry: the rest stays, and the finding has failed.
+        std::stop_token stop{};
+    };
+
     RemovalServices services;
     /// Absolute, without a slash at its end.
     QString homeDirectory{};
+    /// Written before each move to the Trash, where there is one. A finding that it can't take is not begun.
+    RemovalJournal *journal = nullptr;
+    /// How the journal marks what goes; the rows of an outcome are marked by the caller.
+    bool byRule = false;
 
     /// Removes what lies in the finding's folder, or the finding itself where its rule says so. Never touches
     /// what is report-only, what is not below the home folder, or what is a link. What can't be removed stays
     /// and is told, and the rest goes; nothing that can't go to the Trash is deleted instead. A folder that
     /// can't be read is an empty one, and emptying it no failure. Nor is anything touched whose application
-    /// runs by now, or can't be told not to when the finding is a safe one.
+    /// runs by now, or can't be told not to when the finding is a safe one. What goes is taken from the folder that was
+    /// found to be below the home folder, even where its path leads elsewhere by then.
     ///
     /// What lies in the Trash already goes for good only, each thing with its note of where it came from.
-    [[nodiscard]] Outcome reclaim(const Finding &finding, Disposal disposal) const;
+    [[nodiscard]] Outcome reclaim(const Finding &finding, Disposal disposal) const
+    {
+        return reclaim(finding, disposal, {});
+    }
+    [[nodiscard]] Outcome reclaim(const Finding &finding, Disposal disposal, const Steps &steps) const;
     /// The same for each, in order; one failure does not stop the others.
     [[nodiscard]] std::vector<Outcome> reclaimAll(const QList<Finding> &findings, Disposal disposal) const;
 
 private:
     [[nodiscard]] std::optional<QString> refusal(const Finding &finding, Disposal disposal) const;
     [[nodiscard]] bool isBelowHome(const QString &path) const;
-    [[nodiscard]] std::vector<std::string> targets(const Finding &finding) const;
-    [[nodiscard]] std::expected<std::optional<TrashedItem>, QString> dispose(
-        const std::string &target, const Finding &finding, Disposal disposal) const;
+    struct Targets;
+
+    [[nodiscard]] std::expected<Targets, QString> targets(const Finding &finding) const;
+    void clear(const Targets &targets, Outcome &outcome, const Steps &steps) const;
+    [[nodiscard]] bool isReallyBelowHome(const std::string &path) const;
+    [[nodiscard]] TakingJudge judge(const Targets &targets) const;
+    [[nodiscard]] std::expected<void, QString> dispose(
+        const std::string &target, const Targets &targets, Outcome &outcome) const;
+    [[nodiscard]] std::expected<void, QString> moveToTrash(
+        const std::string &target, const Targets &targets, Outcome &outcome) const;
 };
 
 } // namespace Quillbrook

@@ -14,6 +14,8 @@ struct RemovalServices
     const Clock &clock;
     /// Null: whether an application runs can't be told.
     const RunningApps *runningApps = nullptr;
+    /// Knows where links lead and what is kept; without it every path leads where it says.
+    const HostGuards *guards = nullptr;
 
     /// That part of all there is.
     [[nodiscard]] static RemovalServices of(const KitServices &kit)
@@ -22,7 +24,8 @@ struct RemovalServices
             .removal = kit.removal,
             .files = kit.files,
             .clock = kit.clock,
-            .runningApps = &kit.runningApps };
+            .runningApps = &kit.runningApps,
+            .guards = &kit.guards };
     }
 };
 

@@ -4,6 +4,7 @@
 #include "Platform/FileReading.h"
 #include "Platform/FileWriting.h"
 #include "Platform/Trash.h"
+#include "Removal/IdentityFormat.h"
 #include "Removal/LedgerFormat.h"
 
 #include <QSet>
@@ -38,11 +39,6 @@ bool isPlace(const std::string &path)
     return path.starts_with('/') && !path.contains('\0');
 }
 
-QString somethingElse()
-{
-    return u"Something else lies in the Trash under its name by now."_s;
-}
-
 void log(const QString &message)
 {
     qWarning("Quillbrook: %s", qUtf8Printable(message));
@@ -53,6 +49,11 @@ void log(const QString &message)
 std::string TrashLedger::standardStore(const std::string &dataFolder)
 {
     return dataFolder + "/Quillbrook/ledger.json";
+}
+
+std::string TrashLedger::identitiesBeside(const std::string &store)
+{
+    return store.substr(0, store.find_last_of('/') + 1) + "identities.json";
 }
 
 TrashLedger::TrashLedger(const LedgerServices &services, std::string storePath)
@@ -79,7 +80,8 @@ TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items)
     QSet<QString> tried;
     for (const auto &item : stillInTrash(items)) {
         tried.insert(item.id);
-        if (const auto erased = erase(item); !erased) {
+        const auto from = item.provenance();
+        if (const auto erased = m_services.trash.erase(item.trashPath, &from); !erased) {
             log(u"could not purge %1 — %2"_s.arg(QString::fromStdString(item.trashPath), erased.error()));
             continue;
         }
@@ -91,19 +93,26 @@ TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items)
     return purged;
 }
 
+std::expected<void, QString> TrashLedger::putBack(const TrashedItem &item)
+{
+    const auto from = item.provenance();
+    auto moved = isPlace(item.trashPath) ? m_services.trash.restore(item.trashPath, item.originalPath, &from)
+                                         : std::unexpected(Trash::somethingElse());
+    if (!moved)
+        return moved;
+    std::erase_if(m_items, [id = item.id](const TrashedItem &row) { return row.id == id; });
+    save();
+    return {};
+}
+
 bool TrashLedger::restore(const TrashedItem &item)
 {
     if (!stillInTrash(item))
         return false;
-    const auto moved = isOurs(item) ? m_services.trash.restore(item.trashPath, item.originalPath)
-                                    : std::unexpected(somethingElse());
-    if (!moved) {
+    const auto moved = putBack(item);
+    if (!moved)
         log(u"restore failed — %1"_s.arg(moved.error()));
-        return false;
-    }
-    std::erase_if(m_items, [id = item.id](const TrashedItem &row) { return row.id == id; });
-    save();
-    return true;
+    return moved.has_value();
 }
 
 void TrashLedger::prune()
@@ -142,26 +151,36 @@ std::vector<TrashedItem> TrashLedger::ruleItemsDue(const QDateTime &now, qint64 
     return due;
 }
 
-bool TrashLedger::isOurs(const TrashedItem &item) const
-{
-    return m_services.trash.mayComeFrom(item.trashPath, item.originalPath, item.movedAt);
-}
-
-std::expected<void, QString> TrashLedger::erase(const TrashedItem &item) const
-{
-    if (!isOurs(item))
-        return std::unexpected(somethingElse());
-    return m_services.trash.erase(item.trashPath);
-}
-
 void TrashLedger::load()
 {
     const auto stored = m_services.reading.contents(m_storePath, maximumStoreBytes);
     m_items = stored ? LedgerFormat::decode(*stored).value_or(m_items) : m_items;
+    loadIdentities();
+}
+
+void TrashLedger::loadIdentities()
+{
+    const auto stored = m_services.reading.contents(identitiesBeside(m_storePath), maximumStoreBytes);
+    m_hasIdentities = stored.has_value();
+    const auto identities = IdentityFormat::decode(stored.value_or(QByteArray()));
+    for (auto &item : m_items)
+        if (const auto found = identities.constFind(item.id); found != identities.cend())
+            item.identity = *found;
+}
+
+// Before the ledger: a row that has lost its identity is trusted less, an identity without a row is nothing.
+void TrashLedger::saveIdentities()
+{
+    const auto has = [](const TrashedItem &item) { return item.identity.has_value(); };
+    if (!m_hasIdentities && std::ranges::none_of(m_items, has))
+        return;
+    m_hasIdentities = true;
+    std::ignore = m_services.writing.replace(identitiesBeside(m_storePath), IdentityFormat::encode(m_items));
 }
 
 void TrashLedger::save()
 {
+    saveIdentities();
     // A failure is nobody's business: the rows here stay right, and the next save writes them again.
     std::ignore = m_services.writing.replace(m_storePath, LedgerFormat::encode(m_items));
 }

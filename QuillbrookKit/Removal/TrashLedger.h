@@ -4,10 +4,10 @@
 // nothing until it leaves the Trash: the ledger says how much is still waiting, deletes exactly those things
 // and never the user's other Trash, and tells what an automation rule moved long enough ago.
 //
-// A row is found again by its `trashPath` alone, and nothing is deleted or put back whose note says that it
-// came from elsewhere or at another time: the Trash gives the names of what has left it again. A row that is
-// no longer in the Trash, because the user emptied it or put the thing back, counts nowhere and stays in the
-// file until something removes it.
+// A row is found again by its `trashPath` alone, and nothing is deleted or put back that is not the thing
+// that was moved there: the Trash gives the names of what has left it again. By what things are known stands
+// in a file of its own beside the ledger's (`IdentityFormat`). A row that is no longer in the Trash, because
+// the user emptied it or put the thing back, counts nowhere and stays in the file until something removes it.
 //
 // Main thread only; every operation blocks on the disk. A file that is missing, can't be read or holds
 // anything but rows is an empty ledger, and stays until the next save. What can't be saved is right in memory
@@ -47,6 +47,8 @@ public:
 
     /// The ledger's file below the folder in which programs keep the user's data (absolute, raw bytes).
     [[nodiscard]] static std::string standardStore(const std::string &dataFolder);
+    /// Where the identities of the things of the ledger at `store` stand.
+    [[nodiscard]] static std::string identitiesBeside(const std::string &store);
 
     /// Loads `storePath` (absolute, raw bytes).
     TrashLedger(const LedgerServices &services, std::string storePath);
@@ -60,9 +62,10 @@ public:
     Purged purge();
     /// The same for `items`; the other rows stay.
     Purged purge(const std::vector<TrashedItem> &items);
-    /// Puts a thing back where it was, with the folders it needs, forgets its row and saves. False when it is
-    /// not in the Trash, or, logged, when it can't go back, as where something else has its place; the row
-    /// stays then.
+    /// Puts a thing back where it was, with the folders it needs, forgets its row and saves. Why it can't go
+    /// back, as where something else has its place, is told as a person may read it; the row stays then.
+    [[nodiscard]] std::expected<void, QString> putBack(const TrashedItem &item);
+    /// The same; false when it is not in the Trash, or, logged, when it can't go back.
     [[nodiscard]] bool restore(const TrashedItem &item);
     /// Forgets the rows that are no longer in the Trash; saves when there were any.
     void prune();
@@ -79,8 +82,8 @@ public:
     [[nodiscard]] std::vector<TrashedItem> ruleItemsDue(const QDateTime &now, qint64 freeBytes) const;
 
 private:
-    [[nodiscard]] bool isOurs(const TrashedItem &item) const;
-    [[nodiscard]] std::expected<void, QString> erase(const TrashedItem &item) const;
+    void loadIdentities();
+    void saveIdentities();
     void load();
     void save();
     [[nodiscard]] std::vector<TrashedItem> stillInTrash(const std::vector<TrashedItem> &items) const;
@@ -88,6 +91,7 @@ private:
     LedgerServices m_services;
     std::string m_storePath;
     std::vector<TrashedItem> m_items;
+    bool m_hasIdentities = false;
 };
 
 } // namespace Quillbrook

@@ -2,11 +2,7 @@
 
 // One thing that the program itself moved to the Trash. A plain value.
 
-#include <QDateTime>
-#include <QString>
-
-#include <optional>
-#include <string>
+#include "Platform/Trash.h"
 
 namespace Quillbrook {
 
@@ -25,6 +21,8 @@ struct TrashedItem
     QDateTime movedAt{};
     /// True when an automation rule moved it; absent when it was moved by hand.
     std::optional<bool> byRule{};
+    /// By what it is known in the Trash; absent for a row from before there was such a thing.
+    std::optional<ThingIdentity> identity{};
 
     bool operator==(const TrashedItem &) const = default;
 
@@ -32,6 +30,11 @@ struct TrashedItem
     [[nodiscard]] static TrashedItem moved(TrashedItem facts);
     /// The same thing as moved by a rule.
     [[nodiscard]] TrashedItem markedByRule() const;
+    /// What the Trash is asked by, so that nothing else goes in its place.
+    [[nodiscard]] Provenance provenance() const
+    {
+        return { .originalPath = originalPath, .movedAt = movedAt, .identity = identity };
+    }
 };
 
 } // namespace Quillbrook

@@ -20,7 +20,7 @@ KIT_DIRECTIONS = {
     "Platform": set(),
     "Platform/Linux/Files": {"Platform"},
     "Platform/Linux/Folders": {"Platform", "Platform/Linux/Files"},
-    "Platform/Linux/Trash": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Scan"},
+    "Platform/Linux/Trash": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders"},
     "Platform/Linux/Backups": {"Platform", "Platform/Linux/Files"},
     "Platform/Linux/Processes": {"Platform", "Platform/Linux/Files"},
     "Platform/Linux": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Trash"},
@@ -245,7 +245,7 @@ ENGLISH = {
 }
 # Words of protocols, of other programs and of styles, and names.
 NOT_SPOKEN = {
-    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
+    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "${HOME}", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
 
 
 class Words(unittest.TestCase):

@@ -23,6 +23,8 @@ public:
     mutable int calls = 0;
     /// Nothing tells on which mount it lies, as on kernels that know no ids of mounts.
     bool hidesMounts = false;
+    /// Things are known by their notes alone, as on file systems that keep no inodes.
+    bool hidesInodes = false;
 
     /// What failed last, for messages.
     mutable std::string failed{};
@@ -85,6 +87,10 @@ public:
     [[nodiscard]] std::optional<std::string> pathOf(int folder) const override
     {
         return fails("readlink", "") ? std::nullopt : FileCalls::pathOf(folder);
+    }
+    [[nodiscard]] bool keepsInodes(int folder) const override
+    {
+        return !hidesInodes && FileCalls::keepsInodes(folder);
     }
     [[nodiscard]] std::optional<std::vector<Mount>> mounts() const override
     {

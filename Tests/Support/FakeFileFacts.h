@@ -27,6 +27,10 @@ public:
         return found == entries.end() ? std::nullopt : std::optional(found->second.kind);
     }
 
+    [[nodiscard]] std::optional<std::uint64_t> inode(const std::string &) const override
+    {
+        return std::nullopt;
+    }
     [[nodiscard]] std::optional<FileDates> dates(const std::string &path) const override
     {
         const auto found = entries.find(path);

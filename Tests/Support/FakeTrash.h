@@ -25,22 +25,33 @@ public:
     /// What was asked, in order: "move PATH", "restore PATH PATH", "erase PATH", "remove PATH".
     std::vector<std::string> asked;
 
-    std::expected<std::string, QString> move(const std::string &path) override
+    using FileRemoval::remove;
+    using Trash::erase;
+    using Trash::move;
+    using Trash::restore;
+
+    std::expected<TrashedThing, QString> move(const std::string &path, const TrashOrder &order) override
     {
         asked.push_back("move " + path);
-        if (const auto problem = failure(path))
+        if (const auto problem = judged(path, order.judge))
             return std::unexpected(*problem);
         const auto name = path.substr(path.find_last_of('/') + 1);
         auto trashed = folder + "/files/" + name;
         for (int i = 2; things.contains(trashed); ++i)
             trashed = folder + "/files/" + name + '.' + std::to_string(i);
+        const TrashedThing thing{ .path = trashed };
+        if (const auto told = order.announce ? order.announce(thing) : std::expected<void, QString>(); !told)
+            return std::unexpected(told.error());
         things.erase(path);
         things.insert(trashed);
-        return trashed;
+        return thing;
     }
 
-    std::expected<void, QString> restore(const std::string &from, const std::string &to) override
+    std::expected<void, QString> restore(
+        const std::string &from, const std::string &to, const Provenance *was) override
     {
+        if (was != nullptr && !isStill(from, *was))
+            return std::unexpected(somethingElse());
         asked.push_back("restore " + from + ' ' + to);
         if (const auto problem = failure(from))
             return std::unexpected(*problem);
@@ -50,14 +61,26 @@ public:
         return {};
     }
 
-    std::expected<void, QString> erase(const std::string &path) override { return drop("erase ", path); }
-    std::expected<void, QString> remove(const std::string &path) override { return drop("remove ", path); }
+    std::expected<void, QString> erase(const std::string &path, const Provenance *was) override
+    {
+        if (was != nullptr && !isStill(path, *was))
+            return std::unexpected(somethingElse());
+        return drop("erase ", path);
+    }
+    std::expected<void, QString> remove(const std::string &path, const TakingJudge &judge) override
+    {
+        const auto refused = failure(path) || !judge ? std::nullopt : judged(path, judge);
+        return refused ? std::unexpected(*refused) : drop("remove ", path);
+    }
 
-    [[nodiscard]] bool mayComeFrom(
-        const std::string &from, const std::string &to, const QDateTime &) const override
+    [[nodiscard]] bool isStill(const std::string &from, const Provenance &was) const override
     {
         const auto found = origins.find(from);
-        return found == origins.end() || found->second == to;
+        return things.contains(from) && (found == origins.end() || found->second == was.originalPath);
+    }
+    void dropLoneNote(const std::string &path, const std::string &) override
+    {
+        asked.push_back("drop " + path);
     }
 
     [[nodiscard]] bool holds(const std::string &path) const override
@@ -78,10 +101,20 @@ public:
     {
         return things.contains(path) ? std::optional(FileKind::other) : std::nullopt;
     }
+    [[nodiscard]] std::optional<std::uint64_t> inode(const std::string &) const override
+    {
+        return std::nullopt;
+    }
     [[nodiscard]] std::optional<FileDates> dates(const std::string &) const override { return std::nullopt; }
     [[nodiscard]] std::optional<qint64> length(const std::string &) const override { return std::nullopt; }
 
 private:
+    [[nodiscard]] std::optional<QString> judged(const std::string &path, const TakingJudge &judge) const
+    {
+        const auto problem = failure(path);
+        return problem || !judge ? problem : judge({ .path = path, .kind = FileKind::other });
+    }
+
     [[nodiscard]] std::optional<QString> failure(const std::string &path) const
     {
         if (const auto found = stuck.find(path); found != stuck.end())

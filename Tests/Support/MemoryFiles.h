@@ -33,6 +33,14 @@ public:
         files[path] = content.toByteArray();
         return {};
     }
+
+    std::expected<void, QString> append(const std::string &path, QByteArrayView content) override
+    {
+        if (isFull)
+            return std::unexpected(QStringLiteral("No space left on device"));
+        files[path] += content.toByteArray();
+        return {};
+    }
 };
 
 } // namespace Quillbrook

@@ -357,6 +357,7 @@ HostGuards guards(const Places &places)
         },
         .sparesHomeFromSystemRoots = true,
         .withoutLinks = [host](const std::string &path) { return throughHome(ResolvedPath::withoutLinks(path), host->homes); },
+        .inHome = [host](const std::string &path) { return throughHome(path, host->homes); },
     };
 }
 

@@ -58,7 +58,8 @@ private Q_SLOTS:
                 .originalPath = f.home.path("folder/odd\xff"),
                 .trashPath = f.files("odd\xff"),
                 .bytes = 42,
-                .movedAt = f.clock.moment } };
+                .movedAt = f.clock.moment,
+                .identity = removed.trashed->identity } };
         QVERIFY(removed == expected);
         QCOMPARE(f.content(f.files("odd\xff")), std::string("content"));
     }

@@ -30,11 +30,11 @@ public:
     {
     }
 
-    std::expected<void, QString> remove(const std::string &path) override
+    std::expected<void, QString> remove(const std::string &path, const TakingJudge &judge) override
     {
         if (const auto interruption = std::exchange(m_interruption, nullptr))
             interruption();
-        return m_removal.remove(path);
+        return m_removal.remove(path, judge);
     }
 
 private:

@@ -1,5 +1,7 @@
 #include "Platform/Linux/Files/LinuxFileFacts.h"
 
+#include "Platform/Linux/Files/LongPath.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -10,16 +12,43 @@ namespace {
 // A mount whose server is gone would block a plain stat for ever; cached attributes are good enough here.
 constexpr int gently = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 
+// Of a path of any length, a link at its end not followed.
+std::optional<struct statx> factsOf(const std::string &path)
+{
+    FileDescriptor folder;
+    auto name = path;
+    if (!LongPath::isShort(path)) {
+        while (name.size() > 1 && name.ends_with('/'))
+            name.pop_back();
+        const auto slash = name.rfind('/');
+        folder = LongPath::openFolder(name.substr(0, slash));
+        name.erase(0, slash + 1);
+        if (!folder.isOpen())
+            return std::nullopt;
+    }
+    struct statx facts = {};
+    const int from = folder.isOpen() ? folder.number() : AT_FDCWD;
+    if (::statx(from, name.c_str(), AT_SYMLINK_NOFOLLOW | gently, STATX_TYPE | STATX_INO, &facts) != 0)
+        return std::nullopt;
+    return facts;
+}
+
 } // namespace
 
 std::optional<FileKind> LinuxFileFacts::kind(const std::string &path) const
 {
-    struct statx facts = {};
-    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | gently, STATX_TYPE, &facts) != 0)
+    const auto facts = factsOf(path);
+    if (!facts)
         return std::nullopt;
-    if (S_ISDIR(facts.stx_mode))
+    if (S_ISDIR(facts->stx_mode))
         return FileKind::directory;
-    return S_ISLNK(facts.stx_mode) ? FileKind::symlink : FileKind::other;
+    return S_ISLNK(facts->stx_mode) ? FileKind::symlink : FileKind::other;
+}
+
+std::optional<std::uint64_t> LinuxFileFacts::inode(const std::string &path) const
+{
+    const auto facts = factsOf(path);
+    return facts ? std::optional<std::uint64_t>(facts->stx_ino) : std::nullopt;
 }
 
 std::optional<FileDates> LinuxFileFacts::dates(const std::string &path) const

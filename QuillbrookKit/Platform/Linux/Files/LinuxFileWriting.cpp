@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace Quillbrook {
@@ -98,7 +99,7 @@ Opened openNew(const std::string &path)
     return { .error = EBUSY };
 }
 
-int writeAll(int descriptor, QByteArrayView content)
+int writeTo(int descriptor, QByteArrayView content)
 {
     while (!content.isEmpty()) {
         const auto count = ::write(descriptor, content.data(), static_cast<size_t>(content.size()));
@@ -109,6 +110,13 @@ int writeAll(int descriptor, QByteArrayView content)
         if (count > 0)
             content = content.sliced(count);
     }
+    return 0;
+}
+
+int writeAll(int descriptor, QByteArrayView content)
+{
+    if (const int error = writeTo(descriptor, content))
+        return error;
     return ::fsync(descriptor) == 0 ? 0 : errno;
 }
 
@@ -139,6 +147,34 @@ int replaceOnce(const std::string &path, QByteArrayView content)
     return error;
 }
 
+FileDescriptor openToAdd(const std::string &path)
+{
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    FileDescriptor file(::open(path.c_str(), flags, privateFile));
+    if (file.isOpen() || errno != ENOENT)
+        return file;
+    if (const int error = makeFolder(parentOf(path))) {
+        errno = error;
+        return {};
+    }
+    return FileDescriptor(::open(path.c_str(), flags, privateFile));
+}
+
+int appendOnce(const std::string &path, QByteArrayView content)
+{
+    const auto file = openToAdd(path);
+    struct stat status = {};
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0)
+        return errno;
+    if (!S_ISREG(status.st_mode) || status.st_nlink != 1)
+        return EINVAL;
+    const int error = writeTo(file.number(), content);
+    // Half a line is worth nothing, and would spoil the next.
+    if (error != 0)
+        std::ignore = ::ftruncate(file.number(), status.st_size);
+    return error;
+}
+
 } // namespace
 
 LinuxFileWriting::LinuxFileWriting(SpaceReserve *reserve)
@@ -148,9 +184,19 @@ LinuxFileWriting::LinuxFileWriting(SpaceReserve *reserve)
 
 std::expected<void, QString> LinuxFileWriting::replace(const std::string &path, QByteArrayView content)
 {
-    int error = replaceOnce(path, content);
+    return withReserve([&] { return replaceOnce(path, content); });
+}
+
+std::expected<void, QString> LinuxFileWriting::append(const std::string &path, QByteArrayView content)
+{
+    return withReserve([&] { return appendOnce(path, content); });
+}
+
+std::expected<void, QString> LinuxFileWriting::withReserve(const std::function<int()> &attempt) const
+{
+    int error = attempt();
     if (LinuxErrorText::isLackOfSpace(error) && m_reserve != nullptr && m_reserve->release()) {
-        error = replaceOnce(path, content);
+        error = attempt();
         m_reserve->replenish();
     }
     return answer(error);

@@ -1,8 +1,11 @@
 #pragma once
 
-// Files are written beside their place, brought to the disk, and renamed over it.
+// Files are written beside their place, brought to the disk, and renamed over it; what is added goes
+// straight to their end.
 
 #include "Platform/FileWriting.h"
+
+#include <functional>
 
 namespace Quillbrook {
 
@@ -17,8 +20,12 @@ public:
 
     [[nodiscard]] std::expected<void, QString> replace(
         const std::string &path, QByteArrayView content) override;
+    [[nodiscard]] std::expected<void, QString> append(
+        const std::string &path, QByteArrayView content) override;
 
 private:
+    [[nodiscard]] std::expected<void, QString> withReserve(const std::function<int()> &attempt) const;
+
     SpaceReserve *m_reserve;
 };
 

@@ -1,5 +1,8 @@
 #include "Platform/Linux/Folders/LinuxFolderEntries.h"
 
+#include "Platform/Linux/Files/LongPath.h"
+#include "Platform/Linux/Folders/ResolvedPath.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -29,10 +32,14 @@ FileDescriptor openStart(const std::string &path)
 {
     struct statx status = {};
     const auto flags = askFlags | AT_SYMLINK_NOFOLLOW;
-    if (::statx(AT_FDCWD, path.c_str(), flags, STATX_TYPE, &status) != 0 || !S_ISDIR(status.stx_mode)
-        || (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0)
+    const auto split = SplitPath::of(path);
+    const auto parent = split ? LongPath::openFolder(split->folder) : FileDescriptor();
+    const int from = split ? parent.number() : AT_FDCWD;
+    const auto &name = split ? split->name : path;
+    if ((split && !parent.isOpen()) || ::statx(from, name.c_str(), flags, STATX_TYPE, &status) != 0
+        || !S_ISDIR(status.stx_mode) || (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0)
         return {};
-    return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    return FileDescriptor(::openat(from, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
 }
 
 } // namespace
@@ -49,6 +56,11 @@ bool LinuxFolderEntries::open(const std::string &path)
     m_batch.clear();
     m_folder = m_root.isOpen() ? m_folders.open(path) : -1;
     return m_folder >= 0;
+}
+
+std::optional<std::string> LinuxFolderEntries::place() const
+{
+    return m_folder >= 0 ? ResolvedPath::ofFolder(m_folder) : std::nullopt;
 }
 
 std::optional<FolderEntry> LinuxFolderEntries::next()

@@ -16,6 +16,7 @@ public:
 
     [[nodiscard]] Kind kind() const override { return m_kind; }
     [[nodiscard]] bool open(const std::string &path) override;
+    [[nodiscard]] std::optional<std::string> place() const override;
     [[nodiscard]] std::optional<FolderEntry> next() override;
 
 private:

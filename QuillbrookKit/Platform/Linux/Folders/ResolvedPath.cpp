@@ -2,13 +2,16 @@
 
 #include "Platform/Linux/Files/FileDescriptor.h"
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <dirent.h>
 #include <fcntl.h>
 #include <linux/openat2.h>
 #include <memory>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 namespace Quillbrook {
@@ -68,6 +71,46 @@ std::optional<std::string> resolvedLong(const std::string &path)
     return folder.isOpen() ? std::optional(*beginning + rest) : std::nullopt;
 }
 
+std::string ownDescriptor(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+// Absent, with errno, where the kernel does not tell it.
+std::optional<std::string> toldPath(int folder)
+{
+    std::array<char, PATH_MAX> path; // NOLINT: filled by the call below
+    const auto length = ::readlink(ownDescriptor(folder).c_str(), path.data(), path.size());
+    if (length <= 0 || path[0] != '/')
+        return std::nullopt;
+    if (static_cast<size_t>(length) == path.size()) {
+        errno = ENAMETOOLONG;
+        return std::nullopt;
+    }
+    return std::string(path.data(), static_cast<size_t>(length));
+}
+
+bool isSame(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// The name that the folder of `status` has in the open folder `parent`, empty where it has none.
+std::string nameIn(int parent, const struct stat &status)
+{
+    const auto close = [](DIR *folder) { ::closedir(folder); };
+    const std::unique_ptr<DIR, decltype(close)> entries(
+        ::fdopendir(::openat(parent, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream is this function's own
+    while (const auto *entry = entries ? ::readdir(entries.get()) : nullptr) {
+        struct stat found = {};
+        if (std::string_view(entry->d_name) != "." && std::string_view(entry->d_name) != ".."
+            && ::fstatat(parent, entry->d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 && isSame(found, status))
+            return entry->d_name;
+    }
+    return {};
+}
+
 } // namespace
 
 std::optional<SplitPath> SplitPath::of(const std::string &path)
@@ -93,6 +136,28 @@ std::string ResolvedPath::withoutLinks(const std::string &path)
     if (!resolved || !split)
         return resolved.value_or(std::string());
     return *resolved + (resolved->ends_with('/') ? "" : "/") + split->name;
+}
+
+// Longer ones are told from where the kernel still does, and name by name below that.
+std::optional<std::string> ResolvedPath::ofFolder(int folder)
+{
+    auto told = toldPath(folder);
+    std::string below;
+    FileDescriptor parent;
+    while (!told && errno == ENAMETOOLONG) {
+        struct stat status = {};
+        const int from = parent.isOpen() ? parent.number() : folder;
+        FileDescriptor next(::openat(from, "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+        if (!next.isOpen() || ::fstat(from, &status) != 0)
+            return std::nullopt;
+        const auto name = nameIn(next.number(), status);
+        if (name.empty())
+            return std::nullopt;
+        below.insert(0, '/' + name);
+        parent = std::move(next);
+        told = toldPath(parent.number());
+    }
+    return told ? std::optional(*told + below) : std::nullopt;
 }
 
 } // namespace Quillbrook

@@ -27,6 +27,9 @@ namespace ResolvedPath {
 /// can't be told.
 [[nodiscard]] std::string withoutLinks(const std::string &path);
 
+/// The path by which the kernel knows an open folder, of any length; absent where it can't be told.
+[[nodiscard]] std::optional<std::string> ofFolder(int folder);
+
 } // namespace ResolvedPath
 
 } // namespace Quillbrook

@@ -1,13 +1,17 @@
 #include "Platform/Linux/Trash/FileCalls.h"
 
+#include "Platform/Linux/Folders/ResolvedPath.h"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <linux/openat2.h>
 #include <sys/syscall.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace Quillbrook {
@@ -21,7 +25,7 @@ std::string ownDescriptor(int descriptor)
 
 // Nothing is mounted by asking.
 constexpr int askFlags = AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
-constexpr unsigned askedFor = STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_MNT_ID;
+constexpr unsigned askedFor = STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_BTIME | STATX_MNT_ID;
 
 } // namespace
 
@@ -85,11 +89,15 @@ off_t FileCalls::seek(int folder, off_t position) const
 
 std::optional<std::string> FileCalls::pathOf(int folder) const
 {
-    std::array<char, PATH_MAX> path; // NOLINT: filled by the call below
-    const auto length = ::readlink(ownDescriptor(folder).c_str(), path.data(), path.size());
-    if (length <= 0 || path[0] != '/' || static_cast<size_t>(length) == path.size())
-        return std::nullopt;
-    return std::string(path.data(), static_cast<size_t>(length));
+    return ResolvedPath::ofFolder(folder);
+}
+
+bool FileCalls::keepsInodes(int folder) const
+{
+    constexpr std::array<unsigned, 3> without{ MSDOS_SUPER_MAGIC, EXFAT_SUPER_MAGIC, FUSE_SUPER_MAGIC };
+    struct statfs status = {};
+    return ::fstatfs(folder, &status) == 0
+        && std::ranges::find(without, static_cast<unsigned>(status.f_type)) == without.end();
 }
 
 std::optional<std::vector<Mount>> FileCalls::mounts() const

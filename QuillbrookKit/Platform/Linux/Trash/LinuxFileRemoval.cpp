@@ -1,61 +1,28 @@
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
 
 #include "Platform/Linux/Files/LinuxErrorText.h"
-#include "Platform/Linux/Folders/ResolvedPath.h"
+#include "Platform/Linux/Trash/HeldThing.h"
 #include "Platform/Linux/Trash/TreeEraser.h"
-#include "Scan/Format.h"
 
-#include <cerrno>
-#include <climits>
-#include <fcntl.h>
+#include <QLocale>
 
 namespace Quillbrook {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// In steps of what the system takes as one path.
-FileDescriptor openFolder(const FileCalls &calls, const std::string &path)
-{
-    constexpr size_t longestPath = PATH_MAX - 1;
-    constexpr int flags = O_PATH | O_DIRECTORY;
-    FileDescriptor folder;
-    int from = AT_FDCWD;
-    size_t start = 0;
-    while (path.size() - start > longestPath) {
-        const auto slash = path.rfind('/', start + longestPath);
-        if (slash == std::string::npos || slash <= start) {
-            errno = ENAMETOOLONG;
-            return {};
-        }
-        folder = FileDescriptor(calls.openAt(from, path.substr(start, slash - start).c_str(), flags));
-        if (!folder.isOpen())
-            return {};
-        from = folder.number();
-        start = path.find_first_not_of('/', slash);
-        if (start == std::string::npos)
-            return folder;
-    }
-    return FileDescriptor(calls.openAt(from, path.c_str() + start, flags));
-}
-
-} // namespace
 
 LinuxFileRemoval::LinuxFileRemoval(const FileCalls &calls)
     : m_calls(calls)
 {
 }
 
-std::expected<void, QString> LinuxFileRemoval::remove(const std::string &path)
+std::expected<void, QString> LinuxFileRemoval::remove(const std::string &path, const TakingJudge &judge)
 {
-    const auto place = SplitPath::of(path);
-    if (!place)
-        return std::unexpected(LinuxErrorText::sentence(EINVAL));
-    const auto folder = openFolder(m_calls, place->folder);
-    if (!folder.isOpen())
-        return std::unexpected(LinuxErrorText::sentence(errno));
-    const auto erasure = TreeEraser(m_calls, folder.number()).erase(place->name.c_str());
+    const auto thing = HeldThing::at(m_calls, path);
+    if (!thing)
+        return std::unexpected(LinuxErrorText::sentence(thing.error()));
+    if (const auto sentence = judge ? judge(thing->seen()) : std::nullopt)
+        return std::unexpected(*sentence);
+    const auto erasure = TreeEraser(m_calls, thing->folder.number()).erase(thing->name.c_str());
     if (!erasure.isComplete())
         return std::unexpected(leftText(erasure));
     return {};
@@ -69,7 +36,8 @@ QString LinuxFileRemoval::leftText(const Erasure &erasure)
     const auto first
         = erasure.firstPath.empty() ? u"It"_s : u'"' + QString::fromStdString(erasure.firstPath) + u'"';
     const auto others = erasure.failures > 1
-        ? u" and %1 more"_s.arg(Format::count(static_cast<qint64>(erasure.failures - 1)))
+        ? u" and %1 more"_s.arg(QLocale(QLocale::English, QLocale::UnitedStates)
+                                    .toString(static_cast<qulonglong>(erasure.failures - 1)))
         : QString();
     return first + others + u" could not be deleted. "_s + why;
 }

@@ -15,7 +15,9 @@ public:
     /// `calls` outlives this object.
     explicit LinuxFileRemoval(const FileCalls &calls = FileCalls::system());
 
-    [[nodiscard]] std::expected<void, QString> remove(const std::string &path) override;
+    [[nodiscard]] std::expected<void, QString> remove(
+        const std::string &path, const TakingJudge &judge) override;
+    using FileRemoval::remove;
 
     /// What a deletion that is not complete left, as a sentence or two.
     [[nodiscard]] static QString leftText(const Erasure &erasure);

@@ -4,6 +4,7 @@
 #include "Platform/Linux/Files/LinuxErrorText.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
 #include "Platform/Linux/Trash/CarefulRename.h"
+#include "Platform/Linux/Trash/HeldThing.h"
 #include "Platform/Linux/Trash/TrashNote.h"
 #include "Platform/SpaceReserve.h"
 #include "StandardisedPath.h"
@@ -52,14 +53,20 @@ std::uint64_t randomNumber()
 
 struct LinuxTrash::Thing
 {
-    FileDescriptor folder{};
-    std::string name{};
+    HeldThing held{};
     MountedDevice device{};
     bool isMount = false;
-    bool isFolder = false;
     // Where it is without links on the way, and as the note tells it in a home trash.
     std::string path{};
     std::string origin{};
+};
+
+struct LinuxTrash::Journey
+{
+    const Thing &thing;
+    const TrashOrder &order;
+    TrashedThing arrived{};
+    std::optional<QString> refusal{};
 };
 
 LinuxTrash::LinuxTrash(TrashPlaces places, SpaceReserve &reserve, const Clock &clock, const FileCalls &calls)
@@ -71,23 +78,22 @@ LinuxTrash::LinuxTrash(TrashPlaces places, SpaceReserve &reserve, const Clock &c
 {
 }
 
-std::expected<std::string, QString> LinuxTrash::move(const std::string &path)
+std::expected<TrashedThing, QString> LinuxTrash::move(const std::string &path, const TrashOrder &order)
 {
     const auto thing = thingAt(path);
     if (!thing)
         return std::unexpected(LinuxErrorText::sentence(thing.error()));
+    if (const auto sentence = order.judge ? order.judge(thing->held.seen()) : std::nullopt)
+        return std::unexpected(*sentence);
     if (const auto sentence = objection(*thing))
         return std::unexpected(*sentence);
-    std::string trashPath;
-    const auto error = withReserve([&] {
-        auto moved = moveToTrash(*thing);
-        if (moved)
-            trashPath = std::move(*moved);
-        return moved ? 0 : moved.error();
-    });
+    Journey journey{ .thing = *thing, .order = order };
+    const auto error = withReserve([&] { return moveToTrash(journey); });
+    if (journey.refusal)
+        return std::unexpected(*journey.refusal);
     if (error != 0)
         return std::unexpected(LinuxErrorText::sentence(error == EXDEV ? ENOTSUP : error));
-    return trashPath;
+    return journey.arrived;
 }
 
 bool LinuxTrash::holds(const std::string &path) const
@@ -108,27 +114,18 @@ int LinuxTrash::withReserve(const std::function<int()> &attempt) const
 
 std::expected<LinuxTrash::Thing, int> LinuxTrash::thingAt(const std::string &path) const
 {
-    auto place = SplitPath::of(path);
-    if (!place)
-        return std::unexpected(EINVAL);
-    FileDescriptor folder(m_calls.openAt(AT_FDCWD, place->folder.c_str(), placeFlags));
-    struct statx folderStatus = {};
-    struct statx status = {};
-    if (!folder.isOpen() || m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, folderStatus) != 0
-        || m_calls.statAt(folder.number(), place->name.c_str(), 0, status) != 0)
-        return std::unexpected(errno);
-    const auto folderPath = m_calls.pathOf(folder.number());
-    if (!folderPath)
-        return std::unexpected(ENAMETOOLONG);
-    const auto device = MountedDevice::of(folderStatus);
+    auto held = HeldThing::at(m_calls, path);
+    if (!held)
+        return std::unexpected(held.error());
+    const auto device = MountedDevice::of(held->folderStatus);
+    const auto &status = held->status;
     const bool isMountRoot
         = (status.stx_attributes & status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
-    const auto resolved = below(*folderPath, place->name);
-    return Thing{ .folder = std::move(folder),
-        .name = std::move(place->name),
+    const bool isMount = isMountRoot || MountedDevice::of(status).mount != device.mount;
+    const auto resolved = held->path();
+    return Thing{ .held = *std::move(held),
         .device = device,
-        .isMount = isMountRoot || MountedDevice::of(status).mount != device.mount,
-        .isFolder = S_ISDIR(status.stx_mode),
+        .isMount = isMount,
         .path = resolved,
         .origin = climbs(path) ? resolved : standardisedPath(path, {}) };
 }
@@ -142,7 +139,7 @@ std::optional<QString> LinuxTrash::objection(const Thing &thing) const
         return u"The Trash itself lies in it."_s;
     if (thing.isMount)
         return u"It is a drive, or something else that is mounted."_s;
-    if (!thing.isFolder)
+    if (!thing.held.isFolder())
         return std::nullopt;
     const auto mounts = m_calls.mounts();
     if (!mounts)
@@ -152,42 +149,61 @@ std::optional<QString> LinuxTrash::objection(const Thing &thing) const
     return holdsMount ? std::optional(u"A drive, or something else, is mounted in it."_s) : std::nullopt;
 }
 
-std::expected<std::string, int> LinuxTrash::moveToTrash(const Thing &thing) const
+int LinuxTrash::moveToTrash(Journey &journey) const
 {
-    const auto trash = m_folders.forDevice(thing.device);
-    if (!trash)
-        return std::unexpected(trash.error());
-    return moveInto(*trash, thing);
+    const auto trash = m_folders.forDevice(journey.thing.device);
+    return trash ? moveInto(*trash, journey) : trash.error();
 }
 
-std::expected<std::string, int> LinuxTrash::moveInto(const TrashFolder &trash, const Thing &thing) const
+int LinuxTrash::moveInto(const TrashFolder &trash, Journey &journey) const
 {
+    const auto &thing = journey.thing;
     const bool isRelative = !trash.top.empty() && isWithin(thing.path, trash.top);
     const auto relative = isRelative ? thing.path.substr(below(trash.top, "").size()) : thing.origin;
-    const auto text = TrashNote::text(relative, m_clock.now());
+    const auto born = m_calls.keepsInodes(trash.files.number()) ? bornAt(thing.held.status) : 0;
+    journey.arrived.identity = ThingIdentity{
+        .inode = thing.held.status.stx_ino, .born = born, .note = TrashNote::text(relative, m_clock.now())
+    };
     auto longest = TrashNote::longestName;
     for (std::uint64_t tries = 1; tries <= mostTries; ++tries) {
         const auto number = tries <= triesInOrder ? tries : randomNumber();
-        const auto name = TrashNote::candidate(thing.name, number, longest);
-        const FolderPlace note{ .folder = trash.info.number(), .name = TrashNote::nameFor(name) };
-        auto error = writeNote(note, text);
+        const auto name = TrashNote::candidate(thing.held.name, number, longest);
+        const auto error = take(trash, journey, name);
         if (error == ENAMETOOLONG && longest > TrashNote::longestEncryptedName) {
             longest = TrashNote::longestEncryptedName;
             continue;
         }
-        if (error == EEXIST)
-            continue;
-        if (error != 0)
-            return std::unexpected(error);
-        error = CarefulRename::move(m_calls, { .folder = thing.folder.number(), .name = thing.name },
-            { .folder = trash.files.number(), .name = name });
-        if (error == 0)
-            return trash.path + "/files/" + name;
-        std::ignore = m_calls.unlinkAt(note.folder, note.name.c_str(), 0);
         if (error != EEXIST)
-            return std::unexpected(error);
+            return error;
     }
-    return std::unexpected(EEXIST);
+    return EEXIST;
+}
+
+// Under this one name: announced, noted, moved.
+int LinuxTrash::take(const TrashFolder &trash, Journey &journey, const std::string &name) const
+{
+    journey.arrived.path = trash.path + "/files/" + name;
+    const auto announced
+        = journey.order.announce ? journey.order.announce(journey.arrived) : std::expected<void, QString>();
+    if (!announced) {
+        journey.refusal = announced.error();
+        return ECANCELED;
+    }
+    const FolderPlace note{ .folder = trash.info.number(), .name = TrashNote::nameFor(name) };
+    if (const auto error = writeNote(note, journey.arrived.identity->note); error != 0)
+        return error;
+    const auto &held = journey.thing.held;
+    const FolderPlace from{ .folder = held.folder.number(), .name = held.name };
+    const FolderPlace to{ .folder = trash.files.number(), .name = name };
+    auto error = CarefulRename::move(m_calls, from, to);
+    struct statx moved = {};
+    // The name may have been given to another thing since it was judged: that one goes back.
+    if (error == 0 && m_calls.statAt(to.folder, to.name.c_str(), 0, moved) == 0
+        && moved.stx_ino != held.status.stx_ino && CarefulRename::move(m_calls, to, from) == 0)
+        error = ESTALE;
+    if (error != 0)
+        std::ignore = m_calls.unlinkAt(note.folder, note.name.c_str(), 0);
+    return error;
 }
 
 int LinuxTrash::writeNote(const FolderPlace &note, const std::string &text) const

@@ -25,31 +25,44 @@ public:
     LinuxTrash(TrashPlaces places, SpaceReserve &reserve, const Clock &clock,
         const FileCalls &calls = FileCalls::system());
 
-    [[nodiscard]] std::expected<std::string, QString> move(const std::string &path) override;
+    using Trash::erase;
+    using Trash::move;
+    using Trash::restore;
+    [[nodiscard]] std::expected<TrashedThing, QString> move(
+        const std::string &path, const TrashOrder &order) override;
     [[nodiscard]] std::expected<void, QString> restore(
-        const std::string &trashPath, const std::string &originalPath) override;
-    [[nodiscard]] std::expected<void, QString> erase(const std::string &trashPath) override;
-    [[nodiscard]] bool mayComeFrom(const std::string &trashPath, const std::string &originalPath,
-        const QDateTime &movedAt) const override;
+        const std::string &trashPath, const std::string &originalPath, const Provenance *from) override;
+    [[nodiscard]] std::expected<void, QString> erase(
+        const std::string &trashPath, const Provenance *from) override;
+    [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
+    void dropLoneNote(const std::string &trashPath, const std::string &note) override;
     [[nodiscard]] bool holds(const std::string &path) const override;
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override;
 
 private:
     /// What is to be moved, in the open folder that it lies in.
     struct Thing;
+    /// Its way into the Trash, with what it was asked to ask.
+    struct Journey;
     /// A path told of as one in a trash: directly in its `files`, or in its `expunged`.
     struct Trashed;
 
     [[nodiscard]] std::expected<Thing, int> thingAt(const std::string &path) const;
     [[nodiscard]] std::optional<QString> objection(const Thing &thing) const;
-    [[nodiscard]] std::expected<std::string, int> moveToTrash(const Thing &thing) const;
-    [[nodiscard]] std::expected<std::string, int> moveInto(
-        const TrashFolder &trash, const Thing &thing) const;
+    [[nodiscard]] int moveToTrash(Journey &journey) const;
+    [[nodiscard]] int moveInto(const TrashFolder &trash, Journey &journey) const;
+    [[nodiscard]] int take(const TrashFolder &trash, Journey &journey, const std::string &name) const;
     [[nodiscard]] int writeNote(const FolderPlace &note, const std::string &text) const;
 
     [[nodiscard]] std::expected<Trashed, QString> trashed(const std::string &path) const;
     [[nodiscard]] int moveBack(const Trashed &thing, const std::string &originalPath) const;
-    [[nodiscard]] std::expected<void, QString> eraseThing(const Trashed &thing) const;
+    [[nodiscard]] bool agrees(const Trashed &thing, const Provenance &from) const;
+    [[nodiscard]] bool noteObjects(const Trashed &thing, const ThingIdentity &identity) const;
+    [[nodiscard]] bool noteAgrees(const Trashed &thing, const Provenance &from) const;
+    [[nodiscard]] std::expected<void, QString> eraseLeftover(const Trashed &thing) const;
+    [[nodiscard]] std::expected<void, QString> eraseThing(const Trashed &thing, const Provenance *from) const;
+    [[nodiscard]] std::expected<void, QString> eraseAside(
+        const Trashed &thing, const FolderPlace &aside) const;
     [[nodiscard]] std::expected<void, QString> eraseInPlace(const Trashed &thing) const;
     void dropNote(const Trashed &thing) const;
     [[nodiscard]] std::optional<std::string> note(const Trashed &thing) const;

@@ -3,6 +3,7 @@
 #include "Platform/Linux/Files/LinuxErrorText.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
 #include "Platform/Linux/Trash/CarefulRename.h"
+#include "Platform/Linux/Trash/HeldThing.h"
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
 #include "Platform/Linux/Trash/LinuxTrash.h"
 #include "Platform/Linux/Trash/TrashNote.h"
@@ -77,7 +78,8 @@ FolderToFill folderToFill(const FileCalls &calls, const std::string &path)
         if (calls.makeFolderAt(AT_FDCWD, folder.c_str(), byUmask) == 0) {
             result.made.push_back(folder);
         } else if (errno != EEXIST) {
-            // Systems tell of a folder that may not be written to before they tell that it is there.
+            // In a folder that may not be written to, some systems answer EACCES or EROFS even where the name
+            // is there already.
             struct statx status = {};
             const auto error = errno;
             if (calls.statAt(AT_FDCWD, folder.c_str(), 0, status) != 0) {
@@ -91,6 +93,13 @@ FolderToFill folderToFill(const FileCalls &calls, const std::string &path)
     result.folder = FileDescriptor(calls.openAt(AT_FDCWD, path.c_str(), placeFlags));
     result.error = result.folder.isOpen() ? 0 : errno;
     return result;
+}
+
+bool hasIdentity(const FileCalls &calls, const FolderPlace &place, const ThingIdentity &identity)
+{
+    struct statx status = {};
+    return calls.statAt(place.folder, place.name.c_str(), 0, status) == 0 && status.stx_ino == identity.inode
+        && bornAt(status) == identity.born;
 }
 
 } // namespace
@@ -120,13 +129,15 @@ std::expected<LinuxTrash::Trashed, QString> LinuxTrash::trashed(const std::strin
 }
 
 std::expected<void, QString> LinuxTrash::restore(
-    const std::string &trashPath, const std::string &originalPath)
+    const std::string &trashPath, const std::string &originalPath, const Provenance *from)
 {
     const auto thing = trashed(trashPath);
     if (!thing)
         return std::unexpected(thing.error());
     if (thing->isLeftover)
         return std::unexpected(u"It is being deleted already."_s);
+    if (from != nullptr && !agrees(*thing, *from))
+        return std::unexpected(somethingElse());
     if (const auto error = withReserve([&]() -> int { return moveBack(*thing, originalPath); }); error != 0)
         return std::unexpected(LinuxErrorText::sentence(error));
     return {};
@@ -150,24 +161,31 @@ int LinuxTrash::moveBack(const Trashed &thing, const std::string &originalPath) 
     return error;
 }
 
-std::expected<void, QString> LinuxTrash::erase(const std::string &trashPath)
+std::expected<void, QString> LinuxTrash::erase(const std::string &trashPath, const Provenance *from)
 {
     const auto thing = trashed(trashPath);
     if (!thing)
         return std::unexpected(thing.error());
-    if (!thing->isLeftover)
-        return eraseThing(*thing);
+    if (thing->isLeftover)
+        return from == nullptr ? eraseLeftover(*thing) : std::unexpected(somethingElse());
+    if (from != nullptr && !agrees(*thing, *from))
+        return std::unexpected(somethingElse());
+    return eraseThing(*thing, from);
+}
+
+std::expected<void, QString> LinuxTrash::eraseLeftover(const Trashed &thing) const
+{
     const auto leftovers
-        = m_folders.ownFolder(thing->trash.self.number(), std::string(leftoversFolder), false);
+        = m_folders.ownFolder(thing.trash.self.number(), std::string(leftoversFolder), false);
     if (!leftovers)
         return std::unexpected(LinuxErrorText::sentence(leftovers.error()));
-    const auto erasure = TreeEraser(m_calls, leftovers->number()).erase(thing->name.c_str());
+    const auto erasure = TreeEraser(m_calls, leftovers->number()).erase(thing.name.c_str());
     if (!erasure.isComplete())
         return std::unexpected(LinuxFileRemoval::leftText(erasure));
     return {};
 }
 
-std::expected<void, QString> LinuxTrash::eraseThing(const Trashed &thing) const
+std::expected<void, QString> LinuxTrash::eraseThing(const Trashed &thing, const Provenance *from) const
 {
     FileDescriptor leftovers;
     const FolderPlace inTrash{ .folder = thing.trash.files.number(), .name = thing.name };
@@ -182,7 +200,18 @@ std::expected<void, QString> LinuxTrash::eraseThing(const Trashed &thing) const
     });
     if (error != 0)
         return eraseInPlace(thing);
+    // The name may have been given away between the question and the move.
+    if (from != nullptr && from->identity && from->identity->born != 0
+        && !hasIdentity(m_calls, aside, *from->identity)) {
+        std::ignore = CarefulRename::move(m_calls, aside, inTrash);
+        return std::unexpected(somethingElse());
+    }
+    return eraseAside(thing, aside);
+}
 
+std::expected<void, QString> LinuxTrash::eraseAside(const Trashed &thing, const FolderPlace &aside) const
+{
+    const FolderPlace inTrash{ .folder = thing.trash.files.number(), .name = thing.name };
     const FolderPlace note{ .folder = thing.trash.info.number(), .name = TrashNote::nameFor(thing.name) };
     const FolderPlace noteAside{ .folder = aside.folder, .name = TrashNote::nameFor(aside.name) };
     const bool isNoteAside = CarefulRename::move(m_calls, note, noteAside) == 0;
@@ -214,38 +243,80 @@ std::expected<void, QString> LinuxTrash::eraseInPlace(const Trashed &thing) cons
     return {};
 }
 
-// Without one it is as good: readers leave out a note that has lost its thing.
+// Where that fails nothing is lost: readers of the Trash leave out a note that has no thing.
 void LinuxTrash::dropNote(const Trashed &thing) const
 {
     std::ignore = m_calls.unlinkAt(thing.trash.info.number(), TrashNote::nameFor(thing.name).c_str(), 0);
 }
 
-bool LinuxTrash::mayComeFrom(
-    const std::string &trashPath, const std::string &originalPath, const QDateTime &movedAt) const
+bool LinuxTrash::isStill(const std::string &trashPath, const Provenance &from) const
 {
     const auto thing = trashed(trashPath);
-    const auto text = thing ? note(*thing) : std::nullopt;
-    if (text && !TrashNote::mayBeOf(*text, movedAt))
+    return thing && !thing->isLeftover && agrees(*thing, from);
+}
+
+bool LinuxTrash::agrees(const Trashed &thing, const Provenance &from) const
+{
+    const FolderPlace place{ .folder = thing.trash.files.number(), .name = thing.name };
+    if (from.identity && from.identity->born != 0 && m_calls.keepsInodes(place.folder))
+        return hasIdentity(m_calls, place, *from.identity) && !noteObjects(thing, *from.identity);
+    struct statx status = {};
+    return m_calls.statAt(place.folder, place.name.c_str(), 0, status) == 0 && noteAgrees(thing, from);
+}
+
+// The thing itself, and thrown away anew by somebody else since it was moved here. A note that is gone, or
+// that a loss of power has left in pieces, says nothing.
+bool LinuxTrash::noteObjects(const Trashed &thing, const ThingIdentity &identity) const
+{
+    const auto text = note(thing);
+    return text && !identity.note.empty() && *text != identity.note && TrashNote::isWhole(*text);
+}
+
+bool LinuxTrash::noteAgrees(const Trashed &thing, const Provenance &from) const
+{
+    const auto text = note(thing);
+    if (!text)
         return false;
-    const auto origin = text ? TrashNote::origin(*text) : std::nullopt;
-    if (!origin)
-        return true;
+    if (from.identity)
+        return !from.identity->note.empty() && *text == from.identity->note;
+    const auto origin = TrashNote::origin(*text);
+    if (!origin || !TrashNote::isOf(*text, from.movedAt))
+        return false;
     // The note tells of the path as it was given, or, seen from the top of a volume, as it is without links.
     const auto isOrigin = [&](const std::string &path) -> bool {
         return origin->starts_with('/') ? path == *origin : path.ends_with('/' + *origin);
     };
-    return isOrigin(standardisedPath(originalPath, {})) || isOrigin(ResolvedPath::withoutLinks(originalPath));
+    return isOrigin(standardisedPath(from.originalPath, {}))
+        || isOrigin(ResolvedPath::withoutLinks(from.originalPath));
 }
 
+void LinuxTrash::dropLoneNote(const std::string &trashPath, const std::string &text)
+{
+    const auto thing = trashed(trashPath);
+    if (!thing || thing->isLeftover)
+        return;
+    struct statx status = {};
+    const bool isAlone
+        = m_calls.statAt(thing->trash.files.number(), thing->name.c_str(), 0, status) != 0 && errno == ENOENT;
+    const auto written = isAlone ? note(*thing) : std::nullopt;
+    if (written && text.starts_with(*written))
+        dropNote(*thing);
+}
+
+// Absent where there is none, or something else than a file has its name.
 std::optional<std::string> LinuxTrash::note(const Trashed &thing) const
 {
-    // A path three times as long as can be, which is one of nothing but encoded bytes, and the rest.
+    // Enough for a path of the greatest length in which every byte is encoded by three, and the rest.
     constexpr size_t mostBytes = 16384;
     constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     const auto name = TrashNote::nameFor(thing.name);
     const FileDescriptor file(m_calls.openAt(thing.trash.info.number(), name.c_str(), flags));
+    struct statx status = {};
+    if (!file.isOpen() || m_calls.statAt(file.number(), "", AT_EMPTY_PATH, status) != 0
+        || !S_ISREG(status.stx_mode))
+        return std::nullopt;
     std::string text(mostBytes, '\0');
-    const auto length = file.isOpen() ? ::read(file.number(), text.data(), text.size()) : -1;
+    const auto length = ::read(file.number(), text.data(), text.size());
     if (length < 0)
         return std::nullopt;
     text.resize(static_cast<size_t>(length));

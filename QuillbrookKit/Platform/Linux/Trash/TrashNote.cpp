@@ -62,6 +62,13 @@ std::optional<std::string_view> value(std::string_view note, std::string_view ke
     return rest.substr(0, rest.find_first_of("\r\n"));
 }
 
+QDateTime deletionDate(std::string_view note)
+{
+    const auto told = value(note, "\nDeletionDate=").value_or(std::string_view());
+    return QDateTime::fromString(
+        QString::fromUtf8(told.data(), static_cast<qsizetype>(told.size())), Qt::ISODate);
+}
+
 // Not within a character; of bytes that are no text at most as many go as a character can have.
 std::string_view shortened(std::string_view name, size_t longest)
 {
@@ -89,21 +96,17 @@ std::optional<std::string> origin(std::string_view note)
     return path.empty() ? std::nullopt : std::optional(path);
 }
 
-// The machine may have been taken to another zone since. Zones are whole quarters of an hour apart.
-bool mayBeOf(std::string_view note, const QDateTime &moment)
+bool isWhole(std::string_view note)
 {
-    constexpr qint64 quarter = 15 * 60;
-    constexpr qint64 furthestZone = 14 * 60 * 60;
+    return origin(note) && deletionDate(note).isValid() && note.ends_with('\n');
+}
+
+bool isOf(std::string_view note, const QDateTime &moment)
+{
     // Between the note and the row in the ledger lies a rename, on a disk that may be slow.
     constexpr qint64 slack = 10;
-    const auto told = value(note, "\nDeletionDate=").value_or(std::string_view());
-    auto written = QDateTime::fromString(
-        QString::fromUtf8(told.data(), static_cast<qsizetype>(told.size())), Qt::ISODate);
-    if (!written.isValid() || !moment.isValid())
-        return true;
-    written.setTimeSpec(Qt::UTC);
-    const auto apart = std::abs(moment.secsTo(written));
-    return apart <= furthestZone + slack && (apart + slack) % quarter <= 2 * slack;
+    const auto written = deletionDate(note);
+    return written.isValid() && moment.isValid() && std::abs(moment.secsTo(written)) <= slack;
 }
 
 std::string candidate(std::string_view name, std::uint64_t attempt, size_t longest)

@@ -24,9 +24,12 @@ inline constexpr size_t longestEncryptedName = 143;
 /// themselves.
 [[nodiscard]] std::optional<std::string> origin(std::string_view note);
 
-/// Whether a note may have been written at `moment`: false only where both tell a time, and what the note
-/// tells is the local time of no zone then.
-[[nodiscard]] bool mayBeOf(std::string_view note, const QDateTime &moment);
+/// Whether a note says both what it has to, to its end.
+[[nodiscard]] bool isWhole(std::string_view note);
+
+/// Whether a note was written at `moment`: only where it tells that moment as the time here. One from before
+/// the machine was taken to another zone is not.
+[[nodiscard]] bool isOf(std::string_view note, const QDateTime &moment);
 
 /// The name for the `attempt`-th try, from 1: first `name` itself, then with the number before its extension;
 /// shortened at a whole character so that a note's name has at most `longest` bytes.

@@ -1,0 +1,53 @@
+#pragma once
+
+// Keeps ledger and journal together: what has gone is entered in the ledger once a clearance has ended, what
+// a kill has left is taken up at the next start, and what both hold can be seen and put back. Main thread
+// only, while no clearance runs; blocks on the disk.
+
+#include "Removal/Reclaimer.h"
+
+#include <expected>
+#include <functional>
+
+namespace Quillbrook {
+
+class RemovalJournal;
+class TrashLedger;
+
+/// A thing that lies in the Trash and that the program moved there.
+struct HeldItem
+{
+    TrashedItem item{};
+    /// It stands in the journal alone, since its finding failed in part: it can be put back and nothing else.
+    bool isOnlyInJournal = false;
+
+    bool operator==(const HeldItem &) const = default;
+};
+
+struct Books
+{
+    TrashLedger &ledger;
+    RemovalJournal &journal;
+    Trash &trash;
+
+    /// Told, once, how many bytes to add to what has been reclaimed so far. They have to be stored when it
+    /// returns: only then the journal forgets.
+    using Count = std::function<void(qint64 bytes)>;
+
+    /// Enters the rows of what went whole in the ledger, in one writing, counts, and closes the journal.
+    /// Those of a rule's removals are marked.
+    void enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const;
+
+    /// At the start: what the journal names, and nothing else in the Trash, becomes rows, and what is missing
+    /// in `reclaimedSoFar` is counted. Notes that it names and that have no thing are dropped. Whatever is
+    /// interrupted is done by the next call.
+    void takeUp(qint64 reclaimedSoFar, const Count &count) const;
+
+    /// What lies in the Trash still, in the order in which it went.
+    [[nodiscard]] std::vector<HeldItem> held() const;
+    /// Puts one back where it was; nothing is replaced. Why it can't is told as a person may read it, and
+    /// then everything stays.
+    [[nodiscard]] std::expected<void, QString> putBack(const HeldItem &held) const;
+};
+
+} // namespace Quillbrook

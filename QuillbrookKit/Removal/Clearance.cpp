@@ -1,0 +1,44 @@
+#include "Removal/Clearance.h"
+
+#include "Removal/RemovalJournal.h"
+
+namespace Quillbrook {
+
+Clearance::Clearance(const RemovalServices &services, RemovalJournal &journal, QString homeDirectory)
+    : m_services(services)
+    , m_journal(journal)
+    , m_homeDirectory(std::move(homeDirectory))
+{
+}
+
+std::vector<Reclaimer::Outcome> Clearance::clear(const Order &order, const Watch &watch)
+{
+    const Reclaimer reclaimer{ .services = m_services,
+        .homeDirectory = m_homeDirectory,
+        .journal = order.disposal == Reclaimer::Disposal::toTrash ? &m_journal : nullptr,
+        .byRule = order.byRule };
+    m_journal.startBatch(order.reclaimedSoFar);
+    std::vector<Reclaimer::Outcome> outcomes;
+    Progress progress{ .findings = order.findings.size() };
+    qint64 done = 0;
+    for (const auto &finding : order.findings) {
+        if (watch.stop.stop_requested())
+            break;
+        ++progress.finding;
+        progress.title = finding.rule.title;
+        const auto step = [&](const Reclaimer::Step &step) {
+            progress.entry = step.entry;
+            progress.entries = step.entries;
+            progress.name = step.name;
+            progress.bytes = done + step.bytes;
+            if (watch.progress)
+                watch.progress(progress);
+        };
+        outcomes.push_back(
+            reclaimer.reclaim(finding, order.disposal, { .before = step, .stop = watch.stop }));
+        done += outcomes.back().bytesMoved;
+    }
+    return outcomes;
+}
+
+} // namespace Quillbrook

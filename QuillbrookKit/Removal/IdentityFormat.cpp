@@ -1,0 +1,51 @@
+#include "Removal/IdentityFormat.h"
+
+namespace Quillbrook::IdentityFormat {
+
+using namespace JsonValues;
+
+Json encodeOne(const ThingIdentity &identity)
+{
+    Json json;
+    if (identity.born != 0) {
+        json["inode"] = identity.inode;
+        json["born"] = identity.born;
+    }
+    json["note"] = identity.note;
+    return json;
+}
+
+std::optional<ThingIdentity> decodeOne(const Json &json)
+{
+    const auto *inode = member(json, "inode");
+    const auto *born = member(json, "born");
+    const auto note = text(json, "note");
+    if (inode != nullptr && born != nullptr && inode->is_number_unsigned() && born->is_number_integer())
+        return ThingIdentity{ .inode = inode->get<std::uint64_t>(),
+            .born = born->get<qint64>(),
+            .note = note.value_or(std::string()) };
+    return note ? std::optional(ThingIdentity{ .note = *note }) : std::nullopt;
+}
+
+QByteArray encode(const std::vector<TrashedItem> &items)
+{
+    auto identities = Json::object();
+    for (const auto &item : items)
+        if (item.identity)
+            identities[item.id.toStdString()] = encodeOne(*item.identity);
+    return QByteArray::fromStdString(identities.dump());
+}
+
+QHash<QString, ThingIdentity> decode(QByteArrayView json)
+{
+    QHash<QString, ThingIdentity> identities;
+    const auto parsed = Json::parse(json.begin(), json.end(), nullptr, false);
+    if (!parsed.is_object())
+        return identities;
+    for (const auto &[id, value] : parsed.items())
+        if (const auto identity = decodeOne(value))
+            identities.insert(QString::fromStdString(id), *identity);
+    return identities;
+}
+
+} // namespace Quillbrook::IdentityFormat

@@ -1,0 +1,122 @@
+#include "Removal/JournalFormat.h"
+
+#include "JsonValues.h"
+#include "Removal/IdentityFormat.h"
+#include "Removal/LedgerFormat.h"
+
+#include <algorithm>
+
+namespace Quillbrook::JournalFormat {
+
+using namespace JsonValues;
+
+namespace {
+
+QByteArray line(const Json &json)
+{
+    return QByteArray::fromStdString(json.dump()) + '\n';
+}
+
+std::optional<JournalUnit> unit(const Json &json)
+{
+    const auto title = text(json, "title");
+    const auto bytes = wholeNumber(json, "bytes");
+    const auto planned = wholeNumber(json, "planned");
+    if (!title || !bytes || !planned)
+        return std::nullopt;
+    return JournalUnit{ .title = QString::fromStdString(*title),
+        .bytes = *bytes,
+        .planned = std::max<qint64>(*planned, 1),
+        .byRule = boolean(json, "byRule").value_or(false) };
+}
+
+void readEntry(JournalUnit &unit, const Json &json)
+{
+    if (const auto *row = member(json, "move")) {
+        auto item = LedgerFormat::decodeRow(*row);
+        const auto identity = IdentityFormat::decodeOne(json);
+        if (!item || !identity)
+            return;
+        item->identity = identity;
+        unit.moves.push_back(*std::move(item));
+    } else if (text(json, "failed")) {
+        unit.state = JournalUnit::State::failed;
+    } else if (boolean(json, "whole").value_or(false) && unit.state == JournalUnit::State::open) {
+        unit.state = JournalUnit::State::whole;
+    }
+}
+
+void readLine(Content &content, const Json &json)
+{
+    if (!json.is_object())
+        return;
+    if (const auto total = wholeNumber(json, "batch")) {
+        content.total = content.total.value_or(*total);
+    } else if (const auto *begun = member(json, "begin")) {
+        if (auto read = unit(*begun))
+            content.units.push_back(*std::move(read));
+    } else if (!content.units.empty()) {
+        readEntry(content.units.back(), json);
+    }
+}
+
+} // namespace
+
+QByteArray batch(qint64 total)
+{
+    return '\n' + line({ { "batch", total } });
+}
+
+QByteArray begin(const JournalUnit &unit)
+{
+    Json json{ { "title", unit.title.toStdString() }, { "bytes", unit.bytes }, { "planned", unit.planned } };
+    if (unit.byRule)
+        json["byRule"] = true;
+    return '\n' + line({ { "begin", std::move(json) } });
+}
+
+QByteArray move(const TrashedItem &item)
+{
+    auto json = IdentityFormat::encodeOne(item.identity.value_or(ThingIdentity()));
+    json["move"] = LedgerFormat::encodeRow(item);
+    return line(json);
+}
+
+QByteArray failed(const QString &id)
+{
+    return line({ { "failed", id.toStdString() } });
+}
+
+QByteArray whole()
+{
+    return line({ { "whole", true } });
+}
+
+QByteArray encode(const std::vector<JournalUnit> &units)
+{
+    QByteArray lines;
+    for (const auto &unit : units) {
+        lines += begin(unit);
+        for (const auto &item : unit.moves)
+            lines += move(item);
+        if (unit.state != JournalUnit::State::open)
+            lines += unit.state == JournalUnit::State::whole ? whole() : failed({});
+    }
+    return lines;
+}
+
+Content decode(QByteArrayView lines)
+{
+    Content content;
+    while (!lines.isEmpty()) {
+        const auto end = lines.indexOf('\n');
+        const auto length = end < 0 ? lines.size() : end;
+        const auto one = lines.first(length);
+        if (!one.isEmpty())
+            readLine(content, Json::parse(one.begin(), one.end(), nullptr, false));
+        lines = lines.sliced(std::min(length + 1, lines.size()));
+    }
+    return content;
+}
+
+} // namespace Quillbrook::JournalFormat

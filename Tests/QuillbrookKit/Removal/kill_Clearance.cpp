@@ -1,0 +1,390 @@
+// Clears findings in a child that is killed at the entry of one of its system calls, starts anew, and
+// compares disk, Trash, ledger, journal and total. Ten findings of three entries are killed at every call,
+// until they come to their end; with "random", larger ones are killed at a thousand calls picked by chance.
+//
+//     kill_Clearance all | random
+
+#include "Platform/Clock.h"
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileWriting.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Platform/Linux/Trash/LinuxTrash.h"
+#include "Removal/Books.h"
+#include "Removal/Clearance.h"
+#include "Removal/RemovalJournal.h"
+#include "Removal/TrashLedger.h"
+#include "Support/FakeSpaceReserve.h"
+
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <map>
+#include <random>
+#include <sched.h>
+#include <set>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Quillbrook;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Size
+{
+    int findings = 0;
+    int entries = 0;
+};
+
+constexpr Size small{ .findings = 10, .entries = 3 };
+constexpr Size large{ .findings = 12, .entries = 25 };
+constexpr int randomKills = 1000;
+constexpr qint64 bytesOfAnEntry = 1000;
+constexpr qint64 totalBefore = 70'000;
+constexpr std::string_view foreign = "foreign";
+
+[[noreturn]] void fail(const std::string &what)
+{
+    std::fprintf(stderr, "%s\n", what.c_str());
+    std::exit(1);
+}
+
+std::string content(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return { std::istreambuf_iterator<char>(file), {} };
+}
+
+void write(const std::string &path, const std::string &text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+std::vector<std::string> names(const std::string &folder)
+{
+    std::vector<std::string> found;
+    std::error_code error;
+    for (const auto &entry : fs::directory_iterator(folder, error))
+        found.push_back(entry.path().filename().string());
+    std::ranges::sort(found);
+    return found;
+}
+
+// A home with findings whose entries have the same names, so that names in the Trash are taken, and with a
+// thing in the Trash that somebody else threw away.
+class Home
+{
+public:
+    Home(std::string base, Size size)
+        : m_base(std::move(base))
+        , m_size(size)
+    {
+    }
+
+    void make() const
+    {
+        fs::remove_all(m_base);
+        for (int i = 0; i < m_size.findings; ++i) {
+            fs::create_directories(folder(i));
+            for (int j = 0; j < m_size.entries; ++j)
+                makeEntry(i, j);
+        }
+        fs::create_directories(trashFolder() + "/files");
+        fs::create_directories(trashFolder() + "/info");
+        write(trashFolder() + "/files/" + std::string(foreign), "not ours");
+        write(trashFolder() + "/info/" + std::string(foreign) + ".trashinfo",
+            "[Trash Info]\nPath=/elsewhere\nDeletionDate=2024-01-01T00:00:00\n");
+        write(totalFile(), std::to_string(totalBefore));
+    }
+
+    [[nodiscard]] QList<Finding> findings() const
+    {
+        QList<Finding> all;
+        for (int i = 0; i < m_size.findings; ++i)
+            all.append({ .id = QString::number(i),
+                .rule
+                = { .id = QStringLiteral("a.rule"), .title = QStringLiteral("Rule"), .safety = Safety::safe },
+                .path = QString::fromStdString(folder(i)),
+                .bytes = bytesOfAnEntry * m_size.entries });
+        return all;
+    }
+
+    [[nodiscard]] std::string base() const { return m_base; }
+    [[nodiscard]] std::string folder(int finding) const
+    {
+        return m_base + "/home/finding" + std::to_string(finding);
+    }
+    [[nodiscard]] std::string trashFolder() const { return m_base + "/data/Trash"; }
+    [[nodiscard]] std::string ledger() const { return m_base + "/data/Quillbrook/ledger.json"; }
+    [[nodiscard]] std::string totalFile() const { return m_base + "/total"; }
+    [[nodiscard]] Size size() const { return m_size; }
+
+    // What tells one entry from all others, wherever it lies.
+    [[nodiscard]] static std::string mark(const std::string &path)
+    {
+        return fs::is_directory(fs::symlink_status(path)) ? content(path + "/inner") : content(path);
+    }
+
+private:
+    void makeEntry(int finding, int entry) const
+    {
+        const auto path = folder(finding) + "/entry" + std::to_string(entry) + "\xFF";
+        const auto text = std::to_string(finding) + ' ' + std::to_string(entry);
+        if (entry % 3 == 0) {
+            fs::create_directory(path);
+            write(path + "/inner", text);
+        } else {
+            write(path, text);
+        }
+    }
+
+    std::string m_base;
+    Size m_size;
+};
+
+// All that a program has, as one start of it.
+class Start
+{
+public:
+    explicit Start(const Home &home)
+        : m_home(home)
+        , m_trash({ .homeTrash = home.trashFolder(), .user = ::getuid() }, m_reserve, m_clock)
+        , m_journal(m_reading, m_writing, RemovalJournal::besideLedger(home.ledger()))
+        , m_ledger({ .reading = m_reading, .writing = m_writing, .files = m_files, .trash = m_trash },
+              home.ledger())
+    {
+    }
+
+    void clear()
+    {
+        Clearance clearance({ .trash = m_trash, .removal = m_removal, .files = m_files, .clock = m_clock },
+            m_journal, QString::fromStdString(m_home.base() + "/home"));
+        const auto outcomes
+            = clearance.clear({ .findings = m_home.findings(), .reclaimedSoFar = total() }, {});
+        books().enter(outcomes, false, [this](qint64 bytes) { count(bytes); });
+    }
+
+    void takeUp()
+    {
+        books().takeUp(total(), [this](qint64 bytes) { count(bytes); });
+    }
+
+    [[nodiscard]] qint64 total() const { return std::stoll(content(m_home.totalFile())); }
+    [[nodiscard]] const TrashLedger &ledger() const { return m_ledger; }
+    [[nodiscard]] const RemovalJournal &journal() const { return m_journal; }
+    [[nodiscard]] const LinuxTrash &trash() const { return m_trash; }
+
+private:
+    [[nodiscard]] Books books() { return { .ledger = m_ledger, .journal = m_journal, .trash = m_trash }; }
+    void count(qint64 bytes)
+    {
+        std::ignore = m_writing.replace(m_home.totalFile(), QByteArray::number(total() + bytes));
+    }
+
+    const Home &m_home;
+    FakeSpaceReserve m_reserve;
+    SystemClock m_clock;
+    LinuxFileFacts m_files;
+    LinuxFileReading m_reading;
+    LinuxFileWriting m_writing;
+    LinuxFileRemoval m_removal;
+    LinuxTrash m_trash;
+    RemovalJournal m_journal;
+    TrashLedger m_ledger;
+};
+
+// Runs `Start::clear` up to the entry of its system call `kill`, counted from 1. Whether it was killed.
+class TracedRun
+{
+public:
+    explicit TracedRun(const Home &home)
+        : m_home(home)
+    {
+    }
+
+    bool killedAt(long kill)
+    {
+        m_child = ::fork();
+        if (m_child < 0)
+            fail("no child");
+        if (m_child == 0) {
+            ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+            std::raise(SIGSTOP);
+            stopAtEveryCall();
+            Start(m_home).clear();
+            ::_exit(0);
+        }
+        wait();
+        ::ptrace(PTRACE_SETOPTIONS, m_child, nullptr, PTRACE_O_TRACESECCOMP | PTRACE_O_EXITKILL);
+        for (calls = 0; go(); go())
+            if (++calls == kill) {
+                ::kill(m_child, SIGKILL);
+                wait();
+                return true;
+            }
+        return false;
+    }
+
+    long calls = 0;
+
+private:
+    // A filter that hands every call to the tracer at its entry stops half as often as tracing all calls
+    // does, which stops at their exits too.
+    static void stopAtEveryCall()
+    {
+        sock_filter all = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE);
+        const sock_fprog program{ .len = 1, .filter = &all };
+        if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0
+            || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+            ::_exit(2);
+    }
+    // To the entry of the next call; false at the end.
+    bool go()
+    {
+        if (WIFEXITED(m_status) || WIFSIGNALED(m_status))
+            return false;
+        ::ptrace(PTRACE_CONT, m_child, nullptr, nullptr);
+        wait();
+        if (WIFEXITED(m_status) && WEXITSTATUS(m_status) != 0)
+            fail("the calls can't be traced");
+        return WIFSTOPPED(m_status);
+    }
+    void wait()
+    {
+        if (::waitpid(m_child, &m_status, __WALL) != m_child)
+            fail("the child is gone");
+    }
+
+    const Home &m_home;
+    pid_t m_child = -1;
+    int m_status = 0;
+};
+
+// Where every entry lies: at home by its path, or in the Trash.
+struct Whereabouts
+{
+    std::set<std::string> atHome{};
+    std::map<std::string, std::string> inTrash{};
+};
+
+Whereabouts whereabouts(const Home &home)
+{
+    Whereabouts found;
+    for (int i = 0; i < home.size().findings; ++i)
+        for (const auto &name : names(home.folder(i)))
+            found.atHome.insert(Home::mark(home.folder(i) + '/' + name));
+    for (const auto &name : names(home.trashFolder() + "/files"))
+        if (name != foreign)
+            found.inTrash.emplace(
+                Home::mark(home.trashFolder() + "/files/" + name), home.trashFolder() + "/files/" + name);
+    return found;
+}
+
+void compare(const Home &home, const std::string &when)
+{
+    Start start(home);
+    start.takeUp();
+    const auto found = whereabouts(home);
+    const auto entries = static_cast<size_t>(home.size().findings) * static_cast<size_t>(home.size().entries);
+    if (found.atHome.size() + found.inTrash.size() != entries)
+        fail(when + ": an entry is gone, or is there twice");
+    std::set<std::string> rows;
+    qint64 bytes = 0;
+    for (const auto &item : start.ledger().items()) {
+        rows.insert(item.trashPath);
+        bytes += item.bytes;
+        if (!start.trash().isStill(item.trashPath, item.provenance()))
+            fail(when + ": a row names what is not its thing");
+    }
+    std::set<std::string> things;
+    for (const auto &[mark, path] : found.inTrash)
+        things.insert(path);
+    if (rows != things || start.ledger().items().size() != things.size())
+        fail(when + ": the ledger holds " + std::to_string(rows.size()) + " of "
+            + std::to_string(things.size()) + " things");
+    if (start.total() != totalBefore + bytes || bytes != bytesOfAnEntry * static_cast<qint64>(things.size()))
+        fail(when + ": the total is " + std::to_string(start.total()) + " with rows of "
+            + std::to_string(bytes));
+    if (!start.journal().units().empty() || start.journal().total())
+        fail(when + ": the journal was not closed");
+    std::vector<std::string> notes;
+    for (const auto &name : names(home.trashFolder() + "/files"))
+        notes.push_back(name + ".trashinfo");
+    std::ranges::sort(notes);
+    if (notes != names(home.trashFolder() + "/info"))
+        fail(when + ": things and notes do not match");
+
+    Start again(home);
+    again.takeUp();
+    const auto isSameRow = [](const TrashedItem &a, const TrashedItem &b) { return a.id == b.id; };
+    if (again.total() != start.total()
+        || !std::ranges::equal(again.ledger().items(), start.ledger().items(), isSameRow))
+        fail(when + ": a second start changes something");
+}
+
+long killEverywhere(const Home &home)
+{
+    home.make();
+    TracedRun whole(home);
+    std::ignore = whole.killedAt(0);
+    std::printf("%ld calls\n", whole.calls);
+    std::fflush(stdout);
+    compare(home, "not killed");
+    long kills = 0;
+    for (bool isKilled = true; isKilled;) {
+        home.make();
+        isKilled = TracedRun(home).killedAt(++kills);
+        compare(home, "killed at call " + std::to_string(kills));
+    }
+    return kills - 1;
+}
+
+long killAtRandom(const Home &home)
+{
+    home.make();
+    TracedRun whole(home);
+    std::ignore = whole.killedAt(0);
+    compare(home, "not killed");
+    std::mt19937 random(4711); // NOLINT: the same points in every run
+    std::uniform_int_distribution<long> anyCall(1, whole.calls);
+    for (int i = 0; i < randomKills; ++i) {
+        const auto call = anyCall(random);
+        home.make();
+        std::ignore = TracedRun(home).killedAt(call);
+        compare(home, "larger findings, killed at call " + std::to_string(call));
+    }
+    return randomKills;
+}
+
+} // namespace
+
+int main(int arguments, char **texts)
+{
+    const std::string_view which = arguments == 2 ? texts[1] : "";
+    if (which != "all" && which != "random") {
+        std::fputs("kill_Clearance all | random\n", stderr);
+        return 2;
+    }
+    // Child and tracer never run at once, and wake each other sooner on one processor.
+    cpu_set_t processor;
+    CPU_ZERO(&processor);
+    CPU_SET(::sched_getcpu(), &processor);
+    ::sched_setaffinity(0, sizeof(processor), &processor);
+    // What the first use of a time costs is done once here, and not in every child.
+    std::ignore = QDateTime::currentDateTime().toString();
+    const QTemporaryDir folder;
+    const Home home(folder.path().toStdString() + "/base", which == "all" ? small : large);
+    const auto kills = which == "all" ? killEverywhere(home) : killAtRandom(home);
+    std::printf("%ld kills\n", kills);
+    return 0;
+}

@@ -1,0 +1,227 @@
+// Clearing findings with ledger and journal on the real disk. Kills are in kill_Clearance.cpp.
+
+#include "Platform/Linux/Files/LinuxFileFacts.h"
+#include "Platform/Linux/Files/LinuxFileReading.h"
+#include "Platform/Linux/Files/LinuxFileWriting.h"
+#include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Removal/Books.h"
+#include "Removal/Clearance.h"
+#include "Removal/RemovalJournal.h"
+#include "Removal/TrashLedger.h"
+#include "Support/Suite.h"
+#include "Support/TrashFixture.h"
+
+#include <QTest>
+
+using namespace Quillbrook;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Machine
+{
+    Machine()
+    {
+        for (const auto *name : { "one/a\xff", "one/b", "one/c", "two/a\xff", "two/d" })
+            f.home.fileWith(std::string("caches/") + name, name);
+        start();
+    }
+
+    void start()
+    {
+        const auto store = f.home.path("data/ledger.json");
+        journal = std::make_unique<RemovalJournal>(reading, writing, RemovalJournal::besideLedger(store));
+        ledger = std::make_unique<TrashLedger>(
+            LedgerServices{ .reading = reading, .writing = writing, .files = files, .trash = f.trash },
+            store);
+    }
+
+    [[nodiscard]] Finding finding(const std::string &name, qint64 bytes) const
+    {
+        return { .rule = { .id = u"a.rule"_s, .title = QString::fromStdString(name), .safety = Safety::safe },
+            .path = QString::fromStdString(f.home.path("caches/" + name)),
+            .bytes = bytes };
+    }
+    [[nodiscard]] std::vector<Reclaimer::Outcome> clear(const Clearance::Watch &watch = {})
+    {
+        Clearance clearance({ .trash = f.trash, .removal = removal, .files = files, .clock = f.clock },
+            *journal, QString::fromStdString(f.home.path("caches")));
+        return clearance.clear(
+            { .findings = { finding("one", 30), finding("two", 20) }, .reclaimedSoFar = total }, watch);
+    }
+    [[nodiscard]] Books books() { return { .ledger = *ledger, .journal = *journal, .trash = f.trash }; }
+    void enter(const std::vector<Reclaimer::Outcome> &outcomes)
+    {
+        books().enter(outcomes, false, [this](qint64 bytes) { total += bytes; });
+    }
+    void takeUp()
+    {
+        books().takeUp(total, [this](qint64 bytes) { total += bytes; });
+    }
+    // Of a path that lies where `clear` finds it.
+    void makeStuck(const std::string &path)
+    {
+        f.calls.before = [name = path.substr(path.rfind('/') + 1)](std::string_view call, const char *of) {
+            return call == "renameat2" && of == name ? EBUSY : 0;
+        };
+    }
+
+    TrashFixture f;
+    LinuxFileReading reading;
+    LinuxFileWriting writing;
+    LinuxFileFacts files;
+    LinuxFileRemoval removal;
+    std::unique_ptr<RemovalJournal> journal;
+    std::unique_ptr<TrashLedger> ledger;
+    qint64 total = 7;
+};
+
+} // namespace
+
+class TestClearance : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void eachEntryIsToldBeforeItGoes()
+    {
+        Machine machine;
+        std::vector<Clearance::Progress> told;
+        const auto outcomes = machine.clear(
+            { .progress = [&](const Clearance::Progress &progress) { told.push_back(progress); } });
+        machine.enter(outcomes);
+        QCOMPARE(told.size(), size_t{ 5 });
+        QVERIFY((told[1]
+            == Clearance::Progress{ .finding = 1,
+                .findings = 2,
+                .entry = 2,
+                .entries = 3,
+                .title = u"one"_s,
+                .name = u"b"_s,
+                .bytes = 10 }));
+        QCOMPARE(told[4].finding, 2);
+        QCOMPARE(told[4].bytes, 40);
+        QCOMPARE(machine.total, 7 + 50);
+        QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
+        machine.start();
+        machine.takeUp();
+        QCOMPARE(machine.total, 7 + 50);
+        QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
+    }
+
+    // The finding that a stop cuts short is a failed one: never rows, and kept to be put back.
+    void stopEndsBetweenTwoEntries()
+    {
+        Machine machine;
+        std::stop_source stop;
+        const auto outcomes = machine.clear({ .progress =
+                                                  [&](const Clearance::Progress &progress) {
+                                                      if (progress.finding == 2)
+                                                          stop.request_stop();
+                                                  },
+            .stop = stop.get_token() });
+        QCOMPARE(outcomes.size(), size_t{ 2 });
+        QVERIFY(!outcomes[0].error);
+        QCOMPARE(outcomes[1].error, ReclaimError::stopped());
+        QVERIFY(TrashFixture::isThere(machine.f.home.path("caches/two/d")));
+        machine.enter(outcomes);
+        QCOMPARE(machine.total, 7 + 30);
+        QCOMPARE(machine.ledger->pendingCount(), 3);
+        QCOMPARE(machine.books().held().size(), size_t{ 4 });
+    }
+
+    void whatFailedInPartIsKeptToBePutBackAndNothingElse()
+    {
+        Machine machine;
+        machine.makeStuck("b");
+        machine.enter(machine.clear());
+        machine.f.calls.before = nullptr;
+        QCOMPARE(machine.ledger->pendingCount(), 2);
+        machine.start();
+        machine.takeUp();
+        QCOMPARE(machine.total, 7 + 20);
+        QCOMPARE(machine.ledger->purge().removed, 2);
+        const auto held = machine.books().held();
+        QCOMPARE(held.size(), size_t{ 2 });
+        for (const auto &each : held) {
+            QVERIFY(each.isOnlyInJournal);
+            QVERIFY(machine.books().putBack(each));
+            QVERIFY(!machine.books().putBack(each));
+        }
+        QCOMPARE(TrashFixture::names(machine.f.home.path("caches/one")),
+            (std::vector<std::string>{ "a\xff", "b", "c" }));
+        machine.start();
+        QVERIFY(machine.books().held().empty());
+    }
+
+    void nothingIsReplacedByWhatIsPutBack()
+    {
+        Machine machine;
+        machine.enter(machine.clear());
+        machine.f.home.fileWith("caches/two/d", "new");
+        for (const auto &each : machine.books().held()) {
+            const auto done = machine.books().putBack(each);
+            QCOMPARE(done.has_value(), each.item.originalPath != machine.f.home.path("caches/two/d"));
+        }
+        QCOMPARE(TrashFixture::content(machine.f.home.path("caches/two/d")), "new");
+        QCOMPARE(machine.ledger->items().size(), size_t{ 1 });
+    }
+
+    void withoutAJournalNothingIsBegun()
+    {
+        Machine machine;
+        machine.f.home.folder("data/journal.jsonl");
+        const auto outcomes = machine.clear();
+        for (const auto &outcome : outcomes)
+            QVERIFY(outcome.error && outcome.error->startsWith(ReclaimError::notBegun({})));
+        QVERIFY(TrashFixture::names(machine.f.places.homeTrash + "/files").empty());
+        QVERIFY(TrashFixture::isThere(machine.f.home.path("caches/one/b")));
+    }
+
+    // Ended by a kill after the moves and before the books, at the very last line or in the middle of it.
+    void nextStartTakesUpWhatTheJournalNames_data()
+    {
+        QTest::addColumn<int>("cut");
+        QTest::addColumn<qint64>("added");
+        QTest::newRow("whole") << 0 << qint64{ 50 };
+        QTest::newRow("without its last line") << 10 << qint64{ 50 };
+        QTest::newRow("without the last entry") << 40 << qint64{ 40 };
+    }
+    void nextStartTakesUpWhatTheJournalNames()
+    {
+        QFETCH(int, cut);
+        QFETCH(qint64, added);
+        Machine machine;
+        std::ignore = machine.clear();
+        const auto path = machine.f.home.path("data/journal.jsonl");
+        std::filesystem::resize_file(path, std::filesystem::file_size(path) - static_cast<size_t>(cut));
+        machine.f.home.file("somebody's");
+        QVERIFY(machine.f.trash.move(machine.f.home.path("somebody's")));
+        machine.start();
+        machine.takeUp();
+        QCOMPARE(machine.total, 7 + added);
+        QCOMPARE(machine.ledger->items().size(), static_cast<size_t>(added / 10));
+        QCOMPARE(machine.ledger->pendingBytes(), added);
+    }
+
+    // What is moved to another place under its name in the middle of a clearance stays.
+    void folderExchangedForALinkKeepsTheRest()
+    {
+        Machine machine;
+        machine.f.home.fileWith("elsewhere/c", "kept");
+        const auto exchange = [&](const Clearance::Progress &progress) {
+            if (progress.finding != 1 || progress.entry != 2)
+                return;
+            std::filesystem::rename(machine.f.home.path("caches/one"), machine.f.home.path("moved"));
+            std::filesystem::create_symlink("../elsewhere", machine.f.home.path("caches/one"));
+        };
+        const auto outcomes = machine.clear({ .progress = exchange });
+        QVERIFY(outcomes[0].error && !outcomes[1].error);
+        QCOMPARE(outcomes[0].trashed.size(), size_t{ 1 });
+        QCOMPARE(TrashFixture::content(machine.f.home.path("elsewhere/c")), "kept");
+        QVERIFY(TrashFixture::isThere(machine.f.home.path("moved/c")));
+    }
+};
+
+QUILLBROOK_SUITE(TestClearance, QCoreApplication)
+#include "tst_Clearance.moc"
