@@ -98,6 +98,10 @@ public:
     /// as a kill leaves it. Nothing happens where a thing lies there, or the note is another.
     virtual void dropLoneNote(const std::string &trashPath, const std::string &note) = 0;
 
+    /// Waits until the volume of the folder at `path` has everything on its disk that was moved or deleted
+    /// there, the notes in its trash among it. Takes as long as the disk does: not for the main thread.
+    virtual void flush(const std::string &path) const = 0;
+
     /// Whether `path` is a trash of this user, or lies anywhere in one. Told by where trashes are kept, also
     /// of paths that are not there.
     [[nodiscard]] virtual bool holds(const std::string &path) const = 0;

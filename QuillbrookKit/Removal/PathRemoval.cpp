@@ -1,13 +1,11 @@
 #include "Removal/PathRemoval.h"
 
-#include "Platform/Clock.h"
 #include "Platform/FileFacts.h"
 #include "Platform/FileRemoval.h"
 #include "Platform/FolderEntries.h"
 #include "Platform/Trash.h"
+#include "Removal/BookedMove.h"
 #include "Removal/PathGuards.h"
-#include "Removal/Reclaimer.h"
-#include "Removal/RemovalJournal.h"
 #include "StandardisedPath.h"
 
 #include <QCoreApplication>
@@ -102,41 +100,6 @@ QString notMeasured(const Item &item)
         .arg(item.label);
 }
 
-struct Judgement
-{
-    const TakingJudge &judge;
-    const std::optional<QString> &refused;
-};
-
-Removal moveToTrash(
-    const RemovalServices &services, const Item &item, const Manner &manner, const Judgement &judgement)
-{
-    auto *journal = manner.journal;
-    auto row = TrashedItem::moved({ .label = item.label,
-        .originalPath = item.path,
-        .bytes = item.bytes,
-        .movedAt = services.clock.now() });
-    const auto begun = journal != nullptr ? journal->begin({ .title = item.label, .bytes = item.bytes })
-                                          : std::expected<void, QString>();
-    if (!begun)
-        return failed(item, ReclaimError::notBegun(begun.error()));
-    const auto announce = [&](const TrashedThing &planned) -> std::expected<void, QString> {
-        row.trashPath = planned.path;
-        row.identity = planned.identity;
-        return journal != nullptr ? journal->plan(row) : std::expected<void, QString>();
-    };
-    const auto moved = services.trash.move(item.path, { .judge = judgement.judge, .announce = announce });
-    if (journal != nullptr && !moved)
-        journal->fail(row.id);
-    if (journal != nullptr)
-        journal->settle();
-    if (!moved)
-        return judgement.refused ? failed(item, *judgement.refused) : failedToRemove(item, moved.error());
-    row.trashPath = moved->path;
-    row.identity = moved->identity;
-    return { .path = item.path, .bytes = item.bytes, .trashed = std::move(row) };
-}
-
 bool isHidden(std::string_view name)
 {
     return name.starts_with('.');
@@ -171,11 +134,18 @@ Removal remove(const RemovalServices &services, const Item &item, const Manner &
         refused = isPicked(thing, item) ? refusalThere(thing, manner) : notMeasured(item);
         return refused;
     };
-    if (!manner.permanent)
-        return moveToTrash(services, item, manner, { .judge = judge, .refused = refused });
-    if (const auto done = services.removal.remove(item.path, judge); !done)
-        return refused ? failed(item, *refused) : failedToRemove(item, done.error());
-    return { .path = item.path, .bytes = item.bytes };
+    const auto failure
+        = [&](const QString &why) { return refused ? failed(item, *refused) : failedToRemove(item, why); };
+    if (manner.permanent) {
+        if (const auto done = services.removal.remove(item.path, judge); !done)
+            return failure(done.error());
+        return { .path = item.path, .bytes = item.bytes };
+    }
+    const auto moved = BookedMove::alone(services, manner.journal,
+        { .label = item.label, .originalPath = item.path, .bytes = item.bytes }, judge);
+    if (!moved)
+        return failure(moved.error());
+    return { .path = item.path, .bytes = item.bytes, .trashed = *moved };
 }
 
 std::vector<Removal> removeAll(

@@ -1,10 +1,10 @@
 #include "Removal/Reclaimer.h"
 
-#include "Platform/Clock.h"
 #include "Platform/FileRemoval.h"
 #include "Platform/FolderEntries.h"
 #include "Platform/RunningApps.h"
 #include "Platform/Trash.h"
+#include "Removal/BookedMove.h"
 #include "Removal/HostGuards.h"
 #include "Removal/RemovalJournal.h"
 #include "StandardisedPath.h"
@@ -24,20 +24,6 @@ QString nameOf(const std::string &path)
     return QString::fromStdString(path.substr(path.find_last_of('/') + 1));
 }
 
-// Hidden ones among them. None of a folder that can't be read, and none behind a link: the folder may have
-// become one since it was found.
-std::vector<std::string> childrenOf(const std::string &folder)
-{
-    std::vector<std::string> children;
-    const auto entries = folderEntries(folder);
-    if (!entries->open(folder))
-        return children;
-    while (const auto entry = entries->next())
-        children.push_back(folder + '/' + std::string(entry->name));
-    std::ranges::sort(children);
-    return children;
-}
-
 // Asked again at the removal: the application may have been started since the finding was made.
 std::optional<QString> reasonToWait(const Finding &finding, const RunningApps *apps)
 {
@@ -50,6 +36,22 @@ std::optional<QString> reasonToWait(const Finding &finding, const RunningApps *a
     if (!isRunning && finding.rule.safety == Safety::safe)
         return ReclaimError::perhapsRunning(name);
     return std::nullopt;
+}
+
+QString notThereAnyMore()
+{
+    return QCoreApplication::translate("Reclaimer", "Its folder is not where it was any more.");
+}
+
+// Where one of the kept folders really is.
+std::optional<QString> keptBehindALink(const TakenThing &thing, const std::vector<std::string> &places)
+{
+    const bool isKept = std::ranges::any_of(places,
+        [&](const std::string &kept) { return kept == thing.path || kept.starts_with(thing.path + '/'); });
+    if (!isKept)
+        return std::nullopt;
+    return QCoreApplication::translate(
+        "Reclaimer", "One of your own folders is really there, behind a link.");
 }
 
 } // namespace
@@ -91,13 +93,6 @@ QString ReclaimError::failed(const QString &name, const QString &error)
     return u"Could not reclaim %1: %2"_s.arg(name, error);
 }
 
-QString ReclaimError::notBegun(const QString &error)
-{
-    return QCoreApplication::translate(
-        "Reclaimer", "Quillbrook could not note down what goes, so nothing was moved: %1")
-        .arg(error);
-}
-
 QString ReclaimError::stopped()
 {
     return QCoreApplication::translate("Reclaimer", "Stopped before all of it went.");
@@ -130,7 +125,7 @@ Reclaimer::Outcome Reclaimer::reclaim(const Finding &finding, Disposal disposal,
                            .byRule = byRule })
                                    : std::expected<void, QString>();
     if (!begun) {
-        outcome.error = ReclaimError::notBegun(begun.error());
+        outcome.error = BookedMove::notBegun(begun.error());
         return outcome;
     }
     clear(*found, outcome, steps);
@@ -207,14 +202,19 @@ bool Reclaimer::isReallyBelowHome(const std::string &path) const
     return path.starts_with(home + '/') || (realHome.size() > 1 && path.starts_with(realHome + '/'));
 }
 
+std::vector<std::string> Reclaimer::keptTargets() const
+{
+    const bool isKnown = services.guards != nullptr && services.guards->keptTargets;
+    return isKnown ? services.guards->keptTargets() : std::vector<std::string>();
+}
+
 // Of a folder what lies in it, hidden things among it: none where it can't be read, and none behind a link,
 // which it may have become since it was found.
 std::expected<Reclaimer::Targets, QString> Reclaimer::targets(const Finding &finding) const
 {
     const auto path = finding.path.toStdString();
     Targets targets;
-    if (services.guards != nullptr && services.guards->keptTargets)
-        targets.kept = services.guards->keptTargets();
+    targets.kept = keptTargets();
     if (!finding.rule.emptyContentsOnly) {
         targets.paths = { path };
         return targets;
@@ -241,14 +241,8 @@ TakingJudge Reclaimer::judge(const Targets &targets) const
     return [this, &targets](const TakenThing &thing) -> std::optional<QString> {
         const auto folder = thing.path.substr(0, thing.path.find_last_of('/'));
         if (targets.place ? folder != *targets.place : !isReallyBelowHome(thing.path))
-            return QCoreApplication::translate("Reclaimer", "Its folder is not where it was any more.");
-        const bool isKept = std::ranges::any_of(targets.kept, [&](const std::string &kept) {
-            return kept == thing.path || kept.starts_with(thing.path + '/');
-        });
-        if (isKept)
-            return QCoreApplication::translate(
-                "Reclaimer", "One of your own folders is really there, behind a link.");
-        return std::nullopt;
+            return notThereAnyMore();
+        return keptBehindALink(thing, targets.kept);
     };
 }
 
@@ -264,24 +258,31 @@ std::expected<void, QString> Reclaimer::dispose(
 std::expected<void, QString> Reclaimer::moveToTrash(
     const std::string &target, const Targets &targets, Outcome &outcome) const
 {
-    auto item = TrashedItem::moved({ .label = outcome.finding.rule.title + u" \u00B7 "_s + nameOf(target),
-        .originalPath = target,
-        .movedAt = services.clock.now() });
-    const auto announce = [&](const TrashedThing &planned) -> std::expected<void, QString> {
-        item.trashPath = planned.path;
-        item.identity = planned.identity;
-        return journal != nullptr ? journal->plan(item) : std::expected<void, QString>();
-    };
-    const auto moved = services.trash.move(target, { .judge = judge(targets), .announce = announce });
-    if (!moved) {
-        if (journal != nullptr)
-            journal->fail(item.id);
+    auto moved = BookedMove::entry(services, journal,
+        { .label = outcome.finding.rule.title + u" \u00B7 "_s + nameOf(target), .originalPath = target },
+        judge(targets));
+    if (!moved)
         return std::unexpected(moved.error());
-    }
-    item.trashPath = moved->path;
-    item.identity = moved->identity;
-    outcome.trashed.push_back(std::move(item));
+    outcome.trashed.push_back(*std::move(moved));
     return {};
+}
+
+// An item may lie anywhere in the folder, and the folder may have changed its place, but not for a link.
+std::expected<TrashedItem, QString> Reclaimer::moveItem(const StorageItem &item, const Finding &finding) const
+{
+    if (const auto sentence = refusal(finding, Disposal::toTrash))
+        return std::unexpected(*sentence);
+    const auto path = finding.path.toStdString();
+    const auto folder = folderEntries(path);
+    const auto place = folder->open(path) ? folder->place() : std::nullopt;
+    if (!place || !isReallyBelowHome(*place))
+        return std::unexpected(notThereAnyMore());
+    const TakingJudge judge = [&](const TakenThing &thing) -> std::optional<QString> {
+        return thing.path.starts_with(*place + '/') ? keptBehindALink(thing, keptTargets())
+                                                    : notThereAnyMore();
+    };
+    return BookedMove::alone(
+        services, journal, { .label = item.name, .originalPath = item.rawPath, .bytes = item.bytes }, judge);
 }
 
 } // namespace Quillbrook

@@ -5,6 +5,7 @@
 // to no ledger and keeps no state; blocks on the disk; callable from any thread.
 
 #include "Catalogue/Finding.h"
+#include "Catalogue/StorageItem.h"
 #include "Removal/RemovalServices.h"
 #include "Removal/TrashedItem.h"
 
@@ -30,7 +31,6 @@ namespace ReclaimError {
 [[nodiscard]] QString running(const QString &name);
 [[nodiscard]] QString perhapsRunning(const QString &name);
 [[nodiscard]] QString failed(const QString &name, const QString &error);
-[[nodiscard]] QString notBegun(const QString &error);
 [[nodiscard]] QString stopped();
 
 } // namespace ReclaimError
@@ -84,8 +84,8 @@ struct Reclaimer
     /// what is report-only, what is not below the home folder, or what is a link. What can't be removed stays
     /// and is told, and the rest goes; nothing that can't go to the Trash is deleted instead. A folder that
     /// can't be read is an empty one, and emptying it no failure. Nor is anything touched whose application
-    /// runs by now, or can't be told not to when the finding is a safe one. What goes is taken from the folder that was
-    /// found to be below the home folder, even where its path leads elsewhere by then.
+    /// runs by now, or can't be told not to when the finding is a safe one. What goes is taken from the
+    /// folder that was found to be below the home folder, even where its path leads elsewhere by then.
     ///
     /// What lies in the Trash already goes for good only, each thing with its note of where it came from.
     [[nodiscard]] Outcome reclaim(const Finding &finding, Disposal disposal) const
@@ -96,6 +96,11 @@ struct Reclaimer
     /// The same for each, in order; one failure does not stop the others.
     [[nodiscard]] std::vector<Outcome> reclaimAll(const QList<Finding> &findings, Disposal disposal) const;
 
+    /// Moves one of the things in a finding's folder to the Trash, past the same tests as the finding itself.
+    /// The row has the item's own bytes.
+    [[nodiscard]] std::expected<TrashedItem, QString> moveItem(
+        const StorageItem &item, const Finding &finding) const;
+
 private:
     [[nodiscard]] std::optional<QString> refusal(const Finding &finding, Disposal disposal) const;
     [[nodiscard]] bool isBelowHome(const QString &path) const;
@@ -104,6 +109,7 @@ private:
     [[nodiscard]] std::expected<Targets, QString> targets(const Finding &finding) const;
     void clear(const Targets &targets, Outcome &outcome, const Steps &steps) const;
     [[nodiscard]] bool isReallyBelowHome(const std::string &path) const;
+    [[nodiscard]] std::vector<std::string> keptTargets() const;
     [[nodiscard]] TakingJudge judge(const Targets &targets) const;
     [[nodiscard]] std::expected<void, QString> dispose(
         const std::string &target, const Targets &targets, Outcome &outcome) const;

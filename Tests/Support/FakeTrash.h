@@ -78,6 +78,7 @@ public:
         const auto found = origins.find(from);
         return things.contains(from) && (found == origins.end() || found->second == was.originalPath);
     }
+    void flush(const std::string &) const override { }
     void dropLoneNote(const std::string &path, const std::string &) override
     {
         asked.push_back("drop " + path);

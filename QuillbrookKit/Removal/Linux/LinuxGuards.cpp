@@ -5,6 +5,7 @@
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 #include "Platform/Linux/Folders/MountTable.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
+#include "Removal/Linux/KeptElsewhere.h"
 #include "Removal/PathGuards.h"
 #include "StandardisedPath.h"
 
@@ -157,11 +158,59 @@ Named insidePackage(const GuardedPath &path)
     return found != components.end() ? Named(*found) : restWithinOneOf(packageFolders)(path);
 }
 
+// The folder at the top of a drive in which everyone has a trash, and the trashes of others there.
+bool isTrashOfOthers(const GuardedPath &path, const Places &host)
+{
+    const auto name = path.lastComponent();
+    const auto folder = path.path.substr(0, path.path.size() - name.size());
+    constexpr std::string_view shared = "/.Trash/";
+    const bool isTrash = name == ".Trash" || name.starts_with(".Trash-");
+    const auto top = isTrash       ? folder
+        : folder.ends_with(shared) ? folder.substr(0, folder.size() - shared.size() + 1)
+                                   : std::string();
+    if (top.empty() || !host.isMountPoint)
+        return false;
+    return host.isMountPoint(top == "/" ? top : top.substr(0, top.size() - 1));
+}
+
 Named trashItself(const GuardedPath &path, const Places &host)
 {
     const auto position = host.trashes.position(path.path);
     const bool isPart = position && std::ranges::find(trashParts, position->inner) != trashParts.end();
-    return when(isPart || path.holds(host.trashes.homeTrash));
+    return when(isPart || path.holds(host.trashes.homeTrash) || (!position && isTrashOfOthers(path, host)));
+}
+
+bool holdsHome(const GuardedPath &path, const Places &host)
+{
+    const auto isHeld = [&](const std::string &home) { return path.holds(home); };
+    return std::ranges::any_of(host.homes, isHeld)
+        || (host.otherMountsOfHome && std::ranges::any_of(host.otherMountsOfHome(), isHeld));
+}
+
+// What the tables above keep, by where it is expected.
+std::vector<KeptPlace> keptPlaces(const Places &host)
+{
+    std::vector<KeptPlace> places;
+    for (const auto &home : host.homes)
+        for (const auto names : { Names(PathGuards::homeSkeleton), Names(homeFolders), Names(appFolders),
+                 Names(keys), Names(wallets), Names(encryptedFolders), Names(sharedFolders),
+                 Names(containers), Names(packageFolders), Names(&dockerFolder, 1), Names(&dockerKeys, 1) })
+            for (const auto name : names)
+                places.push_back({ .name = std::string(name), .path = home + '/' + std::string(name) });
+    for (const auto *folders : { &host.userFolders, &host.ownFolders })
+        for (const auto &folder : *folders)
+            places.push_back({ .name = folder.substr(folder.rfind('/') + 1), .path = folder });
+    places.push_back({ .name = "Trash", .path = host.trashes.homeTrash });
+    return places;
+}
+
+Named keptBehindALink(const GuardedPath &path, const std::vector<KeptLink> &links)
+{
+    const auto found = std::ranges::find_if(links, [&](const KeptLink &link) {
+        const auto target = GuardedPath::composed(link.target);
+        return path.path == target || path.holds(target);
+    });
+    return found != links.end() ? Named(found->name) : std::nullopt;
 }
 
 bool isProgramItself(const GuardedPath &path, const Places &host)
@@ -226,7 +275,11 @@ Places places(const HomeFolder &home, const FileReading &reading)
     Places host{ .userName = userName(),
         .homes = { homePath, ResolvedPath::withoutLinks(homePath + "/.") },
         .trashes = TrashPlaces::ofThisUser(home),
-        .isMountPoint = isMountPoint };
+        .isMountPoint = isMountPoint,
+        .otherMountsOfHome = [home = ResolvedPath::withoutLinks(homePath + "/.")] {
+            const auto mounts = MountTable::read();
+            return mounts ? otherMountsOf(home, *mounts) : std::vector<std::string>();
+        } };
     for (const auto &folder : userFolders(reading, homePath, home.realHomeDirectory()))
         host.userFolders.push_back(GuardedPath::composed(folder));
     host.programFiles.push_back(QCoreApplication::applicationFilePath().toStdString());
@@ -241,6 +294,7 @@ Places places(const HomeFolder &home, const FileReading &reading)
 HostGuards guards(const Places &places)
 {
     const auto host = std::make_shared<const Places>(places);
+    const auto links = keptLinks(keptPlaces(*host));
     const auto notInHome = [](std::string_view root) {
         return [root](const GuardedPath &path) { return when(path.fearsSystemRoots && path.isWithin(root)); };
     };
@@ -251,7 +305,7 @@ HostGuards guards(const Places &places)
                 .sentence = u"That holds the home folders of everyone on this computer."_s,
             },
             {
-                .names = [host](const GuardedPath &path) { return when(std::ranges::any_of(host->homes, [&](const auto &home) { return path.holds(home); })); },
+                .names = [host](const GuardedPath &path) { return when(holdsHome(path, *host)); },
                 .sentence = u"That holds your home folder."_s,
             },
             {
@@ -354,10 +408,20 @@ HostGuards guards(const Places &places)
                 .names = [host](const GuardedPath &path) { return when(isProgramItself(path, *host)); },
                 .sentence = u"That is Quillbrook itself."_s,
             },
+            {
+                .names = [links](const GuardedPath &path) { return keptBehindALink(path, links()); },
+                .sentence = QCoreApplication::translate("LinuxGuards", "{named} is a link, and this is where it leads, or holds that. Quillbrook can clear things inside it, but will not remove the folder itself."),
+            },
         },
         .sparesHomeFromSystemRoots = true,
         .withoutLinks = [host](const std::string &path) { return throughHome(ResolvedPath::withoutLinks(path), host->homes); },
         .inHome = [host](const std::string &path) { return throughHome(path, host->homes); },
+        .keptTargets = [links] {
+            std::vector<std::string> targets;
+            for (const auto &link : links())
+                targets.push_back(link.target);
+            return targets;
+        },
     };
 }
 

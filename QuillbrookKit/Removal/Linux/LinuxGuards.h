@@ -31,6 +31,8 @@ struct Places
     std::vector<std::string> ownFolders{};
     /// Whether something is mounted at exactly this path, asked at each judgement.
     std::function<bool(const std::string &path)> isMountPoint{};
+    /// By which paths besides its own the home folder can be reached, asked at each judgement.
+    std::function<std::vector<std::string>()> otherMountsOfHome{};
 };
 
 /// Those of this process.

@@ -385,6 +385,7 @@ int main(int arguments, char **texts)
     const QTemporaryDir folder;
     const Home home(folder.path().toStdString() + "/base", which == "all" ? small : large);
     const auto kills = which == "all" ? killEverywhere(home) : killAtRandom(home);
+    fs::remove_all(home.base());
     std::printf("%ld kills\n", kills);
     return 0;
 }

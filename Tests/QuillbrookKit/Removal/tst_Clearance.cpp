@@ -4,6 +4,7 @@
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Platform/Linux/Files/LinuxFileWriting.h"
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "Removal/BookedMove.h"
 #include "Removal/Books.h"
 #include "Removal/Clearance.h"
 #include "Removal/RemovalJournal.h"
@@ -173,7 +174,7 @@ private Q_SLOTS:
         machine.f.home.folder("data/journal.jsonl");
         const auto outcomes = machine.clear();
         for (const auto &outcome : outcomes)
-            QVERIFY(outcome.error && outcome.error->startsWith(ReclaimError::notBegun({})));
+            QVERIFY(outcome.error && outcome.error->startsWith(BookedMove::notBegun({})));
         QVERIFY(TrashFixture::names(machine.f.places.homeTrash + "/files").empty());
         QVERIFY(TrashFixture::isThere(machine.f.home.path("caches/one/b")));
     }
@@ -202,6 +203,32 @@ private Q_SLOTS:
         QCOMPARE(machine.total, 7 + added);
         QCOMPARE(machine.ledger->items().size(), static_cast<size_t>(added / 10));
         QCOMPARE(machine.ledger->pendingBytes(), added);
+    }
+
+    // Its own row, its own line in the journal, and the tests of its finding.
+    void memberOfAFindingPassesTheTestsOfThatFinding()
+    {
+        Machine machine;
+        machine.f.home.file("elsewhere/x");
+        machine.f.home.link("caches/one/out", "../../elsewhere");
+        const Reclaimer reclaimer{ .services = { .trash = machine.f.trash,
+                                       .removal = machine.removal,
+                                       .files = machine.files,
+                                       .clock = machine.f.clock },
+            .homeDirectory = QString::fromStdString(machine.f.home.path("caches")),
+            .journal = machine.journal.get() };
+        const auto item = [&](const std::string &path) {
+            return StorageItem{ .name = u"It"_s, .bytes = 5, .rawPath = machine.f.home.path(path) };
+        };
+        auto finding = machine.finding("one", 30);
+        QCOMPARE(reclaimer.moveItem(item("caches/one/b"), finding)->bytes, 5);
+        QCOMPARE(machine.journal->units().size(), size_t{ 1 });
+        QVERIFY(!reclaimer.moveItem(item("caches/one/out/x"), finding));
+        QVERIFY(!reclaimer.moveItem(item("caches/two/d"), finding));
+        finding.rule.safety = Safety::reportOnly;
+        QVERIFY(!reclaimer.moveItem(item("caches/one/c"), finding));
+        QVERIFY(TrashFixture::isThere(machine.f.home.path("elsewhere/x")));
+        QVERIFY(TrashFixture::isThere(machine.f.home.path("caches/one/c")));
     }
 
     // What is moved to another place under its name in the middle of a clearance stays.

@@ -73,6 +73,42 @@ QByteArray valueOf(const QByteArray &line, QByteArrayView key)
                                                              : QByteArray();
 }
 
+// Whether a word of a command names a place, and whether the home folder lies in it.
+bool namesPlace(const QString &word)
+{
+    return word.startsWith(u'/') || word.startsWith(u'~') || word.startsWith(u"%h"_s)
+        || word.startsWith(u"$HOME"_s) || word.startsWith(u"${HOME}"_s);
+}
+
+bool covers(QString word, const QString &home)
+{
+    while (word.size() > 1 && word.endsWith(u'/'))
+        word.chop(1);
+    const QStringList names{ u"/"_s, u"~"_s, u"%h"_s, u"$HOME"_s, u"${HOME}"_s, home };
+    return names.contains(word) || home.startsWith(word + u'/');
+}
+
+// A program that is told what to take has to take the home folder; of one that is told nothing its settings
+// decide. What merely copies is told always.
+bool backsUp(const QString &command, const QString &home)
+{
+    // A script between quotes is words too, and signs before the program say how it is started.
+    static const QRegularExpression separators(u"[\\s'\"`;|&()@:+!=]+"_s);
+    const auto words = command.split(separators, Qt::SkipEmptyParts);
+    if (std::ranges::none_of(words, isBackupProgram))
+        return false;
+    bool isTold = std::ranges::any_of(
+        words, [](const QString &word) { return isBackupProgram(word) && word.endsWith(u"rsync"_s); });
+    for (const auto &word : words.sliced(1)) {
+        if (!namesPlace(word) || isBackupProgram(word))
+            continue;
+        if (covers(word, home))
+            return true;
+        isTold = true;
+    }
+    return !isTold;
+}
+
 } // namespace
 
 bool isTextWithContent(QByteArrayView value)
@@ -145,13 +181,10 @@ Timeshift timeshift(QByteArrayView json, const std::string &home)
     return { .homeSnapshots = isHomeIn ? number(settings, "snapshot_count") : 0 };
 }
 
-bool startsBackup(const QByteArray &unit)
+bool startsBackup(const QByteArray &unit, const std::string &home)
 {
-    // A script between quotes is words too, and signs before the program say how it is started.
-    static const QRegularExpression separators(u"[\\s'\"`;|&()@:+!]+"_s);
-    return std::ranges::any_of(unit.split('\n'), [](const QByteArray &line) {
-        const auto command = QString::fromUtf8(valueOf(line, "ExecStart"));
-        return std::ranges::any_of(command.split(separators), isBackupProgram);
+    return std::ranges::any_of(unit.split('\n'), [&](const QByteArray &line) {
+        return backsUp(QString::fromUtf8(valueOf(line, "ExecStart")), QString::fromStdString(home));
     });
 }
 

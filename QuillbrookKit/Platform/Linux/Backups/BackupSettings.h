@@ -39,8 +39,9 @@ struct Timeshift
 /// What Timeshift does for the folder `home` (raw bytes). As it comes it leaves home folders out.
 [[nodiscard]] Timeshift timeshift(QByteArrayView json, const std::string &home);
 
-/// Whether a systemd service, in the text of its unit, starts a program that backs up.
-[[nodiscard]] bool startsBackup(const QByteArray &unit);
+/// Whether a systemd service, in the text of its unit, starts a program that backs up the folder `home`: one
+/// that is told to take other places alone does not.
+[[nodiscard]] bool startsBackup(const QByteArray &unit, const std::string &home);
 /// "NAME.service" for "NAME.timer", and "NAME@.service" for "NAME@INSTANCE.timer"; empty for what is no
 /// timer.
 [[nodiscard]] std::string serviceOf(std::string_view timer);

@@ -164,7 +164,8 @@ private:
     [[nodiscard]] bool startsBackup(const std::string &units, const std::string &timer) const
     {
         const auto service = BackupSettings::serviceOf(timer);
-        return !service.empty() && BackupSettings::startsBackup(contents(units + '/' + service));
+        return !service.empty()
+            && BackupSettings::startsBackup(contents(units + '/' + service), m_services.home);
     }
 
     [[nodiscard]] int snapper(const std::string &subvolume) const

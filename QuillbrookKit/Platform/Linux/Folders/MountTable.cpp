@@ -12,6 +12,8 @@ namespace {
 
 constexpr size_t idField = 0;
 constexpr size_t parentField = 1;
+constexpr size_t deviceField = 2;
+constexpr size_t rootField = 3;
 constexpr size_t mountPointField = 4;
 constexpr size_t fieldsNeeded = 5;
 // A machine of many containers has some thousand mounts, with a line each.
@@ -60,7 +62,11 @@ std::optional<Mount> parseLine(std::string_view line)
     const auto parentId = number(fields[parentField]);
     if (!id || !parentId || !fields[mountPointField].starts_with('/'))
         return std::nullopt;
-    return Mount{ .id = *id, .parentId = *parentId, .mountPoint = unescaped(fields[mountPointField]) };
+    return Mount{ .id = *id,
+        .parentId = *parentId,
+        .device = std::string(fields[deviceField]),
+        .root = unescaped(fields[rootField]),
+        .mountPoint = unescaped(fields[mountPointField]) };
 }
 
 } // namespace

@@ -10,12 +10,15 @@
 
 namespace Quillbrook {
 
-/// One mount. `parentId` is the mount that its mount point lies in; `mountPoint` is an absolute path without
-/// links in raw bytes.
+/// One mount. `parentId` is the mount that its mount point lies in; `device` names its file system for as
+/// long as that is mounted, and `root` is the folder of that, absolute there, that stands at `mountPoint`, an
+/// absolute path without links. Raw bytes.
 struct Mount
 {
     std::uint64_t id = 0;
     std::uint64_t parentId = 0;
+    std::string device{};
+    std::string root{};
     std::string mountPoint{};
 
     bool operator==(const Mount &) const = default;

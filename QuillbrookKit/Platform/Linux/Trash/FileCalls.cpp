@@ -92,6 +92,11 @@ std::optional<std::string> FileCalls::pathOf(int folder) const
     return ResolvedPath::ofFolder(folder);
 }
 
+int FileCalls::syncVolume(int folder) const
+{
+    return ::syncfs(folder);
+}
+
 bool FileCalls::keepsInodes(int folder) const
 {
     constexpr std::array<unsigned, 3> without{ MSDOS_SUPER_MAGIC, EXFAT_SUPER_MAGIC, FUSE_SUPER_MAGIC };

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] virtual off_t seek(int folder, off_t position) const;
     /// The path by which the kernel knows an open folder, without links.
     [[nodiscard]] virtual std::optional<std::string> pathOf(int folder) const;
+    /// syncfs.
+    [[nodiscard]] virtual int syncVolume(int folder) const;
     /// Whether an inode's number is the same after the next start of the machine. `folder` may be a place.
     [[nodiscard]] virtual bool keepsInodes(int folder) const;
     [[nodiscard]] virtual std::optional<std::vector<Mount>> mounts() const;

@@ -96,6 +96,13 @@ std::expected<TrashedThing, QString> LinuxTrash::move(const std::string &path, c
     return journey.arrived;
 }
 
+void LinuxTrash::flush(const std::string &path) const
+{
+    const FileDescriptor folder(m_calls.openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_DIRECTORY));
+    if (folder.isOpen())
+        std::ignore = m_calls.syncVolume(folder.number());
+}
+
 bool LinuxTrash::holds(const std::string &path) const
 {
     return m_places.position(standardisedPath(path, {}))

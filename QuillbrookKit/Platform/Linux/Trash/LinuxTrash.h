@@ -36,6 +36,7 @@ public:
         const std::string &trashPath, const Provenance *from) override;
     [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
     void dropLoneNote(const std::string &trashPath, const std::string &note) override;
+    void flush(const std::string &path) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override;
 

@@ -1,7 +1,8 @@
-// A hundred thousand made-up paths, spelt in every odd way, over a real home folder full of links: whatever
-// the system would find at one of them that has to be kept, the guards refuse. What has to be kept is told
-// here by what lies there (device and number of the file, and of every folder above it), never by how the
-// path is spelt, so that the two judge independently.
+// Two hundred thousand made-up paths, spelt in every odd way, over a real home folder full of links, where
+// some of what is kept is a link itself and folders become links and folders again on the way: whatever the
+// system would find at one of them that has to be kept, the guards refuse. What has to be kept is told here
+// by what lies there (device and number of the file, and of every folder above it), never by how the path is
+// spelt, so that the two judge independently.
 
 #include "Platform/Linux/Files/FileDescriptor.h"
 #include "Removal/Linux/LinuxGuards.h"
@@ -12,6 +13,7 @@
 #include <QTest>
 
 #include <fcntl.h>
+#include <filesystem>
 #include <random>
 #include <set>
 #include <sys/stat.h>
@@ -21,7 +23,9 @@ using PathRemoval::refusal;
 
 namespace {
 
+// Of each of two spellings of the home folder.
 constexpr int paths = 100'000;
+constexpr int exchangeEvery = 500;
 constexpr std::uint32_t seed = 20240615;
 
 using Identity = std::pair<dev_t, ino_t>;
@@ -99,6 +103,12 @@ const std::vector<std::pair<std::string, std::string>> links{ { "free/home", "..
     { "free/etc", "/etc" }, { "free/root", "/" }, { "Music/cache", "../.cache" },
     { ".cache/pip/out", "../../Dropbox" }, { "free/a/self", "self" }, { "free/a/keys2", "../keys" },
     { "free/usr", "/usr" } };
+// Kept by where they lead, and what leads there.
+const std::vector<std::pair<std::string, std::string>> keptLinks{ { "Documents", "data/docs" },
+    { "Videos", "free/a/films" }, { ".pki", "../anna/dotfiles/pki" } };
+// Exchanged for a link to what is kept, and back.
+const std::vector<std::pair<std::string, std::string>> exchanged{ { "free/a/b", "../../.ssh" },
+    { ".cache/pip", "../free/a" }, { "free/wine", "../data" } };
 
 struct MadeUpDisk
 {
@@ -117,6 +127,11 @@ struct MadeUpDisk
                 tree.folder("homes/anna/" + name + "/x/y");
         for (const auto &[name, target] : links)
             tree.link("homes/anna/" + name, target);
+        for (const auto &[name, target] : keptLinks) {
+            tree.folder("homes/anna/" + target + "/x/y");
+            tree.link("homes/anna/" + name, target);
+            kept.withAllAboveIt(home + '/' + target + "/");
+        }
         kept.withAllAboveIt(home);
         for (const auto &name : keptAlone)
             kept.alone(home + '/' + name);
@@ -126,6 +141,20 @@ struct MadeUpDisk
                  "/proc", "/sys", "/run", "/root", "/srv", "/opt" })
             kept.withAllInIt(root);
         kept.alone("/tmp");
+    }
+
+    // What a folder gives its name up to, and takes it from again.
+    void exchange(size_t which) const
+    {
+        const auto &[name, target] = exchanged[which];
+        const auto path = home + '/' + name;
+        if (std::filesystem::is_symlink(path)) {
+            std::filesystem::remove(path);
+            std::filesystem::rename(path + ".real", path);
+        } else {
+            std::filesystem::rename(path, path + ".real");
+            std::filesystem::create_symlink(target, path);
+        }
     }
 
     [[nodiscard]] LinuxGuards::Places places() const
@@ -150,6 +179,8 @@ public:
             m_names.insert(m_names.end(), list->begin(), list->end());
         for (const auto &link : links)
             m_links.push_back(link.first.substr(link.first.rfind('/') + 1));
+        for (const auto &[name, target] : keptLinks)
+            m_names.insert(m_names.end(), { name, target, target.substr(0, target.find('/')) });
         for (const auto *name :
             { "x", "y", "..", "..", "..", ".", "", "...", "homes", "anna", "linked", "etc", "usr", "passwd",
                 "home", "files", "info", "\xff", "a\tb", "MUSIC", "Te\u0301le\u0301chargements", "~" })
@@ -210,6 +241,8 @@ private Q_SLOTS:
         int keptOnes = 0;
         int letGoOnes = 0;
         for (int i = 0; i < paths; ++i) {
+            if (i % exchangeEvery == 0)
+                disk.exchange(static_cast<size_t>(i / exchangeEvery) % exchanged.size());
             const auto path = maker.next();
             const auto line = lineage(path);
             const auto sentence = refusal(path, home, &guards);

@@ -158,8 +158,8 @@ private Q_SLOTS:
         row("~/.gvfs/x",
             u"That lives on another computer or belongs to another app. It takes no space here."_s);
         rows({ "~/.local/share/Trash", "~/.local/share/Trash/files", "~/.local/share/Trash/info/",
-                 "~/.local/share/Trash/expunged", "~/.local/share/Trash/directorysizes",
-                 "/.Trash-1000/files" },
+                 "~/.local/share/Trash/expunged", "~/.local/share/Trash/directorysizes", "/.Trash-1000/files",
+                 "/data/.Trash", "/data/.Trash-1001", "/data/.Trash/1001" },
             u"That is the Trash itself. Empty it instead, and the space comes back."_s);
         rows({ "~/.local/share/Trash/files/a", "~/.local/share/Trash/files/a/b", "~/.local/share/Trash/other",
                  "/.Trash-1000/files/a", "/.Trash/1000/files/a" },
@@ -202,17 +202,18 @@ private Q_SLOTS:
     void lets_data()
     {
         QTest::addColumn<QByteArray>("path");
-        for (const auto *path : { "~/.cache/pip", "~/.config/Code/Cache", "~/.local/share/Steam",
-                 "~/.var/app/org.x", "~/snap/x", "~/Videos/a", "~/videos", "~/Bilder/x", "~/deep/Bilder",
-                 "~/Daten/x", "~/.sshx", "~/.ssh2/x", "~/deep/.ssh", "~/.caches", "~/.docker/desktops",
-                 "~/.docker/config.json2", "~/.config/ghx", "~/Dropbox2", "~/deep/Dropbox", "~/dropbox",
-                 "~/Monero2", "~/.gvfs2", "~/.local/share/Trash2/files/a", "~/.local/share/flatpaks",
-                 "~/.local/share/dockers", "~/m.vd", "~/m.qcow2.txt", "~/.vdi", "~/drive_c2/x", "~/pfxs",
-                 "~/x.appdirs", "~/deep/Zotero", "~/Zotero2", "~/safe.kdbx.bak",
-                 "~/Apps/Quillbrook/bin/other", "~/Apps/Other", "~/.local/share/Quillbrook2", "/tmp/x",
-                 "/tmps", "/media/anna/USB/x", "/media/USB/x/y", "/mnt/X/y", "/run/media/anna/USB/x",
-                 "/data/x", "/data/Musik/x", "/data/.Trash-1001/files/a", "/data/copy/.Trash-1000/files/a",
-                 "/boots", "/lib65/x", "/nixos/x", "/options", "/snapshots/x", "/swapfile2", "/homes/x" })
+        for (const auto *path :
+            { "~/.cache/pip", "~/.config/Code/Cache", "~/.local/share/Steam", "~/.var/app/org.x", "~/snap/x",
+                "~/Videos/a", "~/videos", "~/Bilder/x", "~/deep/Bilder", "~/Daten/x", "~/.sshx", "~/.ssh2/x",
+                "~/deep/.ssh", "~/.caches", "~/.docker/desktops", "~/.docker/config.json2", "~/.config/ghx",
+                "~/Dropbox2", "~/deep/Dropbox", "~/dropbox", "~/Monero2", "~/.gvfs2",
+                "~/.local/share/Trash2/files/a", "~/.local/share/flatpaks", "~/.local/share/dockers",
+                "~/m.vd", "~/m.qcow2.txt", "~/.vdi", "~/drive_c2/x", "~/pfxs", "~/x.appdirs", "~/deep/Zotero",
+                "~/Zotero2", "~/safe.kdbx.bak", "~/Apps/Quillbrook/bin/other", "~/Apps/Other",
+                "~/.local/share/Quillbrook2", "/tmp/x", "/tmps", "/media/anna/USB/x", "/media/USB/x/y",
+                "/mnt/X/y", "/run/media/anna/USB/x", "/data/x", "/data/Musik/x", "/data/.Trash-1001/files/a",
+                "/data/copy/.Trash", "/data/copy/.Trash-1000/files/a", "/boots", "/lib65/x", "/nixos/x",
+                "/options", "/snapshots/x", "/swapfile2", "/homes/x" })
             QTest::newRow(path) << QByteArray(path);
     }
 

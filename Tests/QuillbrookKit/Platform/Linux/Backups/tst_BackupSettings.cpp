@@ -195,6 +195,12 @@ private Q_SLOTS:
         QTest::newRow("with a sign before") << start("-/usr/bin/duplicity /home/me file:///mnt") << true;
         QTest::newRow("in a script") << start("/bin/sh -c 'cd ~ && rsync -a . nas:me; exit 0'") << true;
         QTest::newRow("the second command") << start("/bin/true") + "ExecStart = kopia snapshot\n" << true;
+        QTest::newRow("all homes") << start("/usr/bin/nice rsync -a /home/ nas:homes") << true;
+        QTest::newRow("the whole disk") << start("restic backup --exclude=/proc /") << true;
+        QTest::newRow("a copy of something else") << start("/usr/bin/rsync -a /srv/www/ mirror:www") << false;
+        QTest::newRow("a copy of nothing that is told") << start("rsync -a . nas:me") << false;
+        QTest::newRow("something else") << start("/usr/bin/restic backup /srv") << false;
+        QTest::newRow("another's home") << start("/usr/bin/restic backup /home/meg") << false;
         QTest::newRow("a script of its own") << start("/home/me/bin/backup.sh") << false;
         QTest::newRow("a longer name") << start("/usr/bin/restic-exporter") << false;
         QTest::newRow("a folder of that name") << start("/opt/borg/bin/x") << false;
@@ -205,7 +211,7 @@ private Q_SLOTS:
     void services()
     {
         QFETCH(QByteArray, unit);
-        QTEST(BackupSettings::startsBackup(unit), "starts");
+        QTEST(BackupSettings::startsBackup(unit, "/home/me"), "starts");
     }
 
     void serviceOfATimer_data()

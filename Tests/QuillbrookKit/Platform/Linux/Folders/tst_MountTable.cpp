@@ -50,10 +50,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, mountPoint);
         const auto mounts = MountTable::parse(line.toStdString());
         QCOMPARE(mounts.size(), size_t(understood ? 1 : 0));
-        const std::vector<Mount> expected{
-            { .id = id, .parentId = parent, .mountPoint = mountPoint.toStdString() }
-        };
-        QVERIFY(!understood || mounts == expected);
+        if (!understood)
+            return;
+        const auto fields = line.split(' ');
+        const std::vector<Mount> expected{ { .id = id,
+            .parentId = parent,
+            .device = fields[2].toStdString(),
+            .root = fields[3].toStdString(),
+            .mountPoint = mountPoint.toStdString() } };
+        QVERIFY(mounts == expected);
     }
 
     void severalLinesKeepTheirOrder()
@@ -63,7 +68,8 @@ private Q_SLOTS:
                                               "\n"
                                               "2 1 0:2 / /a rw - t s rw\n"
                                               "3 2 0:3 / /a rw - t s rw");
-        const std::vector<Mount> expected{ { 1, 0, "/" }, { 2, 1, "/a" }, { 3, 2, "/a" } };
+        const std::vector<Mount> expected{ { 1, 0, "0:1", "/", "/" }, { 2, 1, "0:2", "/", "/a" },
+            { 3, 2, "0:3", "/", "/a" } };
         QVERIFY(mounts == expected);
     }
 
