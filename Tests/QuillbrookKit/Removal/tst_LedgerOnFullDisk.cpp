@@ -115,6 +115,24 @@ private Q_SLOTS:
         QCOMPARE(reserve.replenished, 1);
     }
 
+    // What is added to the journal is added whole, with the reserve where there is one, or not at all.
+    void whatIsAddedIsWholeOrNothing()
+    {
+        Machine machine;
+        LinuxFileWriting without;
+        const auto journal = machine.disk.path("Quillbrook/journal.jsonl");
+        const QByteArray line(20'000, 'x');
+        QVERIFY(without.append(journal, "first\n"));
+        FakeSpaceReserve reserve;
+        machine.disk.keep(reserve, 65'536);
+        machine.disk.fill();
+        QVERIFY(!without.append(journal, line));
+        QCOMPARE(machine.reading.contents(journal, 1 << 20), QByteArray("first\n"));
+        LinuxFileWriting writing(&reserve);
+        QVERIFY(writing.append(journal, line));
+        QCOMPARE(machine.reading.contents(journal, 1 << 20), "first\n" + line);
+    }
+
     void aReserveThatIsGoneIsNotWaitedFor()
     {
         Machine machine;

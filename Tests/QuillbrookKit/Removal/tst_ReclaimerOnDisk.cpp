@@ -349,39 +349,6 @@ private Q_SLOTS:
         QVERIFY(machine.ledger().items().empty());
     }
 
-    void nothingThatIsThereNowIsReplacedByWhatComesBack()
-    {
-        Machine machine;
-        machine.home.fileWith(".cache/a", "old");
-        auto ledger = machine.ledger();
-        ledger.record(machine.reclaimer().reclaim(machine.finding(".cache"), Disposal::toTrash).trashed);
-        machine.home.fileWith(".cache/a", "new");
-        QTest::ignoreMessage(QtWarningMsg, "Quillbrook: restore failed — Something else is there by now.");
-        QVERIFY(!ledger.restore(ledger.items().front()));
-        QCOMPARE(TrashFixture::content(machine.home.path(".cache/a")), "new");
-        QCOMPARE(ledger.pendingCount(), 1);
-    }
-
-    void whatTheUserThrewAwayUnderAFreedNameIsNotPurged()
-    {
-        Machine machine;
-        machine.home.file(".cache/data");
-        machine.home.fileWith("Documents/data", "kept");
-        auto ledger = machine.ledger();
-        ledger.record(machine.reclaimer().reclaim(machine.finding(".cache"), Disposal::toTrash).trashed);
-        const auto place = ledger.items().front().trashPath;
-        QVERIFY(machine.trash.erase(place));
-        const auto others = machine.trash.move(machine.home.path("Documents/data"));
-        QCOMPARE(others, place);
-        QTest::ignoreMessage(QtWarningMsg,
-            qUtf8Printable(
-                u"Quillbrook: could not purge %1 \u2014 Something else lies in the Trash under its "
-                "name by now."_s.arg(QString::fromStdString(place))));
-        QCOMPARE(ledger.purge(), TrashLedger::Purged());
-        QVERIFY(machine.trash.restore(place, machine.home.path("Documents/data")));
-        QCOMPARE(TrashFixture::content(machine.home.path("Documents/data")), "kept");
-    }
-
     void whatTheUserTookBackAndThrewAwayAgainIsNotPurged()
     {
         Machine machine;
