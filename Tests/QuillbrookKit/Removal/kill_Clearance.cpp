@@ -47,7 +47,7 @@ struct Size
 };
 
 constexpr Size small{ .findings = 10, .entries = 3 };
-constexpr Size large{ .findings = 12, .entries = 25 };
+constexpr Size large{ .findings = 4, .entries = 15 };
 constexpr int randomKills = 1000;
 constexpr qint64 bytesOfAnEntry = 1000;
 constexpr qint64 totalBefore = 70'000;

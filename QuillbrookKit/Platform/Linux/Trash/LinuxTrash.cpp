@@ -189,6 +189,11 @@ int LinuxTrash::moveInto(const TrashFolder &trash, Journey &journey) const
 // Under this one name: announced, noted, moved.
 int LinuxTrash::take(const TrashFolder &trash, Journey &journey, const std::string &name) const
 {
+    const FolderPlace note{ .folder = trash.info.number(), .name = TrashNote::nameFor(name) };
+    struct statx taken = {};
+    // Only names that seem to be free are announced: a trash may hold many things of one name.
+    if (m_calls.statAt(note.folder, note.name.c_str(), 0, taken) == 0)
+        return EEXIST;
     journey.arrived.path = trash.path + "/files/" + name;
     const auto announced
         = journey.order.announce ? journey.order.announce(journey.arrived) : std::expected<void, QString>();
@@ -196,7 +201,6 @@ int LinuxTrash::take(const TrashFolder &trash, Journey &journey, const std::stri
         journey.refusal = announced.error();
         return ECANCELED;
     }
-    const FolderPlace note{ .folder = trash.info.number(), .name = TrashNote::nameFor(name) };
     if (const auto error = writeNote(note, journey.arrived.identity->note); error != 0)
         return error;
     const auto &held = journey.thing.held;
