@@ -21,6 +21,8 @@ public:
     /// Told of each call before it is made, by its name and by that of the file; an errno lets it fail.
     std::function<int(std::string_view call, const char *name)> before{};
     mutable int calls = 0;
+    /// Folders of that name seem to be volumes within their volume.
+    std::string volume{};
     /// Nothing tells on which mount it lies, as on kernels that know no ids of mounts.
     bool hidesMounts = false;
     /// Things are known by their notes alone, as on file systems that keep no inodes.
@@ -40,6 +42,8 @@ public:
     [[nodiscard]] int statAt(int folder, const char *name, int flags, struct statx &status) const override
     {
         const int result = fails("statx", name) ? -1 : FileCalls::statAt(folder, name, flags, status);
+        if (result == 0 && !volume.empty() && nameOf(folder, name) == volume)
+            ++status.stx_dev_minor;
         if (hidesMounts) {
             status.stx_mask &= ~STATX_MNT_ID;
             status.stx_mnt_id = 0;
@@ -98,6 +102,11 @@ public:
     }
 
 private:
+    [[nodiscard]] std::string nameOf(int folder, const std::string &name) const
+    {
+        const auto path = name.empty() ? FileCalls::pathOf(folder).value_or(std::string()) : name;
+        return path.substr(path.rfind('/') + 1);
+    }
     [[nodiscard]] bool fails(std::string_view call, const char *name) const
     {
         ++calls;

@@ -94,7 +94,7 @@ Erasure TreeEraser::erase(const char *name)
         recordFailure(errno, nullptr);
         return m_result;
     }
-    m_mount = MountedDevice::of(status).mount;
+    m_place = MountedDevice::of(status);
     const auto error = unlink(nullptr, name, 0);
     if (error == EISDIR)
         enter(name);
@@ -185,7 +185,7 @@ void TreeEraser::enter(const char *name)
         parent->hasDeleted = true;
     if (error == 0 || (error == ENOENT && parent != nullptr))
         return;
-    recordFailure(error == EXDEV ? EBUSY : error, parent != nullptr ? name : nullptr);
+    recordFailure(error, parent != nullptr ? name : nullptr);
     if (parent != nullptr)
         parent->stays = true;
 }
@@ -238,30 +238,35 @@ void TreeEraser::pop()
     m_levels.pop_back();
 }
 
-// -1 with errno.
+// -1 with errno: EBUSY for what is mounted, EXDEV for a volume within the volume, which no mount shows.
 int TreeEraser::openFolder(const char *name, int flags)
+{
+    FileDescriptor folder(openOnMount(name, flags));
+    struct statx status = {};
+    if (!folder.isOpen() || m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, status) != 0)
+        return -1;
+    const auto place = MountedDevice::of(status);
+    if (place == m_place)
+        return folder.release();
+    errno = place.mount != m_place.mount ? EBUSY : EXDEV;
+    return -1;
+}
+
+int TreeEraser::openOnMount(const char *name, int flags)
 {
     for (int race = 0; m_canRefuseMounts && race < mostRaces; ++race) {
         const auto folder = m_calls.openBelow(folderNow(), name, folderFlags | flags);
         if (folder >= 0)
             return folder;
+        if (errno == EXDEV)
+            errno = EBUSY;
         // Old kernels and some sandboxes lack that call, and it gives up when something is renamed meanwhile.
         if (errno == ENOSYS || errno == EPERM)
             m_canRefuseMounts = false;
         else if (errno != EAGAIN)
             return -1;
     }
-    FileDescriptor folder(m_calls.openAt(folderNow(), name, folderFlags | flags));
-    if (!folder.isOpen())
-        return -1;
-    struct statx status = {};
-    if (m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, status) != 0)
-        return -1;
-    if (MountedDevice::of(status).mount != m_mount) {
-        errno = EXDEV;
-        return -1;
-    }
-    return folder.release();
+    return m_calls.openAt(folderNow(), name, folderFlags | flags);
 }
 
 // Gives the owner the rights to look into it, and to look into the folder that it is in, where they are

@@ -6,6 +6,7 @@
 // kept: neither the depth of a tree nor the width of a folder matters. Serves one deletion on one thread.
 
 #include "Platform/Linux/Files/FileDescriptor.h"
+#include "Platform/Linux/Folders/MountedDevice.h"
 #include "Platform/Linux/Trash/FileCalls.h"
 
 #include <cstdint>
@@ -55,6 +56,7 @@ private:
     void pop();
 
     [[nodiscard]] int openFolder(const char *name, int flags);
+    [[nodiscard]] int openOnMount(const char *name, int flags);
     [[nodiscard]] FileDescriptor openGranting(const char *name, std::optional<mode_t> &modeBefore);
     [[nodiscard]] int unlink(Level *parent, const char *name, int flags);
     [[nodiscard]] bool grantRights(Level &level);
@@ -70,7 +72,7 @@ private:
 
     const FileCalls &m_calls;
     const int m_start;
-    std::uint64_t m_mount = 0;
+    MountedDevice m_place;
     std::vector<Level> m_levels;
     size_t m_closedLevels = 0;
     std::vector<std::unique_ptr<Buffer>> m_spareBuffers;

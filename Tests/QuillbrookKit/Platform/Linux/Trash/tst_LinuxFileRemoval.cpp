@@ -271,6 +271,21 @@ private Q_SLOTS:
         QCOMPARE(TrashFixture::names(tree.path("folder")), std::vector<std::string>{ "stays" });
     }
 
+    // As a subvolume, which is mounted nowhere.
+    void volumeWithinTheVolumeIsLeftAlone()
+    {
+        TrashFixture f;
+        f.home.file("folder/deep/volume/kept");
+        f.home.file("folder/goes");
+        f.calls.volume = "volume";
+        LinuxFileRemoval removal(f.calls);
+        QCOMPARE(errorOf(removal.remove(f.home.path("folder"))),
+            u"\"deep/volume\" could not be deleted. It is on another volume."_s);
+        QVERIFY(TrashFixture::isThere(f.home.path("folder/deep/volume/kept")));
+        QVERIFY(!TrashFixture::isThere(f.home.path("folder/goes")));
+        QVERIFY(!f.trash.move(f.home.path("folder/deep/volume")));
+    }
+
     void refuses_data()
     {
         QTest::addColumn<QByteArray>("path");
