@@ -1,5 +1,6 @@
 #include "Removal/Clearance.h"
 
+#include "Platform/Trash.h"
 #include "Removal/RemovalJournal.h"
 
 namespace Quillbrook {
@@ -17,6 +18,7 @@ std::vector<Reclaimer::Outcome> Clearance::clear(const Order &order, const Watch
         .homeDirectory = m_homeDirectory,
         .journal = order.disposal == Reclaimer::Disposal::toTrash ? &m_journal : nullptr,
         .byRule = order.byRule };
+    const auto held = order.disposal == Reclaimer::Disposal::toTrash ? m_services.trash.hold() : nullptr;
     m_journal.startBatch(order.reclaimedSoFar);
     std::vector<Reclaimer::Outcome> outcomes;
     Progress progress{ .findings = order.findings.size() };

@@ -96,6 +96,23 @@ std::expected<TrashedThing, QString> LinuxTrash::move(const std::string &path, c
     return journey.arrived;
 }
 
+std::shared_ptr<void> LinuxTrash::hold()
+{
+    const std::scoped_lock lock(m_mutex);
+    auto open = m_open.lock();
+    if (!open) {
+        open = std::make_shared<OpenTrash>();
+        m_open = open;
+    }
+    return open;
+}
+
+std::shared_ptr<OpenTrash> LinuxTrash::open() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_open.lock();
+}
+
 void LinuxTrash::flush(const std::string &path) const
 {
     const FileDescriptor folder(m_calls.openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_DIRECTORY));
@@ -128,7 +145,11 @@ std::expected<LinuxTrash::Thing, int> LinuxTrash::thingAt(const std::string &pat
     const auto &status = held->status;
     const bool isMountRoot
         = (status.stx_attributes & status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
-    const bool isMount = isMountRoot || MountedDevice::of(status).mount != device.mount;
+    // A volume within the volume is a folder with a device of its own; files have such ones on some layered
+    // file systems.
+    const auto place = MountedDevice::of(status);
+    const bool isMount
+        = isMountRoot || place.mount != device.mount || (held->isFolder() && place.device != device.device);
     const auto resolved = held->path();
     return Thing{ .held = *std::move(held),
         .device = device,
@@ -141,13 +162,14 @@ std::optional<QString> LinuxTrash::objection(const Thing &thing) const
 {
     if (m_places.position(thing.path))
         return u"It is in the Trash already."_s;
-    const auto homeTrash = ResolvedPath::withoutLinks(m_places.homeTrash);
-    if (isWithin(homeTrash, thing.path) || isWithin(m_places.homeTrash, thing.path))
+    if (isWithin(m_places.homeTrash, thing.path))
         return u"The Trash itself lies in it."_s;
     if (thing.isMount)
         return u"It is a drive, or something else that is mounted."_s;
     if (!thing.held.isFolder())
         return std::nullopt;
+    if (isWithin(ResolvedPath::withoutLinks(m_places.homeTrash), thing.path))
+        return u"The Trash itself lies in it."_s;
     const auto mounts = m_calls.mounts();
     if (!mounts)
         return u"The system does not tell whether a drive is mounted in it."_s;
@@ -158,8 +180,20 @@ std::optional<QString> LinuxTrash::objection(const Thing &thing) const
 
 int LinuxTrash::moveToTrash(Journey &journey) const
 {
-    const auto trash = m_folders.forDevice(journey.thing.device);
-    return trash ? moveInto(*trash, journey) : trash.error();
+    const auto device = journey.thing.device;
+    const auto kept = open();
+    if (auto trash = kept ? kept->take(device) : std::nullopt; trash && m_folders.isInPlace(*trash)) {
+        const auto error = moveInto(*trash, journey);
+        kept->giveBack(device, *std::move(trash));
+        return error;
+    }
+    auto trash = m_folders.forDevice(device);
+    if (!trash)
+        return trash.error();
+    const auto error = moveInto(*trash, journey);
+    if (kept)
+        kept->giveBack(device, *std::move(trash));
+    return error;
 }
 
 int LinuxTrash::moveInto(const TrashFolder &trash, Journey &journey) const

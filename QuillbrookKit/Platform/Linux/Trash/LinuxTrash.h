@@ -11,6 +11,8 @@
 #include "Platform/Trash.h"
 
 #include <functional>
+#include <memory>
+#include <mutex>
 
 namespace Quillbrook {
 
@@ -36,6 +38,7 @@ public:
         const std::string &trashPath, const Provenance *from) override;
     [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
     void dropLoneNote(const std::string &trashPath, const std::string &note) override;
+    [[nodiscard]] std::shared_ptr<void> hold() override;
     void flush(const std::string &path) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override;
@@ -50,6 +53,7 @@ private:
 
     [[nodiscard]] std::expected<Thing, int> thingAt(const std::string &path) const;
     [[nodiscard]] std::optional<QString> objection(const Thing &thing) const;
+    [[nodiscard]] std::shared_ptr<OpenTrash> open() const;
     [[nodiscard]] int moveToTrash(Journey &journey) const;
     [[nodiscard]] int moveInto(const TrashFolder &trash, Journey &journey) const;
     [[nodiscard]] int take(const TrashFolder &trash, Journey &journey, const std::string &name) const;
@@ -77,6 +81,8 @@ private:
     const Clock &m_clock;
     const FileCalls &m_calls;
     const TrashFolders m_folders;
+    mutable std::mutex m_mutex;
+    std::weak_ptr<OpenTrash> m_open;
 };
 
 } // namespace Quillbrook

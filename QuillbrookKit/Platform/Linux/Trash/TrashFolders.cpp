@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <utility>
 
 namespace Quillbrook {
 
@@ -22,6 +23,19 @@ std::string below(const std::string &folder, const std::string &name)
 
 } // namespace
 
+std::optional<TrashFolder> OpenTrash::take(MountedDevice device)
+{
+    const std::scoped_lock lock(m_mutex);
+    return device == m_device ? std::exchange(m_trash, std::nullopt) : std::nullopt;
+}
+
+void OpenTrash::giveBack(MountedDevice device, TrashFolder trash)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_device = device;
+    m_trash = std::move(trash);
+}
+
 TrashFolders::Result TrashFolders::forDevice(MountedDevice device) const
 {
     auto atHome = homeTrash(device);
@@ -37,7 +51,29 @@ TrashFolders::Result TrashFolders::existing(const std::string &trash) const
     const FileDescriptor parent(m_calls.openAt(AT_FDCWD, split->folder.c_str(), placeFlags));
     if (!parent.isOpen())
         return std::unexpected(errno);
-    return opened(parent.number(), split->name, trash, false);
+    auto found = opened(parent.number(), split->name, trash, false);
+    struct statx status = {};
+    if (!found || m_calls.statAt(found->self.number(), "", AT_EMPTY_PATH, status) != 0)
+        return found;
+    const auto device = MountedDevice::of(status);
+    if (!isOn(found->files, device) || !isOn(found->info, device))
+        return std::unexpected(EXDEV);
+    return found;
+}
+
+bool TrashFolders::isInPlace(const TrashFolder &trash) const
+{
+    return isFolderInPlace(trash.files, trash.path + "/files")
+        && isFolderInPlace(trash.info, trash.path + "/info");
+}
+
+bool TrashFolders::isFolderInPlace(const FileDescriptor &folder, const std::string &path) const
+{
+    struct statx opened = {};
+    struct statx named = {};
+    return m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, opened) == 0
+        && m_calls.statAt(AT_FDCWD, path.c_str(), 0, named) == 0 && opened.stx_ino == named.stx_ino
+        && MountedDevice::of(opened) == MountedDevice::of(named) && named.stx_uid == m_places.user;
 }
 
 std::expected<FileDescriptor, int> TrashFolders::ownFolder(
@@ -65,7 +101,7 @@ TrashFolders::Result TrashFolders::homeTrash(MountedDevice device) const
     if (!parent)
         return std::unexpected(parent.error());
     auto trash = opened(parent->number(), split->name, m_places.homeTrash, true);
-    if (trash && !isOn(trash->files, device))
+    if (trash && (!isOn(trash->files, device) || !isOn(trash->info, device)))
         return std::unexpected(EXDEV);
     return trash;
 }

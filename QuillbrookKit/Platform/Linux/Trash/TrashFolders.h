@@ -9,6 +9,8 @@
 #include "Platform/Linux/Trash/TrashPlaces.h"
 
 #include <expected>
+#include <mutex>
+#include <optional>
 
 namespace Quillbrook {
 
@@ -21,6 +23,21 @@ struct TrashFolder
     FileDescriptor self{};
     FileDescriptor files{};
     FileDescriptor info{};
+};
+
+/// A trash that stays open for the next move. Callable from any thread; what is taken is nobody else's until
+/// it is given back.
+class OpenTrash
+{
+public:
+    /// Absent where none is kept for what lies on that device.
+    [[nodiscard]] std::optional<TrashFolder> take(MountedDevice device);
+    void giveBack(MountedDevice device, TrashFolder trash);
+
+private:
+    std::mutex m_mutex;
+    MountedDevice m_device;
+    std::optional<TrashFolder> m_trash;
 };
 
 class TrashFolders
@@ -38,7 +55,9 @@ public:
     /// The trash for what lies on `device`, made if need be: the home trash, or else that of the volume.
     /// ENOTSUP where there can be none.
     [[nodiscard]] Result forDevice(MountedDevice device) const;
-    /// The trash at this path, as it is.
+    /// Whether the open trash is still the one at its path, and the user's own.
+    [[nodiscard]] bool isInPlace(const TrashFolder &trash) const;
+    /// The trash at this path, as it is. Where something is mounted in it, it is none: EXDEV.
     [[nodiscard]] Result existing(const std::string &trash) const;
     /// A folder in an open one, with what the user may do there; made where it is missing and `isMade` says
     /// so. ENOTSUP where it is not the user's.
@@ -52,6 +71,7 @@ private:
     [[nodiscard]] Result opened(
         int parent, const std::string &name, const std::string &path, bool isMade) const;
     [[nodiscard]] std::expected<FileDescriptor, int> homeTrashParent(MountedDevice device) const;
+    [[nodiscard]] bool isFolderInPlace(const FileDescriptor &folder, const std::string &path) const;
     [[nodiscard]] bool isOn(const FileDescriptor &folder, MountedDevice device) const;
 
     const TrashPlaces &m_places;

@@ -327,6 +327,21 @@ private Q_SLOTS:
         QCOMPARE(f.names(f.places.homeTrash + "/info").size(), size_t(count));
     }
 
+    void heldTrashThatIsTakenAwayIsMadeAnew()
+    {
+        TrashFixture f;
+        const auto held = f.trash.hold();
+        for (const auto *name : { "a", "b", "c" }) {
+            f.home.file(name);
+            QVERIFY(f.trash.move(f.home.path(name)));
+            if (std::string_view(name) == "b")
+                std::filesystem::rename(f.places.homeTrash, f.home.path("old"));
+        }
+        QCOMPARE(f.names(f.home.path("old/files")), (std::vector<std::string>{ "a", "b" }));
+        QCOMPARE(f.names(f.places.homeTrash + "/files"), std::vector<std::string>{ "c" });
+        QCOMPARE(f.names(f.places.homeTrash + "/info"), std::vector<std::string>{ "c.trashinfo" });
+    }
+
     void twoThreadsNeverTakeOneName()
     {
         TrashFixture f;

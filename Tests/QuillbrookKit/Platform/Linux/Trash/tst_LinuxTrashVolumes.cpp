@@ -218,6 +218,27 @@ private Q_SLOTS:
         QVERIFY(f.names(f.home.path("top/Trash/info")).empty());
     }
 
+    // What lies in such a trash is not what was moved there.
+    void trashWithAMountInItIsNone()
+    {
+        TrashFixture f;
+        f.home.file("a");
+        const auto moved = f.trash.move(f.home.path("a"), {});
+        QVERIFY(moved);
+        const Provenance from{
+            .originalPath = f.home.path("a"), .movedAt = f.clock.moment, .identity = moved->identity
+        };
+        QVERIFY(f.trash.isStill(moved->path, from));
+        {
+            const Mounted mounted("none", f.places.homeTrash + "/info", "tmpfs");
+            QCOMPARE(mounted.failure(), QString());
+            QVERIFY(!f.trash.isStill(moved->path, from));
+            QVERIFY(!f.trash.erase(moved->path, &from));
+            QVERIFY(!f.trash.restore(moved->path, f.home.path("a"), &from));
+        }
+        QVERIFY(f.isThere(moved->path));
+    }
+
     void mountIsNotMoved()
     {
         VolumeFixture f;
