@@ -30,6 +30,8 @@ struct ThingIdentity
     std::uint64_t inode = 0;
     qint64 born = 0;
     std::string note{};
+    /// The mode of a folder that its owner may not write to, since a move lends it that right for a moment.
+    std::optional<unsigned> mode{};
 
     bool operator==(const ThingIdentity &) const = default;
 };

@@ -35,6 +35,7 @@ public:
         const auto share = unit.bytes / unit.planned;
         QSet<QString> counted;
         for (const auto &move : unit.moves) {
+            m_books.trash.takeBackRight(move.trashPath, move.provenance());
             const bool isThere = m_books.trash.isStill(move.trashPath, move.provenance());
             if (!isThere)
                 m_books.trash.dropLoneNote(move.trashPath, move.identity.value_or(ThingIdentity()).note);

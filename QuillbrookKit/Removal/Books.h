@@ -39,8 +39,8 @@ struct Books
     void enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const;
 
     /// At the start: what the journal names, and nothing else in the Trash, becomes rows, and what is missing
-    /// in `reclaimedSoFar` is counted. Notes that it names and that have no thing are dropped. Whatever is
-    /// interrupted is done by the next call.
+    /// in `reclaimedSoFar` is counted. Notes that it names and that have no thing are dropped, and rights
+    /// that a move had lent are taken back. Whatever is interrupted is done by the next call.
     void takeUp(qint64 reclaimedSoFar, const Count &count) const;
 
     /// What lies in the Trash still, in the order in which it went.

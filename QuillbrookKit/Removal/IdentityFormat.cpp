@@ -12,6 +12,8 @@ Json encodeOne(const ThingIdentity &identity)
         json["born"] = identity.born;
     }
     json["note"] = identity.note;
+    if (identity.mode)
+        json["mode"] = *identity.mode;
     return json;
 }
 
@@ -20,11 +22,16 @@ std::optional<ThingIdentity> decodeOne(const Json &json)
     const auto *inode = member(json, "inode");
     const auto *born = member(json, "born");
     const auto note = text(json, "note");
+    const auto mode = wholeNumber(json, "mode");
+    constexpr qint64 modeBits = 07777;
+    const auto lent = mode && *mode >= 0 && *mode <= modeBits ? std::optional(static_cast<unsigned>(*mode))
+                                                              : std::nullopt;
     if (inode != nullptr && born != nullptr && inode->is_number_unsigned() && born->is_number_integer())
         return ThingIdentity{ .inode = inode->get<std::uint64_t>(),
             .born = born->get<qint64>(),
-            .note = note.value_or(std::string()) };
-    return note ? std::optional(ThingIdentity{ .note = *note }) : std::nullopt;
+            .note = note.value_or(std::string()),
+            .mode = lent };
+    return note ? std::optional(ThingIdentity{ .note = *note, .mode = lent }) : std::nullopt;
 }
 
 QByteArray encode(const std::vector<TrashedItem> &items)

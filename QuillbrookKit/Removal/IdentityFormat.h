@@ -1,7 +1,8 @@
 #pragma once
 
 // By what the rows of the ledger know their things, as a file beside it: one JSON object, from a row's id to
-// { "inode", "born", "note" }, without the first two where the file system does not keep both. "born" is in
+// { "inode", "born", "note", "mode" }, without the first two where the file system does not keep both, and
+// with the last one, a whole number, for folders that their owner may not write to alone. "born" is in
 // nanoseconds since 1970-01-01 00:00:00 UTC. The ledger's own file stays as it is told there.
 
 #include "JsonValues.h"

@@ -5,7 +5,7 @@
 //     {"batch": TOTAL}             a clearance begins; TOTAL is what had been reclaimed so far, in bytes
 //     {"begin": {"title", "bytes", "planned", "byRule"}}
 //                                  a finding begins, of so many bytes and planned entries
-//     {"move": ROW, "inode", "born", "note"}
+//     {"move": ROW, "inode", "born", "note", "mode"}
 //                                  an entry of it is about to go to ROW's "trashPath", with that note; a
 //                                  further line with the same "id" names another place, the first being taken
 //     {"failed": ID}               the entry with that id did not go, so that the finding failed in part;

@@ -79,6 +79,7 @@ public:
         return things.contains(from) && (found == origins.end() || found->second == was.originalPath);
     }
     void flush(const std::string &) const override { }
+    void takeBackRight(const std::string &, const Provenance &) override { }
     void dropLoneNote(const std::string &path, const std::string &) override
     {
         asked.push_back("drop " + path);

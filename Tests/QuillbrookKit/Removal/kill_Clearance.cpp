@@ -2,7 +2,9 @@
 // compares disk, Trash, ledger, journal and total. Ten findings of three entries are killed at every call,
 // until they come to their end; with "random", larger ones are killed at a thousand calls picked by chance.
 //
-//     kill_Clearance all | random
+//     kill_Clearance all | random | purge
+//
+// With "purge" two findings are cleared, and it is what is deleted for good that is killed at every call.
 
 #include "Platform/Clock.h"
 #include "Platform/Linux/Files/LinuxFileFacts.h"
@@ -15,7 +17,9 @@
 #include "Removal/RemovalJournal.h"
 #include "Removal/TrashLedger.h"
 #include "Support/FakeSpaceReserve.h"
+#include "Support/RootGivenUp.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -47,11 +51,13 @@ struct Size
 };
 
 constexpr Size small{ .findings = 10, .entries = 3 };
+constexpr Size smallest{ .findings = 2, .entries = 3 };
 constexpr Size large{ .findings = 4, .entries = 15 };
 constexpr int randomKills = 1000;
 constexpr qint64 bytesOfAnEntry = 1000;
 constexpr qint64 totalBefore = 70'000;
 constexpr std::string_view foreign = "foreign";
+constexpr auto closedToWriting = fs::perms::owner_read | fs::perms::owner_exec;
 
 [[noreturn]] void fail(const std::string &what)
 {
@@ -93,7 +99,7 @@ public:
 
     void make() const
     {
-        fs::remove_all(m_base);
+        remove();
         for (int i = 0; i < m_size.findings; ++i) {
             fs::create_directories(folder(i));
             for (int j = 0; j < m_size.entries; ++j)
@@ -105,6 +111,18 @@ public:
         write(trashFolder() + "/info/" + std::string(foreign) + ".trashinfo",
             "[Trash Info]\nPath=/elsewhere\nDeletionDate=2024-01-01T00:00:00\n");
         write(totalFile(), std::to_string(totalBefore));
+    }
+
+    void remove() const
+    {
+        std::vector folders{ trashFolder() + "/files", trashFolder() + "/expunged" };
+        for (int i = 0; i < m_size.findings; ++i)
+            folders.push_back(folder(i));
+        for (const auto &folder : folders)
+            for (const auto &name : names(folder))
+                if (fs::is_directory(fs::symlink_status(folder + '/' + name)))
+                    fs::permissions(folder + '/' + name, fs::perms::owner_all);
+        fs::remove_all(m_base);
     }
 
     [[nodiscard]] QList<Finding> findings() const
@@ -143,6 +161,8 @@ private:
         if (entry % 3 == 0) {
             fs::create_directory(path);
             write(path + "/inner", text);
+            // A move lends its owner the right to write to it.
+            fs::permissions(path, closedToWriting);
         } else {
             write(path, text);
         }
@@ -174,6 +194,9 @@ public:
         books().enter(outcomes, false, [this](qint64 bytes) { count(bytes); });
     }
 
+    void purge() { std::ignore = m_ledger.purge(); }
+    void prune() { m_ledger.prune(); }
+
     void takeUp()
     {
         books().takeUp(total(), [this](qint64 bytes) { count(bytes); });
@@ -203,12 +226,13 @@ private:
     TrashLedger m_ledger;
 };
 
-// Runs `Start::clear` up to the entry of its system call `kill`, counted from 1. Whether it was killed.
+// Runs what a program does up to the entry of its system call `kill`, counted from 1. Whether it was killed.
 class TracedRun
 {
 public:
-    explicit TracedRun(const Home &home)
+    explicit TracedRun(const Home &home, void (Start::*job)() = &Start::clear)
         : m_home(home)
+        , m_job(job)
     {
     }
 
@@ -221,7 +245,8 @@ public:
             ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
             std::raise(SIGSTOP);
             stopAtEveryCall();
-            Start(m_home).clear();
+            Start start(m_home);
+            (start.*m_job)();
             ::_exit(0);
         }
         wait();
@@ -266,6 +291,7 @@ private:
     }
 
     const Home &m_home;
+    void (Start::*m_job)();
     pid_t m_child = -1;
     int m_status = 0;
 };
@@ -277,16 +303,25 @@ struct Whereabouts
     std::map<std::string, std::string> inTrash{};
 };
 
-Whereabouts whereabouts(const Home &home)
+Whereabouts whereabouts(const Home &home, const std::string &when)
 {
     Whereabouts found;
+    const auto checkRights = [&](const std::string &path) {
+        const auto status = fs::symlink_status(path);
+        if (fs::is_directory(status) && status.permissions() != closedToWriting)
+            fail(when + ": a right that was lent is not taken back");
+    };
     for (int i = 0; i < home.size().findings; ++i)
-        for (const auto &name : names(home.folder(i)))
+        for (const auto &name : names(home.folder(i))) {
+            checkRights(home.folder(i) + '/' + name);
             found.atHome.insert(Home::mark(home.folder(i) + '/' + name));
+        }
     for (const auto &name : names(home.trashFolder() + "/files"))
-        if (name != foreign)
-            found.inTrash.emplace(
-                Home::mark(home.trashFolder() + "/files/" + name), home.trashFolder() + "/files/" + name);
+        if (name != foreign) {
+            const auto path = home.trashFolder() + "/files/" + name;
+            checkRights(path);
+            found.inTrash.emplace(Home::mark(path), path);
+        }
     return found;
 }
 
@@ -294,7 +329,7 @@ void compare(const Home &home, const std::string &when)
 {
     Start start(home);
     start.takeUp();
-    const auto found = whereabouts(home);
+    const auto found = whereabouts(home, when);
     const auto entries = static_cast<size_t>(home.size().findings) * static_cast<size_t>(home.size().entries);
     if (found.atHome.size() + found.inTrash.size() != entries)
         fail(when + ": an entry is gone, or is there twice");
@@ -349,6 +384,42 @@ long killEverywhere(const Home &home)
     return kills - 1;
 }
 
+// A row names a whole thing or none, what is in no row is gone or out of the Trash, and nothing else was
+// touched. The next purge takes the rest.
+void comparePurged(const Home &home, const std::string &when)
+{
+    const auto files = home.trashFolder() + "/files";
+    Start start(home);
+    start.takeUp();
+    start.prune();
+    std::set<std::string> rows;
+    for (const auto &item : start.ledger().items())
+        if (!start.trash().isStill(item.trashPath, item.provenance()) || !rows.insert(item.trashPath).second)
+            fail(when + ": a row names what is not its thing");
+    for (const auto &name : names(files))
+        if (const auto path = files + '/' + name;
+            name != foreign && (!rows.contains(path) || Home::mark(path).empty()))
+            fail(when + ": what lies in the Trash is not whole, or in no row");
+    start.purge();
+    if (names(files) != std::vector{ std::string(foreign) }
+        || content(files + '/' + std::string(foreign)) != "not ours")
+        fail(when + ": the next purge did not take the rest alone");
+    if (!start.ledger().items().empty())
+        fail(when + ": rows are left");
+}
+
+long killPurges(const Home &home)
+{
+    long kills = 0;
+    for (bool isKilled = true; isKilled;) {
+        home.make();
+        Start(home).clear();
+        isKilled = TracedRun(home, &Start::purge).killedAt(++kills);
+        comparePurged(home, "purge killed at call " + std::to_string(kills));
+    }
+    return kills - 1;
+}
+
 long killAtRandom(const Home &home)
 {
     home.make();
@@ -371,10 +442,12 @@ long killAtRandom(const Home &home)
 int main(int arguments, char **texts)
 {
     const std::string_view which = arguments == 2 ? texts[1] : "";
-    if (which != "all" && which != "random") {
-        std::fputs("kill_Clearance all | random\n", stderr);
+    if (which != "all" && which != "random" && which != "purge") {
+        std::fputs("kill_Clearance all | random | purge\n", stderr);
         return 2;
     }
+    // To whom nothing is closed, no right is lent.
+    giveUpRoot();
     // Child and tracer never run at once, and wake each other sooner on one processor.
     cpu_set_t processor;
     CPU_ZERO(&processor);
@@ -382,10 +455,18 @@ int main(int arguments, char **texts)
     ::sched_setaffinity(0, sizeof(processor), &processor);
     // What the first use of a time costs is done once here, and not in every child.
     std::ignore = QDateTime::currentDateTime().toString();
-    const QTemporaryDir folder;
-    const Home home(folder.path().toStdString() + "/base", which == "all" ? small : large);
-    const auto kills = which == "all" ? killEverywhere(home) : killAtRandom(home);
-    fs::remove_all(home.base());
+    // In memory where there is such a place: thousands of homes are made and deleted.
+    const auto place
+        = QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm") : QDir::tempPath();
+    const QTemporaryDir folder(place + QStringLiteral("/quillbrook-kill-XXXXXX"));
+    if (!folder.isValid())
+        fail("no folder");
+    const auto size = which == "all" ? small : which == "random" ? large : smallest;
+    const Home home(folder.path().toStdString() + "/base", size);
+    const auto kills = which == "all" ? killEverywhere(home)
+        : which == "random"           ? killAtRandom(home)
+                                      : killPurges(home);
+    home.remove();
     std::printf("%ld kills\n", kills);
     return 0;
 }

@@ -205,6 +205,10 @@ int LinuxTrash::moveInto(const TrashFolder &trash, Journey &journey) const
     journey.arrived.identity = ThingIdentity{
         .inode = thing.held.status.stx_ino, .born = born, .note = TrashNote::text(relative, m_clock.now())
     };
+    constexpr unsigned modeBits = 07777;
+    const unsigned mode = thing.held.status.stx_mode;
+    if (thing.held.isFolder() && (mode & S_IWUSR) == 0)
+        journey.arrived.identity->mode = mode & modeBits;
     auto longest = TrashNote::longestName;
     for (std::uint64_t tries = 1; tries <= mostTries; ++tries) {
         const auto number = tries <= triesInOrder ? tries : randomNumber();

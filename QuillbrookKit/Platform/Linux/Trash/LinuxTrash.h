@@ -38,6 +38,7 @@ public:
         const std::string &trashPath, const Provenance *from) override;
     [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
     void dropLoneNote(const std::string &trashPath, const std::string &note) override;
+    void takeBackRight(const std::string &trashPath, const Provenance &from) override;
     [[nodiscard]] std::shared_ptr<void> hold() override;
     void flush(const std::string &path) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;

@@ -290,6 +290,33 @@ bool LinuxTrash::noteAgrees(const Trashed &thing, const Provenance &from) const
         || isOrigin(ResolvedPath::withoutLinks(from.originalPath));
 }
 
+void LinuxTrash::takeBackRight(const std::string &trashPath, const Provenance &from)
+{
+    if (!from.identity || !from.identity->mode)
+        return;
+    const auto &identity = *from.identity;
+    const auto take = [&](const FolderPlace &place) {
+        const FileDescriptor folder(
+            m_calls.openAt(place.folder, place.name.c_str(), placeFlags | O_NOFOLLOW));
+        struct statx status = {};
+        constexpr unsigned modeBits = 07777;
+        const bool isOpen
+            = folder.isOpen() && m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, status) == 0;
+        const bool isSame = isOpen
+            && (identity.born == 0 || (status.stx_ino == identity.inode && bornAt(status) == identity.born));
+        if (isSame && (status.stx_mode & modeBits) == (*identity.mode | S_IWUSR))
+            std::ignore = m_calls.changeMode(folder.number(), *identity.mode);
+    };
+    if (const auto thing = trashed(trashPath); thing && !thing->isLeftover && agrees(*thing, from)) {
+        take({ .folder = thing->trash.files.number(), .name = thing->name });
+        return;
+    }
+    // Where it was it is known by its identity alone.
+    const auto origin = HeldThing::at(m_calls, from.originalPath);
+    if (origin && identity.born != 0)
+        take({ .folder = origin->folder.number(), .name = origin->name });
+}
+
 void LinuxTrash::dropLoneNote(const std::string &trashPath, const std::string &text)
 {
     const auto thing = trashed(trashPath);

@@ -194,6 +194,36 @@ private Q_SLOTS:
         QVERIFY(f.isThere(f.home.path("module/inside/file")));
     }
 
+    void rightThatAKillLeftLentIsTakenBack_data()
+    {
+        QTest::addColumn<bool>("isMoved");
+        QTest::addColumn<unsigned>("mode");
+        QTest::addColumn<unsigned>("after");
+        QTest::newRow("before the move") << false << 0755U << 0555U;
+        QTest::newRow("after the move") << true << 0755U << 0555U;
+        QTest::newRow("changed by somebody since") << true << 0775U << 0775U;
+    }
+
+    void rightThatAKillLeftLentIsTakenBack()
+    {
+        QFETCH(bool, isMoved);
+        QFETCH(unsigned, mode);
+        TrashFixture f;
+        f.home.folder("module");
+        f.home.permissions("module", 0555);
+        const auto moved = f.trash.move(f.home.path("module"), {});
+        QVERIFY(moved);
+        const Provenance from{
+            .originalPath = f.home.path("module"), .movedAt = f.clock.moment, .identity = moved->identity
+        };
+        if (!isMoved)
+            QVERIFY(f.trash.restore(moved->path, f.home.path("module")));
+        const auto path = isMoved ? moved->path : f.home.path("module");
+        std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
+        f.trash.takeBackRight(moved->path, from);
+        QTEST(modeOf(path), "after");
+    }
+
     void readOnlyFolderAroundItIsRespected()
     {
         TrashFixture f;
