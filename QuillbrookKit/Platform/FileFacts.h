@@ -35,12 +35,14 @@ public:
     virtual ~FileFacts() = default;
     /// What lies at `path` itself, a link not followed; absent when nothing does or it can't be asked.
     [[nodiscard]] virtual std::optional<FileKind> kind(const std::string &path) const = 0;
-    /// The number of the inode of what lies at `path` itself; absent when nothing does or it can't be asked.
-    [[nodiscard]] virtual std::optional<std::uint64_t> inode(const std::string &path) const = 0;
     /// The dates of what `path` leads to, links followed; absent when they can't be read.
     [[nodiscard]] virtual std::optional<FileDates> dates(const std::string &path) const = 0;
     /// How many bytes the file at `path` itself is long, a link not followed; absent when it can't be asked.
     [[nodiscard]] virtual std::optional<qint64> length(const std::string &path) const = 0;
 };
+
+/// The number of the inode of what lies at `path` itself (raw bytes); absent when nothing does or it can't be
+/// asked. Needs no service, so that it can be asked where the answer may come after they are gone.
+[[nodiscard]] std::optional<std::uint64_t> inodeAt(const std::string &path);
 
 } // namespace Quillbrook

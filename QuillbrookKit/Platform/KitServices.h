@@ -20,6 +20,7 @@ class HttpClient;
 class ProcessRunner;
 class Processors;
 class RunningApps;
+class SpaceHolders;
 class Trash;
 class UserDefaults;
 class UtilityQueue;
@@ -37,6 +38,7 @@ struct KitServices
     FileReading &reading;
     ProcessRunner &processes;
     RunningApps &runningApps;
+    SpaceHolders &spaceHolders;
     Clock &clock;
     HostKnowledge &host;
     Trash &trash;

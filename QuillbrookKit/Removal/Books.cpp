@@ -39,7 +39,8 @@ public:
             const bool isThere = m_books.trash.isStill(move.trashPath, move.provenance());
             if (!isThere)
                 m_books.trash.dropLoneNote(move.trashPath, move.identity.value_or(ThingIdentity()).note);
-            if (unit.state == JournalUnit::State::failed || counted.contains(move.id))
+            // What a rule moved is known, whatever became of the rest.
+            if ((unit.state == JournalUnit::State::failed && !unit.byRule) || counted.contains(move.id))
                 continue;
             if (isThere && !m_known.contains(move.id))
                 found.rows.push_back(row(move, unit, share));
@@ -67,19 +68,31 @@ private:
 
 } // namespace
 
-void Books::enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const
+qint64 Books::record(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule) const
 {
     std::vector<TrashedItem> rows;
+    std::vector<QString> ofFailed;
     qint64 total = 0;
     for (const auto &outcome : outcomes) {
-        if (outcome.error)
+        if (!outcome.error)
+            total += outcome.bytesMoved;
+        else if (!byRule)
             continue;
-        total += outcome.bytesMoved;
-        for (const auto &item : outcome.trashed)
+        for (const auto &item : outcome.trashed) {
             rows.push_back(byRule ? item.markedByRule() : item);
+            if (outcome.error)
+                ofFailed.push_back(item.id);
+        }
     }
     ledger.record(rows);
-    count(total);
+    for (const auto &id : ofFailed)
+        journal.forget(id);
+    return total;
+}
+
+void Books::enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const
+{
+    count(record(outcomes, byRule));
     journal.close(trash);
 }
 

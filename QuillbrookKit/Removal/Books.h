@@ -1,8 +1,8 @@
 #pragma once
 
 // Keeps ledger and journal together: what has gone is entered in the ledger once a clearance has ended, what
-// a kill has left is taken up at the next start, and what both hold can be seen and put back. Main thread
-// only, while no clearance runs; blocks on the disk.
+// a kill has left is taken up at the next start, and what both hold can be seen and put back. One thread at
+// a time, while no clearance runs; blocks on the disk.
 
 #include "Removal/Reclaimer.h"
 
@@ -34,8 +34,12 @@ struct Books
     /// returns: only then the journal forgets.
     using Count = std::function<void(qint64 bytes)>;
 
-    /// Enters the rows of what went whole in the ledger, in one writing, counts, and closes the journal.
-    /// Those of a rule's removals are marked.
+    /// Enters the rows of what went whole in the ledger, in one writing, and answers with the bytes to count.
+    /// Those of a rule's removals are marked, and there what went of a finding that failed is entered too, so
+    /// that no rule leaves anything in the Trash that nobody knows. The journal is to be closed once they are
+    /// counted.
+    [[nodiscard]] qint64 record(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule) const;
+    /// The same, then counts, and closes the journal.
     void enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const;
 
     /// At the start: what the journal names, and nothing else in the Trash, becomes rows, and what is missing

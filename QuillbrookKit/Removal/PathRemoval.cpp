@@ -91,7 +91,9 @@ std::optional<QString> refusalThere(const TakenThing &thing, const Manner &manne
 
 bool isPicked(const TakenThing &thing, const Item &item)
 {
-    return !item.picked || (item.picked->kind == thing.kind && item.picked->inode == thing.inode);
+    return !item.picked
+        || (item.picked->isDirectory == (thing.kind == FileKind::directory)
+            && item.picked->inode == thing.inode);
 }
 
 QString notMeasured(const Item &item)

@@ -22,7 +22,7 @@ namespace PathRemoval {
 /// What was seen where a thing was picked. A folder may have changed in it since.
 struct Picked
 {
-    FileKind kind = FileKind::other;
+    bool isDirectory = false;
     std::uint64_t inode = 0;
 
     bool operator==(const Picked &) const = default;

@@ -74,12 +74,17 @@ TrashLedger::Purged TrashLedger::purge()
     return purge(m_items);
 }
 
-TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items)
+TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items, const PurgeWatch &watch)
 {
     Purged purged;
     QSet<QString> tried;
-    for (const auto &item : stillInTrash(items)) {
+    const auto due = stillInTrash(items);
+    for (const auto &item : due) {
+        if (watch.stop.stop_requested())
+            break;
         tried.insert(item.id);
+        if (watch.before)
+            watch.before(tried.size(), static_cast<qsizetype>(due.size()), item, purged.bytes);
         const auto from = item.provenance();
         if (const auto erased = m_services.trash.erase(item.trashPath, &from); !erased) {
             log(u"could not purge %1 — %2"_s.arg(QString::fromStdString(item.trashPath), erased.error()));

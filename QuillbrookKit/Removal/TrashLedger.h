@@ -9,7 +9,7 @@
 // in a file of its own beside the ledger's (`IdentityFormat`). A row that is no longer in the Trash, because
 // the user emptied it or put the thing back, counts nowhere and stays in the file until something removes it.
 //
-// Main thread only; every operation blocks on the disk. A file that is missing, can't be read or holds
+// One thread at a time; every operation blocks on the disk. A file that is missing, can't be read or holds
 // anything but rows is an empty ledger, and stays until the next save. What can't be saved is right in memory
 // for as long as the program runs. Neither is told to anyone.
 
@@ -17,6 +17,8 @@
 #include "Removal/TrashedItem.h"
 
 #include <expected>
+#include <functional>
+#include <stop_token>
 #include <vector>
 
 namespace Quillbrook {
@@ -40,6 +42,15 @@ public:
         bool operator==(const Purged &) const = default;
     };
 
+    struct PurgeWatch
+    {
+        /// Told before each thing goes: which, from 1, of how many, and the bytes that went before it.
+        std::function<void(qsizetype number, qsizetype count, const TrashedItem &item, qint64 bytes)>
+            before{};
+        /// Obeyed between two things.
+        std::stop_token stop{};
+    };
+
     /// How long what a rule moved stays in the Trash for the user to take it back.
     static constexpr qint64 ruleGracePeriodSeconds = 86'400;
     /// Below so much free space, a rule's things are due at once.
@@ -61,7 +72,9 @@ public:
     /// whether or not its thing could be deleted: nothing is tried twice. What failed is logged.
     Purged purge();
     /// The same for `items`; the other rows stay.
-    Purged purge(const std::vector<TrashedItem> &items);
+    Purged purge(const std::vector<TrashedItem> &items) { return purge(items, {}); }
+    /// The same. After a stop what was not tried stays as it is.
+    Purged purge(const std::vector<TrashedItem> &items, const PurgeWatch &watch);
     /// Puts a thing back where it was, with the folders it needs, forgets its row and saves. Why it can't go
     /// back, as where something else has its place, is told as a person may read it; the row stays then.
     [[nodiscard]] std::expected<void, QString> putBack(const TrashedItem &item);

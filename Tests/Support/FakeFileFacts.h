@@ -26,11 +26,6 @@ public:
         const auto found = entries.find(path);
         return found == entries.end() ? std::nullopt : std::optional(found->second.kind);
     }
-
-    [[nodiscard]] std::optional<std::uint64_t> inode(const std::string &) const override
-    {
-        return std::nullopt;
-    }
     [[nodiscard]] std::optional<FileDates> dates(const std::string &path) const override
     {
         const auto found = entries.find(path);

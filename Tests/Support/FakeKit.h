@@ -15,6 +15,7 @@
 #include "Support/FakeProcessRunner.h"
 #include "Support/FakeProcessors.h"
 #include "Support/FakeRunningApps.h"
+#include "Support/FakeSpaceHolders.h"
 #include "Support/FakeTrash.h"
 #include "Support/FakeUserDefaults.h"
 #include "Support/FakeUtilityQueue.h"
@@ -66,6 +67,7 @@ struct FakeKit
             .reading = either(instead.reading, stored),
             .processes = either(instead.processes, processes),
             .runningApps = runningApps,
+            .spaceHolders = spaceHolders,
             .clock = clock,
             .host = either(instead.host, host),
             .trash = either(instead.trash, trash),
@@ -86,6 +88,7 @@ struct FakeKit
     FakeFileFacts files;
     FakeProcessRunner processes;
     FakeRunningApps runningApps;
+    FakeSpaceHolders spaceHolders;
     FakeClock clock;
     FakeHostKnowledge host;
     FakeTrash trash;

@@ -103,10 +103,6 @@ public:
     {
         return things.contains(path) ? std::optional(FileKind::other) : std::nullopt;
     }
-    [[nodiscard]] std::optional<std::uint64_t> inode(const std::string &) const override
-    {
-        return std::nullopt;
-    }
     [[nodiscard]] std::optional<FileDates> dates(const std::string &) const override { return std::nullopt; }
     [[nodiscard]] std::optional<qint64> length(const std::string &) const override { return std::nullopt; }
 

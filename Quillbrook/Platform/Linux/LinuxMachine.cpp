@@ -130,6 +130,7 @@ public:
                      .reading = all.disk.reading,
                      .processes = all.processes,
                      .runningApps = all.runningApps,
+                     .spaceHolders = all.disk.spaceHolders,
                      .clock = all.clock,
                      .host = all.host,
                      .trash = all.disk.trash,

@@ -8,6 +8,7 @@
 #include "Platform/Linux/Files/LinuxFileWriting.h"
 #include "Platform/Linux/Files/LinuxSpaceReserve.h"
 #include "Platform/Linux/Folders/LinuxDirectoryReading.h"
+#include "Platform/Linux/Folders/LinuxSpaceHolders.h"
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
 #include "Platform/Linux/Trash/LinuxTrash.h"
 
@@ -31,6 +32,7 @@ struct LinuxDisk
     LinuxSpaceReserve reserve;
     LinuxTrash trash;
     LinuxFileRemoval removal;
+    LinuxSpaceHolders spaceHolders;
     LinuxFileWriting writing{ &reserve };
 };
 

@@ -45,7 +45,7 @@ std::optional<FileKind> LinuxFileFacts::kind(const std::string &path) const
     return S_ISLNK(facts->stx_mode) ? FileKind::symlink : FileKind::other;
 }
 
-std::optional<std::uint64_t> LinuxFileFacts::inode(const std::string &path) const
+std::optional<std::uint64_t> inodeAt(const std::string &path)
 {
     const auto facts = factsOf(path);
     return facts ? std::optional<std::uint64_t>(facts->stx_ino) : std::nullopt;

@@ -10,7 +10,6 @@ class LinuxFileFacts final : public FileFacts
 {
 public:
     [[nodiscard]] std::optional<FileKind> kind(const std::string &path) const override;
-    [[nodiscard]] std::optional<std::uint64_t> inode(const std::string &path) const override;
     [[nodiscard]] std::optional<FileDates> dates(const std::string &path) const override;
     [[nodiscard]] std::optional<qint64> length(const std::string &path) const override;
 };

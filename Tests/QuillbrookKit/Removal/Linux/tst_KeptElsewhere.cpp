@@ -130,7 +130,7 @@ private Q_SLOTS:
         f.home.file("thing");
         LinuxFileFacts files;
         LinuxFileRemoval removal;
-        const auto inode = files.inode(f.home.path("thing"));
+        const auto inode = inodeAt(f.home.path("thing"));
         QVERIFY(inode);
         if (isExchanged) {
             std::filesystem::rename(f.home.path("thing"), f.home.path("old"));
@@ -140,7 +140,8 @@ private Q_SLOTS:
             = PathRemoval::remove({ .trash = f.trash, .removal = removal, .files = files, .clock = f.clock },
                 { .path = f.home.path("thing"),
                     .label = u"thing"_s,
-                    .picked = PathRemoval::Picked{ .kind = kind, .inode = *inode } },
+                    .picked
+                    = PathRemoval::Picked{ .isDirectory = kind == FileKind::directory, .inode = *inode } },
                 { .home = "/home/someone" });
         QTEST(removed.succeeded(), "goes");
         if (removed.error)

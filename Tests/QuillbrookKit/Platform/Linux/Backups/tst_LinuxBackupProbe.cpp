@@ -40,11 +40,6 @@ public:
         return m_files.length(path);
     }
 
-    [[nodiscard]] std::optional<std::uint64_t> inode(const std::string &path) const override
-    {
-        return m_files.inode(path);
-    }
-
     bool hasTools = false;
 
 private:
