@@ -146,8 +146,20 @@ bool AppDelegate::openWindow(const QByteArray &token)
 
 void AppDelegate::quit()
 {
+    if (!m_services.model.removals().isBusy())
+        return end();
+    openWindow();
+    Q_EMIT quitToBeAsked();
+}
+
+void AppDelegate::end()
+{
+    auto &removals = m_services.model.removals();
+    removals.close();
     // Not by asking the windows: none of them may keep the program.
-    QCoreApplication::exit(0);
+    if (!removals.isBusy())
+        return QCoreApplication::exit(0);
+    connect(&removals, &RemovalQueue::busyChanged, this, [] { QCoreApplication::exit(0); });
 }
 
 QQuickWindow *AppDelegate::make(const QUrl &file, const QVariantMap &properties)

@@ -14,7 +14,9 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_scans(m_services.kit, this)
     , m_volume(m_services.kit, m_scans, this)
     , m_navigation(m_scans, this)
-    , m_reclaims(m_services.kit, { .scans = m_scans, .navigation = m_navigation, .volume = m_volume }, this)
+    , m_removals(this)
+    , m_reclaims(m_services.kit,
+          { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .queue = m_removals }, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
 {
@@ -22,7 +24,18 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     connect(&m_scans, &ScanDriver::treeChanged, &m_navigation, &Navigation::enterTree);
     connect(&m_scans, &ScanDriver::finished, this, &AppModel::endScan);
     // What changed the disk is measured again.
-    connect(&m_reclaims, &ReclaimDriver::diskChanged, this, [this] { m_scans.scan({}); });
+    connect(&m_reclaims, &ReclaimDriver::diskChanged, this, [this] {
+        m_scans.settleBeforeEvaluation(m_reclaims.flushing());
+        m_scans.scan({});
+    });
+    // What is measured while things go would be wrong before it is shown.
+    connect(&m_removals, &RemovalQueue::busyChanged, this, [this] { m_scans.hold(m_removals.isBusy()); });
+}
+
+AppModel::~AppModel()
+{
+    m_removals.close();
+    m_removals.wait();
 }
 
 // The calls at a scan's end. Their order counts: a claim is verified by figures that were read for it.

@@ -6,6 +6,7 @@
 
 #include "Core/Navigation.h"
 #include "Core/ReclaimDriver.h"
+#include "Core/RemovalQueue.h"
 #include "Core/ScanDriver.h"
 #include "Core/UpdateDriver.h"
 #include "Core/VolumeFigures.h"
@@ -25,6 +26,8 @@ class AppModel : public QObject
 public:
     /// What the services refer to outlives the model.
     explicit AppModel(const AppServices &services, QObject *parent = nullptr);
+    /// What is being removed ends after its present entry, and is waited for.
+    ~AppModel() override;
 
     [[nodiscard]] ScanDriver &scans() { return m_scans; }
     [[nodiscard]] const ScanDriver &scans() const { return m_scans; }
@@ -32,6 +35,8 @@ public:
     [[nodiscard]] const Navigation &navigation() const { return m_navigation; }
     [[nodiscard]] VolumeFigures &volume() { return m_volume; }
     [[nodiscard]] const VolumeFigures &volume() const { return m_volume; }
+    [[nodiscard]] RemovalQueue &removals() { return m_removals; }
+    [[nodiscard]] const RemovalQueue &removals() const { return m_removals; }
     [[nodiscard]] ReclaimDriver &reclaims() { return m_reclaims; }
     [[nodiscard]] const ReclaimDriver &reclaims() const { return m_reclaims; }
     [[nodiscard]] WatchDriver &watch() { return m_watch; }
@@ -55,6 +60,7 @@ private:
     ScanDriver m_scans;
     VolumeFigures m_volume;
     Navigation m_navigation;
+    RemovalQueue m_removals;
     ReclaimDriver m_reclaims;
     WatchDriver m_watch;
     UpdateDriver m_updates;

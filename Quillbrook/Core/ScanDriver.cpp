@@ -24,6 +24,7 @@
 #include <chrono>
 #include <functional>
 #include <stop_token>
+#include <thread>
 #include <utility>
 
 namespace Quillbrook {
@@ -36,6 +37,9 @@ using namespace std::chrono_literals;
 
 const auto lastFileCountKey = u"Quillbrook.lastFileCount"_s;
 constexpr auto pollInterval = 200ms;
+// A disk that takes longer to write is not waited for.
+constexpr auto longestSettling = 5s;
+constexpr auto settlingPoll = 10ms;
 
 } // namespace
 
@@ -54,6 +58,7 @@ struct ScanDriver::Run
     std::function<void()> onAdvance{};
     /// The one stop: the quick stage, the walk and the evaluation all obey it.
     std::stop_source stop{};
+    QFuture<void> settled{};
     FastScanner scanner{ kit.directories };
     FindingCollector collector{};
     HostFacts host{};
@@ -91,8 +96,15 @@ struct ScanDriver::Run
             .home = home,
             .stop = stop.get_token() });
     }
+    void settle() const
+    {
+        const auto end = std::chrono::steady_clock::now() + longestSettling;
+        while (!settled.isFinished() && !stop.stop_requested() && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(settlingPoll);
+    }
     void evaluate()
     {
+        settle();
         report = StorageCatalogue::evaluate(CatalogueServices::of(kit),
             { .tree = *walked.tree, .root = walked.root, .places = places(), .stop = stop.get_token() });
     }
@@ -137,6 +149,12 @@ void ScanDriver::setScanRoot(const std::string &path)
 // Everything is set before anyone is told.
 void ScanDriver::scan(const Request &request)
 {
+    if (m_isHeld) {
+        // What a person asks for goes before what asks by itself, and a scope before none.
+        if (!m_held || (!request.automatic && (request.scope || !m_held->scope)))
+            m_held = request;
+        return;
+    }
     if (m_phase.kind == Phase::Kind::scanning || (request.automatic && m_hasScanned))
         return;
     m_hasScanned = true;
@@ -147,6 +165,7 @@ void ScanDriver::scan(const Request &request)
     ++m_treeGeneration;
     m_run = std::make_shared<Run>(m_kit, m_scanToken, m_scope, m_scanRoot, scanRoot(),
         m_kit.home.rawRealHomeDirectory(), [this] { Q_EMIT quickStageAdvanced({}); });
+    m_run->settled = std::exchange(m_settled, {});
     m_progress = 0;
     m_sinceScanStart.start();
     m_ticker.start();
@@ -158,6 +177,20 @@ void ScanDriver::scan(const Request &request)
         Q_EMIT scopeChanged();
     Q_EMIT treeGenerationChanged();
     Q_EMIT phaseChanged();
+}
+
+void ScanDriver::hold(bool holds)
+{
+    m_isHeld = holds;
+    if (holds)
+        return;
+    if (const auto held = std::exchange(m_held, std::nullopt))
+        scan(*held);
+}
+
+void ScanDriver::settleBeforeEvaluation(const QFuture<void> &settled)
+{
+    m_settled = settled;
 }
 
 void ScanDriver::cancelScan()

@@ -48,6 +48,11 @@ public:
     /// Returns at once. A request while scanning is dropped.
     void scan(const Request &request);
     void cancelScan();
+    /// While it holds, what is asked for waits; at the end of that the last request is followed.
+    void hold(bool holds);
+    /// For the next scan: it ends its walk, but judges what it found only once `settled` has ended, or after
+    /// 5 seconds.
+    void settleBeforeEvaluation(const QFuture<void> &settled);
     /// For the next scan; in raw bytes.
     void setScanRoot(const std::string &path);
 
@@ -115,6 +120,10 @@ private:
     /// The bar's value, 0 to 1, master copy.
     double m_progress = 0;
     bool m_hasScanned = false;
+    bool m_isHeld = false;
+    /// What was asked for meanwhile.
+    std::optional<Request> m_held;
+    QFuture<void> m_settled;
     quint64 m_scanToken = 0;
     /// The scan that runs; null when none does.
     std::shared_ptr<Run> m_run;

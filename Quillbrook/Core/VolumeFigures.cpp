@@ -33,6 +33,7 @@ void VolumeFigures::refreshVolume()
     const auto capacity = m_kit.volumes.capacity(m_kit.home.homeDirectory());
     if (!capacity)
         return;
+    m_measuredFree = capacity->available;
     const auto free = capacity->available.value_or(0);
     const auto optimistic = capacity->availableForImportantUsage.value_or(0);
     const auto total = capacity->total.value_or(0);

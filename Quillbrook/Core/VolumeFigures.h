@@ -7,6 +7,8 @@
 #include <QString>
 #include <QTimer>
 
+#include <optional>
+
 namespace Quillbrook {
 
 class ScanDriver;
@@ -29,6 +31,8 @@ public:
     [[nodiscard]] qint64 volumeFree() const;
     [[nodiscard]] qint64 volumeTotal() const;
     [[nodiscard]] qint64 liveFree() const { return m_liveFree; }
+    /// What is free as it was last read, 0 being a figure too; absent before it could be read.
+    [[nodiscard]] std::optional<qint64> measuredFree() const { return m_measuredFree; }
     /// Counts as free what the system can clear by itself.
     [[nodiscard]] qint64 liveOptimistic() const { return m_liveOptimistic; }
     [[nodiscard]] qint64 liveTotal() const { return m_liveTotal; }
@@ -41,6 +45,7 @@ Q_SIGNALS:
 private:
     const KitServices &m_kit;
     const ScanDriver &m_scans;
+    std::optional<qint64> m_measuredFree;
     qint64 m_liveFree = 0;
     qint64 m_liveOptimistic = 0;
     qint64 m_liveTotal = 0;

@@ -73,6 +73,13 @@ QtObject {
     readonly property int wardenHeadingHeight: 40
     readonly property int findingInset: 14
     readonly property int bannerGap: 10
+    readonly property int heldRowHeight: 40
+    readonly property int heldNameLeft: 48
+    readonly property int heldNameWidth: 244
+    readonly property int heldAgeWidth: 88
+    readonly property int heldSizeWidth: 72
+    readonly property int chevronSide: 28
+    readonly property int listInDialogHeight: 200
     readonly property int tooltipWidth: 320
     readonly property int tooltipPaddingX: 9
     readonly property int tooltipPaddingY: 6

@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QScreen>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -368,6 +369,33 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         Q_EMIT m_tray->checkChosen();
         QCOMPARE(checks(), 2 * one);
+    }
+
+    void quittingWhileThingsGoIsAskedAbout()
+    {
+        QVERIFY(m_delegate->start(inBackground));
+        QSignalSpy asked(m_delegate.get(), &AppDelegate::quitToBeAsked);
+        QSemaphore go;
+        bool hasStopped = false;
+        m_model->removals().enqueue({ .work = [&](const RemovalQueue::Watch &watch) {
+            go.acquire();
+            hasStopped = watch.stop.stop_requested();
+        } });
+        bool ended = false;
+        QTimer::singleShot(0, this, [&] {
+            Q_EMIT m_tray->quitChosen();
+            QCOMPARE(asked.count(), 1);
+            QVERIFY(m_delegate->mainWindow());
+            // The answer; and it ends only once the present entry is done.
+            m_delegate->end();
+            QVERIFY(!ended);
+            go.release();
+        });
+        QTimer::singleShot(20'000, this, [] { QCoreApplication::exit(7); });
+        QCOMPARE(QCoreApplication::exec(), 0);
+        ended = true;
+        QVERIFY(hasStopped);
+        QVERIFY(!m_model->removals().isBusy());
     }
 
     void quitEndsTheLoopWhateverAWindowSays()

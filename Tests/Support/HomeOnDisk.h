@@ -9,6 +9,7 @@
 #include "Support/FakeKit.h"
 #include "Support/TempTree.h"
 
+#include <QSemaphore>
 #include <QTest>
 
 #include <filesystem>
@@ -32,15 +33,50 @@ struct HomeOnDisk : FakeKit
     }
 
     /// A new model over the same disk, as after a start.
-    void start() { model = std::make_unique<AppModel>(services()); }
+    void start()
+    {
+        model.reset();
+        model = std::make_unique<AppModel>(services());
+        QObject::connect(
+            &model->scans(), &ScanDriver::started, model.get(), [count = scanCount] { ++*count; });
+        known();
+    }
 
     void scan() const
     {
         model->scans().scan({ .scope = Scope::complete });
         settled();
     }
-    /// Waits for the end of the scan that runs.
-    void settled() const { QTRY_COMPARE(model->scans().phase().kind, Phase::Kind::ready); }
+    /// Waits for the end of what is being removed, and of the scan that runs.
+    void settled() const
+    {
+        QTRY_VERIFY(!model->removals().isBusy() && model->scans().phase().kind == Phase::Kind::ready);
+        known();
+    }
+    /// Waits for the end of what is being removed.
+    void removed() const
+    {
+        QTRY_VERIFY(!model->removals().isBusy());
+        known();
+    }
+    /// Waits until the model knows what lies in the Trash.
+    void known() const
+    {
+        // Not by waiting for the future, which would be answered here and before those that wait.
+        QSemaphore answered;
+        static_cast<void>(model->removals().ask([&answered] { answered.release(); }));
+        answered.acquire();
+        QCoreApplication::processEvents();
+    }
+    /// How many scans have begun.
+    [[nodiscard]] int scans() const { return *scanCount; }
+    /// Removes what is selected, as it is now.
+    void removeSelected(bool permanent) const
+    {
+        const auto &selected = model->navigation().selection();
+        model->reclaims().removeSelected(permanent, selected ? model->reclaims().inodeOf(*selected)() : 0);
+        removed();
+    }
 
     [[nodiscard]] std::string path(const std::string &name) const { return tree.path("home/" + name); }
     [[nodiscard]] bool has(const std::string &name) const
@@ -78,6 +114,7 @@ struct HomeOnDisk : FakeKit
     LinuxDisk disk{ dataFolder + "/Quillbrook", { .homeTrash = trashFolder, .user = ::getuid() }, clock };
     FakeDesktop desktop;
     std::unique_ptr<AppModel> model;
+    const std::shared_ptr<int> scanCount = std::make_shared<int>(0);
 
 private:
     [[nodiscard]] AppServices services()

@@ -16,6 +16,8 @@ Card {
     property bool tinted: false
     property color tone: Theme.accent
     default property alias actions: actionRow.data
+    // Takes the place of the card's own ground.
+    property alias background: ground.data
 
     Accessible.description: note === "" ? text : text + " " + note
     Accessible.name: title
@@ -25,6 +27,12 @@ Card {
     color: tinted ? Qt.tint(Theme.surface, Theme.faded(tone, Metrics.tintOpacity)) : Theme.surface
     implicitHeight: row.implicitHeight + 2 * Metrics.space12
     implicitWidth: Metrics.columnWidth
+
+    Item {
+        id: ground
+
+        anchors.fill: parent
+    }
 
     RowLayout {
         id: row

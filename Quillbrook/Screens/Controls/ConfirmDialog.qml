@@ -12,7 +12,10 @@ Sheet {
 
     required property string message
     property string cancelText: qsTr("Cancel")
+    property bool hasExtra: false
     default property alias actions: actionRow.data
+    // What stands between the message and the buttons.
+    property alias extra: extraColumn.data
 
     signal cancelled
 
@@ -43,13 +46,23 @@ Sheet {
         }
 
         BodyText {
-            Layout.bottomMargin: Metrics.space20
+            Layout.bottomMargin: extraColumn.visible ? Metrics.space12 : Metrics.space20
             Layout.fillWidth: true
             Layout.leftMargin: Metrics.space20
             Layout.rightMargin: Metrics.space20
             Layout.topMargin: Metrics.space8
             text: root.message
             wrapMode: Text.Wrap
+        }
+
+        ColumnLayout {
+            id: extraColumn
+
+            Layout.bottomMargin: Metrics.space20
+            Layout.leftMargin: Metrics.space20
+            Layout.rightMargin: Metrics.space20
+            spacing: Metrics.space8
+            visible: root.hasExtra
         }
 
         Hairline {

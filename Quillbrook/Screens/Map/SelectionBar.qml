@@ -102,12 +102,14 @@ Card {
         }
 
         PushButton {
+            enabled: !root.selection.removal.busy
             text: qsTr("Move to Trash")
             visible: root.selection.removable
             onClicked: root.selection.askToRemove(false)
         }
 
         PushButton {
+            enabled: !root.selection.removal.busy
             kind: PushButton.Destructive
             text: qsTr("Delete permanently")
             visible: root.selection.removable

@@ -50,6 +50,7 @@ QThreadPool *judgingPool()
 SelectionBarState::SelectionBarState(AppModel &model, Counter counter, QObject *parent)
     : QObject(parent)
     , m_model(model)
+    , m_removal(model.removals())
     , m_counter(std::move(counter))
 {
     connect(&m_model.navigation(), &Navigation::selectionChanged, this, &SelectionBarState::refresh);
@@ -83,10 +84,13 @@ QCoro::Task<> SelectionBarState::count(NodeSnapshot item)
 QCoro::Task<> SelectionBarState::judge(NodeSnapshot item)
 {
     const QPointer self(this);
-    const auto judging = QtConcurrent::run(judgingPool(), m_model.reclaims().guardedPath(item));
-    const auto refusal = co_await judging;
+    const auto judging = QtConcurrent::run(judgingPool(),
+        [refusal = m_model.reclaims().guardedPath(item), inode = m_model.reclaims().inodeOf(item)] {
+            return Judgement{ .refusal = refusal(), .inode = inode() };
+        });
+    const auto judgement = co_await judging;
     if (self && self->m_model.navigation().selection() == item)
-        self->setJudgement(Judgement{ .refusal = refusal });
+        self->setJudgement(judgement);
 }
 
 void SelectionBarState::setJudgement(const std::optional<Judgement> &judgement)
@@ -159,9 +163,10 @@ bool SelectionBarState::removable() const
 
 void SelectionBarState::askToRemove(bool permanently)
 {
-    if (!removable())
+    if (!removable() || m_removal.busy())
         return;
     m_asked = m_model.navigation().selection();
+    m_askedInode = m_judgement->inode;
     m_permanently = permanently;
     Q_EMIT confirmChanged();
     Q_EMIT removeAsked();
@@ -171,7 +176,7 @@ void SelectionBarState::remove()
 {
     if (const auto asked = std::exchange(m_asked, std::nullopt);
         asked && asked == m_model.navigation().selection())
-        m_model.reclaims().removeSelected(m_permanently);
+        m_model.reclaims().removeSelected(m_permanently, m_askedInode);
 }
 
 QString SelectionBarState::confirmTitle() const

@@ -6,11 +6,13 @@
 
 #include "Removal/PathRemoval.h"
 #include "Scan/FileTree.h"
+#include "Screens/RemovalState.h"
 
 #include <QCoroTask>
 #include <QObject>
 #include <QtQmlIntegration>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -42,6 +44,8 @@ class SelectionBarState : public QObject
     Q_PROPERTY(QString confirmMessage READ confirmMessage NOTIFY confirmChanged FINAL)
     Q_PROPERTY(QString confirmAction READ confirmAction NOTIFY confirmChanged FINAL)
     Q_PROPERTY(bool permanently READ permanently NOTIFY confirmChanged FINAL)
+    /// What is being removed now.
+    Q_PROPERTY(Quillbrook::RemovalState *removal READ removal CONSTANT FINAL)
     /// How many things a folder holds; empty until counted, and for fewer than two.
     Q_PROPERTY(QString items READ items NOTIFY itemsChanged FINAL)
 
@@ -68,6 +72,7 @@ public:
     [[nodiscard]] QString confirmMessage() const;
     [[nodiscard]] QString confirmAction() const;
     [[nodiscard]] bool permanently() const { return m_permanently; }
+    [[nodiscard]] RemovalState *removal() { return &m_removal; }
 
     /// Goes into the selected folder and shows the map.
     Q_INVOKABLE void open();
@@ -90,10 +95,12 @@ Q_SIGNALS:
 private:
     void refresh();
     QCoro::Task<> judge(NodeSnapshot item);
-    /// What guards say of an item, once they have.
+    /// What guards say of an item, once they have, and by what it is known again.
     struct Judgement
     {
         std::optional<QString> refusal{};
+        /// Of what lay there when it was picked; 0 for nothing.
+        std::uint64_t inode = 0;
 
         bool operator==(const Judgement &) const = default;
     };
@@ -102,10 +109,12 @@ private:
     void setInside(const std::optional<PathRemoval::ItemCount> &inside);
 
     AppModel &m_model;
+    RemovalState m_removal;
     Counter m_counter;
     std::optional<PathRemoval::ItemCount> m_inside;
     std::optional<Judgement> m_judgement;
     std::optional<NodeSnapshot> m_asked;
+    std::uint64_t m_askedInode = 0;
     bool m_permanently = false;
 };
 

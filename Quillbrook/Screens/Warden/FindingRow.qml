@@ -42,6 +42,7 @@ CardSlice {
             TickBox {
                 activeFocusOnTab: root.current
                 checked: root.row.ticked
+                enabled: !root.row.waits
                 name: root.row.title
                 visible: root.row.selectable
                 onToggled: {

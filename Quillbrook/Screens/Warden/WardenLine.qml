@@ -14,11 +14,11 @@ Item {
     readonly property bool current: ListView.isCurrentItem
 
     // What is no finding speaks for itself.
-    Accessible.ignored: kind !== WardenLines.Finding
+    Accessible.ignored: kind !== WardenLines.Finding && kind !== WardenLines.Held
     Accessible.name: row.spoken
     Accessible.role: Accessible.ListItem
     Keys.onSpacePressed: warden.toggle(index)
-    implicitHeight: content.implicitHeight + (kind === WardenLines.Banner ? Metrics.bannerGap : 0)
+    implicitHeight: content.implicitHeight + (kind === WardenLines.Banner && !row.opened || kind === WardenLines.Held && row.last ? Metrics.bannerGap : 0)
 
     Loader {
         id: content
@@ -29,6 +29,8 @@ Item {
                 return banner;
             case WardenLines.Finding:
                 return finding;
+            case WardenLines.Held:
+                return held;
             case WardenLines.LogLine:
                 return line;
             default:
@@ -46,6 +48,7 @@ Item {
             row: root.row
             onActed: root.warden.act(root.index)
             onActedOtherwise: root.warden.act(root.index, 1)
+            onTurned: root.warden.togglePath(root.index)
         }
     }
 
@@ -66,6 +69,16 @@ Item {
             row: root.row
             onPathToggled: root.warden.togglePath(root.index)
             onRevealed: root.warden.reveal(root.index)
+            onToggled: root.warden.toggle(root.index)
+        }
+    }
+
+    Component {
+        id: held
+
+        HeldRow {
+            current: root.current
+            row: root.row
             onToggled: root.warden.toggle(root.index)
         }
     }

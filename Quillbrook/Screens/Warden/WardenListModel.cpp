@@ -37,7 +37,7 @@ const WardenRow *WardenListModel::at(int row) const
 bool WardenListModel::takesKeyboard(int row) const
 {
     const auto *line = at(row);
-    return line && line->kind == WardenLines::Kind::Finding;
+    return line && (line->kind == WardenLines::Kind::Finding || line->kind == WardenLines::Kind::Held);
 }
 
 int WardenListModel::rowCount(const QModelIndex &parent) const

@@ -1,7 +1,7 @@
 #pragma once
 
-// One line of the list on the screen "Free up space": a heading, a finding, or one of what stands around
-// them. A plain value with its words ready to be shown.
+// One line of the list on the screen "Free up space": a heading, a finding, a thing in the Trash, or one of
+// what stands around them. A plain value with its words ready to be shown.
 
 #include <QColor>
 #include <QObject>
@@ -18,7 +18,7 @@ class WardenLines : public QObject
     QML_UNCREATABLE("Only names its values")
 
 public:
-    enum class Kind { Banner, Heading, Finding, LogHeading, LogLine };
+    enum class Kind { Banner, Heading, Finding, LogHeading, LogLine, Held };
     Q_ENUM(Kind)
 };
 
@@ -36,6 +36,11 @@ struct WardenRow
     Q_PROPERTY(bool tinted MEMBER tinted FINAL)
     Q_PROPERTY(QString action MEMBER action FINAL)
     Q_PROPERTY(QString otherAction MEMBER otherAction FINAL)
+    Q_PROPERTY(bool actionWaits MEMBER actionWaits FINAL)
+    Q_PROPERTY(bool otherActionWaits MEMBER otherActionWaits FINAL)
+    Q_PROPERTY(bool opens MEMBER opens FINAL)
+    Q_PROPERTY(bool opened MEMBER opened FINAL)
+    Q_PROPERTY(bool waits MEMBER waits FINAL)
     Q_PROPERTY(QString ages MEMBER ages FINAL)
     Q_PROPERTY(QString what MEMBER what FINAL)
     Q_PROPERTY(QString regenerates MEMBER regenerates FINAL)
@@ -65,6 +70,15 @@ public:
     bool tinted = false;
     QString action{};
     QString otherAction{};
+    /// A banner's button can't be pressed now.
+    bool actionWaits = false;
+    bool otherActionWaits = false;
+    /// A banner that more lines belong to, and whether they are shown.
+    bool opens = false;
+    bool opened = false;
+    /// A tick that can't be changed now.
+    bool waits = false;
+    /// Of a thing in the Trash, how long ago it went there.
     QString ages{};
     /// What a finding is, or what a banner tells.
     QString what{};

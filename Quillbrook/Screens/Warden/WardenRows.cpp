@@ -1,6 +1,7 @@
 #include "Screens/Warden/WardenRows.h"
 
 #include "Core/Translation.h"
+#include "RawText.h"
 #include "Scan/Format.h"
 #include "Screens/SingleLine.h"
 #include "Screens/Theme.h"
@@ -49,7 +50,7 @@ WardenRow netBanner()
              "modern Mac, no recovery tool can bring it back.") };
 }
 
-WardenRow banner(const Verification &verification)
+WardenRow banner(const Verification &verification, const QStringList &reasons)
 {
     const auto went = tr("Free space went %1 → %2.")
                           .arg(Format::bytes(verification.freeBefore), Format::bytes(verification.freeAfter));
@@ -69,22 +70,63 @@ WardenRow banner(const Verification &verification)
                  "running in the background will do it. Rescan to see the current picture.");
         row.symbol = u"questionmark.circle"_s;
         row.tone = Theme::careful();
+        row.note = reasons.join(u' ');
     }
     return row;
 }
 
-WardenRow banner(const TrashLedger::Pending &pending)
+// What the ledger holds can be deleted; what only the journal holds can be put back and nothing else.
+QList<WardenRow> trashBanner(const Input &input)
 {
-    return { .kind = WardenLines::Kind::Banner,
+    if (input.held.empty())
+        return {};
+    TrashLedger::Pending pending;
+    qint64 failedBytes = 0;
+    bool isAnyTicked = false;
+    bool isAnyDeletable = false;
+    for (const auto &held : input.held) {
+        const bool isTicked = !input.heldBack.contains(held.item.id);
+        isAnyTicked |= isTicked;
+        if (held.isOnlyInJournal) {
+            failedBytes += held.item.bytes;
+            continue;
+        }
+        isAnyDeletable |= isTicked;
+        ++pending.count;
+        pending.bytes += held.item.bytes;
+    }
+    WardenRow banner{ .kind = WardenLines::Kind::Banner,
         .id = pendingTrashBanner,
-        .title = tr("%1 is in the Trash, still taking up space").arg(Format::bytes(pending.bytes)),
         .tone = Theme::accent(),
         .symbol = u"trash"_s,
-        .action = tr("Finish removing"),
-        .what
-        = tr("The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
-             "will remove only the %1 items it moved — never anything else you have thrown away.")
-              .arg(QString::number(pending.count)) };
+        .action = tr("Put back"),
+        .actionWaits = input.isBusy || !isAnyTicked,
+        .opens = true,
+        .opened = input.heldShown };
+    if (pending.bytes > 0) {
+        banner.title = tr("%1 is in the Trash, still taking up space").arg(Format::bytes(pending.bytes));
+        banner.what
+            = tr("The Trash sits on the same volume, so the space only comes back once it is emptied. "
+                 "Quillbrook will remove only the %1 items it moved — never anything else you have thrown "
+                 "away.")
+                  .arg(QString::number(pending.count));
+        banner.otherAction = tr("Finish removing");
+        banner.otherActionWaits = input.isBusy || !isAnyDeletable;
+    } else {
+        banner.title = tr("%1 went to the Trash by removals that failed").arg(Format::bytes(failedBytes));
+        banner.what = tr("Only a part of what was to go has gone there. It can be put back.");
+    }
+    QList<WardenRow> rows{ banner };
+    if (!input.heldShown)
+        return rows;
+    // What went last is what a person is most likely to want back.
+    for (auto held = input.held.rbegin(); held != input.held.rend(); ++held) {
+        rows.append(heldRow(*held, input.home, input.now));
+        rows.last().ticked = !input.heldBack.contains(held->item.id);
+        rows.last().waits = input.isBusy;
+    }
+    rows.last().last = true;
+    return rows;
 }
 
 WardenRow scanOffer()
@@ -108,9 +150,8 @@ QList<WardenRow> banners(const Input &input)
     if (input.safetyNet && input.safetyNet->isUnprotected())
         rows.append(netBanner());
     if (input.verification)
-        rows.append(banner(*input.verification));
-    if (input.pending.bytes > 0)
-        rows.append(banner(input.pending));
+        rows.append(banner(*input.verification, input.stayedReasons));
+    rows.append(trashBanner(input));
     if (input.offersCompleteScan)
         rows.append(scanOffer());
     return rows;
@@ -143,6 +184,7 @@ WardenRow row(const Finding &finding, const Input &input)
         .note = finding.redirectedOffVolume
             ? tr("This folder actually lives on another drive, so clearing it frees nothing here.")
             : QString(),
+        .waits = input.isBusy,
         .ages
         = tr("Created %1 · last used %2")
               .arg(Format::age(finding.created, input.now), Format::age(finding.lastModified, input.now)),
@@ -182,6 +224,19 @@ QList<WardenRow> rows(const Input &input)
     for (const auto &line : input.log)
         rows.append(WardenRow{ .kind = WardenLines::Kind::LogLine, .title = singleLine(line) });
     return rows;
+}
+
+WardenRow heldRow(const HeldItem &held, const QString &home, const QDateTime &now)
+{
+    const auto place = singleLine(Format::friendlyPath(repairedText(held.item.originalPath), home));
+    return { .kind = WardenLines::Kind::Held,
+        .id = held.item.id,
+        .title = singleLine(held.item.label),
+        .size = Format::bytes(held.item.bytes),
+        .ages = Format::age(held.item.movedAt, now),
+        .path = held.isOnlyInJournal ? tr("%1 · can only be put back").arg(place) : place,
+        .selectable = true,
+        .ticked = true };
 }
 
 bool isSelectable(const Finding &finding)

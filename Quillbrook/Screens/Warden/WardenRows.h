@@ -4,6 +4,7 @@
 
 #include "Catalogue/ReclaimReport.h"
 #include "Core/Verification.h"
+#include "Removal/Books.h"
 #include "Removal/SafetyNet.h"
 #include "Removal/TrashLedger.h"
 #include "Screens/Warden/WardenRow.h"
@@ -32,8 +33,15 @@ struct Input
     const QSet<QString> &pathShown;
     const std::optional<SafetyNet> &safetyNet;
     const std::optional<Verification> &verification;
-    /// What Quillbrook moved to the Trash and what still lies there.
-    TrashLedger::Pending pending{};
+    /// Why space did not come back, as far as it was found.
+    const QStringList &stayedReasons;
+    /// What Quillbrook moved to the Trash and what still lies there, whether that is listed, and the ids of
+    /// what is not ticked there.
+    const std::vector<HeldItem> &held;
+    bool heldShown = false;
+    const QSet<QString> &heldBack;
+    /// Something is being removed.
+    bool isBusy = false;
     bool offersCompleteScan = false;
     const QStringList &log;
     /// What paths are shortened by.
@@ -42,6 +50,8 @@ struct Input
 };
 
 [[nodiscard]] QList<WardenRow> rows(const Input &input);
+/// One thing in the Trash.
+[[nodiscard]] WardenRow heldRow(const HeldItem &held, const QString &home, const QDateTime &now);
 
 /// Whether a finding has a tick at all: neither one that is only shown nor one that lies elsewhere has.
 [[nodiscard]] bool isSelectable(const Finding &finding);

@@ -32,6 +32,7 @@ void flip(QSet<QString> &ids, const QString &id)
 WardenState::WardenState(AppModel &model, QObject *parent)
     : PaneState(parent)
     , m_model(model)
+    , m_removal(model.removals())
 {
     connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &WardenState::followPhase);
     connect(&m_model.scans(), &ScanDriver::reportChanged, this, &WardenState::refresh);
@@ -39,8 +40,9 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     connect(&m_model.reclaims(), &ReclaimDriver::reclaimLogChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::lastVerificationChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::safetyNetChanged, this, &WardenState::refresh);
-    connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::recheck);
-    recheck();
+    connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::followHeld);
+    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &WardenState::refresh);
+    refresh();
 }
 
 void WardenState::appear()
@@ -51,13 +53,24 @@ void WardenState::appear()
 void WardenState::tickDefaults()
 {
     m_chosen = WardenRows::defaultSelection(m_model.scans().report());
+    refresh();
     recheck();
 }
 
-// The ledger asks the disk about each of its things, which is too much for every tick.
+// The disk is asked about each thing in the Trash, which is too much for every tick.
 void WardenState::recheck()
 {
-    m_pending = m_model.reclaims().ledger().pending();
+    m_model.reclaims().refreshHeld();
+}
+
+void WardenState::followHeld()
+{
+    QSet<QString> ids;
+    for (const auto &held : m_model.reclaims().held())
+        ids.insert(held.item.id);
+    m_heldBack.intersect(ids);
+    if (ids.isEmpty())
+        m_heldShown = false;
     Q_EMIT pendingChanged();
     refresh();
 }
@@ -68,10 +81,12 @@ void WardenState::followPhase()
 {
     if (m_model.scans().phase().kind != Phase::Kind::ready)
         return;
-    if (m_touched)
+    if (m_touched) {
+        refresh();
         recheck();
-    else
+    } else {
         tickDefaults();
+    }
 }
 
 QList<Finding> WardenState::chosenFindings() const
@@ -84,8 +99,13 @@ QList<Finding> WardenState::chosenFindings() const
 void WardenState::toggle(int row)
 {
     const auto *line = m_rows.at(row);
-    if (!line || !line->selectable)
+    if (!line || !line->selectable || m_model.removals().isBusy())
         return;
+    if (line->kind == WardenLines::Kind::Held) {
+        flip(m_heldBack, line->id);
+        Q_EMIT pendingChanged();
+        return refresh();
+    }
     flip(m_chosen, line->id);
     m_touched = true;
     refresh();
@@ -94,9 +114,12 @@ void WardenState::toggle(int row)
 void WardenState::togglePath(int row)
 {
     const auto *line = m_rows.at(row);
-    if (!line || line->kind != WardenLines::Kind::Finding)
+    if (line && line->opens)
+        m_heldShown = !m_heldShown;
+    else if (line && line->kind == WardenLines::Kind::Finding)
+        flip(m_pathShown, line->id);
+    else
         return;
-    flip(m_pathShown, line->id);
     refresh();
 }
 
@@ -113,13 +136,12 @@ void WardenState::reveal(int row)
 void WardenState::act(int row, int button)
 {
     const auto *line = m_rows.at(row);
-    // No banner has a second button yet.
-    if (!line || line->kind != WardenLines::Kind::Banner || button != 0)
+    if (!line || line->kind != WardenLines::Kind::Banner)
         return;
     if (line->id == WardenRows::verificationBanner)
         m_model.reclaims().dismissVerification();
-    else if (line->id == WardenRows::pendingTrashBanner)
-        Q_EMIT finishAsked();
+    else if (line->id == WardenRows::pendingTrashBanner && !m_model.removals().isBusy())
+        button == 0 ? putBack() : finishAsked();
     else if (line->id == WardenRows::completeScanOffer)
         m_model.scans().scan({ .scope = Scope::complete });
 }
@@ -144,7 +166,16 @@ void WardenState::reclaim(bool permanently)
 
 void WardenState::finishRemoving()
 {
-    m_model.reclaims().finishRemoving();
+    m_model.reclaims().finishRemoving(m_heldBack);
+}
+
+void WardenState::putBack()
+{
+    QSet<QString> ids;
+    for (const auto &held : m_model.reclaims().held())
+        if (!m_heldBack.contains(held.item.id))
+            ids.insert(held.item.id);
+    m_model.reclaims().putBack(ids);
 }
 
 QString WardenState::confirmTitle() const
@@ -169,7 +200,11 @@ QString WardenState::confirmAction() const
 
 QString WardenState::finishTitle() const
 {
-    return tr("Permanently remove %1?").arg(Format::bytes(m_pending.bytes));
+    qint64 bytes = 0;
+    for (const auto &held : m_model.reclaims().held())
+        if (!held.isOnlyInJournal && !m_heldBack.contains(held.item.id))
+            bytes += held.item.bytes;
+    return tr("Permanently remove %1?").arg(Format::bytes(bytes));
 }
 
 void WardenState::refresh()
@@ -179,7 +214,11 @@ void WardenState::refresh()
         .pathShown = m_pathShown,
         .safetyNet = m_model.reclaims().safetyNet(),
         .verification = m_model.reclaims().lastVerification(),
-        .pending = m_pending,
+        .stayedReasons = m_model.reclaims().stayedReasons(),
+        .held = m_model.reclaims().held(),
+        .heldShown = m_heldShown,
+        .heldBack = m_heldBack,
+        .isBusy = m_model.removals().isBusy(),
         .offersCompleteScan = m_model.scans().scope() == Scope::quiet,
         .log = m_model.reclaims().reclaimLog(),
         .home = m_model.services().kit.home.homeDirectory(),
@@ -195,11 +234,12 @@ void WardenState::setSums()
     auto counts = tr("%1 of %2 reclaimable items")
                       .arg(Format::count(chosen.size()),
                           Format::count(WardenRows::actionable(m_model.scans().report()).size()));
-    if (m_total == total && m_counts == counts)
+    const bool canReclaim = !chosen.isEmpty() && !m_model.removals().isBusy();
+    if (m_total == total && m_counts == counts && m_canReclaim == canReclaim)
         return;
     m_total = std::move(total);
     m_counts = std::move(counts);
-    m_canReclaim = !chosen.isEmpty();
+    m_canReclaim = canReclaim;
     Q_EMIT selectionChanged();
 }
 

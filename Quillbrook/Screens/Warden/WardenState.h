@@ -4,8 +4,8 @@
 // ticked, and how much that comes to. Main thread only; the model outlives it.
 
 #include "Catalogue/Finding.h"
-#include "Removal/TrashLedger.h"
 #include "Screens/PaneState.h"
+#include "Screens/RemovalState.h"
 #include "Screens/Warden/WardenListModel.h"
 
 #include <QSet>
@@ -23,6 +23,8 @@ class WardenState : public PaneState
     QML_UNCREATABLE("The window is handed its state")
 
     Q_PROPERTY(Quillbrook::WardenListModel *rows READ rows CONSTANT FINAL)
+    /// What is being removed now.
+    Q_PROPERTY(Quillbrook::RemovalState *removal READ removal CONSTANT FINAL)
     /// How much is ticked, and how many of how many.
     Q_PROPERTY(QString total READ total NOTIFY selectionChanged FINAL)
     Q_PROPERTY(QString counts READ counts NOTIFY selectionChanged FINAL)
@@ -41,6 +43,7 @@ public:
     explicit WardenState(AppModel &model, QObject *parent = nullptr);
 
     [[nodiscard]] WardenListModel *rows() { return &m_rows; }
+    [[nodiscard]] RemovalState *removal() { return &m_removal; }
     [[nodiscard]] const QString &total() const { return m_total; }
     [[nodiscard]] const QString &counts() const { return m_counts; }
     [[nodiscard]] const QString &emptyMessage() const { return m_emptyMessage; }
@@ -56,9 +59,10 @@ public:
     [[nodiscard]] const QSet<QString> &chosen() const { return m_chosen; }
     [[nodiscard]] bool touched() const { return m_touched; }
 
-    /// Ticks a row's finding, or unticks it; nothing for one without a tick.
+    /// Ticks a row's finding or thing, or unticks it; nothing for one without a tick, and while something is
+    /// being removed.
     Q_INVOKABLE void toggle(int row);
-    /// Shows where a row's finding is, or no longer.
+    /// Shows where a row's finding is, or what belongs to a banner, or no longer.
     Q_INVOKABLE void togglePath(int row);
     /// Shows a row's finding in the file manager.
     Q_INVOKABLE void reveal(int row);
@@ -70,7 +74,7 @@ public:
     Q_INVOKABLE void askToReclaim();
     /// Removes what was asked about, and unticks everything.
     Q_INVOKABLE void reclaim(bool permanently);
-    /// Deletes for good what lies in the Trash of what Quillbrook moved there.
+    /// Deletes for good what lies in the Trash of what Quillbrook moved there, and what is ticked of it.
     Q_INVOKABLE void finishRemoving();
     /// Asks what still lies in the Trash: it may have been emptied meanwhile.
     void recheck() override;
@@ -90,6 +94,8 @@ protected:
 private:
     void tickDefaults();
     void followPhase();
+    void followHeld();
+    void putBack();
     void refresh();
     void setSums();
     void setEmptyMessage();
@@ -99,7 +105,10 @@ private:
     QSet<QString> m_chosen;
     QSet<QString> m_pathShown;
     QList<Finding> m_asked;
-    TrashLedger::Pending m_pending;
+    RemovalState m_removal;
+    bool m_heldShown = false;
+    /// Of things in the Trash that are not ticked.
+    QSet<QString> m_heldBack;
     bool m_canReclaim = false;
     QString m_total;
     QString m_counts;

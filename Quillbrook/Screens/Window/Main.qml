@@ -33,6 +33,10 @@ Window {
         screens: root.screens
     }
 
+    QuitDialog {
+        quitting: root.screens.quitting
+    }
+
     FreeNowDialog {
         offer: root.screens.freeNow
     }

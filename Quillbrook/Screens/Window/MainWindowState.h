@@ -10,6 +10,7 @@
 #include "Screens/Window/ContentState.h"
 #include "Screens/Window/GrantedFolderState.h"
 #include "Screens/Window/PaneStates.h"
+#include "Screens/Window/QuitState.h"
 #include "Screens/Window/SidebarModel.h"
 #include "Screens/Window/TopBarState.h"
 #include "Screens/Window/UpdateLineState.h"
@@ -38,6 +39,7 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::ScanningState *scanning READ scanning CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::FreeNowState *freeNow READ freeNow CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::QuitState *quitting READ quitting CONSTANT FINAL)
     /// What the file that `content` names is made with.
     Q_PROPERTY(QVariantMap shownProperties READ shownProperties FINAL)
     /// The person has asked their desktop for less movement.
@@ -58,6 +60,7 @@ public:
     [[nodiscard]] ScanningState *scanning() { return &m_scanning; }
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
     [[nodiscard]] FreeNowState *freeNow() { return &m_freeNow; }
+    [[nodiscard]] QuitState *quitting() { return &m_quitting; }
     [[nodiscard]] QVariantMap shownProperties();
     [[nodiscard]] bool reducedMotion() const;
 
@@ -83,6 +86,7 @@ private:
     ScanningState m_scanning;
     AskBarState m_askBar;
     FreeNowState m_freeNow;
+    QuitState m_quitting;
 };
 
 } // namespace Quillbrook

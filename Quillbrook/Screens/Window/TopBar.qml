@@ -34,6 +34,7 @@ Item {
         }
 
         PushButton {
+            enabled: root.bar.canAct
             text: root.bar.actionText
             onClicked: root.bar.act()
         }

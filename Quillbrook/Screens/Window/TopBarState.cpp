@@ -10,6 +10,7 @@ TopBarState::TopBarState(AppModel &model, QObject *parent)
     , m_model(model)
 {
     connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &TopBarState::actionTextChanged);
+    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &TopBarState::actionTextChanged);
     connect(&m_model.scans(), &ScanDriver::lastScanDurationChanged, this, &TopBarState::summaryChanged);
     connect(&m_model.scans(), &ScanDriver::scannedFileCountChanged, this, &TopBarState::summaryChanged);
 }
@@ -37,6 +38,11 @@ QString TopBarState::summary() const
 QString TopBarState::actionText() const
 {
     return isScanning() ? tr("Stop") : tr("Rescan");
+}
+
+bool TopBarState::canAct() const
+{
+    return isScanning() || !m_model.removals().isBusy();
 }
 
 bool TopBarState::isScanning() const

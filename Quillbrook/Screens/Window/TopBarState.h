@@ -21,6 +21,8 @@ class TopBarState : public QObject
     Q_PROPERTY(QString summary READ summary NOTIFY summaryChanged FINAL)
     /// What the button is called now.
     Q_PROPERTY(QString actionText READ actionText NOTIFY actionTextChanged FINAL)
+    /// Not while things go, which a scan would have to wait for.
+    Q_PROPERTY(bool canAct READ canAct NOTIFY actionTextChanged FINAL)
 
 public:
     explicit TopBarState(AppModel &model, QObject *parent = nullptr);
@@ -32,6 +34,7 @@ public:
 
     [[nodiscard]] QString summary() const;
     [[nodiscard]] QString actionText() const;
+    [[nodiscard]] bool canAct() const;
 
 Q_SIGNALS:
     void summaryChanged();

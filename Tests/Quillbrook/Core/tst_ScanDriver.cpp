@@ -4,6 +4,7 @@
 #include "Support/Suite.h"
 
 #include <QElapsedTimer>
+#include <QPromise>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThreadPool>
@@ -324,6 +325,41 @@ private Q_SLOTS:
         QTRY_VERIFY(isAt(model, Kind::ready));
         QCOMPARE(fixture.directories.sessionsMade(), 1);
         QVERIFY(!fixture.wasOpened("/home/someone/Documents"));
+    }
+
+    void heldScanStartsWhenItMay()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        QSignalSpy starts(&model.scans(), &ScanDriver::started);
+        model.scans().hold(true);
+        model.scans().scan({ .scope = Scope::complete });
+        model.scans().scan({});
+        model.scans().scan({ .automatic = true });
+        QCOMPARE(starts.count(), 0);
+        QCOMPARE(model.scans().phase().kind, Kind::idle);
+        model.scans().hold(false);
+        QCOMPARE(starts.count(), 1);
+        QCOMPARE(model.scans().scope(), Scope::complete);
+        QTRY_COMPARE(model.scans().phase().kind, Kind::ready);
+        // Nothing was asked for meanwhile.
+        model.scans().hold(true);
+        model.scans().hold(false);
+        QCOMPARE(starts.count(), 1);
+    }
+
+    void judgingWaitsUntilTheDiskHasSettled()
+    {
+        Fixture fixture;
+        AppModel model(fixture.services);
+        QPromise<void> settled;
+        settled.start();
+        model.scans().settleBeforeEvaluation(settled.future());
+        model.scans().scan({});
+        QTest::qWait(300);
+        QCOMPARE(model.scans().phase().kind, Kind::scanning);
+        settled.finish();
+        QTRY_COMPARE(model.scans().phase().kind, Kind::ready);
     }
 
     void automaticScanHappensOncePerRun()

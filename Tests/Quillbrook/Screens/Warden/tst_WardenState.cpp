@@ -4,6 +4,7 @@
 #include "Support/ScannedHome.h"
 #include "Support/Suite.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -287,6 +288,7 @@ private Q_SLOTS:
         QVERIFY(!fixture.warden.canReclaim());
         fixture.warden.askToReclaim();
         fixture.warden.reclaim(true);
+        fixture.settled();
         QCOMPARE(asked.count(), 0);
         QVERIFY(fixture.has(".npm/_cacache/one"));
     }
@@ -320,12 +322,14 @@ private Q_SLOTS:
         DiskFixture fixture;
         fixture.warden.askToReclaim();
         fixture.warden.reclaim(false);
+        fixture.settled();
         QVERIFY(fixture.isTrashed("one"));
         QVERIFY(fixture.isTrashed("log"));
         QVERIFY(fixture.has(".pub-cache/library"));
         QVERIFY(fixture.warden.chosen().isEmpty());
         // The same answer again is no answer.
         fixture.warden.reclaim(true);
+        fixture.settled();
         QVERIFY(fixture.isTrashed("one"));
         fixture.settled();
     }
@@ -335,6 +339,7 @@ private Q_SLOTS:
         DiskFixture fixture;
         fixture.warden.askToReclaim();
         fixture.warden.reclaim(true);
+        fixture.settled();
         QVERIFY(!fixture.has(".npm/_cacache/one"));
         QVERIFY(!fixture.isTrashed("one"));
         QVERIFY(fixture.has(".pub-cache/library"));
@@ -351,6 +356,7 @@ private Q_SLOTS:
         fixture.scan();
         QCOMPARE(fixture.warden.confirmTitle(), u"Move 12.0 KB to the Trash?"_s);
         fixture.warden.reclaim(false);
+        fixture.settled();
         QVERIFY(fixture.isTrashed("one"));
         QVERIFY(fixture.has(".pub-cache/library"));
         fixture.settled();
@@ -388,14 +394,75 @@ private Q_SLOTS:
         fixture.warden.reclaim(false);
         fixture.settled();
         QSignalSpy asked(&fixture.warden, &WardenState::finishAsked);
-        fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner));
+        fixture.warden.act(fixture.banner(WardenRows::pendingTrashBanner), 1);
         QCOMPARE(asked.count(), 1);
         QCOMPARE(fixture.warden.finishTitle(), u"Permanently remove 12.0 KB?"_s);
         QVERIFY(fixture.isTrashed("one"));
         fixture.warden.finishRemoving();
+        fixture.settled();
         QVERIFY(!fixture.isTrashed("one"));
         QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
         fixture.settled();
+    }
+
+    void whatIsTickedInTheTrashIsPutBackOrDeleted()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        const auto trash = [&] { return fixture.banner(WardenRows::pendingTrashBanner); };
+        const auto count = fixture.warden.rows()->rowCount();
+        fixture.warden.togglePath(trash());
+        QCOMPARE(fixture.warden.rows()->rowCount(), count + 2);
+        const auto *first = fixture.warden.rows()->at(trash() + 1);
+        QCOMPARE(first->kind, Kind::Held);
+        // What went last stands first.
+        QCOMPARE(first->title, u"Android build logs · log"_s);
+        QCOMPARE(first->path, u"~/.gradle/daemon/log"_s);
+        fixture.warden.toggle(trash() + 2);
+        QCOMPARE(fixture.warden.finishTitle(), u"Permanently remove 4.0 KB?"_s);
+        fixture.warden.act(trash());
+        fixture.settled();
+        QVERIFY(fixture.has(".gradle/daemon/log"));
+        QVERIFY(fixture.isTrashed("one"));
+        // Nothing is ticked any more, and so neither button has anything to do.
+        QVERIFY(fixture.warden.rows()->at(trash())->actionWaits);
+        QVERIFY(fixture.warden.rows()->at(trash())->otherActionWaits);
+        fixture.warden.toggle(trash() + 1);
+        fixture.warden.finishRemoving();
+        fixture.settled();
+        QVERIFY(!fixture.isTrashed("one"));
+        QCOMPARE(trash(), -1);
+    }
+
+    void nothingCanBeTickedOrStartedWhileThingsGo()
+    {
+        DiskFixture fixture;
+        fixture.warden.askToReclaim();
+        fixture.warden.reclaim(false);
+        fixture.settled();
+        const auto chosen = fixture.warden.chosen();
+        QSemaphore go;
+        fixture.model->removals().enqueue({ .work = [&](const RemovalQueue::Watch &watch) {
+            watch.progress({ .number = 3, .count = 5, .name = u"Saved web pages"_s, .bytes = 1024 });
+            go.acquire();
+        } });
+        QVERIFY(!fixture.warden.canReclaim());
+        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
+            fixture.warden.toggle(row);
+        QCOMPARE(fixture.warden.chosen(), chosen);
+        QVERIFY(fixture.warden.rows()->at(fixture.banner(WardenRows::pendingTrashBanner))->otherActionWaits);
+        QTRY_VERIFY(fixture.warden.removal()->shown());
+        QCOMPARE(fixture.warden.removal()->title(), u"Moving 3 of 5"_s);
+        QCOMPARE(fixture.warden.removal()->detail(), u"Saved web pages · 1.0 KB so far"_s);
+        QCOMPARE(fixture.warden.removal()->share(), 0.4);
+        QVERIFY(fixture.warden.removal()->canStop());
+        fixture.warden.removal()->stop();
+        QVERIFY(!fixture.warden.removal()->canStop());
+        go.release();
+        fixture.settled();
+        QVERIFY(!fixture.warden.removal()->shown());
     }
 
     void pendingTrashGoesByItselfOnceEmptied()
@@ -407,6 +474,7 @@ private Q_SLOTS:
         QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
         std::filesystem::remove_all(fixture.trashFolder);
         fixture.warden.recheck();
+        fixture.known();
         QCOMPARE(fixture.banner(WardenRows::pendingTrashBanner), -1);
     }
 

@@ -1,0 +1,124 @@
+#include "Core/RemovalQueue.h"
+
+#include <chrono>
+#include <mutex>
+#include <utility>
+
+namespace Quillbrook {
+
+using namespace std::chrono_literals;
+
+struct RemovalQueue::Running
+{
+    Removal removal{};
+    std::stop_source stop{};
+    std::mutex mutex{};
+    std::optional<Progress> told{};
+};
+
+RemovalQueue::RemovalQueue(QObject *parent)
+    : QObject(parent)
+{
+    m_thread.setMaxThreadCount(1);
+    m_clock.setInterval(100ms);
+    connect(&m_clock, &QTimer::timeout, this, &RemovalQueue::showProgress);
+}
+
+RemovalQueue::~RemovalQueue()
+{
+    if (m_running)
+        m_running->stop.request_stop();
+    m_thread.waitForDone();
+}
+
+void RemovalQueue::enqueue(Removal removal)
+{
+    if (m_isClosed)
+        return;
+    m_waiting.push_back(std::move(removal));
+    if (!m_running)
+        startNext();
+}
+
+void RemovalQueue::startNext()
+{
+    const bool wasBusy = isBusy();
+    m_progress.reset();
+    if (m_waiting.empty()) {
+        m_running.reset();
+        m_clock.stop();
+        Q_EMIT progressChanged();
+        Q_EMIT busyChanged();
+        return;
+    }
+    m_running = std::make_shared<Running>();
+    m_running->removal = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    if (m_running->removal.begin)
+        m_running->removal.begin();
+    m_clock.start();
+    // Not waited for: it tells by itself when it is done.
+    static_cast<void>(QtConcurrent::run(&m_thread, [this, running = m_running] {
+        const Watch watch{ .progress =
+                               [&running](const Progress &progress) {
+                                   const std::scoped_lock lock(running->mutex);
+                                   running->told = progress;
+                               },
+            .stop = running->stop.get_token() };
+        running->removal.work(watch);
+        // Outlived by the queue, which waits for this thread.
+        QMetaObject::invokeMethod(this, &RemovalQueue::finish, Qt::QueuedConnection);
+    }));
+    if (!wasBusy)
+        Q_EMIT busyChanged();
+    Q_EMIT progressChanged();
+}
+
+// Busy still, so that what the end of a removal asks for waits for its turn.
+void RemovalQueue::finish()
+{
+    if (const auto running = m_running; running->removal.end)
+        running->removal.end();
+    startNext();
+}
+
+void RemovalQueue::stop()
+{
+    if (!m_running || !m_running->stop.request_stop())
+        return;
+    Q_EMIT progressChanged();
+}
+
+void RemovalQueue::close()
+{
+    m_isClosed = true;
+    m_waiting.clear();
+    stop();
+}
+
+bool RemovalQueue::isStopping() const
+{
+    return m_running && m_running->stop.stop_requested();
+}
+
+RemovalQueue::Verb RemovalQueue::verb() const
+{
+    return m_running ? m_running->removal.verb : Verb::moving;
+}
+
+void RemovalQueue::showProgress()
+{
+    if (!m_running)
+        return;
+    std::optional<Progress> told;
+    {
+        const std::scoped_lock lock(m_running->mutex);
+        told = m_running->told;
+    }
+    if (told == m_progress)
+        return;
+    m_progress = std::move(told);
+    Q_EMIT progressChanged();
+}
+
+} // namespace Quillbrook
