@@ -1,6 +1,7 @@
 // Writes the texts of the Kit's tables as a source file that the extraction of texts can read: it finds what
 // stands in a call, and a table is none.
 
+#include "Automation/AutomationPreset.h"
 #include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/Safety.h"
 #include "Catalogue/StorageCatalogue.h"
@@ -64,6 +65,10 @@ int main()
         }
         for (const auto &row : host.suitability)
             listing.add(row.hotReason.value_or(QString()));
+        for (const auto &preset : AutomationPreset::all(host)) {
+            listing.add(preset.title);
+            listing.add(preset.blurb);
+        }
         for (const auto &guard : PathGuards::builtIn())
             listing.add(guard.sentence);
         for (const auto &guard : LinuxGuards::guards({}).guards)

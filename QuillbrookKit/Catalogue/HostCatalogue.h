@@ -49,6 +49,20 @@ struct HostRuleIds
     bool operator==(const HostRuleIds &) const = default;
 };
 
+/// A bundle of rules that the host alone has, to be switched on as one.
+struct HostPreset
+{
+    QString id{};
+    QString title{};
+    /// What it covers and what clearing it costs.
+    QString blurb{};
+    /// Each of a rule that is `safe`, and in no other preset.
+    QStringList ruleIds{};
+    double triggerUsedPercent = 90.0;
+
+    bool operator==(const HostPreset &) const = default;
+};
+
 /// Whether what a rule finds may move to another volume: never with a reason, always without.
 struct HostSuitability
 {
@@ -98,6 +112,8 @@ struct HostCatalogue
     QList<HostRule> rules{};
     QList<HostRuleIds> related{};
     QList<HostRuleIds> presets{};
+    /// After the built-in presets, in this order.
+    QList<HostPreset> ownPresets{};
     QList<HostSuitability> suitability{};
     QList<HostItemisation> itemisations{};
     /// Folders with the desktop entries of sandboxed applications, absolute or relative to the home folder.

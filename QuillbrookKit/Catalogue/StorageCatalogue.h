@@ -26,6 +26,9 @@ namespace StorageCatalogue {
 /// The thirty built-in rules in the order of evaluation. Built once, never changed afterwards.
 [[nodiscard]] std::span<const ReclaimRule> rules();
 
+/// The rule of an id, the host's among them; null for an id without one. Lives as long as `host`.
+[[nodiscard]] const ReclaimRule *rule(const QString &ruleId, const HostCatalogue *host = nullptr);
+
 /// Where to look.
 struct Places
 {

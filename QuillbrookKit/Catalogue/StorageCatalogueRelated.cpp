@@ -31,6 +31,17 @@ const QStringList *lookUp(const QList<HostRuleIds> &table, const QString &id)
 
 } // namespace
 
+const ReclaimRule *rule(const QString &ruleId, const HostCatalogue *host)
+{
+    if (const auto found = std::ranges::find(rules(), ruleId, &ReclaimRule::id); found != rules().end())
+        return &*found;
+    if (host)
+        for (const auto &row : host->rules)
+            if (row.rule.id == ruleId)
+                return &row.rule;
+    return nullptr;
+}
+
 QStringList related(const QString &ruleId, const HostCatalogue *host)
 {
     if (const auto *ids = lookUp(builtInRelations(), ruleId))

@@ -236,6 +236,7 @@ SPOKEN = re.compile(r"^[^\w]*([A-Z][a-z]+|[A-Z]{4,}|.*[A-Za-z]{2}.*[ …].*|.*[ 
 # Where a literal of that form is not read by a person in their own language: lines that are logged, and what goes
 # with them, stay English, and the tables are translated where they are shown.
 ENGLISH = {
+    "QuillbrookKit/Automation/AutomationPreset.cpp": "a table, translated where it is shown",
     "QuillbrookKit/Catalogue/": "tables, translated where they are shown",
     "QuillbrookKit/Removal/": "sentences of the log, and tables",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",

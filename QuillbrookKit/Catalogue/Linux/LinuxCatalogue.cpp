@@ -115,6 +115,7 @@ HostCatalogue catalogue(
     HostCatalogue result{ .locations = locations(),
         .related = related(),
         .presets = presets(),
+        .ownPresets = ownPresets(),
         .suitability = suitability(),
         .itemisations = movedItemisations(paths),
         .desktopEntryFolders = desktopEntryFolders(paths) };

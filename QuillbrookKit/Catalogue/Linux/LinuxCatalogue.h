@@ -30,6 +30,7 @@ namespace Quillbrook::LinuxCatalogue {
 [[nodiscard]] const QList<HostRule> &reportRules();
 [[nodiscard]] const QList<HostRuleIds> &related();
 [[nodiscard]] const QList<HostRuleIds> &presets();
+[[nodiscard]] const QList<HostPreset> &ownPresets();
 [[nodiscard]] const QList<HostSuitability> &suitability();
 [[nodiscard]] const QList<HostItemisation> &itemisations();
 

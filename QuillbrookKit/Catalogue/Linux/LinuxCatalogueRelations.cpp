@@ -51,6 +51,39 @@ const QList<HostRuleIds> &presets()
     return table;
 }
 
+const QList<HostPreset> &ownPresets()
+{
+    // clang-format off
+    static const QList<HostPreset> table = {
+        {
+            .id = u"preset.previews"_s,
+            .title = u"Keep previews and desktop scratch files down"_s,
+            .blurb = u"Little pictures and lists your file manager, photo album and desktop keep at hand. Made again as you go. Your photos are not touched."_s,
+            .ruleIds = { u"linux.thumbnails"_s, u"photo.previews"_s, u"linux.desktop"_s },
+        },
+        {
+            .id = u"preset.graphics"_s,
+            .title = u"Keep graphics speed-up files down"_s,
+            .blurb = u"Graphics code prepared for your games and apps. Prepared again as they need it, and a game may stutter a little the first time."_s,
+            .ruleIds = { u"linux.shaders"_s },
+        },
+        {
+            .id = u"preset.compilers"_s,
+            .title = u"Keep compiler results in check"_s,
+            .blurb = u"What compilers and code checkers remember so they need not work it out twice. The next build is slow once, and nothing is downloaded."_s,
+            .ruleIds = { u"compiler.caches"_s },
+        },
+        {
+            .id = u"preset.flatpak"_s,
+            .title = u"Keep Flatpak app caches down"_s,
+            .blurb = u"What Flatpak apps keep at hand so that they need not fetch it again. Only apps that are closed at the time are cleared."_s,
+            .ruleIds = { u"flatpak.caches"_s },
+        },
+    };
+    // clang-format on
+    return table;
+}
+
 // Rules not listed are hot for the reason that holds for whatever is not recognised.
 const QList<HostSuitability> &suitability()
 {
