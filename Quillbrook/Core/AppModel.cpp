@@ -17,6 +17,9 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_removals(this)
     , m_reclaims(m_services.kit,
           { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .queue = m_removals }, this)
+    , m_automation(m_services,
+          { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .removals = ruleRemovals() },
+          this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
 {
@@ -28,6 +31,11 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
         m_scans.settleBeforeEvaluation(m_reclaims.flushing());
         m_scans.scan({});
     });
+    connect(&m_automation, &AutomationDriver::diskChanged, this, [this] { m_scans.scan({}); });
+    connect(&m_reclaims, &ReclaimDriver::findingsCleared, &m_automation, &AutomationDriver::offerAfter);
+    connect(&m_automation, &AutomationDriver::offerFailed, &m_reclaims, &ReclaimDriver::appendLog);
+    connect(&m_watch, &WatchDriver::lastWatchChanged, &m_automation,
+        [this] { m_automation.takeLook(*m_watch.lastWatch()); });
     // What is measured while things go would be wrong before it is shown.
     connect(&m_removals, &RemovalQueue::busyChanged, this, [this] { m_scans.hold(m_removals.isBusy()); });
 }
@@ -38,11 +46,22 @@ AppModel::~AppModel()
     m_removals.wait();
 }
 
+RuleRemovals AppModel::ruleRemovals()
+{
+    return { .clear
+        = [this](const QList<Finding> &findings,
+              const RuleRemovals::Cleared &cleared) { m_reclaims.clearForRules(findings, cleared); },
+        .purge = [this](const std::vector<TrashedItem> &items,
+                     const RuleRemovals::Purged &purged) { m_reclaims.purge(items, purged); },
+        .ledger = m_reclaims.ledger() };
+}
+
 // The calls at a scan's end. Their order counts: a claim is verified by figures that were read for it.
 void AppModel::endScan()
 {
     m_reclaims.verifyClaim();
     m_volume.refreshVolume();
+    m_automation.run();
 }
 
 void AppModel::start(Background &background)
@@ -61,6 +80,7 @@ void AppModel::start(Background &background)
 void AppModel::startRuleClock()
 {
     m_volume.startClock();
+    m_automation.startClock();
 }
 
 } // namespace Quillbrook

@@ -4,6 +4,7 @@
 // It lives on the main thread. Whatever takes long runs on the thread pool, takes and returns values, and
 // ends silently when it is out of date.
 
+#include "Core/AutomationDriver.h"
 #include "Core/Navigation.h"
 #include "Core/ReclaimDriver.h"
 #include "Core/RemovalQueue.h"
@@ -39,6 +40,8 @@ public:
     [[nodiscard]] const RemovalQueue &removals() const { return m_removals; }
     [[nodiscard]] ReclaimDriver &reclaims() { return m_reclaims; }
     [[nodiscard]] const ReclaimDriver &reclaims() const { return m_reclaims; }
+    [[nodiscard]] AutomationDriver &automation() { return m_automation; }
+    [[nodiscard]] const AutomationDriver &automation() const { return m_automation; }
     [[nodiscard]] WatchDriver &watch() { return m_watch; }
     [[nodiscard]] const WatchDriver &watch() const { return m_watch; }
     [[nodiscard]] UpdateDriver &updates() { return m_updates; }
@@ -53,6 +56,7 @@ public:
     void startRuleClock();
 
 private:
+    [[nodiscard]] RuleRemovals ruleRemovals();
     void endScan();
 
     // Each refers to some of those above it, and goes before them.
@@ -62,6 +66,7 @@ private:
     Navigation m_navigation;
     RemovalQueue m_removals;
     ReclaimDriver m_reclaims;
+    AutomationDriver m_automation;
     WatchDriver m_watch;
     UpdateDriver m_updates;
     bool m_hasStarted = false;

@@ -93,6 +93,8 @@ public:
     void verifyClaim();
     void dismissVerification();
     void clearFreeNowOffer();
+    /// Adds a line to what removals did.
+    void appendLog(const QString &line);
     /// Asks off the main thread whether a backup stands behind a deletion.
     void refreshSafetyNet();
 
@@ -171,7 +173,6 @@ private:
     void closeBooks(qint64 bytes, std::vector<HeldItem> held);
     void setHeld(std::vector<HeldItem> held);
     void recordReclaimed(qint64 bytes);
-    void appendLog(const QString &line);
     void prependLog(const QString &line);
     void offerToFree(qint64 bytes, const std::vector<QString> &ids);
     void startFlush();

@@ -240,6 +240,7 @@ ENGLISH = {
     "QuillbrookKit/Catalogue/": "tables, translated where they are shown",
     "QuillbrookKit/Removal/": "sentences of the log, and tables",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
+    "Quillbrook/Core/AutomationDriver.cpp": "sentences of the log",
     "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
     "Quillbrook/Platform/Linux/Bus/": "errors told to programs",
     "Quillbrook/Platform/Linux/Tray/TrayMenu.cpp": "an error told to programs, and texts that TrayTexts words",
