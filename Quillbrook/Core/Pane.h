@@ -46,7 +46,8 @@ inline constexpr std::array paneTable{
     PaneRow{ Pane::search, QT_TRANSLATE_NOOP("Panes", "Find a file"), "magnifyingglass", 4,
         "Lists/SearchPane.qml", "search" },
     PaneRow{ Pane::photos, QT_TRANSLATE_NOOP("Panes", "Photos by date"), "photo.on.rectangle.angled", 5 },
-    PaneRow{ Pane::rules, QT_TRANSLATE_NOOP("Panes", "Automatic rules"), "wand.and.stars", 6 },
+    PaneRow{ Pane::rules, QT_TRANSLATE_NOOP("Panes", "Automatic rules"), "wand.and.stars", 6,
+        "Rules/RulesPane.qml", "rules" },
     PaneRow{
         Pane::offload, QT_TRANSLATE_NOOP("Panes", "Move to another drive"), "externaldrive.badge.plus", 7 },
     PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8 },

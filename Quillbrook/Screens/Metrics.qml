@@ -80,6 +80,7 @@ QtObject {
     readonly property int heldSizeWidth: 72
     readonly property int chevronSide: 28
     readonly property int listInDialogHeight: 200
+    readonly property int introWidth: 752
     readonly property int tooltipWidth: 320
     readonly property int tooltipPaddingX: 9
     readonly property int tooltipPaddingY: 6

@@ -4,12 +4,13 @@ import QtQuick
 import Quillbrook
 
 // A piece of a card that a list draws row by row: round at the top of the first row and at the bottom of the
-// last, and divided by hairlines between.
+// last, and divided by hairlines between unless `divided` says otherwise.
 Item {
     id: root
 
     property bool first: false
     property bool last: false
+    property bool divided: true
 
     clip: true
 
@@ -23,6 +24,6 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        visible: !root.first
+        visible: root.divided && !root.first
     }
 }

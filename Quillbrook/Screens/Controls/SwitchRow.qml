@@ -14,8 +14,11 @@ Item {
     required property string title
     property string text: ""
     property string caption: ""
-    /// A last line, in the colour of what is safe.
+    /// A last line, in the colour of `noteTone`.
     property string note: ""
+    property color noteTone: Theme.safe
+    /// The Tab key stops at the switch.
+    property bool reachable: true
     property string size: ""
     /// Another row stands above it in the same card.
     property bool divided: false
@@ -80,7 +83,7 @@ Item {
         CaptionText {
             Layout.fillWidth: true
             Layout.minimumHeight: Metrics.captionLine
-            color: Theme.safe
+            color: root.noteTone
             text: root.note
             visible: text !== ""
             wrapMode: Text.Wrap
@@ -117,6 +120,7 @@ Item {
 
         ToggleSwitch {
             Accessible.description: root.text
+            activeFocusOnTab: root.reachable
             anchors.verticalCenter: parent.verticalCenter
             checked: root.on
             name: root.title

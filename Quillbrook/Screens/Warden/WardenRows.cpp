@@ -144,6 +144,29 @@ WardenRow scanOffer()
              "for each one.") };
 }
 
+QString translatedTitle(Finding finding)
+{
+    finding.rule.title = translatedTableText(finding.rule.title);
+    if (finding.locationLabel)
+        finding.locationLabel = translatedTableText(*finding.locationLabel);
+    return finding.displayTitle();
+}
+
+WardenRow offerBanner(const Finding &finding)
+{
+    return { .kind = WardenLines::Kind::Banner,
+        .id = automationOfferBanner,
+        .title = tr("Do this again on its own?"),
+        .note = tr("To the Trash, never permanently · only this one item · off again in one click"),
+        .tone = Theme::accent(),
+        .symbol = u"wand.and.stars"_s,
+        .action = tr("Turn it on"),
+        .otherAction = tr("No thanks"),
+        .what
+        = tr("%1 was %2, and it comes back. Quillbrook can clear it whenever the disk reaches 90% full.")
+              .arg(singleLine(translatedTitle(finding)), Format::bytes(finding.bytes)) };
+}
+
 QList<WardenRow> banners(const Input &input)
 {
     QList<WardenRow> rows;
@@ -151,6 +174,8 @@ QList<WardenRow> banners(const Input &input)
         rows.append(netBanner());
     if (input.verification)
         rows.append(banner(*input.verification, input.stayedReasons));
+    if (input.automationOffer)
+        rows.append(offerBanner(*input.automationOffer));
     rows.append(trashBanner(input));
     if (input.offersCompleteScan)
         rows.append(scanOffer());
@@ -164,14 +189,6 @@ WardenRow heading(const ReclaimReport &report, Safety safety)
         .size = Format::bytes(report.bytes(safety)),
         .note = safety == Safety::reportOnly ? tr("· Quillbrook never picks these") : QString(),
         .tone = tone(safety) };
-}
-
-QString translatedTitle(Finding finding)
-{
-    finding.rule.title = translatedTableText(finding.rule.title);
-    if (finding.locationLabel)
-        finding.locationLabel = translatedTableText(*finding.locationLabel);
-    return finding.displayTitle();
 }
 
 WardenRow row(const Finding &finding, const Input &input)

@@ -21,6 +21,7 @@ namespace Quillbrook::WardenRows {
 /// Which banner a line is, as its id.
 inline constexpr QLatin1String safetyNetBanner("safetyNet");
 inline constexpr QLatin1String verificationBanner("verification");
+inline constexpr QLatin1String automationOfferBanner("automationOffer");
 inline constexpr QLatin1String pendingTrashBanner("pendingTrash");
 inline constexpr QLatin1String completeScanOffer("completeScan");
 
@@ -35,6 +36,8 @@ struct Input
     const std::optional<Verification> &verification;
     /// Why space did not come back, as far as it was found.
     const QStringList &stayedReasons;
+    /// What a rule is offered for.
+    const std::optional<Finding> &automationOffer;
     /// What Quillbrook moved to the Trash and what still lies there, whether that is listed, and the ids of
     /// what is not ticked there.
     const std::vector<HeldItem> &held;

@@ -39,6 +39,7 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     connect(&m_model.scans(), &ScanDriver::scopeChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::reclaimLogChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::lastVerificationChanged, this, &WardenState::refresh);
+    connect(&m_model.automation(), &AutomationDriver::offerChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::safetyNetChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::followHeld);
     connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &WardenState::refresh);
@@ -138,6 +139,8 @@ void WardenState::act(int row, int button)
     const auto *line = m_rows.at(row);
     if (!line || line->kind != WardenLines::Kind::Banner)
         return;
+    if (line->id == WardenRows::automationOfferBanner)
+        return button == 0 ? m_model.automation().acceptOffer() : m_model.automation().declineOffer();
     if (line->id == WardenRows::verificationBanner)
         m_model.reclaims().dismissVerification();
     else if (line->id == WardenRows::pendingTrashBanner && !m_model.removals().isBusy())
@@ -215,6 +218,7 @@ void WardenState::refresh()
         .safetyNet = m_model.reclaims().safetyNet(),
         .verification = m_model.reclaims().lastVerification(),
         .stayedReasons = m_model.reclaims().stayedReasons(),
+        .automationOffer = m_model.automation().offer(),
         .held = m_model.reclaims().held(),
         .heldShown = m_heldShown,
         .heldBack = m_heldBack,

@@ -6,6 +6,7 @@
 #include "Screens/Map/BreadcrumbModel.h"
 #include "Screens/Map/MapState.h"
 #include "Screens/Map/SelectionBarState.h"
+#include "Screens/Rules/RulesState.h"
 #include "Screens/Warden/WardenState.h"
 
 namespace Quillbrook {
@@ -26,6 +27,7 @@ PaneStates::PaneStates(AppModel &model, QObject *parent)
     add(Pane::map, new MapState(model, this), withCrumbs);
     add(Pane::largest, new LargestState(model, this), selection);
     add(Pane::search, new SearchState(model, this), selection);
+    add(Pane::rules, new RulesState(model, this));
 }
 
 void PaneStates::add(Pane pane, PaneState *state, const QVariantMap &others)

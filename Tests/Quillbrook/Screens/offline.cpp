@@ -1,11 +1,11 @@
 // The main window, or the panel in the tray, over a made-up machine, for looking at screens that a real one
 // shows only now and then:
 //
-//     quillbrook-offline [ready|scanning|idle|full|gate|sandbox]
+//     quillbrook-offline [ready|scanning|idle|full|gate|sandbox|rules]
 //     quillbrook-offline panel [allowed|denied|new|off|scanning]
 //
 // "gate" is a sandbox without a folder, where the gate's button grants one on another volume; in "sandbox"
-// one has been granted, and a newer version is out.
+// one has been granted, and a newer version is out. In "rules" there is something to automate.
 //
 // Nothing of the machine it runs on is read or changed.
 
@@ -105,6 +105,47 @@ void pretendSandbox(FakeServices &machine)
         = HttpAnswer{ .status = 200, .body = R"({"version": "2.0.1", "url": "https://updates.test/2.0.1"})" };
 }
 
+/// Something at some of the catalogue's places, and rules that have fired.
+void pretendRules(FakeServices &machine)
+{
+    const auto place = [&machine](const std::string &name, double gibibytes) {
+        const auto slash = name.rfind('/');
+        const auto path = "/home/someone/" + name;
+        machine.directories.folder("/home/someone/" + name.substr(0, slash),
+            { FakeDirectories::aFolder("_cacache"), FakeDirectories::aFolder("daemon"),
+                FakeDirectories::aFolder("pip"), FakeDirectories::aFolder("google-chrome") });
+        machine.directories.folder(path,
+            { FakeDirectories::aFile(
+                "content", static_cast<qint64>(gibibytes * static_cast<double>(gibi))) });
+        machine.files.entries[path] = {};
+    };
+    machine.directories.folder("/home/someone",
+        { FakeDirectories::aFolder(".npm"), FakeDirectories::aFolder(".gradle"),
+            FakeDirectories::aFolder("pages"), FakeDirectories::aFolder("media") });
+    place(".npm/_cacache", 2.9);
+    place(".gradle/daemon", 0.3);
+    place("pages/google-chrome", 1.6);
+    place("media/pip", 1.4);
+    machine.host.facts.catalogue.locations
+        = { { u"browser.caches"_s, { { u"pages/google-chrome"_s, u"Chrome"_s } } } };
+    machine.host.facts.catalogue.rules
+        = { { .rule = { .id = u"media.previews"_s,
+                  .title = u"Premiere and After Effects cache"_s,
+                  .what = u"Conformed audio and peak files Adobe generates while you edit."_s,
+                  .safety = Safety::safe,
+                  .paths = { u"media/pip"_s } },
+            .locations = { { u"media/pip"_s, u"Adobe"_s } } } };
+    const std::string folder = "/home/someone/.local/share/Quillbrook/";
+    machine.stored.files[folder + "automation-presets.json"] = R"(["preset.iosupdates"])";
+    machine.stored.files[folder + "automation.json"]
+        = QByteArray(R"([ROW,{"id":"0B9A2C1E-5D3F-4A6B-8C7D-112233445567",)")
+              .append(R"("ruleID":"chat.caches","path":"/x","triggerUsedPercent":95,)")
+              .append(R"("cadence":"once","enabled":false,"lastFiredAt":735000000,"timesFired":1}])")
+              .replace("ROW",
+                  R"({"id":"0B9A2C1E-5D3F-4A6B-8C7D-112233445566","ruleID":"xcode.deriveddata","path":"/y",)"
+                  R"("triggerUsedPercent":90,"cadence":"everyTime","enabled":true,"lastFiredAt":738000000,"timesFired":3})");
+}
+
 void pretendProgress(ScanProgress &progress)
 {
     progress.setFindings(pretendFindings());
@@ -135,6 +176,8 @@ int showWindow(FakeServices &machine, const QString &what)
     if (what == u"sandbox"_s)
         machine.defaults.values.insert(
             u"Quillbrook.homeBookmark"_s, QByteArray::fromStdString(*machine.desktop.folderPicker.answer));
+    if (what == u"rules"_s)
+        pretendRules(machine);
     std::optional<FolderHold> hold;
     if (what == u"scanning"_s || what == u"idle"_s)
         hold.emplace(machine.directories, "/home/someone");

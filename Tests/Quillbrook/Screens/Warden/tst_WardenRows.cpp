@@ -46,6 +46,7 @@ struct Fixture
             .safetyNet = safetyNet,
             .verification = verification,
             .stayedReasons = reasons,
+            .automationOffer = offer,
             .held = held,
             .heldShown = heldShown,
             .heldBack = heldBack,
@@ -71,6 +72,7 @@ struct Fixture
     std::vector<HeldItem> held;
     bool heldShown = false;
     QSet<QString> heldBack;
+    std::optional<Finding> offer;
     bool offers = false;
     QStringList log;
 };
@@ -105,11 +107,13 @@ private Q_SLOTS:
         fixture.safetyNet = SafetyNet{};
         fixture.verification = Verification{};
         fixture.held = { inTrash("a", 1) };
+        fixture.offer = Finding();
         fixture.offers = true;
         QStringList ids;
         for (const auto &row : fixture.rows())
             ids.append(row.id);
-        QCOMPARE(ids, QStringList({ "safetyNet", "verification", "pendingTrash", "completeScan" }));
+        QCOMPARE(ids,
+            QStringList({ "safetyNet", "verification", "automationOffer", "pendingTrash", "completeScan" }));
     }
 
     void missingBackupIsToldOnlyWhenKnown()
@@ -173,6 +177,26 @@ private Q_SLOTS:
         QCOMPARE(row.what, text);
         QCOMPARE(row.action, u"Dismiss"_s);
         QCOMPARE(row.tone, fixture.verification->isGood() ? Theme::safe() : Theme::careful());
+    }
+
+    void offerOfARuleSaysWhatItMeans()
+    {
+        Fixture fixture;
+        fixture.offer = Finding{ .rule = { .title = u"Saved web pages"_s },
+            .bytes = 3 * 1'073'741'824LL,
+            .locationLabel = u"Chrome"_s };
+        const auto row = fixture.rows().first();
+        QCOMPARE(row.title, u"Do this again on its own?"_s);
+        QCOMPARE(row.what,
+            u"Saved web pages · Chrome was 3.0 GB, and it comes back. Quillbrook can clear it whenever the "
+            u"disk "
+            "reaches 90% full."_s);
+        QCOMPARE(
+            row.note, u"To the Trash, never permanently · only this one item · off again in one click"_s);
+        QCOMPARE(row.symbol, u"wand.and.stars"_s);
+        QCOMPARE(row.tone, Theme::accent());
+        QCOMPARE(
+            QStringList({ row.action, row.otherAction }), QStringList({ u"Turn it on"_s, u"No thanks"_s }));
     }
 
     void pendingTrashTellsHowMuchOfOurs()

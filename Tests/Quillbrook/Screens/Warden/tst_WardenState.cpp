@@ -530,6 +530,30 @@ private Q_SLOTS:
         QCOMPARE(fixture.warden.rows()->rows().last().kind, Kind::LogLine);
         QCOMPARE(fixture.warden.rows()->rows().last().title, u"✓ Android build logs — 4.0 KB to Trash"_s);
     }
+
+    void offerOfARuleIsTakenOrRefused_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<qsizetype>("rules");
+        QTest::newRow("taken") << 0 << qsizetype{ 1 };
+        QTest::newRow("refused") << 1 << qsizetype{ 0 };
+    }
+    void offerOfARuleIsTakenOrRefused()
+    {
+        QFETCH(int, button);
+        Fixture fixture;
+        fixture.scan();
+        auto cleared = fixture.warden.chosenFindings().first();
+        cleared.bytes = AutomationStore::worthAutomating;
+        fixture.model.automation().offerAfter({ cleared });
+        const auto &rows = fixture.warden.rows()->rows();
+        const auto row = std::ranges::find(rows, WardenRows::automationOfferBanner, &WardenRow::id);
+        QVERIFY(row != rows.end());
+        fixture.warden.act(static_cast<int>(row - rows.begin()), button);
+        QVERIFY(!fixture.model.automation().offer());
+        QVERIFY(std::ranges::find(rows, WardenRows::automationOfferBanner, &WardenRow::id) == rows.end());
+        QTEST(fixture.model.automation().store().rules().size(), "rules");
+    }
 };
 
 QUILLBROOK_SUITE(TestWardenState, QCoreApplication)
