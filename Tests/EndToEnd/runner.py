@@ -2,7 +2,8 @@
 """Runs one suite of end-to-end tests: runner.py --program PROGRAM --helpers FOLDER SUITE [unittest arguments].
 
 The suite runs in a process below this one, which on every way out ends all that was started. Root passes every
-permission check, so for root the suite runs as an ordinary user, from copies which that user can read."""
+permission check, so for root the suite runs as an ordinary user, from copies which that user can read; with --large-disk,
+root gives it a large disk before that."""
 
 import argparse
 import faulthandler
@@ -13,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 
+import large_volume
 import processes
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -26,6 +28,7 @@ def supervise(arguments):
     try:
         work.mkdir()
         folder.chmod(0o755)
+        environment = os.environ | {"TMPDIR": str(work)}
         suites, helpers, program, before = HERE, arguments.helpers.resolve(), arguments.program.resolve(), []
         if os.getuid() == 0:
             tests = shutil.copytree(HERE.parent, folder / "tests", ignore=shutil.ignore_patterns("__pycache__"))
@@ -33,10 +36,15 @@ def supervise(arguments):
             helpers = shutil.copytree(helpers, folder / "helpers")
             program = shutil.copy2(program, folder / "quillbrook")
             os.chown(work, ORDINARY_USER, ORDINARY_USER)
-            before = ["setpriv", f"--reuid={ORDINARY_USER}", f"--regid={ORDINARY_USER}", "--clear-groups", "--"]
+            if arguments.large_disk:
+                disk = folder / "disk"
+                disk.mkdir()
+                before = large_volume.mounting(folder / "disk.img", disk, ORDINARY_USER)
+                environment["LARGE_DISK"] = str(disk)
+            before += ["setpriv", f"--reuid={ORDINARY_USER}", f"--regid={ORDINARY_USER}", "--clear-groups", "--"]
         command = [*before, sys.executable, "-B", suites / "runner.py", "--below", "--program", program,
                    "--helpers", helpers, "--seconds", str(arguments.seconds), arguments.suite, *arguments.rest]
-        child = processes.start(command, env=os.environ | {"TMPDIR": str(work)}, cwd=work)
+        child = processes.start(command, env=environment, cwd=work)
         return child.wait(arguments.seconds + 30)
     except subprocess.TimeoutExpired:
         print("The suite did not end.", file=sys.stderr)
@@ -61,6 +69,7 @@ def main():
     parser.add_argument("--helpers", required=True, type=pathlib.Path)
     parser.add_argument("--pictures", type=pathlib.Path, help="where pictures of failed tests go")
     parser.add_argument("--seconds", type=float, default=200)
+    parser.add_argument("--large-disk", action="store_true", help="of 64 GB, where it can be mounted")
     parser.add_argument("--below", action="store_true", help=argparse.SUPPRESS)
     parser.add_argument("suite", help="its name; of one in another folder, with the way there from this one")
     parser.add_argument("rest", nargs=argparse.REMAINDER)

@@ -111,7 +111,7 @@ Sheet {
             SegmentedPicker {
                 current: root.editor.cadence
                 name: qsTr("How often")
-                options: root.editor.cadences
+                options: [root.editor.cadences[0], root.editor.cadences[1]]
                 onPicked: index => root.editor.cadence = index
             }
         }

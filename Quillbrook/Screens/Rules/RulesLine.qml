@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Quillbrook
 
 // One line of the screen "Automatic rules", drawn as what it is.

@@ -72,6 +72,12 @@ Item {
         id: sheet
 
         editor: root.rules.editor
+
+        // Back to where the sheet was opened from.
+        onClosed: {
+            if (list.currentItem)
+                list.currentItem.forceActiveFocus(Qt.PopupFocusReason);
+        }
     }
 
     Connections {

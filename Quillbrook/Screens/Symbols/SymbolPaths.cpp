@@ -47,6 +47,9 @@ constexpr std::array rows{
     Row{ "clock.arrow.circlepath",
         "M 2.1 2.4 L 2.1 5.6 L 5.3 5.6 A 8 8.2 6.1 154 -334 M 8 5 L 8 8.4 L 10.4 9.8" },
 
+    Row{ "arrow.uturn.backward",
+        "M 5.4 2.8 L 2 6.2 L 5.4 9.6 M 2.2 6.2 L 10.2 6.2 C 15.2 6.2 15.2 13 10.2 13 L 6.6 13" },
+
     // What a thing is.
     Row{ "folder.fill", "M 1.8 12.8 L 1.8 3.2 L 6.2 3.2 L 7.8 5 L 14.2 5 L 14.2 12.8 Z" },
     Row{ "doc.fill", "M 3.2 1.8 L 9 1.8 L 12.8 5.6 L 12.8 14.2 L 3.2 14.2 Z M 8.8 2 L 8.8 5.8 L 12.6 5.8" },

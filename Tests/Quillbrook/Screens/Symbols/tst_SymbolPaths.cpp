@@ -47,7 +47,7 @@ private Q_SLOTS:
         for (const auto *name :
             { "sparkles", "chevron.right", "folder.fill", "doc.fill", "xmark", "hand.raised.fill", "trash",
                 "checkmark", "exclamationmark.shield.fill", "folder.badge.questionmark", "internaldrive",
-                "arrow.clockwise", "calendar", "chevron.left" })
+                "arrow.clockwise", "arrow.uturn.backward", "calendar", "chevron.left" })
             QTest::newRow(name) << QString::fromLatin1(name);
     }
 
