@@ -12,7 +12,7 @@ import os
 import sys
 from pathlib import Path
 
-from comparison import application, background, catalogue, machine, peers, removal, scanning
+from comparison import application, background, catalogue, machine, peers, removal, rules, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -29,6 +29,7 @@ MEASURES = {
     "background": background.background,
     "catalogue": catalogue.catalogue,
     "removal": removal.removal,
+    "rules": rules.rules,
     "growth": scanning.growth,
     "cold": scanning.cold,
     "shapes": scanning.odd_shapes,

@@ -14,6 +14,9 @@ Item {
     readonly property bool acts: kind === RulesLines.Preset || kind === RulesLines.Rule || kind === RulesLines.Suggestion
     readonly property bool current: ListView.isCurrentItem
 
+    // Something is done here, by the pointer as well: the keyboard goes on from this line.
+    signal touched
+
     // What can't be acted on speaks for itself.
     Accessible.description: row.spoken
     Accessible.ignored: !acts
@@ -154,7 +157,10 @@ Item {
                 size: root.row.size
                 text: root.row.text
                 title: root.row.title
-                onAsked: wanted => root.rules.setOn(root.index, wanted)
+                onAsked: wanted => {
+                    root.touched();
+                    root.rules.setOn(root.index, wanted);
+                }
             }
         }
     }
@@ -180,13 +186,19 @@ Item {
                 reachable: root.current
                 text: root.row.text
                 title: root.row.title
-                onAsked: wanted => root.rules.setOn(root.index, wanted)
+                onAsked: wanted => {
+                    root.touched();
+                    root.rules.setOn(root.index, wanted);
+                }
 
                 PushButton {
                     Accessible.description: root.row.title
                     activeFocusOnTab: root.current
                     text: qsTr("Remove")
-                    onClicked: root.rules.remove(root.index)
+                    onClicked: {
+                        root.touched();
+                        root.rules.remove(root.index);
+                    }
                 }
             }
         }
@@ -207,7 +219,10 @@ Item {
                 anchors.right: parent.right
                 current: root.current
                 row: root.row
-                onAutomated: root.rules.automate(root.index)
+                onAutomated: {
+                    root.touched();
+                    root.rules.automate(root.index);
+                }
             }
         }
     }

@@ -56,8 +56,9 @@ Item {
         objectName: "rulesList"
         topMargin: Metrics.space20
 
+        // Not where a press has given the keyboard to a control in a row.
         onActiveFocusChanged: {
-            if (activeFocus && currentIndex < 0)
+            if (currentIndex < 0 && Window.activeFocusItem === list)
                 step(1);
         }
 
@@ -65,6 +66,7 @@ Item {
         delegate: RulesLine {
             rules: root.rules
             width: ListView.view.width
+            onTouched: list.currentIndex = index
         }
     }
 
