@@ -27,11 +27,12 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     connect(&m_scans, &ScanDriver::treeChanged, &m_navigation, &Navigation::enterTree);
     connect(&m_scans, &ScanDriver::finished, this, &AppModel::endScan);
     // What changed the disk is measured again.
-    connect(&m_reclaims, &ReclaimDriver::diskChanged, this, [this] {
+    const auto measureAgain = [this] {
         m_scans.settleBeforeEvaluation(m_reclaims.flushing());
         m_scans.scan({});
-    });
-    connect(&m_automation, &AutomationDriver::diskChanged, this, [this] { m_scans.scan({}); });
+    };
+    connect(&m_reclaims, &ReclaimDriver::diskChanged, this, measureAgain);
+    connect(&m_automation, &AutomationDriver::diskChanged, this, measureAgain);
     connect(&m_reclaims, &ReclaimDriver::findingsCleared, &m_automation, &AutomationDriver::offerAfter);
     connect(&m_automation, &AutomationDriver::offerFailed, &m_reclaims, &ReclaimDriver::appendLog);
     connect(&m_watch, &WatchDriver::lastWatchChanged, &m_automation,
@@ -48,12 +49,19 @@ AppModel::~AppModel()
 
 RuleRemovals AppModel::ruleRemovals()
 {
-    return { .clear
-        = [this](const QList<Finding> &findings,
-              const RuleRemovals::Cleared &cleared) { m_reclaims.clearForRules(findings, cleared); },
+    return {
+        .clear = [this](const QList<Finding> &findings,
+                     const RuleRemovals::Cleared &cleared) { m_reclaims.clearForRules(findings, cleared); },
+        .due =
+            [this](const QDateTime &now, qint64 freeBytes, const RuleRemovals::Due &due) {
+                const auto read = [&ledger = m_reclaims.ledger(), now, freeBytes] {
+                    return ledger.ruleItemsDue(now, freeBytes);
+                };
+                m_removals.ask(read).then(this, due);
+            },
         .purge = [this](const std::vector<TrashedItem> &items,
                      const RuleRemovals::Purged &purged) { m_reclaims.purge(items, purged); },
-        .ledger = m_reclaims.ledger() };
+    };
 }
 
 // The calls at a scan's end. Their order counts: a claim is verified by figures that were read for it.

@@ -70,6 +70,9 @@ void AutomationDriver::run()
 void AutomationDriver::fire()
 {
     m_isBusy = false;
+    // A scan that has begun meanwhile ends in a run of its own, on fresh figures.
+    if (m_scans.phase().kind == Phase::Kind::scanning)
+        return;
     const auto &report = *m_scans.report();
     const auto rulesBefore = m_store.rules().size();
     m_store.refreshPresets(presets(), report);
@@ -130,22 +133,30 @@ void AutomationDriver::tellCleared(qint64 total, qint64 purged, double percent)
     Q_EMIT diskChanged();
 }
 
-void AutomationDriver::purgeDue(const std::function<void(qint64 bytes)> &purged)
+void AutomationDriver::purgeDue(const Then &then)
 {
     m_volume.refreshVolume();
-    const auto items = m_removals.ledger.ruleItemsDue(m_services.kit.clock.now(), m_volume.liveFree());
-    if (items.empty())
-        return purged(0);
-    m_removals.purge(items, [self = QPointer(this), purged](const TrashLedger::Purged &gone) {
+    m_removals.due(m_services.kit.clock.now(), m_volume.liveFree(),
+        [self = QPointer(this), then](const std::vector<TrashedItem> &items) {
+            if (self && items.empty())
+                then(0);
+            else if (self)
+                self->purge(items, then);
+        });
+}
+
+void AutomationDriver::purge(const std::vector<TrashedItem> &items, const Then &then)
+{
+    m_removals.purge(items, [self = QPointer(this), then](const TrashLedger::Purged &gone) {
         if (!self)
             return;
         if (gone.removed < 1)
-            return purged(0);
+            return then(0);
         self->appendLog((gone.removed == 1 ? u"%1 removed for good · %2 item a rule had moved"_s
                                            : u"%1 removed for good · %2 items a rule had moved"_s)
                             .arg(Format::bytes(gone.bytes), QString::number(gone.removed)));
         self->m_volume.refreshVolume();
-        purged(gone.bytes);
+        then(gone.bytes);
     });
 }
 

@@ -99,7 +99,11 @@ Q_SIGNALS:
     void looksChanged();
 
 private:
-    void purgeDue(const std::function<void(qint64 bytes)> &purged);
+    /// Told the bytes that went for good.
+    using Then = std::function<void(qint64 bytes)>;
+
+    void purgeDue(const Then &then);
+    void purge(const std::vector<TrashedItem> &items, const Then &then);
     void fire();
     void takeOutcomes(const QList<AutomationStore::Due> &due, double percent,
         const std::vector<Reclaimer::Outcome> &outcomes);

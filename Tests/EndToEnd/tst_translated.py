@@ -9,7 +9,7 @@ import desktop
 import made_home
 import waiting
 
-PANES = 5
+PANES = 6
 TRANSLATED = re.compile(r"\[[^\[\]]*~\]")
 # Figures, keys and the program's own name are the same in every language.
 SAME = re.compile(r"\b(\d[\d,.]*s?|B|KB|MB|GB|TB|Quillbrook)\b|Ctrl\+|\^\d|[–—→·•%~/.,:()+-]")

@@ -37,11 +37,7 @@ struct Fixture : ScannedHome
             AutomationDriver::Others{ .scans = model.scans(),
                 .navigation = model.navigation(),
                 .volume = model.volume(),
-                .removals = { .clear = [this](const QList<Finding> &findings,
-                                           const RuleRemovals::Cleared &done) { clear(findings, done); },
-                    .purge = [this](const std::vector<TrashedItem> &items,
-                                 const RuleRemovals::Purged &done) { done(ledger.purge(items)); },
-                    .ledger = ledger } });
+                .removals = removals() });
     }
 
     [[nodiscard]] Finding finding(const std::string &name) const
@@ -86,6 +82,17 @@ struct Fixture : ScannedHome
     std::unique_ptr<AutomationDriver> driver;
 
 private:
+    [[nodiscard]] RuleRemovals removals()
+    {
+        return {
+            .clear = [this](const QList<Finding> &findings,
+                         const RuleRemovals::Cleared &done) { clear(findings, done); },
+            .due = [this](const QDateTime &now, qint64 free,
+                       const RuleRemovals::Due &done) { done(ledger.ruleItemsDue(now, free)); },
+            .purge = [this](const std::vector<TrashedItem> &items,
+                         const RuleRemovals::Purged &done) { done(ledger.purge(items)); },
+        };
+    }
     MemoryFiles &memory() { return ScannedHome::stored; }
 
     void clear(const QList<Finding> &findings, const RuleRemovals::Cleared &done)

@@ -81,6 +81,7 @@ private Q_SLOTS:
         // None of it is told as the person's own doing.
         QVERIFY(fixture.model->reclaims().reclaimLog().isEmpty());
         QVERIFY(!fixture.model->reclaims().freeNowOffer());
+        QCOMPARE(fixture.model->reclaims().reclaimedSoFar(), 0);
         QVERIFY(!fixture.model->automation().offer());
     }
 
