@@ -43,6 +43,19 @@ struct Fixture : HomeOnDisk
         volumes.answer = { .available = gibibytes * gibibyte, .total = 500 * gibibyte };
     }
 
+    /// Waits until rules have nothing more to do: a scan, what they clear, what goes for good, and a scan
+    /// again.
+    void calm() const
+    {
+        for (int stage = 0; stage < 4; ++stage)
+            settled();
+    }
+    void tick() const
+    {
+        model->automation().tick();
+        calm();
+    }
+
     void addRule(const std::string &name, Cadence cadence = Cadence::everyTime) const
     {
         QVERIFY(model->automation().add(finding(name), 90, cadence));
@@ -64,7 +77,7 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.addRule(packages);
         fixture.scan();
-        fixture.settled();
+        fixture.calm();
         QVERIFY(fixture.has(packages));
         QVERIFY(!fixture.has(".npm/_cacache/one"));
         QVERIFY(fixture.isTrashed("one") && fixture.isTrashed("two"));
@@ -90,14 +103,15 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.addRule(packages);
         fixture.scan();
-        fixture.settled();
+        fixture.calm();
         // The same after a restart: the books say who moved it.
         fixture.start();
         fixture.free(300);
-        fixture.model->automation().tick();
+        fixture.scan();
+        fixture.tick();
         QVERIFY(fixture.isTrashed("one"));
         fixture.clock.moment = fixture.clock.moment.addDays(1);
-        fixture.model->automation().tick();
+        fixture.tick();
         QVERIFY(!fixture.isTrashed("one") && !fixture.isTrashed("two"));
         QCOMPARE(fixture.log(), QStringList{ u"210 MB removed for good · 2 items a rule had moved"_s });
         QVERIFY(fixture.rows().empty());
@@ -109,7 +123,7 @@ private Q_SLOTS:
         fixture.addRule(logs);
         fixture.free(4);
         fixture.scan();
-        fixture.settled();
+        fixture.calm();
         QVERIFY(fixture.has(logs) && !fixture.has(".gradle/daemon/log") && !fixture.isTrashed("log"));
         QCOMPARE(fixture.log().size(), 2);
         QCOMPARE(fixture.log().last(), u"201 MB removed for good · 1 item a rule had moved"_s);
@@ -123,6 +137,7 @@ private Q_SLOTS:
         std::filesystem::create_directories(fixture.trashFolder + "/files");
         fixture.addRule(packages);
         fixture.scan();
+        fixture.calm();
         QVERIFY(fixture.isTrashed("one") && fixture.isTrashed("two"));
         QCOMPARE(fixture.rows().size(), size_t(2));
         QCOMPARE(fixture.rule().timesFired, 0);
@@ -131,7 +146,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.model->scans().phase().kind, Phase::Kind::ready);
         fixture.clock.moment = fixture.clock.moment.addDays(1);
         fixture.free(300);
-        fixture.model->automation().tick();
+        fixture.tick();
         QVERIFY(!fixture.isTrashed("one"));
         QCOMPARE(fixture.log().size(), 1);
     }
@@ -148,7 +163,7 @@ private Q_SLOTS:
                 fixture.path("Documents"), fixture.path(packages), ignored);
         });
         fixture.scan();
-        fixture.settled();
+        fixture.calm();
         QVERIFY(fixture.has("Documents/thesis.txt"));
         QVERIFY(fixture.rows().empty());
         QVERIFY(fixture.desktop.notifier.posted.isEmpty());
@@ -175,6 +190,7 @@ private Q_SLOTS:
         fixture.start();
         QCOMPARE(fixture.model->automation().store().rules().size(), rows.size());
         fixture.scan();
+        fixture.calm();
         QVERIFY(fixture.has("Documents/thesis.txt") && fixture.has(".npm/_cacache/one"));
         QVERIFY(fixture.rows().empty());
     }
@@ -185,7 +201,7 @@ private Q_SLOTS:
         fixture.large("home/.npm/_cacache/three", 900 * mebibyte);
         fixture.scan();
         fixture.model->reclaims().reclaim({ fixture.finding(packages), fixture.finding(logs) }, true);
-        fixture.settled();
+        fixture.calm();
         QVERIFY(fixture.model->automation().offer());
         QCOMPARE(fixture.model->automation().offer()->rule.id, u"npm.cacache"_s);
         // A new scan does not clear it.

@@ -155,6 +155,7 @@ private Q_SLOTS:
         screen.clock.moment = screen.clock.moment.addDays(-3);
         // Its folder is not on this machine: nothing moves, and nothing fails.
         screen.scan();
+        QTRY_COMPARE(screen.words(Kind::LogLine).size(), 1);
         screen.clock.moment = screen.clock.moment.addDays(3);
         screen.rules.recheck();
         QCOMPARE(screen.words(Kind::Rule),
