@@ -47,8 +47,10 @@ struct Fixture : HomeOnDisk
     /// again.
     void calm() const
     {
-        for (int stage = 0; stage < 4; ++stage)
+        for (int stage = 0; stage < 4; ++stage) {
+            QTest::qWait(50);
             settled();
+        }
     }
     void tick() const
     {
