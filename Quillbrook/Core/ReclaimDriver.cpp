@@ -143,7 +143,8 @@ void ReclaimDriver::clear(const std::shared_ptr<Clearing> &clearing, const Clear
         clearing->held = books().held();
     };
     const auto end = [this, clearing, cleared] {
-        closeBooks(clearing->bytes, std::move(clearing->held));
+        // What a rule cleared is not the person's doing.
+        closeBooks(clearing->order.byRule ? 0 : clearing->bytes, std::move(clearing->held));
         cleared(clearing->outcomes);
     };
     m_queue.enqueue({ .verb = permanently ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
