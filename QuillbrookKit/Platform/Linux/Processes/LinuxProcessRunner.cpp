@@ -31,11 +31,13 @@ void killGroup(qint64 leader)
 }
 
 // Adds what the process has printed so far; false once there is more than `limit`.
-bool drain(QProcess &process, QByteArray &output, qsizetype limit)
+bool drain(QProcess &process, ProcessRunner::Result &result, qsizetype limit)
 {
-    output += process.readAllStandardOutput();
-    const bool within = output.size() <= limit;
-    output.truncate(limit);
+    result.output += process.readAllStandardOutput();
+    result.errors += process.readAllStandardError();
+    const bool within = result.output.size() <= limit && result.errors.size() <= limit;
+    result.output.truncate(limit);
+    result.errors.truncate(limit);
     return within;
 }
 
@@ -48,7 +50,8 @@ std::optional<ProcessRunner::Result> LinuxProcessRunner::run(const Command &comm
     process.setArguments(command.arguments);
     process.setProcessEnvironment(plainEnvironment());
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
+    if (!command.keepsErrors)
+        process.setStandardErrorFile(QProcess::nullDevice());
     process.setChildProcessModifier([] { ::setpgid(0, 0); });
     const QDeadlineTimer deadline(command.timeLimit);
     process.start(QIODevice::ReadOnly);
@@ -60,7 +63,7 @@ std::optional<ProcessRunner::Result> LinuxProcessRunner::run(const Command &comm
     bool within = true;
     while (within && process.state() != QProcess::NotRunning && !deadline.hasExpired()) {
         process.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
-        within = drain(process, result.output, command.outputLimit);
+        within = drain(process, result, command.outputLimit);
     }
     const bool ended = process.state() == QProcess::NotRunning;
     if (!ended) {
@@ -68,7 +71,7 @@ std::optional<ProcessRunner::Result> LinuxProcessRunner::run(const Command &comm
         process.kill();
         process.waitForFinished(reapMilliseconds);
     }
-    within = drain(process, result.output, command.outputLimit) && within;
+    within = drain(process, result, command.outputLimit) && within;
     result.exited = ended && within && process.exitStatus() == QProcess::NormalExit;
     result.exitCode = result.exited ? process.exitCode() : -1;
     return result;
