@@ -31,6 +31,9 @@ KIT_DIRECTIONS = {
     "Removal/Linux": {
         "Removal", "Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Trash"},
     "Uninstaller": {"Platform", "Scan", "Removal"},
+    "Uninstaller/Linux": {
+        "Uninstaller", "Platform", "Removal", "Platform/Linux/Files", "Platform/Linux/Folders",
+        "Platform/Linux/Processes"},
     "Offload": {"Platform", "Scan", "Removal"},
     "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
 }
@@ -239,6 +242,7 @@ ENGLISH = {
     "QuillbrookKit/Automation/AutomationPreset.cpp": "a table, translated where it is shown",
     "QuillbrookKit/Catalogue/": "tables, translated where they are shown",
     "QuillbrookKit/Removal/": "sentences of the log, and tables",
+    "QuillbrookKit/Uninstaller/": "sentences of the log, and tables, translated where they are shown",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/AutomationDriver.cpp": "sentences of the log",
     "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
