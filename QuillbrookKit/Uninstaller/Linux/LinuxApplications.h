@@ -1,0 +1,48 @@
+#pragma once
+
+// The applications of a Linux desktop: Flatpaks, snaps, AppImages, what the package manager owns, and what a
+// user's own entries start.
+
+#include "Uninstaller/HostApplications.h"
+#include "Uninstaller/Linux/ApplicationPlaces.h"
+#include "Uninstaller/UninstallerServices.h"
+
+#include <functional>
+
+namespace Quillbrook {
+
+class LinuxApplications final : public HostApplications
+{
+public:
+    struct Options
+    {
+        UninstallerServices services;
+        const ProcessRunner &processes;
+        ApplicationPlaces places{};
+        /// Inside one, the programs outside of it can't be seen.
+        bool isSandboxed = false;
+        /// Where the kernel tells of processes.
+        std::string processFolder = "/proc";
+    };
+
+    explicit LinuxApplications(Options options);
+
+    [[nodiscard]] HostListing listing() const override;
+    [[nodiscard]] qint64 bytes(const InstalledApp &app, const Measure &measure) const override;
+    [[nodiscard]] Plan plan(const InstalledApp &app, const std::vector<InstalledApp> &others,
+        const Measure &measure) const override;
+    [[nodiscard]] std::vector<FoundOrphan> orphans(
+        const HostListing &listing, const Measure &measure, qint64 staleDays) const override;
+    [[nodiscard]] std::optional<bool> isRunning(const InstalledApp &app) const override;
+    [[nodiscard]] qint64 runtimeBytes(const InstalledApp &app, const Measure &measure) const override;
+    [[nodiscard]] std::optional<QString> obstacle(const InstalledApp &app) const override;
+    [[nodiscard]] std::expected<void, QString> takeAway(const InstalledApp &app) const override;
+    [[nodiscard]] QStringList sentences() const override;
+
+private:
+    [[nodiscard]] std::optional<QString> refusal(const InstalledApp &app) const;
+
+    Options m_options;
+};
+
+} // namespace Quillbrook

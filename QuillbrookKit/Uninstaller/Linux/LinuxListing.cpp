@@ -1,0 +1,323 @@
+#include "Uninstaller/Linux/LinuxListing.h"
+
+#include "Platform/FileFacts.h"
+#include "Platform/FileReading.h"
+#include "RawText.h"
+#include "Uninstaller/FolderNames.h"
+#include "Uninstaller/Linux/DesktopEntries.h"
+#include "Uninstaller/Linux/FlatpakInstallation.h"
+#include "Uninstaller/Linux/LinuxLeftovers.h"
+#include "Uninstaller/Linux/OwnProgram.h"
+#include "Uninstaller/Linux/PackageOwners.h"
+#include "Uninstaller/UninstallerServices.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <set>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+using Entries = std::map<QString, std::vector<FoundEntry>>;
+
+namespace {
+
+const auto ownId = u"com.tarnwick.Quillbrook"_s;
+constexpr qsizetype longestSnapNote = 65'536;
+
+// As a software centre's link may name it; empty for what has no such form.
+QString component(const QString &id)
+{
+    static const QRegularExpression form(u"\\A[A-Za-z0-9_][A-Za-z0-9_.-]*\\z"_s);
+    if (!form.match(id).hasMatch())
+        return {};
+    return id.count(u'.') >= 2 ? id : id + u".desktop"_s;
+}
+
+QString lastComponent(const std::string &path)
+{
+    return repairedText(std::string_view(path).substr(path.rfind('/') + 1));
+}
+
+class Listing
+{
+public:
+    Listing(
+        const UninstallerServices &services, const ProcessRunner &processes, const ApplicationPlaces &places)
+        : m_services(services)
+        , m_processes(processes)
+        , m_places(places)
+        , m_entries(desktopEntries(services.reading, places))
+    {
+    }
+
+    HostListing made()
+    {
+        addFlatpaks(m_places.userFlatpak, AppOrigin::flatpakOfUser, EntryPlace::flatpakOfUser);
+        addFlatpaks(m_places.systemFlatpak, AppOrigin::flatpakOfSystem, EntryPlace::flatpakOfSystem);
+        for (auto [id, found] : m_entries) {
+            // An installation of Flatpak tells of its own applications; what has the same id beside them is
+            // another one.
+            std::erase_if(found, [](const FoundEntry &entry) {
+                return entry.place == EntryPlace::flatpakOfUser || entry.place == EntryPlace::flatpakOfSystem;
+            });
+            if (!found.empty())
+                addEntry(found);
+        }
+        addPackages();
+        addLooseAppImages();
+        settleOwn();
+        addOwners();
+        markSelf();
+        return std::move(m_listing);
+    }
+
+private:
+    void add(InstalledApp app)
+    {
+        if (!m_keys.insert(app.key()).second)
+            return;
+        if (const auto dates = m_services.files.dates(app.app.path))
+            app.app.lastOpened = dates->lastModified;
+        m_listing.apps.push_back(std::move(app));
+    }
+
+    // The words of the entry that an installation exports, whatever the user has put before it.
+    [[nodiscard]] const DesktopEntry *exported(const QString &id, EntryPlace place) const
+    {
+        const auto found = m_entries.find(id);
+        if (found == m_entries.end())
+            return nullptr;
+        const auto entry = std::ranges::find(found->second, place, &FoundEntry::place);
+        return entry == found->second.end() || entry->entry.name.isEmpty() ? nullptr : &entry->entry;
+    }
+
+    void addFlatpaks(const std::string &folder, AppOrigin origin, EntryPlace place)
+    {
+        auto apps = FlatpakInstallation::apps(m_services.reading, folder);
+        std::map<QString, int> uses;
+        for (const auto &app : apps)
+            for (const auto &runtime : app.runtimes)
+                ++uses[runtime];
+        for (const auto &found : apps) {
+            const auto *entry = exported(found.id, place);
+            InstalledApp app{ .app = { .path = found.folder,
+                                  .name = entry != nullptr ? entry->name : plainLine(found.id),
+                                  .bundleID = found.id,
+                                  .version = found.version,
+                                  .fromAppStore = true },
+                .origin = origin,
+                .originName = found.origin,
+                .icon = entry != nullptr ? entry->icon : found.id,
+                .refs = found.refs,
+                .componentId = component(found.id) };
+            std::ranges::copy_if(found.runtimes, std::back_inserter(app.runtimes),
+                [&](const QString &runtime) { return uses[runtime] == 1; });
+            m_listing.owners.insert(found.id);
+            add(std::move(app));
+        }
+    }
+
+    [[nodiscard]] bool isShown(const DesktopEntry &entry) const
+    {
+        return entry.isApplication && !entry.isHidden && entry.isDisplayed
+            && (entry.tryExec.isEmpty() || OwnProgram::isThere(entry.tryExec, m_places));
+    }
+
+    // What a user's own entry starts belongs to the user only where it lies in the home folder. Else the
+    // entry behind it counts, if there is one: the user's is the same application with other words.
+    void addEntry(const std::vector<FoundEntry> &found)
+    {
+        const auto &first = found.front();
+        if (!isShown(first.entry))
+            return;
+        if (first.place != EntryPlace::ofUser) {
+            addOf(first);
+            return;
+        }
+        const auto program = OwnProgram::of(first.entry.command, m_places);
+        const auto behind = std::ranges::find_if(
+            found, [](const FoundEntry &entry) { return entry.place != EntryPlace::ofUser; });
+        if (behind != found.end() && !program.isInHome)
+            addOf(*behind);
+        else if (first.entry.flatpak.isEmpty() && first.entry.snap.isEmpty())
+            addOwn(first, program);
+    }
+
+    void addOf(const FoundEntry &found)
+    {
+        if (found.place == EntryPlace::ofSnaps || !found.entry.snap.isEmpty())
+            addSnap(found);
+        else
+            m_ofSystem.push_back(found);
+    }
+
+    void addSnap(const FoundEntry &found)
+    {
+        const auto name = found.entry.snap.isEmpty() ? found.id.section(u'_', 0, 0) : found.entry.snap;
+        const auto raw = name.toStdString();
+        if (!FolderNames::isName(raw))
+            return;
+        std::string image;
+        for (const auto &file : FolderNames::in(m_places.snapd + "/snaps"))
+            if (file.starts_with(raw + '_') && file.ends_with(".snap") && file > image)
+                image = file;
+        add({ .app = { .path = image.empty() ? found.path : m_places.snapd + "/snaps/" + image,
+                  .name = found.entry.name,
+                  .bundleID = name,
+                  .version = snapVersion(raw),
+                  .fromAppStore = true },
+            .origin = AppOrigin::snap,
+            .originName = u"Snap"_s,
+            .icon = found.entry.icon,
+            .componentId = component(found.id) });
+    }
+
+    [[nodiscard]] std::optional<QString> snapVersion(const std::string &name) const
+    {
+        static const QRegularExpression line(
+            u"^version:\\s*['\"]?([^'\"\\n]+)['\"]?\\s*$"_s, QRegularExpression::MultilineOption);
+        const auto note = m_services.reading.contents(
+            m_places.snaps + '/' + name + "/current/meta/snap.yaml", longestSnapNote);
+        const auto match = line.match(QString::fromUtf8(note.value_or(QByteArray())));
+        return match.hasMatch() ? std::optional(plainLine(match.captured(1))) : std::nullopt;
+    }
+
+    void addPackages()
+    {
+        std::vector<std::string> paths;
+        for (const auto &found : m_ofSystem)
+            paths.push_back(found.path);
+        const auto owners = PackageOwners::of(m_processes, m_places, paths);
+        for (const auto &found : m_ofSystem) {
+            const auto owner = owners.find(found.path);
+            const bool isOwned = owner != owners.end();
+            InstalledApp app{ .app = { .path = found.path, .name = found.entry.name, .bundleID = found.id },
+                .origin = isOwned ? AppOrigin::package : AppOrigin::systemEntry,
+                .icon = found.entry.icon,
+                .programName = OwnProgram::of(found.entry.command, m_places).name,
+                .componentId = component(found.id) };
+            if (isOwned) {
+                app.originName = owner->second.name;
+                if (!owner->second.version.isEmpty())
+                    app.app.version = owner->second.version;
+                app.app.bytes = owner->second.bytes;
+                app.isMeasured = true;
+            }
+            add(std::move(app));
+        }
+    }
+
+    void addOwn(const FoundEntry &found, const OwnProgram &program)
+    {
+        const bool isImage = program.isAppImage && program.isInHome;
+        InstalledApp app{ .app
+            = { .path = isImage ? program.path : found.path, .name = found.entry.name, .bundleID = found.id },
+            .origin = isImage ? AppOrigin::appImage : AppOrigin::ownEntry,
+            .icon = found.entry.icon,
+            .programName = program.name,
+            .programs = program.marks };
+        if (isImage && !found.entry.appImageVersion.isEmpty())
+            app.app.version = found.entry.appImageVersion;
+        if (isImage)
+            m_images.insert(program.path);
+        app.goes = isImage ? std::vector{ found.path, program.path } : std::vector{ found.path };
+        if (!isImage && program.mayGo)
+            app.goes.insert(app.goes.begin(), program.path);
+        app.programStays = !isImage && !program.mayGo && !program.path.empty();
+        add(std::move(app));
+    }
+
+    void addLooseAppImages()
+    {
+        for (const auto &path : OwnProgram::appImages(m_places)) {
+            if (!m_images.insert(path).second)
+                continue;
+            const auto file = lastComponent(path);
+            add({ .app = { .path = path,
+                      .name = plainLine(file.left(file.size() - qsizetype(sizeof(".AppImage") - 1))),
+                      .bundleID = file },
+                .origin = AppOrigin::appImage,
+                .programs = { path },
+                .goes = { path } });
+        }
+    }
+
+    // What two of them share goes with neither; the icon that the icon table has under an id goes with it.
+    void settleOwn()
+    {
+        const auto table = LinuxLeftovers::locations(m_places);
+        std::map<std::string, int> uses;
+        std::map<QString, int> ids;
+        for (const auto &app : m_listing.apps) {
+            ++ids[app.app.bundleID];
+            for (const auto &path : app.goes)
+                ++uses[path];
+        }
+        for (auto &app : m_listing.apps) {
+            if (app.goes.empty())
+                continue;
+            if (std::erase_if(
+                    app.goes, [&](const std::string &path) { return path != app.app.path && uses[path] > 1; })
+                > 0)
+                app.programStays = true;
+            if (ids[app.app.bundleID] > 1)
+                continue;
+            for (const auto &claim : LinuxLeftovers::claims(table, app)) {
+                const auto path = claim.directory + '/' + claim.name;
+                if (claim.isPartOfApp && m_services.files.kind(path) == FileKind::other)
+                    app.goes.insert(app.goes.begin(), path);
+            }
+        }
+    }
+
+    void addOwners()
+    {
+        auto &owners = m_listing.owners;
+        for (const auto &[id, found] : m_entries)
+            owners.insert(id);
+        for (const auto &folder : { m_places.userFlatpak, m_places.systemFlatpak })
+            for (const auto &id : FlatpakInstallation::runtimeIds(folder))
+                owners.insert(id);
+        auto data = m_places.systemData;
+        data.push_back(m_places.data);
+        for (const auto &folder : data)
+            for (const auto *services : { "/dbus-1/services", "/dbus-1/system-services" })
+                for (const auto &name : FolderNames::in(folder + services))
+                    if (name.ends_with(".service"))
+                        owners.insert(repairedText(name.substr(0, name.rfind('.'))));
+        for (const auto &name : FolderNames::in(m_places.snaps))
+            owners.insert(repairedText(name));
+        owners.remove(QString());
+    }
+
+    void markSelf()
+    {
+        const auto isOwnFile = [&](const std::string &path) {
+            return std::ranges::find(m_places.ownFiles, path) != m_places.ownFiles.end();
+        };
+        for (auto &app : m_listing.apps)
+            app.isSelf = app.app.bundleID == ownId || isOwnFile(app.app.path)
+                || std::ranges::any_of(app.programs, isOwnFile);
+    }
+
+    const UninstallerServices &m_services;
+    const ProcessRunner &m_processes;
+    const ApplicationPlaces &m_places;
+    Entries m_entries;
+    std::vector<FoundEntry> m_ofSystem;
+    std::set<QString> m_keys;
+    std::set<std::string> m_images;
+    HostListing m_listing;
+};
+
+} // namespace
+
+HostListing linuxListing(
+    const UninstallerServices &services, const ProcessRunner &processes, const ApplicationPlaces &places)
+{
+    return Listing(services, processes, places).made();
+}
+
+} // namespace Quillbrook

@@ -1,0 +1,102 @@
+#include "Uninstaller/Linux/OwnProgram.h"
+
+#include "RawText.h"
+#include "StandardisedPath.h"
+#include "Uninstaller/FolderNames.h"
+#include "Uninstaller/Linux/ApplicationPlaces.h"
+#include "Uninstaller/Linux/LinuxLeftovers.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <array>
+#include <filesystem>
+#include <unistd.h>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array programFolders{ "/Applications", "/bin", "/.local/bin", "/opt", "/.local/opt" };
+constexpr std::array appImageFolders{ "/Applications", "/bin", "/.local/bin", "/Downloads" };
+
+bool isRegular(const std::string &path)
+{
+    std::error_code error;
+    return fs::symlink_status(path, error).type() == fs::file_type::regular;
+}
+
+bool isAppImageName(const std::string &name)
+{
+    return QString::fromStdString(name).endsWith(u".appimage"_s, Qt::CaseInsensitive);
+}
+
+// The file that a word of a command means: a path, or a name that is looked for in the folders of programs.
+std::string found(const QString &word, const ApplicationPlaces &places)
+{
+    const auto raw = QFile::encodeName(word).toStdString();
+    std::error_code error;
+    if (raw.starts_with('/')) {
+        const auto path = standardisedPath(raw, places.home);
+        return fs::exists(path, error) ? path : std::string();
+    }
+    if (!FolderNames::isName(raw))
+        return {};
+    for (const auto &folder : places.programs)
+        if (::access((folder + '/' + raw).c_str(), X_OK) == 0)
+            return folder + '/' + raw;
+    return {};
+}
+
+} // namespace
+
+OwnProgram OwnProgram::of(const QStringList &command, const ApplicationPlaces &places)
+{
+    static const QRegularExpression setting(u"^[A-Za-z_][A-Za-z0-9_]*="_s);
+    qsizetype first = 0;
+    // "env NAME=value program" starts the program.
+    while (first < command.size()
+        && (command[first] == u"env" || command[first] == u"/usr/bin/env"
+            || setting.match(command[first]).hasMatch()))
+        ++first;
+    if (first >= command.size())
+        return {};
+    OwnProgram program{ .path = found(command[first], places) };
+    program.name = command[first].section(u'/', -1);
+    if (program.path.empty())
+        return program;
+    const bool startsOthers = LinuxLeftovers::isLauncher(program.name);
+    if (!startsOthers)
+        program.marks.push_back(program.path);
+    for (qsizetype index = first + 1; startsOthers && index < command.size(); ++index)
+        if (command[index].startsWith(u'/') && isRegular(found(command[index], places)))
+            program.marks.push_back(found(command[index], places));
+    program.isInHome = program.path.starts_with(places.home + '/');
+    program.isAppImage = isAppImageName(program.path) && isRegular(program.path);
+    const bool isInFolder = std::ranges::any_of(programFolders,
+        [&](const char *folder) { return program.path.starts_with(places.home + folder + '/'); });
+    program.mayGo = program.isInHome && !startsOthers && isRegular(program.path)
+        && (program.isAppImage || (isInFolder && ::access(program.path.c_str(), X_OK) == 0));
+    return program;
+}
+
+bool OwnProgram::isThere(const QString &program, const ApplicationPlaces &places)
+{
+    const auto path = found(program, places);
+    return !path.empty() && ::access(path.c_str(), X_OK) == 0;
+}
+
+std::vector<std::string> OwnProgram::appImages(const ApplicationPlaces &places)
+{
+    std::vector<std::string> images;
+    for (const auto *folder : appImageFolders)
+        for (const auto &name : FolderNames::in(places.home + folder))
+            if (isAppImageName(name) && isRegular(places.home + folder + '/' + name))
+                images.push_back(places.home + folder + '/' + name);
+    return images;
+}
+
+} // namespace Quillbrook
