@@ -7,6 +7,8 @@
 #include "Catalogue/StorageCatalogue.h"
 #include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathGuards.h"
+#include "Uninstaller/Linux/LinuxApplications.h"
+#include "Uninstaller/Uninstaller.h"
 
 #include <QSet>
 #include <QTextStream>
@@ -75,6 +77,12 @@ int main()
             listing.add(guard.sentence);
         for (const auto safety : { Safety::safe, Safety::careful, Safety::reportOnly })
             listing.add(label(safety));
+        for (const auto &kind : leftoverKinds()) {
+            listing.add(kind.rawValue);
+            listing.add(kind.explanation);
+        }
+        for (const auto &sentence : Uninstaller::sentences() + LinuxApplications::blockedSentences())
+            listing.add(sentence);
     }
     QTextStream(stdout) << "};\n";
 }

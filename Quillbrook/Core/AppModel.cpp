@@ -20,6 +20,7 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_automation(m_services,
           { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .removals = ruleRemovals() },
           this)
+    , m_uninstalls(m_services.kit, m_reclaims, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
 {

@@ -9,6 +9,7 @@
 #include "Core/ReclaimDriver.h"
 #include "Core/RemovalQueue.h"
 #include "Core/ScanDriver.h"
+#include "Core/UninstallDriver.h"
 #include "Core/UpdateDriver.h"
 #include "Core/VolumeFigures.h"
 #include "Core/WatchDriver.h"
@@ -42,6 +43,7 @@ public:
     [[nodiscard]] const ReclaimDriver &reclaims() const { return m_reclaims; }
     [[nodiscard]] AutomationDriver &automation() { return m_automation; }
     [[nodiscard]] const AutomationDriver &automation() const { return m_automation; }
+    [[nodiscard]] UninstallDriver &uninstalls() { return m_uninstalls; }
     [[nodiscard]] WatchDriver &watch() { return m_watch; }
     [[nodiscard]] const WatchDriver &watch() const { return m_watch; }
     [[nodiscard]] UpdateDriver &updates() { return m_updates; }
@@ -67,6 +69,7 @@ private:
     RemovalQueue m_removals;
     ReclaimDriver m_reclaims;
     AutomationDriver m_automation;
+    UninstallDriver m_uninstalls;
     WatchDriver m_watch;
     UpdateDriver m_updates;
     bool m_hasStarted = false;

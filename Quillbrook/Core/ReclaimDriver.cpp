@@ -380,6 +380,13 @@ void ReclaimDriver::takeRemovals(const std::vector<PathRemoval::Removal> &remova
     m_volume.refreshVolume();
 }
 
+void ReclaimDriver::tellOfUninstalling(bool isDone, const QString &what)
+{
+    m_uninstallLog.prepend(isDone ? done(what) : failed(what));
+    Q_EMIT uninstallLogChanged();
+    m_volume.refreshVolume();
+}
+
 void ReclaimDriver::finishRemoving(const QSet<QString> &kept)
 {
     // What went into the Trash while this waited for its turn was not asked about.

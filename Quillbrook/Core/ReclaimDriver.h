@@ -79,6 +79,8 @@ public:
     /// `done`.
     void removeBy(const Work &work, const QString &subject, bool permanent = false,
         const std::function<void()> &done = {});
+    /// Puts a line of another's removal at the front of `uninstallLog`: whether it was done, and what.
+    void tellOfUninstalling(bool isDone, const QString &what);
     /// Deletes for good what the ledger still has in the Trash, and nothing else; the rows with the ids in
     /// `kept` stay.
     void finishRemoving(const QSet<QString> &kept = {});

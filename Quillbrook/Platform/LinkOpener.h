@@ -1,6 +1,7 @@
 #pragma once
 
-// Opens an address in the person's browser.
+// Opens an address in the person's browser, or an application's page in the software centre
+// ("appstream:ID").
 
 #include <QUrl>
 

@@ -66,6 +66,10 @@ QtObject {
     readonly property int dotSize: 8
     readonly property int sizeColumnWidth: 86
     readonly property int nodeRowHeight: 48
+    readonly property int appRowHeight: 57
+    readonly property int appIconSize: 34
+    readonly property int sheetIconSize: 42
+    readonly property int filterWidth: 220
     readonly property int breadcrumbHeight: 46
     readonly property int crumbWidth: 240
     readonly property int selectionBarHeight: 54

@@ -15,6 +15,7 @@ class FileReading;
 class FileRemoval;
 class FileWriting;
 class HomeFolder;
+class HostApplications;
 class HostKnowledge;
 class HttpClient;
 class ProcessRunner;
@@ -50,6 +51,8 @@ struct KitServices
     UtilityQueue &utility;
     /// The guards that the machine adds to the built-in ones.
     const HostGuards &guards;
+    /// The kinds of applications that the machine has beside bundles.
+    const HostApplications &applications;
     /// Where programs keep the user's data: absolute, in raw bytes.
     std::string dataFolder{};
 };

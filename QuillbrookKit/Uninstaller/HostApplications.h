@@ -33,6 +33,17 @@ struct FoundOrphan
     bool operator==(const FoundOrphan &) const = default;
 };
 
+/// What a plan of the host's is about.
+struct HostPlanRequest
+{
+    InstalledApp app{};
+    /// All that are listed; it may be among them.
+    std::vector<InstalledApp> all{};
+    Measure measure{};
+    /// What a person reads of a sentence, in which names are filled in afterwards; absent: the sentence.
+    std::function<QString(const QString &sentence)> wording{};
+};
+
 class HostApplications
 {
 public:
@@ -42,9 +53,8 @@ public:
     [[nodiscard]] virtual HostListing listing() const = 0;
     /// The bytes of one of these.
     [[nodiscard]] virtual qint64 bytes(const InstalledApp &app, const Measure &measure) const = 0;
-    /// The plan of one of these, `others` being all that are listed; it may be among them.
-    [[nodiscard]] virtual Plan plan(
-        const InstalledApp &app, const std::vector<InstalledApp> &others, const Measure &measure) const = 0;
+    /// The plan of one of these.
+    [[nodiscard]] virtual Plan plan(const HostPlanRequest &request) const = 0;
     /// What is left in the host's places of what nobody in `listing` owns; largest first.
     [[nodiscard]] virtual std::vector<FoundOrphan> orphans(
         const HostListing &listing, const Measure &measure, qint64 staleDays) const = 0;
@@ -57,8 +67,6 @@ public:
     [[nodiscard]] virtual std::optional<QString> obstacle(const InstalledApp &app) const = 0;
     /// Takes one away that doesn't go by path, for good. May take minutes. The error is for a person.
     [[nodiscard]] virtual std::expected<void, QString> takeAway(const InstalledApp &app) const = 0;
-    /// The sentences of `plan`, in which "{name}" stands for an application's name, for those who translate.
-    [[nodiscard]] virtual QStringList sentences() const = 0;
 };
 
 } // namespace Quillbrook

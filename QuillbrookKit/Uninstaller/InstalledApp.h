@@ -38,6 +38,8 @@ struct InstalledApp
     QString originName{};
     /// A name in the icon theme, or an absolute path; empty without one.
     QString icon{};
+    /// The picture of that, where one was found.
+    std::string iconFile{};
     /// What the entry starts: the last component of the program, without folders. Empty where it is unknown.
     QString programName{};
     /// Paths (raw bytes) by which a process of it is known.

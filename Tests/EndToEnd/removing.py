@@ -80,7 +80,7 @@ class Removing(case.Case):
         if not os.path.isdir(files):
             return {}
         names = sorted(os.listdir(files))
-        self.assertEqual(sorted(os.listdir(notes)), [name + b".trashinfo" for name in names])
+        self.assertEqual(sorted(os.listdir(notes)), sorted(name + b".trashinfo" for name in names))
         return {self._noted(os.path.join(notes, name + b".trashinfo")): name for name in names}
 
     @staticmethod

@@ -246,6 +246,7 @@ ENGLISH = {
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/AutomationDriver.cpp": "sentences of the log",
     "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
+    "Quillbrook/Core/UninstallDriver.cpp": "sentences of the log",
     "Quillbrook/Platform/Linux/Bus/": "errors told to programs",
     "Quillbrook/Platform/Linux/Tray/TrayMenu.cpp": "an error told to programs, and texts that TrayTexts words",
 }

@@ -10,6 +10,7 @@
 #include "Support/FakeDirectories.h"
 #include "Support/FakeFileFacts.h"
 #include "Support/FakeHomeFolder.h"
+#include "Support/FakeHostApplications.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeHttpClient.h"
 #include "Support/FakeProcessRunner.h"
@@ -40,6 +41,7 @@ struct FakeKit
         FileWriting *writing = nullptr;
         HttpClient *http = nullptr;
         UtilityQueue *utility = nullptr;
+        HostApplications *applications = nullptr;
         std::string dataFolder = "/home/someone/.local/share";
     };
 
@@ -77,6 +79,7 @@ struct FakeKit
             .http = either(instead.http, http),
             .utility = either(instead.utility, queue),
             .guards = guards,
+            .applications = either(instead.applications, applications),
             .dataFolder = instead.dataFolder };
     }
 
@@ -97,6 +100,7 @@ struct FakeKit
     FakeHttpClient http;
     FakeUtilityQueue queue;
     HostGuards guards;
+    FakeHostApplications applications;
     KitServices kitServices;
 };
 

@@ -27,6 +27,7 @@
 #include "Platform/NetworkHttpClient.h"
 #include "Platform/SettingsUserDefaults.h"
 #include "Removal/Linux/LinuxGuards.h"
+#include "Uninstaller/Linux/LinuxApplications.h"
 
 #include <QCoreApplication>
 #include <QProcessEnvironment>
@@ -88,6 +89,15 @@ struct Services
     const DesktopSession session = DesktopSession::of(environment(), places.home.realHomeDirectory());
     LinuxRunningApps runningApps{ disk.reading,
         session.sandbox.isNone() ? environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() : std::string() };
+    LinuxApplications applications{ { .services = { .reading = disk.reading,
+                                          .files = disk.files,
+                                          .runningApps = runningApps,
+                                          .clock = clock,
+                                          .guards = &guards,
+                                          .processHome = places.home.rawHomeDirectory() },
+        .processes = processes,
+        .places = ApplicationPlaces::ofThisUser(places.home, environment()),
+        .isSandboxed = !session.sandbox.isNone() } };
     LinuxNotifier notifier{
         { .processes = processes, .reading = disk.reading, .defaults = defaults, .session = session }
     };
@@ -140,6 +150,7 @@ public:
                      .http = all.http,
                      .utility = all.utility,
                      .guards = all.guards,
+                     .applications = all.applications,
                      .dataFolder = all.places.dataFolder },
             .revealer = all.revealer,
             .notifier = all.notifier,

@@ -1,6 +1,7 @@
 #include "Screens/Window/PaneStates.h"
 
 #include "Core/AppModel.h"
+#include "Screens/Apps/AppsState.h"
 #include "Screens/Lists/LargestState.h"
 #include "Screens/Lists/SearchState.h"
 #include "Screens/Map/BreadcrumbModel.h"
@@ -28,6 +29,7 @@ PaneStates::PaneStates(AppModel &model, QObject *parent)
     add(Pane::largest, new LargestState(model, this), selection);
     add(Pane::search, new SearchState(model, this), selection);
     add(Pane::rules, new RulesState(model, this));
+    add(Pane::apps, new AppsState(model, this));
 }
 
 void PaneStates::add(Pane pane, PaneState *state, const QVariantMap &others)

@@ -71,7 +71,8 @@ ApplicationPlaces ApplicationPlaces::ofThisUser(
         .systemState = "/var/lib",
         .dpkgQuery = "/usr/bin/dpkg-query",
         .rpm = "/usr/bin/rpm",
-        .flatpak = "/usr/bin/flatpak" };
+        .flatpak = "/usr/bin/flatpak",
+        .iconThemes = { "Adwaita", "breeze" } };
     places.userFlatpak = either(environment.value(u"FLATPAK_USER_DIR"_s), places.data + "/flatpak");
     if (const auto path = executable(); !path.empty())
         places.ownFiles.push_back(path);

@@ -37,6 +37,8 @@ struct ApplicationPlaces
     std::string dpkgQuery{};
     std::string rpm{};
     std::string flatpak{};
+    /// Icon themes beside the one that all programs put theirs into, in order.
+    std::vector<std::string> iconThemes{};
     /// The file of the running program, and its AppImage where it is one.
     std::vector<std::string> ownFiles{};
 

@@ -4,6 +4,7 @@
 #include "Platform/Linux/Processes/RunningPrograms.h"
 #include "Platform/ProcessRunner.h"
 #include "Platform/RunningApps.h"
+#include "Removal/HostGuards.h"
 #include "Removal/PathRemoval.h"
 #include "Uninstaller/FolderNames.h"
 #include "Uninstaller/Linux/DesktopEntry.h"
@@ -144,9 +145,9 @@ std::optional<bool> LinuxApplications::isRunning(const InstalledApp &app) const
     return false;
 }
 
-std::optional<QString> LinuxApplications::refusal(const InstalledApp &app) const
+std::optional<QString> LinuxApplications::refusal(
+    const InstalledApp &app, const UninstallerServices &services) const
 {
-    const auto &services = m_options.services;
     const auto about = [&](const QString &sentence) {
         return services.worded(sentence).replace(u"{name}"_s, app.app.name);
     };
@@ -167,14 +168,21 @@ std::optional<QString> LinuxApplications::refusal(const InstalledApp &app) const
     return std::nullopt;
 }
 
-Plan LinuxApplications::plan(
-    const InstalledApp &app, const std::vector<InstalledApp> &others, const Measure &measure) const
+Plan LinuxApplications::plan(const HostPlanRequest &request) const
 {
-    if (auto blocked = refusal(app))
+    const auto &app = request.app;
+    auto services = m_options.services;
+    HostGuards worded;
+    if (services.guards != nullptr && request.wording) {
+        worded = *services.guards;
+        worded.wording = request.wording;
+        services.guards = &worded;
+    }
+    services.wording = request.wording;
+    if (auto blocked = refusal(app, services))
         return { .app = app.app, .blocked = std::move(blocked) };
-    const auto &services = m_options.services;
     const auto table = LinuxLeftovers::locations(m_options.places);
-    const Others taken(table, app, others);
+    const Others taken(table, app, request.all);
     std::vector<Leftover> found;
     std::set<std::string> seen(app.goes.begin(), app.goes.end());
     for (const auto &claim : LinuxLeftovers::claims(table, app)) {
@@ -187,7 +195,7 @@ Plan LinuxApplications::plan(
                 continue;
             found.push_back({ .path = path,
                 .kind = claim.kind,
-                .bytes = measure(path),
+                .bytes = request.measure(path),
                 .needsAdministrator = claim.needsAdministrator });
         }
     }
@@ -250,7 +258,7 @@ std::expected<void, QString> LinuxApplications::takeAway(const InstalledApp &app
     return {};
 }
 
-QStringList LinuxApplications::sentences() const
+QStringList LinuxApplications::blockedSentences()
 {
     return { selfSentence, packageSentence, flatpakSentence, snapSentence, systemEntrySentence };
 }

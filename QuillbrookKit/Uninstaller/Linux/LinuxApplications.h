@@ -29,18 +29,21 @@ public:
 
     [[nodiscard]] HostListing listing() const override;
     [[nodiscard]] qint64 bytes(const InstalledApp &app, const Measure &measure) const override;
-    [[nodiscard]] Plan plan(const InstalledApp &app, const std::vector<InstalledApp> &others,
-        const Measure &measure) const override;
+    [[nodiscard]] Plan plan(const HostPlanRequest &request) const override;
     [[nodiscard]] std::vector<FoundOrphan> orphans(
         const HostListing &listing, const Measure &measure, qint64 staleDays) const override;
     [[nodiscard]] std::optional<bool> isRunning(const InstalledApp &app) const override;
     [[nodiscard]] qint64 runtimeBytes(const InstalledApp &app, const Measure &measure) const override;
     [[nodiscard]] std::optional<QString> obstacle(const InstalledApp &app) const override;
     [[nodiscard]] std::expected<void, QString> takeAway(const InstalledApp &app) const override;
-    [[nodiscard]] QStringList sentences() const override;
+
+    /// Why one of these must stay, beside what holds for all, in which "{name}" stands for its name; for
+    /// those who translate.
+    [[nodiscard]] static QStringList blockedSentences();
 
 private:
-    [[nodiscard]] std::optional<QString> refusal(const InstalledApp &app) const;
+    [[nodiscard]] std::optional<QString> refusal(
+        const InstalledApp &app, const UninstallerServices &services) const;
 
     Options m_options;
 };

@@ -6,6 +6,7 @@
 #include "Uninstaller/FolderNames.h"
 #include "Uninstaller/Linux/DesktopEntries.h"
 #include "Uninstaller/Linux/FlatpakInstallation.h"
+#include "Uninstaller/Linux/IconFiles.h"
 #include "Uninstaller/Linux/LinuxLeftovers.h"
 #include "Uninstaller/Linux/OwnProgram.h"
 #include "Uninstaller/Linux/PackageOwners.h"
@@ -70,6 +71,9 @@ public:
         settleOwn();
         addOwners();
         markSelf();
+        IconFiles icons(m_places);
+        for (auto &app : m_listing.apps)
+            app.iconFile = icons.file(app.icon);
         return std::move(m_listing);
     }
 

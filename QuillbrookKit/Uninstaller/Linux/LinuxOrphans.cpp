@@ -39,23 +39,29 @@ bool isOwned(const QString &identifier, const QSet<QString> &owners)
     const auto begins = [&](QStringView start) { return lower.startsWith(start); };
     if (LinuxLeftovers::isShared(identifier) || std::ranges::any_of(neverOrphans, begins))
         return true;
+    if (owners.contains(lower))
+        return true;
     // A word without a dot begins too much to be an owner of what it begins.
-    return std::ranges::any_of(owners, [&](const QString &owner) {
-        return lower == owner.toLower() || (owner.contains(u'.') && lower.startsWith(owner.toLower()));
-    });
+    for (auto length = lower.indexOf(u'.') + 1; length > 0 && length < lower.size(); ++length)
+        if (owners.contains(lower.left(length)))
+            return true;
+    return false;
 }
 
 std::vector<FoundOrphan> find(const UninstallerServices &services, const ApplicationPlaces &places,
     const QSet<QString> &owners, const Measure &measure, qint64 staleDays)
 {
     const auto cutoff = Uninstaller::staleBefore(services, staleDays);
+    QSet<QString> lowered;
+    for (const auto &owner : owners)
+        lowered.insert(owner.toLower());
     std::vector<FoundOrphan> found;
     for (const auto &location : locations(places)) {
         for (const auto &name : FolderNames::in(location.directory)) {
             const auto identifier = repairedText(name);
             const auto path = location.directory + '/' + name;
             if (name.starts_with('.') || !Uninstaller::isReverseDomain(identifier)
-                || isOwned(identifier, owners) || services.files.kind(path) != FileKind::directory
+                || isOwned(identifier, lowered) || services.files.kind(path) != FileKind::directory
                 || PathRemoval::refusal(path, places.home, services.guards))
                 continue;
             const auto dates = services.files.dates(path);

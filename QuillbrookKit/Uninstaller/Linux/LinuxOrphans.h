@@ -16,8 +16,8 @@ struct Location
 
 [[nodiscard]] std::vector<Location> locations(const ApplicationPlaces &places);
 
-/// Whether somebody owns what is named so, by the identifiers of all owners: one of these is it, or begins
-/// it. It may also belong to a desktop, which is installed as no application.
+/// Whether somebody owns what is named so, by the identifiers of all owners, in lower case: one is it, or
+/// begins it. It may also belong to a desktop, which is installed as no application.
 [[nodiscard]] bool isOwned(const QString &identifier, const QSet<QString> &owners);
 
 [[nodiscard]] std::vector<FoundOrphan> find(const UninstallerServices &services,

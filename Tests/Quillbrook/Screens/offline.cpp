@@ -154,6 +154,56 @@ void pretendProgress(ScanProgress &progress)
     progress.setFraction(0.31);
 }
 
+/// Applications of some kinds, what one of them left elsewhere, and what others did that are gone.
+void pretendApps(FakeHostApplications &applications)
+{
+    const auto bytes
+        = [](double gibibytes) { return static_cast<qint64>(gibibytes * static_cast<double>(gibi)); };
+    const auto app = [&](const QString &name, const QString &id, const QString &version, double gibibytes) {
+        return InstalledApp{ .app = { .path = "/home/someone/Applications/" + id.toStdString(),
+                                 .name = name,
+                                 .bundleID = id,
+                                 .version = version,
+                                 .bytes = bytes(gibibytes) },
+            .origin = AppOrigin::appImage,
+            .isMeasured = true };
+    };
+    applications.apps = { app(u"Aurora Studio"_s, u"com.aurora.studio"_s, u"4.2.1"_s, 4.9),
+        app(u"Fieldnotes"_s, u"com.fieldnotes"_s, u"2.0"_s, 2.1),
+        app(u"Meridian Maps"_s, u"org.meridian.Maps"_s, u"11.3"_s, 1.4),
+        app(u"Lantern"_s, u"org.lantern.Lantern"_s, u"0.9.8"_s, 0.8),
+        app(u"Tallyho"_s, u"tallyho"_s, u"7.1"_s, 0.5) };
+    auto &flatpak = applications.apps[2];
+    flatpak.origin = AppOrigin::flatpakOfUser;
+    flatpak.originName = u"flathub"_s;
+    flatpak.app.fromAppStore = true;
+    applications.apps[4].origin = AppOrigin::package;
+    applications.apps[4].componentId = u"tallyho.desktop"_s;
+    applications.plans[u"com.aurora.studio"_s]
+        = { .leftovers = { { .path = "/home/someone/.local/share/com.aurora.studio",
+                               .kind = LeftoverKind::supportFiles,
+                               .bytes = bytes(1.6) },
+                { .path = "/home/someone/.cache/com.aurora.studio",
+                    .kind = LeftoverKind::cache,
+                    .bytes = bytes(0.3) },
+                { .path = "/etc/Aurora Studio",
+                    .kind = LeftoverKind::systemWide,
+                    .bytes = bytes(0.04),
+                    .needsAdministrator = true } } };
+    applications.plans[u"tallyho"_s] = {
+        .blocked
+        = u"Tallyho belongs to the system's packages. Removing it needs an administrator, so Quillbrook leaves it to the software centre."_s
+    };
+    for (const auto *id : { "org.gone.cool-tool", "com.maker.player" })
+        applications.found.push_back({ .orphan = { .path = std::string("/home/someone/.config/") + id,
+                                           .bundleID = QString::fromUtf8(id),
+                                           .kind = LeftoverKind::preferences,
+                                           .bytes = bytes(0.7),
+                                           .lastModified = QDateTime(QDate(2023, 9, 1), QTime(), Qt::UTC) },
+            .newestInside = QDateTime(QDate(2023, 8, 1), QTime(), Qt::UTC),
+            .isInHostPlace = true });
+}
+
 int show(QQmlApplicationEngine &engine, const QString &file)
 {
     engine.addImportPath(u"qrc:/qt/qml"_s);
@@ -182,6 +232,7 @@ int showWindow(FakeServices &machine, const QString &what)
     if (what == u"scanning"_s || what == u"idle"_s)
         hold.emplace(machine.directories, "/home/someone");
 
+    pretendApps(machine.applications);
     AppModel model(machine.services);
     FakeMotionPreference motion;
     Background background(model.services());

@@ -39,7 +39,7 @@ struct Machine : DesktopMachine
     [[nodiscard]] Plan plan(const QString &id) const
     {
         const auto all = listing();
-        return applications().plan(app(all, id), all.apps, measure());
+        return applications().plan({ .app = app(all, id), .all = all.apps, .measure = measure() });
     }
     [[nodiscard]] std::string inHome(const std::string &name) const { return path("home/" + name); }
 };

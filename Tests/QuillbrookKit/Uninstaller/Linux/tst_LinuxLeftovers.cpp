@@ -14,7 +14,7 @@ struct Machine : DesktopMachine
     [[nodiscard]] Plan plan(const QString &id) const
     {
         const auto all = applications().listing();
-        return applications().plan(app(all, id), all.apps, measure());
+        return applications().plan({ .app = app(all, id), .all = all.apps, .measure = measure() });
     }
     // Below the root, with the kind.
     [[nodiscard]] QStringList found(const QString &id) const

@@ -43,6 +43,9 @@ private Q_SLOTS:
         QTest::newRow("no host") << u"https:///etc/passwd"_s << false;
         QTest::newRow("no scheme") << u"//example.org/"_s << false;
         QTest::newRow("not an address") << u"https://exa mple.org:port/"_s << false;
+        QTest::newRow("an application") << u"appstream:org.one.App"_s << true;
+        QTest::newRow("an application as an option") << u"appstream:--help"_s << false;
+        QTest::newRow("a computer's application") << u"appstream://org.one.App"_s << false;
         QTest::newRow("empty") << QString() << false;
     }
     void onlyWebAddressesAreOpened()
@@ -52,7 +55,7 @@ private Q_SLOTS:
         FakeBrowser browser;
         // All of the schemes, so that nothing of the machine is ever started.
         const QStringList schemes{ u"https"_s, u"http"_s, u"file"_s, u"javascript"_s, u"mailto"_s, u"steam"_s,
-            u"httpsx"_s, QString() };
+            u"httpsx"_s, u"appstream"_s, QString() };
         for (const auto &scheme : schemes)
             QDesktopServices::setUrlHandler(scheme, &browser, "open");
         LinuxLinkOpener().open(QUrl(url));

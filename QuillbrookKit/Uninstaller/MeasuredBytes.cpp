@@ -1,0 +1,23 @@
+#include "Uninstaller/MeasuredBytes.h"
+
+#include "Platform/FileFacts.h"
+#include "Scan/FastScanner.h"
+
+namespace Quillbrook {
+
+Measure measureOnDisk(const MeasuringServices &services, const std::stop_token &stop)
+{
+    return [services, stop](const std::string &path) -> qint64 {
+        const auto kind = services.files.kind(path);
+        if (kind != FileKind::directory)
+            return kind ? services.files.length(path).value_or(0) : 0;
+        FastScanner scanner(services.directories);
+        const auto result = scanner.scan({ .rootPath = path,
+            .threads = FastScanner::defaultThreadCount(services.processors),
+            .exclusions = FastScanner::defaultExclusions(),
+            .stop = stop });
+        return result.tree && result.root >= 0 ? result.tree->size(result.root) : 0;
+    };
+}
+
+} // namespace Quillbrook
