@@ -13,6 +13,7 @@ import sys
 from pathlib import Path
 
 from comparison import application, background, catalogue, machine, peers, removal, rules, scanning
+from comparison import application, apps, background, catalogue, machine, peers, removal, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -30,6 +31,7 @@ MEASURES = {
     "catalogue": catalogue.catalogue,
     "removal": removal.removal,
     "rules": rules.rules,
+    "apps": apps.apps,
     "growth": scanning.growth,
     "cold": scanning.cold,
     "shapes": scanning.odd_shapes,
