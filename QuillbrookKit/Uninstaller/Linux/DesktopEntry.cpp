@@ -62,7 +62,11 @@ QStringList commandOf(const QString &line)
 QString plainLine(const QString &text)
 {
     static const QRegularExpression unseen(u"(?!\\s)[\\p{Cf}\\p{Cc}]"_s);
-    return QString(text).remove(unseen).simplified().left(maximumNameLength);
+    auto line = QString(text).remove(unseen).simplified().left(maximumNameLength);
+    // Half a letter is none.
+    if (!line.isEmpty() && line.back().isHighSurrogate())
+        line.chop(1);
+    return line.trimmed();
 }
 
 std::optional<DesktopEntry> DesktopEntry::parse(QByteArrayView bytes)

@@ -97,7 +97,7 @@ QString versionOf(const QByteArray &metainfo)
     QXmlStreamReader reader(metainfo);
     while (!reader.atEnd())
         if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == u"release")
-            return plainLine(reader.attributes().value(u"version"_s).toString()).left(longestVersion);
+            return plainLine(reader.attributes().value(u"version"_s).toString().left(longestVersion));
     return {};
 }
 
