@@ -33,6 +33,9 @@ public:
             .trash = &m_disk.trash,
             .removal = &m_disk.removal,
             .writing = &m_disk.writing,
+            .relocation = &m_disk.relocation,
+            .drives = &m_disk.drives,
+            .speeds = &m_disk.speeds,
             .dataFolder = m_dataFolder }));
     }
 

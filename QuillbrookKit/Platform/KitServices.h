@@ -10,6 +10,7 @@ namespace Quillbrook {
 class BackupProbe;
 class Clock;
 class DirectoryReading;
+class Drives;
 class FileFacts;
 class FileReading;
 class FileRemoval;
@@ -20,8 +21,10 @@ class HostKnowledge;
 class HttpClient;
 class ProcessRunner;
 class Processors;
+class RelocationDisk;
 class RunningApps;
 class SpaceHolders;
+class SpeedProbe;
 class Trash;
 class UserDefaults;
 class UtilityQueue;
@@ -45,6 +48,9 @@ struct KitServices
     Trash &trash;
     FileRemoval &removal;
     FileWriting &writing;
+    RelocationDisk &relocation;
+    Drives &drives;
+    SpeedProbe &speeds;
     BackupProbe &backups;
     HttpClient &http;
     /// The watcher's own.

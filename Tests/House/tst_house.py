@@ -23,7 +23,12 @@ KIT_DIRECTIONS = {
     "Platform/Linux/Trash": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders"},
     "Platform/Linux/Backups": {"Platform", "Platform/Linux/Files"},
     "Platform/Linux/Processes": {"Platform", "Platform/Linux/Files"},
-    "Platform/Linux": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Trash"},
+    "Platform/Linux/Drives": {"Platform", "Platform/Linux/Files", "Platform/Linux/Folders"},
+    "Platform/Linux/Copying": {
+        "Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Drives", "Platform/Linux/Trash"},
+    "Platform/Linux": {
+        "Platform", "Platform/Linux/Files", "Platform/Linux/Folders", "Platform/Linux/Trash", "Platform/Linux/Drives",
+        "Platform/Linux/Copying"},
     "Scan": {"Platform"},
     "Catalogue": {"Platform", "Scan"},
     "Catalogue/Linux": {"Catalogue", "Platform", "Scan", "Platform/Linux/Files", "Platform/Linux/Folders"},
@@ -35,6 +40,7 @@ KIT_DIRECTIONS = {
         "Uninstaller", "Platform", "Removal", "Platform/Linux/Files", "Platform/Linux/Folders",
         "Platform/Linux/Processes"},
     "Offload": {"Platform", "Scan", "Removal"},
+    "Offload": {"Platform", "Scan", "Catalogue"},
     "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
 }
 
@@ -47,11 +53,12 @@ APPLICATION_DIRECTIONS = {
     "Platform/Linux/Session": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
     "Platform/Linux/Notifications": {
         "Platform", "Platform/Linux/Bus", "Platform/Linux/Session", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Mounts": {"Platform"},
     "Platform/Linux/Opening": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
     "Platform/Linux/Tray": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
     "Platform/Linux": {
         "Platform", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
-        "Platform/Linux/Opening", "Platform/Linux/Tray"},
+        "Platform/Linux/Opening", "Platform/Linux/Tray", "Platform/Linux/Mounts"},
     "Core": {"Platform"},
     "Screens": {"Platform", "Core"},
     "Screens/Symbols": {"Screens"},
@@ -245,6 +252,10 @@ ENGLISH = {
     "QuillbrookKit/Uninstaller/": "sentences of the log, and tables, translated where they are shown",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/AutomationDriver.cpp": "sentences of the log",
+    "QuillbrookKit/Offload/": "errors, which end in the log, and a table",
+    "QuillbrookKit/Platform/Linux/Copying/": "errors, which end in the log",
+    "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
+    "Quillbrook/Core/OffloadDriver.cpp": "sentences of the log",
     "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
     "Quillbrook/Core/UninstallDriver.cpp": "sentences of the log",
     "Quillbrook/Platform/Linux/Bus/": "errors told to programs",
@@ -252,7 +263,8 @@ ENGLISH = {
 }
 # Words of protocols, of other programs and of styles, and names.
 NOT_SPOKEN = {
-    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "${HOME}", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
+    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "${HOME}", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active",
+    "Block", "Drive", "Removable"}
 
 
 class Words(unittest.TestCase):

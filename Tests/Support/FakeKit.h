@@ -13,6 +13,7 @@
 #include "Support/FakeHostApplications.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeHttpClient.h"
+#include "Support/FakeOffload.h"
 #include "Support/FakeProcessRunner.h"
 #include "Support/FakeProcessors.h"
 #include "Support/FakeRunningApps.h"
@@ -39,6 +40,9 @@ struct FakeKit
         Trash *trash = nullptr;
         FileRemoval *removal = nullptr;
         FileWriting *writing = nullptr;
+        RelocationDisk *relocation = nullptr;
+        Drives *drives = nullptr;
+        SpeedProbe *speeds = nullptr;
         HttpClient *http = nullptr;
         UtilityQueue *utility = nullptr;
         HostApplications *applications = nullptr;
@@ -75,6 +79,9 @@ struct FakeKit
             .trash = either(instead.trash, trash),
             .removal = either(instead.removal, trash),
             .writing = either(instead.writing, stored),
+            .relocation = either(instead.relocation, relocation),
+            .drives = either(instead.drives, drives),
+            .speeds = either(instead.speeds, speeds),
             .backups = backups,
             .http = either(instead.http, http),
             .utility = either(instead.utility, queue),
@@ -96,6 +103,9 @@ struct FakeKit
     FakeHostKnowledge host;
     FakeTrash trash;
     MemoryFiles stored;
+    FakeRelocationDisk relocation;
+    FakeDrives drives;
+    FakeSpeedProbe speeds;
     FakeBackupProbe backups;
     FakeHttpClient http;
     FakeUtilityQueue queue;

@@ -125,6 +125,9 @@ private:
             .trash = &disk.trash,
             .removal = &disk.removal,
             .writing = &disk.writing,
+            .relocation = &disk.relocation,
+            .drives = &disk.drives,
+            .speeds = &disk.speeds,
             .http = &desktop.http,
             .utility = &desktop.utility,
             .dataFolder = dataFolder }));

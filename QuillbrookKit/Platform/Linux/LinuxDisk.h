@@ -3,6 +3,9 @@
 // Everything by which files are read, written, moved and deleted, put together. The program has one, and so
 // has each test and benchmark that works on real files.
 
+#include "Platform/Linux/Copying/LinuxRelocationDisk.h"
+#include "Platform/Linux/Drives/LinuxDrives.h"
+#include "Platform/Linux/Drives/LinuxSpeedProbe.h"
 #include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Platform/Linux/Files/LinuxFileReading.h"
 #include "Platform/Linux/Files/LinuxFileWriting.h"
@@ -34,6 +37,9 @@ struct LinuxDisk
     LinuxFileRemoval removal;
     LinuxSpaceHolders spaceHolders;
     LinuxFileWriting writing{ &reserve };
+    LinuxRelocationDisk relocation;
+    LinuxDrives drives;
+    LinuxSpeedProbe speeds;
 };
 
 } // namespace Quillbrook

@@ -50,23 +50,34 @@ std::string unescaped(std::string_view text)
     return result;
 }
 
+// The next field of a line, which loses it.
+std::string_view takeField(std::string_view &line)
+{
+    const auto length = std::min(line.find(' '), line.size());
+    const auto field = line.substr(0, length);
+    line.remove_prefix(std::min(length + 1, line.size()));
+    return field;
+}
+
 std::optional<Mount> parseLine(std::string_view line)
 {
     std::array<std::string_view, fieldsNeeded> fields;
-    for (auto &field : fields) {
-        const auto length = std::min(line.find(' '), line.size());
-        field = line.substr(0, length);
-        line.remove_prefix(std::min(length + 1, line.size()));
-    }
+    for (auto &field : fields)
+        field = takeField(line);
     const auto id = number(fields[idField]);
     const auto parentId = number(fields[parentField]);
     if (!id || !parentId || !fields[mountPointField].starts_with('/'))
         return std::nullopt;
+    // Behind the mount's options stand any number of fields, and a hyphen at their end.
+    while (!line.empty() && takeField(line) != "-") { }
+    const auto type = takeField(line);
     return Mount{ .id = *id,
         .parentId = *parentId,
         .device = std::string(fields[deviceField]),
         .root = unescaped(fields[rootField]),
-        .mountPoint = unescaped(fields[mountPointField]) };
+        .mountPoint = unescaped(fields[mountPointField]),
+        .type = unescaped(type),
+        .source = unescaped(takeField(line)) };
 }
 
 } // namespace

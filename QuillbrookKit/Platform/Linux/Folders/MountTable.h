@@ -12,7 +12,8 @@ namespace Quillbrook {
 
 /// One mount. `parentId` is the mount that its mount point lies in; `device` names its file system for as
 /// long as that is mounted, and `root` is the folder of that, absolute there, that stands at `mountPoint`, an
-/// absolute path without links. Raw bytes.
+/// absolute path without links. `type` is the kind of the file system, as "ext4", and `source` what is
+/// mounted, a device's path for most. Raw bytes.
 struct Mount
 {
     std::uint64_t id = 0;
@@ -20,6 +21,8 @@ struct Mount
     std::string device{};
     std::string root{};
     std::string mountPoint{};
+    std::string type{};
+    std::string source{};
 
     bool operator==(const Mount &) const = default;
 };

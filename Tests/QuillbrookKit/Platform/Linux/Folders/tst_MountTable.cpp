@@ -52,13 +52,35 @@ private Q_SLOTS:
         QCOMPARE(mounts.size(), size_t(understood ? 1 : 0));
         if (!understood)
             return;
-        const auto fields = line.split(' ');
-        const std::vector<Mount> expected{ { .id = id,
-            .parentId = parent,
-            .device = fields[2].toStdString(),
-            .root = fields[3].toStdString(),
-            .mountPoint = mountPoint.toStdString() } };
-        QVERIFY(mounts == expected);
+        QCOMPARE(mounts[0].id, id);
+        QCOMPARE(mounts[0].parentId, parent);
+        QCOMPARE(mounts[0].device, line.split(' ')[2].toStdString());
+        QCOMPARE(mounts[0].root, line.split(' ')[3].toStdString());
+        QCOMPARE(mounts[0].mountPoint, mountPoint.toStdString());
+    }
+
+    void theFileSystemStandsBehindAHyphen_data()
+    {
+        QTest::addColumn<QByteArray>("rest");
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<QByteArray>("source");
+        QTest::newRow("plain") << QByteArray("- ext4 /dev/vda rw") << QByteArray("ext4")
+                               << QByteArray("/dev/vda");
+        QTest::newRow("behind other fields") << QByteArray("shared:1 master:2 - fuse.portal portal rw")
+                                             << QByteArray("fuse.portal") << QByteArray("portal");
+        QTest::newRow("with a blank")
+            << QByteArray("- nfs4 host:/a\\040b rw") << QByteArray("nfs4") << QByteArray("host:/a b");
+        QTest::newRow("not told") << QByteArray("shared:1") << QByteArray() << QByteArray();
+        QTest::newRow("cut off") << QByteArray("-") << QByteArray() << QByteArray();
+    }
+
+    void theFileSystemStandsBehindAHyphen()
+    {
+        QFETCH(QByteArray, rest);
+        const auto mounts = MountTable::parse("9 8 0:1 / /a rw " + rest.toStdString());
+        QCOMPARE(mounts.size(), 1U);
+        QTEST(QByteArray::fromStdString(mounts[0].type), "type");
+        QTEST(QByteArray::fromStdString(mounts[0].source), "source");
     }
 
     void severalLinesKeepTheirOrder()
@@ -68,8 +90,8 @@ private Q_SLOTS:
                                               "\n"
                                               "2 1 0:2 / /a rw - t s rw\n"
                                               "3 2 0:3 / /a rw - t s rw");
-        const std::vector<Mount> expected{ { 1, 0, "0:1", "/", "/" }, { 2, 1, "0:2", "/", "/a" },
-            { 3, 2, "0:3", "/", "/a" } };
+        const std::vector<Mount> expected{ { 1, 0, "0:1", "/", "/", "t", "s" },
+            { 2, 1, "0:2", "/", "/a", "t", "s" }, { 3, 2, "0:3", "/", "/a", "t", "s" } };
         QVERIFY(mounts == expected);
     }
 
