@@ -1,7 +1,7 @@
 #pragma once
 
-// The walk over all tables that quick scan, step count and evaluation share, and the findings made on it.
-// Private to the catalogue.
+// The walk over all tables that quick scan, step count and evaluation share, and the search for what was
+// moved away; and the findings made on it.
 
 #include "Catalogue/StorageCatalogue.h"
 

@@ -1,0 +1,31 @@
+#pragma once
+
+// Whether what a rule of the catalogue finds may leave the startup disk.
+
+#include <QString>
+
+#include <optional>
+
+namespace Quillbrook {
+
+struct HostCatalogue;
+
+/// Never with a reason, always without.
+struct Suitability
+{
+    std::optional<QString> hotReason{};
+
+    bool operator==(const Suitability &) const = default;
+
+    [[nodiscard]] bool isCold() const { return !hotReason; }
+};
+
+namespace Offload {
+
+/// By the built-in table, and after it the host's where one is given. Ids are compared exactly; one that
+/// neither knows is hot.
+[[nodiscard]] Suitability suitability(const QString &ruleId, const HostCatalogue *host = nullptr);
+
+} // namespace Offload
+
+} // namespace Quillbrook
