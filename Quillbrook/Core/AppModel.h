@@ -6,6 +6,7 @@
 
 #include "Core/AutomationDriver.h"
 #include "Core/Navigation.h"
+#include "Core/OffloadDriver.h"
 #include "Core/ReclaimDriver.h"
 #include "Core/RemovalQueue.h"
 #include "Core/ScanDriver.h"
@@ -44,6 +45,8 @@ public:
     [[nodiscard]] AutomationDriver &automation() { return m_automation; }
     [[nodiscard]] const AutomationDriver &automation() const { return m_automation; }
     [[nodiscard]] UninstallDriver &uninstalls() { return m_uninstalls; }
+    [[nodiscard]] OffloadDriver &offloads() { return m_offloads; }
+    [[nodiscard]] const OffloadDriver &offloads() const { return m_offloads; }
     [[nodiscard]] WatchDriver &watch() { return m_watch; }
     [[nodiscard]] const WatchDriver &watch() const { return m_watch; }
     [[nodiscard]] UpdateDriver &updates() { return m_updates; }
@@ -70,6 +73,7 @@ private:
     ReclaimDriver m_reclaims;
     AutomationDriver m_automation;
     UninstallDriver m_uninstalls;
+    OffloadDriver m_offloads;
     WatchDriver m_watch;
     UpdateDriver m_updates;
     bool m_hasStarted = false;

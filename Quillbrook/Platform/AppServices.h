@@ -9,6 +9,7 @@
 
 namespace Quillbrook {
 
+class DriveChanges;
 class FileRevealer;
 class FolderGrants;
 class FolderPicker;
@@ -25,6 +26,7 @@ struct AppServices
     LinkOpener &links;
     FolderPicker &folderPicker;
     FolderGrants &folderGrants;
+    DriveChanges &driveChanges;
     /// Of the running program.
     QString version{};
     /// Where a newer version would be told of.

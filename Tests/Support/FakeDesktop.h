@@ -3,6 +3,7 @@
 // The services of a desktop and of the network, made up: nothing leaves the test.
 
 #include "Platform/AppServices.h"
+#include "Support/FakeDriveChanges.h"
 #include "Support/FakeFileRevealer.h"
 #include "Support/FakeFolders.h"
 #include "Support/FakeHttpClient.h"
@@ -21,6 +22,7 @@ struct FakeDesktop
     FakeLinkOpener links;
     FakeFolderPicker folderPicker;
     FakeFolderGrants folderGrants;
+    FakeDriveChanges driveChanges;
     FakeHttpClient http;
     FakeUtilityQueue utility;
 
@@ -34,6 +36,7 @@ struct FakeDesktop
             .links = links,
             .folderPicker = folderPicker,
             .folderGrants = folderGrants,
+            .driveChanges = driveChanges,
             .version = QStringLiteral("1.0"),
             .updateFeed = QUrl(QStringLiteral("https://updates.test/version.json")) };
     }

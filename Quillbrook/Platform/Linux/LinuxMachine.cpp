@@ -6,6 +6,7 @@
 #include "Platform/Linux/Folders/LinuxHomeFolder.h"
 #include "Platform/Linux/Folders/LinuxVolumes.h"
 #include "Platform/Linux/LinuxDisk.h"
+#include "Platform/Linux/Mounts/LinuxDriveChanges.h"
 #include "Platform/Linux/Notifications/LinuxNotifier.h"
 #include "Platform/Linux/Opening/LinuxFileRevealer.h"
 #include "Platform/Linux/Opening/LinuxLinkOpener.h"
@@ -110,6 +111,7 @@ struct Services
     LinuxFolderPicker folderPicker{ { .isSandboxed = !session.sandbox.isNone() } };
     LinuxFolderGrants folderGrants{ { .realHome = places.realHome,
         .runtimeFolder = environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
+    LinuxDriveChanges driveChanges;
     NetworkHttpClient http;
     LinuxTrayItem tray;
     LinuxQuitSignals quitSignals;
@@ -160,7 +162,8 @@ public:
             .loginItem = all.loginItem,
             .links = all.links,
             .folderPicker = all.folderPicker,
-            .folderGrants = all.folderGrants };
+            .folderGrants = all.folderGrants,
+            .driveChanges = all.driveChanges };
     }
 
     [[nodiscard]] MotionPreference &motion() override { return made().motion; }

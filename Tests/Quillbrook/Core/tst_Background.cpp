@@ -60,7 +60,8 @@ AppServices withNotifier(const FakeServices &machine, Notifier &notifier, LoginI
         .loginItem = loginItem,
         .links = given.links,
         .folderPicker = given.folderPicker,
-        .folderGrants = given.folderGrants };
+        .folderGrants = given.folderGrants,
+        .driveChanges = given.driveChanges };
 }
 
 } // namespace

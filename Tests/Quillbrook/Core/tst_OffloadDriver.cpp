@@ -1,0 +1,244 @@
+// What the model makes of moves, over made-up drives and copies; how real ones go is tested with the logic.
+
+#include "Support/ScannedHome.h"
+#include "Support/Suite.h"
+
+#include <QSemaphore>
+#include <QSignalSpy>
+
+using namespace Quillbrook;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 mebi = 1'048'576;
+constexpr auto models = ".ollama/models";
+const auto modelsTitle = u"Downloaded AI models"_s;
+
+struct Fixture : ScannedHome
+{
+    Fixture()
+    {
+        addPlace(models, 200);
+        addPlace(".android/avd", 150);
+        addPlace(".gradle/caches", 500);
+        files.entries["/media/disk/."] = {};
+        drives.answer = { .available = 1000 * mebi };
+        relocation.size = 200 * mebi;
+        trash.things.insert(path(models));
+        scan();
+    }
+
+    [[nodiscard]] OffloadDriver &driver() { return model.offloads(); }
+    [[nodiscard]] Finding candidate(const QString &title = modelsTitle)
+    {
+        for (const auto &finding : driver().offloadCandidates())
+            if (finding.rule.title == title)
+                return finding;
+        qFatal("no such candidate");
+    }
+    void profile(const std::string &folder = "/media/disk")
+    {
+        driver().profileDestination(folder);
+        QTRY_VERIFY(!driver().isProfiling());
+    }
+    void idle() { QTRY_VERIFY(!driver().running()); }
+    void settled() { QTRY_COMPARE(model.scans().phase().kind, Phase::Kind::ready); }
+};
+
+} // namespace
+
+class TestOffloadDriver : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void candidatesAreColdLargeAndHere_data()
+    {
+        QTest::addColumn<qint64>("mebibytes");
+        QTest::addColumn<bool>("isLink");
+        QTest::addColumn<bool>("isCandidate");
+        QTest::newRow("exactly as large") << qint64(100) << false << false;
+        QTest::newRow("larger") << qint64(101) << false << true;
+        QTest::newRow("a link") << qint64(101) << true << false;
+    }
+
+    void candidatesAreColdLargeAndHere()
+    {
+        QFETCH(qint64, mebibytes);
+        QFETCH(bool, isLink);
+        ScannedHome home;
+        QVERIFY(home.model.offloads().offloadCandidates().isEmpty());
+        home.addPlace(models, mebibytes);
+        home.addPlace(".gradle/caches", 500);
+        if (isLink)
+            home.files.entries[home.path(models)].kind = FileKind::symlink;
+        home.scan();
+        QTEST(home.model.offloads().offloadCandidates().size() == 1, "isCandidate");
+    }
+
+    void oneByteMoreThanTheLeastIsACandidate()
+    {
+        ScannedHome home;
+        home.addPlace(models, 100);
+        home.directories.folder(home.path(models), { FakeDirectories::aFile("content", 100 * mebi + 1) });
+        home.scan();
+        QCOMPARE(home.model.offloads().offloadCandidates().size(), 1);
+    }
+
+    void aProfileTakesThePlaceOfTheOneBefore()
+    {
+        Fixture f;
+        f.profile();
+        QVERIFY(f.driver().destination());
+        QCOMPARE(f.driver().destination()->writeMBPerSecond, 240.0);
+        QCOMPARE(f.speeds.samples.at(0).bytes, 24 * mebi);
+        // No figures of the one before while the next one is measured, and none of one that was given up.
+        QSemaphore held;
+        f.speeds.onMeasure = [&](const SpeedProbe::Sample &sample) {
+            held.acquire();
+            f.speeds.answer = sample.stop.stop_requested()
+                ? std::expected<MeasuredSpeed, QString>(std::unexpected(u"given up"_s))
+                : MeasuredSpeed{ .writeSeconds = 1, .readSeconds = 1 };
+        };
+        f.driver().profileDestination("/media/disk");
+        QVERIFY(!f.driver().destination());
+        f.driver().profileDestination("/media/disk");
+        held.release(2);
+        QTRY_VERIFY(!f.driver().isProfiling());
+        QCOMPARE(f.driver().destination().value_or(DestinationProfile()).writeMBPerSecond, 24.0);
+        f.profile("/media/nothing");
+        QVERIFY(!f.driver().destination());
+        QCOMPARE(f.driver().destinationError(), u"/media/nothing is not a folder."_s);
+    }
+
+    void withoutADestinationNothingHappens()
+    {
+        Fixture f;
+        f.driver().offload(f.candidate(), true);
+        QVERIFY(!f.driver().running());
+        QVERIFY(f.driver().offloadLog().isEmpty());
+        QVERIFY(f.relocation.orders.empty());
+    }
+
+    void aMoveIsLoggedAndMeasured()
+    {
+        Fixture f;
+        f.profile();
+        QSignalSpy started(&f.model.scans(), &ScanDriver::started);
+        f.driver().offload(f.candidate(), false);
+        QCOMPARE(f.driver().running().value().id, f.candidate().id);
+        f.idle();
+        QCOMPARE(f.driver().offloadLog(), QStringList{ u"✓ Downloaded AI models → /media/disk/models"_s });
+        QCOMPARE(f.relocation.made.at(f.path(models)), std::string("/media/disk/models"));
+        QCOMPARE(started.count(), 1);
+        f.settled();
+    }
+
+    void aFailureIsLoggedAndNothingIsMeasured()
+    {
+        Fixture f;
+        f.speeds.answer = MeasuredSpeed{ .writeSeconds = 1, .readSeconds = 1 };
+        f.profile();
+        QSignalSpy started(&f.model.scans(), &ScanDriver::started);
+        f.driver().offload(f.candidate(), false);
+        f.idle();
+        QCOMPARE(f.driver().offloadLog(),
+            QStringList{ u"✗ Downloaded AI models: This drive is slow (24 MB/s). Anything moved here will be "
+                         u"slower to open, every time."_s });
+        QCOMPARE(started.count(), 0);
+    }
+
+    void movesGoOneAtATimeAndAStopEndsThem()
+    {
+        Fixture f;
+        f.profile();
+        QSemaphore held;
+        QSemaphore reached;
+        f.relocation.onCopy = [&](const CopyOrder &order) {
+            order.onProgress(50 * mebi);
+            reached.release();
+            held.acquire();
+            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
+        };
+        f.driver().offload(f.candidate(), false);
+        f.driver().offload(f.candidate(u"Test Android phones"_s), false);
+        QVERIFY(reached.tryAcquire(1, 5000));
+        const auto running = f.driver().running().value();
+        QCOMPARE(running.id, f.candidate().id);
+        QCOMPARE(running.done, 50 * mebi);
+        QCOMPARE(running.total, 200 * mebi);
+        QVERIFY(running.canStop);
+        QVERIFY(!reached.tryAcquire(1, 50));
+        f.driver().stop();
+        QVERIFY(!f.driver().running().value().canStop);
+        held.release(2);
+        f.idle();
+        QCOMPARE(f.driver().offloadLog(),
+            QStringList({ u"✗ Downloaded AI models: Stopped. Nothing was moved."_s,
+                u"✗ Test Android phones: Stopped. Nothing was moved."_s }));
+        const std::vector<std::string> dropped{ "/media/disk/models", "/media/disk/avd" };
+        QCOMPARE(f.relocation.dropped, dropped);
+        QCOMPARE(f.trash.asked.size(), 0U);
+    }
+
+    void theEndOfTheModelEndsWhatRuns()
+    {
+        QSemaphore reached;
+        bool isStopped = false;
+        auto f = std::make_unique<Fixture>();
+        f->profile();
+        f->relocation.onCopy = [&](const CopyOrder &order) {
+            reached.release();
+            for (int i = 0; i < 1000 && !order.stop.stop_requested(); ++i)
+                QThread::msleep(5);
+            isStopped = order.stop.stop_requested();
+            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
+        };
+        f->driver().offload(f->candidate(), false);
+        QVERIFY(reached.tryAcquire(1, 5000));
+        f.reset();
+        QVERIFY(isStopped);
+    }
+
+    void whatLiesElsewhereIsMeasuredThereAndBroughtBack()
+    {
+        Fixture f;
+        f.relocation.links[f.path(models)] = { .text = "/media/disk/models",
+            .target = "/media/disk/models",
+            .leadsSomewhere = true,
+            .identity = { .device = 1, .inode = 3 } };
+        f.trash.things.insert("/media/disk/models");
+        f.driver().recheckDrives();
+        QTRY_VERIFY(!f.driver().movedThings().empty() && f.driver().movedThings()[0].bytes);
+        const auto thing = f.driver().movedThings().at(0);
+        QCOMPARE(thing.bytes, 200 * mebi);
+        QCOMPARE(thing.drive, u"Backup"_s);
+        QSignalSpy started(&f.model.scans(), &ScanDriver::started);
+        f.driver().bringBack(thing);
+        f.idle();
+        QCOMPARE(f.driver().offloadLog(),
+            QStringList{ u"✓ Downloaded AI models → "_s + QString::fromStdString(f.path(models)) });
+        QCOMPARE(f.trash.asked, std::vector<std::string>{ "move /media/disk/models" });
+        QCOMPARE(started.count(), 1);
+        f.settled();
+    }
+
+    void aDestinationThatIsTakenOutIsAwayUntilItComesBack()
+    {
+        Fixture f;
+        f.profile();
+        f.driver().recheckDrives();
+        f.files.entries.erase("/media/disk/.");
+        f.driver().recheckDrives();
+        QTRY_COMPARE(f.driver().destinationError(), u"/media/disk is not connected."_s);
+        QVERIFY(!f.driver().destination());
+        f.files.entries["/media/disk/."] = {};
+        f.driver().recheckDrives();
+        QTRY_VERIFY(f.driver().destination());
+        QCOMPARE(f.driver().destinationError(), std::nullopt);
+    }
+};
+
+QUILLBROOK_SUITE(TestOffloadDriver, QCoreApplication)
+#include "tst_OffloadDriver.moc"
