@@ -156,6 +156,13 @@ void AppDelegate::end()
 {
     auto &removals = m_services.model.removals();
     removals.close();
+    if (m_windows.asksBeforeQuitting && m_windows.asksBeforeQuitting() && openWindow())
+        return;
+    quitNow();
+}
+
+void AppDelegate::quitNow()
+{
     // Not by asking the windows: none of them may keep the program.
     if (!removals.isBusy())
         return QCoreApplication::exit(0);

@@ -18,6 +18,7 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include <functional>
 #include <optional>
 
 class QPoint;
@@ -51,6 +52,9 @@ public:
         QVariantMap mainProperties{};
         QUrl panel{};
         QVariantMap panelProperties{};
+        /// Asks the person in the main window whether the program may end; false where there is nothing to
+        /// ask, and when it is empty.
+        std::function<bool()> asksBeforeQuitting{};
     };
 
     /// From here on the program does not end with its last window.
@@ -73,6 +77,10 @@ public:
     void quit();
     /// The same unasked: what is being removed ends after its present entry.
     void end();
+    /// Ends the program, or opens the window with the question that has to be answered before.
+    void quit();
+    /// Ends the event loop at once.
+    void quitNow();
 
     /// Nothing while it is closed.
     [[nodiscard]] QQuickWindow *mainWindow() const { return m_main; }

@@ -37,7 +37,8 @@ AppDelegate::Windows windows(MainWindowState &screens, MenuBarPanelState &panel)
     return { .main = QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s),
         .mainProperties = { { u"screens"_s, QVariant::fromValue(&screens) } },
         .panel = QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Panel/MenuBarPanel.qml"_s),
-        .panelProperties = { { u"panel"_s, QVariant::fromValue(&panel) } } };
+        .panelProperties = { { u"panel"_s, QVariant::fromValue(&panel) } },
+        .asksBeforeQuitting = [&screens] { return screens.quit()->ask(); } };
 }
 
 } // namespace
@@ -76,5 +77,8 @@ int main(int argc, char **argv)
     QObject::connect(&machine->quitRequests(), &QuitRequests::asked, &delegate, &AppDelegate::end);
     QObject::connect(&delegate, &AppDelegate::quitToBeAsked, screens.quitting(), &QuitState::ask);
     QObject::connect(screens.quitting(), &QuitState::confirmed, &delegate, &AppDelegate::end);
+    QObject::connect(screens.quit(), &QuitState::quitChosen, &delegate, &AppDelegate::quitNow);
+    // A session that ends waits for nobody.
+    QObject::connect(&machine->quitRequests(), &QuitRequests::asked, &delegate, &AppDelegate::quitNow);
     return delegate.start(start) ? QApplication::exec() : 1;
 }

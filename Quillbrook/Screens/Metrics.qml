@@ -60,6 +60,7 @@ QtObject {
     readonly property int segmentRadius: 5
     readonly property int dateFieldWidth: 196
     readonly property int rowActionWidth: 64
+    readonly property int bringBackWidth: 96
     readonly property int scrollBarWidth: 6
     readonly property int sheetWidth: 560
     readonly property int dialogWidth: 420

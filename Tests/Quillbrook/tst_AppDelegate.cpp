@@ -396,6 +396,15 @@ private Q_SLOTS:
         ended = true;
         QVERIFY(hasStopped);
         QVERIFY(!m_model->removals().isBusy());
+    void quitAsksInTheWindowWhereThereIsSomethingToAsk()
+    {
+        m_windows.asksBeforeQuitting = [] { return true; };
+        make(m_windows);
+        QVERIFY(m_delegate->start(inBackground));
+        m_delegate->quit();
+        QVERIFY(m_delegate->mainWindow());
+        QTimer::singleShot(0, m_delegate.get(), &AppDelegate::quitNow);
+        QCOMPARE(QCoreApplication::exec(), 0);
     }
 
     void quitEndsTheLoopWhateverAWindowSays()

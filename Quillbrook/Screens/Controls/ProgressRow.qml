@@ -12,6 +12,8 @@ Item {
     required property string title
     property string detail: ""
     property string size: ""
+    /// The line tells of something that is amiss.
+    property bool warns: false
     /// The words on the button while nothing runs; without them there is none then.
     property string action: ""
     property bool actionEnabled: true
@@ -63,16 +65,29 @@ Item {
                     text: root.title
                 }
 
-                CaptionText {
-                    Layout.fillWidth: true
-                    Layout.minimumHeight: Metrics.captionLine
-                    text: root.detail
-                    visible: text !== ""
+                RowLayout {
+                    spacing: Metrics.space8
+                    visible: root.detail !== ""
+
+                    Symbol {
+                        Layout.preferredHeight: Metrics.symbolSmall
+                        Layout.preferredWidth: Metrics.symbolSmall
+                        color: Theme.careful
+                        name: "exclamationmark.triangle"
+                        visible: root.warns
+                    }
+
+                    CaptionText {
+                        Layout.fillWidth: true
+                        Layout.minimumHeight: Metrics.captionLine
+                        color: root.warns ? Theme.careful : Theme.label
+                        text: root.detail
+                    }
                 }
             }
 
             BodyText {
-                color: Theme.accent
+                color: root.warns ? Theme.label : Theme.accent
                 horizontalAlignment: Text.AlignRight
                 semibold: true
                 text: root.size

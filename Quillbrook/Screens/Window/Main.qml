@@ -40,4 +40,8 @@ Window {
     FreeNowDialog {
         offer: root.screens.freeNow
     }
+
+    QuitDialog {
+        question: root.screens.quit
+    }
 }

@@ -24,6 +24,7 @@ MainWindowState::MainWindowState(
     , m_scanning(model.scans().scanProgress())
     , m_askBar(m_content)
     , m_freeNow(model)
+    , m_quit(model)
 {
     connect(&m_motion, &MotionPreference::changed, this, &MainWindowState::reducedMotionChanged);
     connect(&m_content, &ContentState::openChanged, this, &MainWindowState::showPane);

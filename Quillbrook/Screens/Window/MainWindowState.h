@@ -40,6 +40,7 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::FreeNowState *freeNow READ freeNow CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::QuitState *quitting READ quitting CONSTANT FINAL)
+    Q_PROPERTY(Quillbrook::QuitState *quit READ quit CONSTANT FINAL)
     /// What the file that `content` names is made with.
     Q_PROPERTY(QVariantMap shownProperties READ shownProperties FINAL)
     /// The person has asked their desktop for less movement.
@@ -61,6 +62,7 @@ public:
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
     [[nodiscard]] FreeNowState *freeNow() { return &m_freeNow; }
     [[nodiscard]] QuitState *quitting() { return &m_quitting; }
+    [[nodiscard]] QuitState *quit() { return &m_quit; }
     [[nodiscard]] QVariantMap shownProperties();
     [[nodiscard]] bool reducedMotion() const;
 
@@ -87,6 +89,7 @@ private:
     AskBarState m_askBar;
     FreeNowState m_freeNow;
     QuitState m_quitting;
+    QuitState m_quit;
 };
 
 } // namespace Quillbrook

@@ -8,6 +8,7 @@
 #include "Screens/Map/MapState.h"
 #include "Screens/Map/SelectionBarState.h"
 #include "Screens/Rules/RulesState.h"
+#include "Screens/Offload/OffloadState.h"
 #include "Screens/Warden/WardenState.h"
 
 namespace Quillbrook {
@@ -30,6 +31,7 @@ PaneStates::PaneStates(AppModel &model, QObject *parent)
     add(Pane::search, new SearchState(model, this), selection);
     add(Pane::rules, new RulesState(model, this));
     add(Pane::apps, new AppsState(model, this));
+    add(Pane::offload, new OffloadState(model, this));
 }
 
 void PaneStates::add(Pane pane, PaneState *state, const QVariantMap &others)

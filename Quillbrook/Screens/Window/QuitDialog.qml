@@ -17,6 +17,21 @@ ConfirmDialog {
 
     function follow() {
         if (quitting.asked)
+// Comes up when the program is told to end while something is moved to another drive, or back.
+ConfirmDialog {
+    id: root
+
+    required property QuitState question
+
+    cancelText: qsTr("Keep going")
+    message: qsTr("Something is being copied to another drive, or back from there. Quitting ends that, and takes away what was copied so far. Nothing is lost: all of it stays where it is now.")
+    title: qsTr("Quit and stop moving?")
+
+    Component.onCompleted: follow()
+    onClosed: question.stay()
+
+    function follow() {
+        if (question.asked)
             open();
         else
             close();
@@ -33,5 +48,12 @@ ConfirmDialog {
     PushButton {
         text: qsTr("Stop and quit")
         onClicked: root.quitting.quit()
+        target: root.question
+    }
+
+    PushButton {
+        kind: PushButton.Destructive
+        text: qsTr("Quit")
+        onClicked: root.question.quit()
     }
 }

@@ -2,11 +2,15 @@
 
 // The question that comes up when the program is told to quit while things are being removed. Main thread
 // only.
+// The question before the program ends while something is moved to another drive, or back. Main thread only;
+// the model outlives it.
 
 #include <QObject>
 #include <QtQmlIntegration>
 
 namespace Quillbrook {
+
+class AppModel;
 
 class QuitState : public QObject
 {
@@ -44,6 +48,26 @@ private:
         Q_EMIT changed();
     }
 
+    explicit QuitState(AppModel &model, QObject *parent = nullptr);
+
+    [[nodiscard]] bool asked() const { return m_asked; }
+
+    /// Asks, where something is moved; answers whether it did. It stands until it is answered, or there is
+    /// nothing to ask about any more.
+    [[nodiscard]] bool ask();
+    /// The program goes on.
+    Q_INVOKABLE void stay();
+    /// The program ends.
+    Q_INVOKABLE void quit();
+
+Q_SIGNALS:
+    void changed();
+    void quitChosen();
+
+private:
+    void setAsked(bool asked);
+
+    AppModel &m_model;
     bool m_asked = false;
 };
 

@@ -1,0 +1,83 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbrook
+
+// Where things are moved to: the folder and what was measured of it, and in the foot what a slow drive means.
+Card {
+    id: root
+
+    required property OffloadState offload
+
+    function takeKeyboard() {
+        choose.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    implicitHeight: column.implicitHeight
+
+    ColumnLayout {
+        id: column
+
+        spacing: 0
+        width: parent.width
+
+        RowLayout {
+            Layout.bottomMargin: Metrics.space12
+            Layout.leftMargin: Metrics.space16
+            Layout.rightMargin: Metrics.space16
+            Layout.topMargin: Metrics.space12
+            spacing: Metrics.space12
+
+            Symbol {
+                Layout.preferredHeight: Metrics.symbolLarge
+                Layout.preferredWidth: Metrics.symbolLarge
+                color: root.offload.destinationFailed ? Theme.danger : Theme.label
+                name: root.offload.destinationFailed ? "exclamationmark.triangle" : "externaldrive.badge.plus"
+            }
+
+            ColumnLayout {
+                spacing: 0
+
+                SelectableText {
+                    Layout.fillWidth: true
+                    color: Theme.strong
+                    font.pointSize: Metrics.bodyFont
+                    font.weight: Font.DemiBold
+                    fullText: root.offload.destination
+                    visible: fullText !== ""
+                }
+
+                CaptionText {
+                    Layout.fillWidth: true
+                    Layout.minimumHeight: Metrics.captionLine
+                    color: root.offload.destinationFailed ? Theme.danger : Theme.label
+                    text: root.offload.destinationText
+                    wrapMode: Text.Wrap
+                }
+
+                CaptionText {
+                    Layout.fillWidth: true
+                    color: Theme.careful
+                    text: root.offload.lossNote
+                    visible: text !== ""
+                    wrapMode: Text.Wrap
+                }
+            }
+
+            PushButton {
+                id: choose
+
+                text: qsTr("Choose a volume…")
+                onClicked: root.offload.chooseVolume()
+            }
+        }
+
+        SlowDriveFoot {
+            Layout.fillWidth: true
+            Layout.margins: Metrics.hairlineWidth
+            offload: root.offload
+            visible: root.offload.slowWarning !== ""
+        }
+    }
+}

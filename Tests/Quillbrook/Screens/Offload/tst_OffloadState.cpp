@@ -1,0 +1,195 @@
+// What the screen says and lets be pressed, over made-up drives and copies.
+
+#include "Screens/Offload/OffloadState.h"
+#include "Support/ScannedHome.h"
+#include "Support/Suite.h"
+
+#include <QAbstractItemModelTester>
+#include <QSemaphore>
+#include <QSignalSpy>
+
+using namespace Quillbrook;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 gibi = qint64{ 1 } << 30;
+
+struct Fixture : ScannedHome
+{
+    Fixture()
+    {
+        const auto now = clock.now();
+        addPlace(".ollama/models", 3072,
+            FileDates{ .lastModified = now.addDays(-60), .created = now.addDays(-220) });
+        addPlace(".android/avd", 1024);
+        files.entries["/media/disk/."] = {};
+        drives.answer = { .available = 400 * gibi };
+        relocation.links[path("Library/Developer/Xcode/Archives")]
+            = { .text = "/media/disk/Archives", .target = "/media/disk/Archives", .leadsSomewhere = true };
+        relocation.links[path("Library/Developer/Xcode/iOS DeviceSupport")]
+            = { .text = "/media/away/Support", .target = "/media/away/Support" };
+        relocation.size = 6 * gibi;
+        scan();
+    }
+
+    void pick(double writeSeconds)
+    {
+        speeds.answer = MeasuredSpeed{ .writeSeconds = writeSeconds, .readSeconds = 0.2 };
+        desktop.folderPicker.answer = "/media/disk";
+        offload.chooseVolume();
+        QTRY_VERIFY(model.offloads().destination());
+    }
+    [[nodiscard]] const OffloadRow &candidate(int row = 0) { return offload.candidates()->rows().at(row); }
+
+    OffloadState offload{ model };
+};
+
+} // namespace
+
+class TestOffloadState : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatCouldMoveIsSummedAndListed()
+    {
+        Fixture f;
+        const QAbstractItemModelTester tester(f.offload.candidates());
+        QCOMPARE(f.offload.total(), u"4.0 GB could be moved to another drive"_s);
+        QCOMPARE(f.offload.candidates()->rows().size(), 2);
+        QCOMPARE(f.candidate().title, u"Downloaded AI models"_s);
+        QCOMPARE(f.candidate().detail, u"Created 7 months ago · last used 2 months ago"_s);
+        QCOMPARE(f.candidate().size, u"3.0 GB"_s);
+        QCOMPARE(f.candidate(1).detail, u"Created unknown · last used unknown"_s);
+    }
+
+    void aPressWithoutAVolumeAsksForOne()
+    {
+        Fixture f;
+        QSignalSpy wanted(&f.offload, &OffloadState::volumeWanted);
+        QVERIFY(f.candidate().actionEnabled);
+        f.offload.move(0);
+        QCOMPARE(wanted.count(), 1);
+        QVERIFY(!f.model.offloads().running());
+        QCOMPARE(f.offload.destinationText(), u"Pick a folder on the drive you want to move things to."_s);
+    }
+
+    void thePickerIsAskedInItsWords()
+    {
+        Fixture f;
+        f.pick(0.1);
+        const auto request = f.desktop.folderPicker.requests.constFirst();
+        QCOMPARE(request.prompt, u"Use this folder"_s);
+        QCOMPARE(request.message, u"Pick a folder on the drive you want to move things to."_s);
+        QCOMPARE(f.offload.destination(), u"/media/disk"_s);
+        QCOMPARE(f.offload.destinationText(), u"240 MB/s write · 120 MB/s read · 400 GB free"_s);
+        QCOMPARE(f.offload.slowWarning(), QString());
+        QCOMPARE(f.offload.lossNote(), QString());
+        QVERIFY(!f.offload.destinationFailed());
+        f.speeds.answer = std::unexpected(u"The disk can only be read."_s);
+        f.offload.chooseVolume();
+        QTRY_VERIFY(f.offload.destinationFailed());
+        QCOMPARE(f.offload.destination(), QString());
+        QCOMPARE(f.offload.destinationText(), u"Cannot write there: The disk can only be read."_s);
+    }
+
+    void aSlowDriveHasToBeAccepted_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("warning");
+        QTest::newRow("just fast enough") << 0.16 << QString();
+        QTest::newRow("slow")
+            << 0.2 << u"This volume writes at 120 MB/s — roughly 19× slower than this Mac's internal disk."_s;
+        QTest::newRow("slower than one")
+            << 60.0
+            << u"This volume writes at 0 MB/s — roughly 2300× slower than this Mac's internal disk."_s;
+    }
+
+    void aSlowDriveHasToBeAccepted()
+    {
+        QFETCH(double, seconds);
+        QFETCH(QString, warning);
+        Fixture f;
+        f.pick(seconds);
+        QCOMPARE(f.offload.slowWarning(), warning);
+        QVERIFY(!f.offload.acceptSlowBus());
+        QCOMPARE(f.candidate().actionEnabled, warning.isEmpty());
+        f.offload.setAcceptSlowBus(true);
+        QVERIFY(f.candidate().actionEnabled);
+    }
+
+    void aRunningCopySaysHowFarItIsAndTheOthersWait()
+    {
+        Fixture f;
+        f.pick(0.1);
+        f.offload.recheck();
+        QSemaphore held;
+        QSemaphore reached;
+        f.relocation.onCopy = [&](const CopyOrder &order) {
+            order.onProgress(gibi);
+            reached.release();
+            held.acquire();
+            return CopyResult{ .error = u"it broke"_s };
+        };
+        f.offload.move(0);
+        QVERIFY(reached.tryAcquire(1, 5000));
+        QTRY_COMPARE(f.candidate().progressText.section(u" · "_s, 0, 0), u"1.0 GB of 3.0 GB"_s);
+        QVERIFY(f.candidate().running);
+        QVERIFY(qFuzzyCompare(f.candidate().progress, 1.0 / 3));
+        QVERIFY(!f.candidate(1).running);
+        QVERIFY(!f.candidate(1).actionEnabled);
+        f.offload.move(1);
+        held.release();
+        QTRY_VERIFY(!f.candidate().running);
+        QVERIFY(f.candidate(1).actionEnabled);
+        QCOMPARE(f.offload.activity(), QStringList{ u"✗ Downloaded AI models: Copy failed: it broke"_s });
+        QCOMPARE(f.relocation.orders.size(), 1U);
+    }
+
+    void whatLiesElsewhereIsFollowedWhileTheScreenIsShown()
+    {
+        Fixture f;
+        Q_EMIT f.desktop.driveChanges.changed();
+        QVERIFY(f.offload.moved()->isEmpty());
+        f.offload.setShown(true);
+        QVERIFY(f.desktop.driveChanges.watched);
+        QTRY_COMPARE(f.offload.moved()->rows().size(), 2);
+        QTRY_COMPARE(f.offload.moved()->rows().at(1).size, u"6.0 GB"_s);
+        const auto there = f.offload.moved()->rows().at(1);
+        QCOMPARE(there.detail, u"Backup · 400 GB free"_s);
+        QVERIFY(there.actionEnabled);
+        const auto away = f.offload.moved()->rows().at(0);
+        QCOMPARE(away.detail, u"Backup · not connected"_s);
+        QCOMPARE(away.size, u"—"_s);
+        QVERIFY(away.warns);
+        QVERIFY(!away.actionEnabled);
+        f.relocation.links.clear();
+        Q_EMIT f.desktop.driveChanges.changed();
+        QTRY_VERIFY(f.offload.moved()->isEmpty());
+        f.offload.setShown(false);
+        QVERIFY(!f.desktop.driveChanges.watched);
+    }
+
+    void bringingBackIsAskedAboutWithTheFoldersName()
+    {
+        Fixture f;
+        f.offload.setShown(true);
+        QTRY_COMPARE(f.offload.moved()->rows().size(), 2);
+        QSignalSpy asked(&f.offload, &OffloadState::bringBackAsked);
+        f.offload.askToBringBack(1);
+        QCOMPARE(asked.count(), 1);
+        QCOMPARE(f.offload.questionTitle(), u"Bring back Finished app builds?"_s);
+        QCOMPARE(f.offload.questionMessage(),
+            u"/media/disk/Archives is copied back to this disk, in the place of its shortcut. Then that "
+            u"folder "
+            u"goes to the Trash of its own drive."_s);
+        f.relocation.why = u"A drive is mounted in it."_s;
+        f.offload.bringBack();
+        QTRY_COMPARE(
+            f.offload.activity(), QStringList{ u"✗ Finished app builds: A drive is mounted in it."_s });
+    }
+};
+
+QUILLBROOK_SUITE(TestOffloadState, QCoreApplication)
+#include "tst_OffloadState.moc"
