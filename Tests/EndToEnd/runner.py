@@ -41,6 +41,12 @@ def supervise(arguments):
                 disk.mkdir()
                 before = large_volume.mounting(folder / "disk.img", disk, ORDINARY_USER)
                 environment["LARGE_DISK"] = str(disk)
+            if arguments.volumes:
+                drives = folder / "drives"
+                drives.mkdir()
+                os.environ["QUILLBROOK_DRIVES"] = str(drives)
+                before = ["unshare", "--mount", "--propagation", "private", "--", HERE / "volumes.sh", drives,
+                          ORDINARY_USER]
             before += ["setpriv", f"--reuid={ORDINARY_USER}", f"--regid={ORDINARY_USER}", "--clear-groups", "--"]
         command = [*before, sys.executable, "-B", suites / "runner.py", "--below", "--program", program,
                    "--helpers", helpers, "--seconds", str(arguments.seconds), arguments.suite, *arguments.rest]
@@ -70,6 +76,7 @@ def main():
     parser.add_argument("--pictures", type=pathlib.Path, help="where pictures of failed tests go")
     parser.add_argument("--seconds", type=float, default=200)
     parser.add_argument("--large-disk", action="store_true", help="of 64 GB, where it can be mounted")
+    parser.add_argument("--volumes", action="store_true", help="with small drives of several file systems, as root")
     parser.add_argument("--below", action="store_true", help=argparse.SUPPRESS)
     parser.add_argument("suite", help="its name; of one in another folder, with the way there from this one")
     parser.add_argument("rest", nargs=argparse.REMAINDER)
