@@ -14,6 +14,7 @@ from pathlib import Path
 
 from comparison import application, background, catalogue, machine, peers, removal, rules, scanning
 from comparison import application, apps, background, catalogue, machine, peers, removal, scanning
+from comparison import application, background, catalogue, machine, offload, peers, removal, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -32,6 +33,7 @@ MEASURES = {
     "removal": removal.removal,
     "rules": rules.rules,
     "apps": apps.apps,
+    "offload": offload.offload,
     "growth": scanning.growth,
     "cold": scanning.cold,
     "shapes": scanning.odd_shapes,
