@@ -146,16 +146,6 @@ bool AppDelegate::openWindow(const QByteArray &token)
 
 void AppDelegate::quit()
 {
-    if (!m_services.model.removals().isBusy())
-        return end();
-    openWindow();
-    Q_EMIT quitToBeAsked();
-}
-
-void AppDelegate::end()
-{
-    auto &removals = m_services.model.removals();
-    removals.close();
     if (m_windows.asksBeforeQuitting && m_windows.asksBeforeQuitting() && openWindow())
         return;
     quitNow();
@@ -163,6 +153,8 @@ void AppDelegate::end()
 
 void AppDelegate::quitNow()
 {
+    auto &removals = m_services.model.removals();
+    removals.close();
     // Not by asking the windows: none of them may keep the program.
     if (!removals.isBusy())
         return QCoreApplication::exit(0);

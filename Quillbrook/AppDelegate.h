@@ -72,22 +72,14 @@ public:
     /// Brings the main window to the front, and makes it when there is none. The token lets it come there,
     /// where the desktop asks for one. False when it could not be made.
     bool openWindow(const QByteArray &token = {});
-    /// Ends the event loop; while things are being removed, opens the window and tells that this has to be
-    /// asked about first.
-    void quit();
-    /// The same unasked: what is being removed ends after its present entry.
-    void end();
     /// Ends the program, or opens the window with the question that has to be answered before.
     void quit();
-    /// Ends the event loop at once.
+    /// Ends the event loop unasked, once what is being removed is done with its present entry.
     void quitNow();
 
     /// Nothing while it is closed.
     [[nodiscard]] QQuickWindow *mainWindow() const { return m_main; }
     [[nodiscard]] QQuickWindow *panel() const { return m_panel; }
-
-Q_SIGNALS:
-    void quitToBeAsked();
 
 private:
     [[nodiscard]] QQuickWindow *make(const QUrl &file, const QVariantMap &properties);

@@ -74,9 +74,6 @@ int main(int argc, char **argv)
     QObject::connect(&panel, &MenuBarPanelState::openRequested, &delegate,
         [&] { delegate.openWindow(tray.takeActivationToken()); });
     QObject::connect(&panel, &MenuBarPanelState::quitRequested, &delegate, &AppDelegate::quit);
-    QObject::connect(&machine->quitRequests(), &QuitRequests::asked, &delegate, &AppDelegate::end);
-    QObject::connect(&delegate, &AppDelegate::quitToBeAsked, screens.quitting(), &QuitState::ask);
-    QObject::connect(screens.quitting(), &QuitState::confirmed, &delegate, &AppDelegate::end);
     QObject::connect(screens.quit(), &QuitState::quitChosen, &delegate, &AppDelegate::quitNow);
     // A session that ends waits for nobody.
     QObject::connect(&machine->quitRequests(), &QuitRequests::asked, &delegate, &AppDelegate::quitNow);

@@ -36,6 +36,7 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     };
     connect(&m_reclaims, &ReclaimDriver::diskChanged, this, measureAgain);
     connect(&m_automation, &AutomationDriver::diskChanged, this, measureAgain);
+    connect(&m_offloads, &OffloadDriver::diskChanged, this, [this] { m_scans.scan({}); });
     connect(&m_reclaims, &ReclaimDriver::findingsCleared, &m_automation, &AutomationDriver::offerAfter);
     connect(&m_automation, &AutomationDriver::offerFailed, &m_reclaims, &ReclaimDriver::appendLog);
     connect(&m_watch, &WatchDriver::lastWatchChanged, &m_automation,

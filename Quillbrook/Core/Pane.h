@@ -48,13 +48,9 @@ inline constexpr std::array paneTable{
     PaneRow{ Pane::photos, QT_TRANSLATE_NOOP("Panes", "Photos by date"), "photo.on.rectangle.angled", 5 },
     PaneRow{ Pane::rules, QT_TRANSLATE_NOOP("Panes", "Automatic rules"), "wand.and.stars", 6,
         "Rules/RulesPane.qml", "rules" },
-    PaneRow{
-        Pane::offload, QT_TRANSLATE_NOOP("Panes", "Move to another drive"), "externaldrive.badge.plus", 7 },
-    PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8, "Apps/AppsPane.qml", "apps" },
-    PaneRow{ Pane::rules, QT_TRANSLATE_NOOP("Panes", "Automatic rules"), "wand.and.stars", 6 },
     PaneRow{ Pane::offload, QT_TRANSLATE_NOOP("Panes", "Move to another drive"), "externaldrive.badge.plus",
         7, "Offload/OffloadPane.qml", "offload" },
-    PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8 },
+    PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8, "Apps/AppsPane.qml", "apps" },
     PaneRow{ Pane::stats, QT_TRANSLATE_NOOP("Panes", "This Mac"), "gauge.with.dots.needle.33percent", 9 },
     PaneRow{ Pane::advisor, QT_TRANSLATE_NOOP("Panes", "Past answers"), "clock.arrow.circlepath", 0 },
 };

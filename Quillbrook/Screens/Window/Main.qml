@@ -33,10 +33,6 @@ Window {
         screens: root.screens
     }
 
-    QuitDialog {
-        quitting: root.screens.quitting
-    }
-
     FreeNowDialog {
         offer: root.screens.freeNow
     }

@@ -39,7 +39,6 @@ class MainWindowState : public QObject
     Q_PROPERTY(Quillbrook::ScanningState *scanning READ scanning CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::AskBarState *askBar READ askBar CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::FreeNowState *freeNow READ freeNow CONSTANT FINAL)
-    Q_PROPERTY(Quillbrook::QuitState *quitting READ quitting CONSTANT FINAL)
     Q_PROPERTY(Quillbrook::QuitState *quit READ quit CONSTANT FINAL)
     /// What the file that `content` names is made with.
     Q_PROPERTY(QVariantMap shownProperties READ shownProperties FINAL)
@@ -61,7 +60,6 @@ public:
     [[nodiscard]] ScanningState *scanning() { return &m_scanning; }
     [[nodiscard]] AskBarState *askBar() { return &m_askBar; }
     [[nodiscard]] FreeNowState *freeNow() { return &m_freeNow; }
-    [[nodiscard]] QuitState *quitting() { return &m_quitting; }
     [[nodiscard]] QuitState *quit() { return &m_quit; }
     [[nodiscard]] QVariantMap shownProperties();
     [[nodiscard]] bool reducedMotion() const;
@@ -88,7 +86,6 @@ private:
     ScanningState m_scanning;
     AskBarState m_askBar;
     FreeNowState m_freeNow;
-    QuitState m_quitting;
     QuitState m_quit;
 };
 

@@ -10,15 +10,31 @@ QuitState::QuitState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model.offloads(), &OffloadDriver::runningChanged, this, [this] {
-        if (!m_model.offloads().running())
-            stay();
-    });
+    connect(&m_model.offloads(), &OffloadDriver::runningChanged, this, &QuitState::follow);
+    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &QuitState::follow);
+}
+
+bool QuitState::isAboutDrives() const
+{
+    return m_model.offloads().running().has_value();
+}
+
+bool QuitState::isBusy() const
+{
+    return isAboutDrives() || m_model.removals().isBusy();
+}
+
+void QuitState::follow()
+{
+    if (!isBusy())
+        stay();
+    else if (m_asked)
+        Q_EMIT changed();
 }
 
 bool QuitState::ask()
 {
-    if (!m_model.offloads().running())
+    if (!isBusy())
         return false;
     setAsked(true);
     return true;

@@ -1,9 +1,7 @@
 #pragma once
 
-// The question that comes up when the program is told to quit while things are being removed. Main thread
-// only.
-// The question before the program ends while something is moved to another drive, or back. Main thread only;
-// the model outlives it.
+// The question before the program ends while things are being removed, or something is moved to another
+// drive, or back. Main thread only; the model outlives it.
 
 #include <QObject>
 #include <QtQmlIntegration>
@@ -20,39 +18,16 @@ class QuitState : public QObject
 
     /// Whether the question stands.
     Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)
+    /// It is about something that is moved to another drive, and not about a removal.
+    Q_PROPERTY(bool isAboutDrives READ isAboutDrives NOTIFY changed FINAL)
 
 public:
-    using QObject::QObject;
-
-    [[nodiscard]] bool asked() const { return m_asked; }
-    void ask() { set(true); }
-    /// Ends the program once the entry is done that goes now.
-    Q_INVOKABLE void quit()
-    {
-        set(false);
-        Q_EMIT confirmed();
-    }
-    /// Also when there is nothing left to wait for.
-    Q_INVOKABLE void keep() { set(false); }
-
-Q_SIGNALS:
-    void changed();
-    void confirmed();
-
-private:
-    void set(bool asked)
-    {
-        if (m_asked == asked)
-            return;
-        m_asked = asked;
-        Q_EMIT changed();
-    }
-
     explicit QuitState(AppModel &model, QObject *parent = nullptr);
 
     [[nodiscard]] bool asked() const { return m_asked; }
+    [[nodiscard]] bool isAboutDrives() const;
 
-    /// Asks, where something is moved; answers whether it did. It stands until it is answered, or there is
+    /// Asks, where something is moved or removed; answers whether it did. It stands until it is answered, or there is
     /// nothing to ask about any more.
     [[nodiscard]] bool ask();
     /// The program goes on.
@@ -65,6 +40,8 @@ Q_SIGNALS:
     void quitChosen();
 
 private:
+    [[nodiscard]] bool isBusy() const;
+    void follow();
     void setAsked(bool asked);
 
     AppModel &m_model;

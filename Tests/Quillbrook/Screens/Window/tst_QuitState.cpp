@@ -48,6 +48,19 @@ private Q_SLOTS:
         QTRY_VERIFY(!quit.asked());
         QCOMPARE(chosen.count(), 1);
     }
+
+    void removalsAreAskedAboutToo()
+    {
+        ScannedHome home;
+        QuitState quit(home.model);
+        QSemaphore go;
+        home.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { go.acquire(); } });
+        QVERIFY(quit.ask());
+        QVERIFY(!quit.isAboutDrives());
+        go.release();
+        QTRY_VERIFY(!quit.asked());
+        QVERIFY(!quit.ask());
+    }
 };
 
 QUILLBROOK_SUITE(TestQuitState, QCoreApplication)
