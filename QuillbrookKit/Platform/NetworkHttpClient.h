@@ -28,8 +28,6 @@ public:
     [[nodiscard]] QFuture<std::optional<HttpAnswer>> get(const HttpRequest &request) override;
 
 private:
-    class Exchange;
-
     std::unique_ptr<QSslConfiguration> m_tls;
     /// Owns the exchanges under way.
     QObject m_exchanges;

@@ -41,6 +41,8 @@ KIT_DIRECTIONS = {
         "Platform/Linux/Processes"},
     "Offload": {"Platform", "Scan", "Removal"},
     "Offload": {"Platform", "Scan", "Catalogue"},
+    "Offload": {"Platform", "Scan", "Catalogue", "Removal"},
+    "Advisor": {"Platform", "Scan", "Catalogue"},
     "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
 }
 
@@ -60,15 +62,16 @@ APPLICATION_DIRECTIONS = {
         "Platform", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
         "Platform/Linux/Opening", "Platform/Linux/Tray", "Platform/Linux/Mounts"},
     "Core": {"Platform"},
-    "Screens": {"Platform", "Core"},
+    "Advisor": {"Platform", "Core"},
+    "Screens": {"Platform", "Core", "Advisor"},
     "Screens/Symbols": {"Screens"},
 }
 
 # Every other folder of the screens is a screen, which knows none of the others; the window alone holds them.
 SCREENS = {f"Screens/{path.name}" for path in (ROOT / "Quillbrook/Screens").iterdir() if path.is_dir()}
 SCREENS -= {*APPLICATION_DIRECTIONS, "Screens/Panel", "Screens/Window"}
-APPLICATION_DIRECTIONS |= {screen: {"Platform", "Core", "Screens"} for screen in SCREENS | {"Screens/Panel"}}
-APPLICATION_DIRECTIONS["Screens/Window"] = {"Platform", "Core", "Screens"} | SCREENS
+APPLICATION_DIRECTIONS |= {screen: {"Platform", "Core", "Advisor", "Screens"} for screen in SCREENS | {"Screens/Panel"}}
+APPLICATION_DIRECTIONS["Screens/Window"] = {"Platform", "Core", "Advisor", "Screens"} | SCREENS
 
 # Headers that only a folder named Linux may include.
 PLATFORM_HEADERS = re.compile(
@@ -265,6 +268,7 @@ ENGLISH = {
 NOT_SPOKEN = {
     "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "${HOME}", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active",
     "Block", "Drive", "Removable"}
+    "Quillbrook", "Ollama", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
 
 
 class Words(unittest.TestCase):
