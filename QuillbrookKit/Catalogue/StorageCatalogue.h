@@ -87,6 +87,9 @@ struct EvaluateRequest
 /// no part.
 [[nodiscard]] QList<StorageItem> items(const CatalogueServices &services, const Finding &finding,
     const FileTree &tree, qint32 root, const Places &places = {});
+/// How many they are, without reading or asking anything beyond the tree.
+[[nodiscard]] qsizetype itemCount(
+    const Finding &finding, const FileTree &tree, qint32 root, const Places &places = {});
 
 } // namespace StorageCatalogue
 

@@ -78,6 +78,13 @@ const std::array<ItemisedRule, 4> &itemisedTable()
     return table;
 }
 
+/// The node whose children are the items of a finding; -1 where it has none.
+qint32 itemisedNode(const Finding &finding, const FileTree &tree, qint32 root, const Places &places)
+{
+    const bool isItemised = itemisedRules().contains(finding.rule.id) || HostItems::rowFor(finding, places);
+    return isItemised ? tree.find(finding.path, root) : FileTree::noNode;
+}
+
 } // namespace
 
 const QSet<QString> &itemisedRules()
@@ -97,13 +104,22 @@ bool supportsItems(const QString &ruleId, const HostCatalogue *host)
     return itemisedRules().contains(ruleId) || (host && std::ranges::any_of(host->itemisations, isOf));
 }
 
+qsizetype itemCount(const Finding &finding, const FileTree &tree, qint32 root, const Places &places)
+{
+    const auto node = itemisedNode(finding, tree, root, places);
+    if (!tree.isValid(node))
+        return 0;
+    return std::ranges::count_if(
+        tree.children(node), [&tree](qint32 child) { return tree.size(child) > itemThresholdBytes; });
+}
+
 QList<StorageItem> items(const CatalogueServices &services, const Finding &finding, const FileTree &tree,
     qint32 root, const Places &places)
 {
     const auto row = std::ranges::find(itemisedTable(), finding.rule.id, &ItemisedRule::id);
     const bool isBuiltIn = row != itemisedTable().end();
     const auto *hostRow = isBuiltIn ? nullptr : HostItems::rowFor(finding, places);
-    const auto node = isBuiltIn || hostRow ? tree.find(finding.path, root) : FileTree::noNode;
+    const auto node = itemisedNode(finding, tree, root, places);
     if (!tree.isValid(node))
         return {};
     Context context{ .services = services };

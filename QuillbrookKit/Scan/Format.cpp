@@ -21,6 +21,29 @@ constexpr std::array units{ "KB", "MB", "GB", "TB" };
 constexpr qint64 daysPerMonth = 30;
 constexpr qint64 daysPerYear = 365;
 
+struct AgeWords
+{
+    const char *text;
+    /// Stands in the place of "%1".
+    std::optional<qint64> number{};
+};
+
+AgeWords ageWords(const std::optional<QDateTime> &date, const QDateTime &now)
+{
+    if (!date)
+        return { QT_TRANSLATE_NOOP("Format", "unknown") };
+    const auto days = wholeDays(*date, now);
+    if (days < 1)
+        return { QT_TRANSLATE_NOOP("Format", "today") };
+    if (days == 1)
+        return { QT_TRANSLATE_NOOP("Format", "yesterday") };
+    if (days < daysPerMonth)
+        return { QT_TRANSLATE_NOOP("Format", "%1 days ago"), days };
+    if (days < daysPerYear)
+        return { QT_TRANSLATE_NOOP("Format", "%1 months ago"), days / daysPerMonth };
+    return { QT_TRANSLATE_NOOP("Format", "over a year ago") };
+}
+
 // How much of `path` spells `home`, when that is all of it or a "/" follows. Texts that differ only in how
 // their characters are composed spell the same folder.
 std::optional<qsizetype> homeLength(const QString &path, const QString &home)
@@ -62,18 +85,16 @@ QString count(qint64 value)
 
 QString age(const std::optional<QDateTime> &date, const QDateTime &now)
 {
-    if (!date)
-        return QCoreApplication::translate("Format", "unknown");
-    const auto days = wholeDays(*date, now);
-    if (days < 1)
-        return QCoreApplication::translate("Format", "today");
-    if (days == 1)
-        return QCoreApplication::translate("Format", "yesterday");
-    if (days < daysPerMonth)
-        return QCoreApplication::translate("Format", "%1 days ago").arg(days);
-    if (days < daysPerYear)
-        return QCoreApplication::translate("Format", "%1 months ago").arg(days / daysPerMonth);
-    return QCoreApplication::translate("Format", "over a year ago");
+    const auto words = ageWords(date, now);
+    const auto text = QCoreApplication::translate("Format", words.text);
+    return words.number ? text.arg(*words.number) : text;
+}
+
+QString ageInEnglish(const std::optional<QDateTime> &date, const QDateTime &now)
+{
+    const auto words = ageWords(date, now);
+    const auto text = QString::fromLatin1(words.text);
+    return words.number ? text.arg(*words.number) : text;
 }
 
 QString friendlyPath(const QString &path, const QString &home)

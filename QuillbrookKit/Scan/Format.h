@@ -18,6 +18,8 @@ namespace Quillbrook::Format {
 /// ago"; "unknown" without a date.
 [[nodiscard]] QString age(
     const std::optional<QDateTime> &date, const QDateTime &now = QDateTime::currentDateTime());
+/// The same in English, for who is no person.
+[[nodiscard]] QString ageInEnglish(const std::optional<QDateTime> &date, const QDateTime &now);
 /// `path` with a leading home folder shortened to "~".
 [[nodiscard]] QString friendlyPath(const QString &path, const QString &home);
 

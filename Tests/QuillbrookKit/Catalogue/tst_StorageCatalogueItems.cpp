@@ -156,10 +156,16 @@ private Q_SLOTS:
         tree.add("exactly.avd", mebibyte);
         tree.add("more.avd", mebibyte + 1);
         tree.add("Pixel.ini", 200);
-        const auto list = items(home, u"android.avd"_s, tree.finish());
+        const auto &finished = tree.finish();
+        const auto list = items(home, u"android.avd"_s, finished);
         QCOMPARE(list.size(), 1);
         QCOMPARE(list.first().name, u"more"_s);
         QCOMPARE(list.first().bytes, mebibyte + 1);
+        const auto count = [&](const QString &id) {
+            return StorageCatalogue::itemCount(findingOf(id, home.path("folder")), finished, 0);
+        };
+        QCOMPARE(count(u"android.avd"_s), 1);
+        QCOMPARE(count(u"npm.cacache"_s), 0);
     }
 
     void itemTellsItsPlace()
