@@ -5,6 +5,7 @@
 #include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/Safety.h"
 #include "Catalogue/StorageCatalogue.h"
+#include "Offload/Suitability.h"
 #include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathGuards.h"
 #include "Uninstaller/Linux/LinuxApplications.h"
@@ -65,6 +66,8 @@ int main()
             listing.add(row.detail);
             listing.add(row.blockedReason.value_or(QString()));
         }
+        for (const auto &rule : StorageCatalogue::rules())
+            listing.add(Offload::suitability(rule.id).hotReason.value_or(QString()));
         for (const auto &row : host.suitability)
             listing.add(row.hotReason.value_or(QString()));
         for (const auto &preset : AutomationPreset::all(host)) {
