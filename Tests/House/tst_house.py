@@ -254,6 +254,7 @@ ENGLISH = {
     "QuillbrookKit/Removal/": "sentences of the log, and tables",
     "QuillbrookKit/Uninstaller/": "sentences of the log, and tables, translated where they are shown",
     "QuillbrookKit/Offload/": "a table, translated where it is shown",
+    "QuillbrookKit/Advisor/": "what a language model is sent",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/AutomationDriver.cpp": "sentences of the log",
     "QuillbrookKit/Offload/": "errors, which end in the log, and a table",
