@@ -13,6 +13,7 @@ class DriveChanges;
 class FileRevealer;
 class FolderGrants;
 class FolderPicker;
+class LanguageModel;
 class LinkOpener;
 class LoginItem;
 class Notifier;
@@ -27,6 +28,7 @@ struct AppServices
     FolderPicker &folderPicker;
     FolderGrants &folderGrants;
     DriveChanges &driveChanges;
+    LanguageModel &languageModel;
     /// Of the running program.
     QString version{};
     /// Where a newer version would be told of.

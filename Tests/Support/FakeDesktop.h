@@ -7,6 +7,7 @@
 #include "Support/FakeFileRevealer.h"
 #include "Support/FakeFolders.h"
 #include "Support/FakeHttpClient.h"
+#include "Support/FakeLanguageModel.h"
 #include "Support/FakeLinkOpener.h"
 #include "Support/FakeLoginItem.h"
 #include "Support/FakeNotifier.h"
@@ -23,6 +24,7 @@ struct FakeDesktop
     FakeFolderPicker folderPicker;
     FakeFolderGrants folderGrants;
     FakeDriveChanges driveChanges;
+    FakeLanguageModel languageModel;
     FakeHttpClient http;
     FakeUtilityQueue utility;
 
@@ -37,6 +39,7 @@ struct FakeDesktop
             .folderPicker = folderPicker,
             .folderGrants = folderGrants,
             .driveChanges = driveChanges,
+            .languageModel = languageModel,
             .version = QStringLiteral("1.0"),
             .updateFeed = QUrl(QStringLiteral("https://updates.test/version.json")) };
     }

@@ -42,6 +42,14 @@ struct ScannedHome : FakeServices
     {
         add(name, FakeDirectories::aFile(lastComponent(name), mebibytes * 1024 * 1024));
     }
+    /// A link, which takes a block of its own.
+    void addLink(const std::string &name)
+    {
+        auto record = FakeDirectories::aFile(lastComponent(name), 4096);
+        record.type = DirectoryRecord::Type::symlink;
+        add(name, record);
+        files.entries[path(name)] = { .kind = FileKind::symlink };
+    }
     /// A folder of one file at one of the catalogue's places.
     void addPlace(const std::string &name, qint64 mebibytes, const std::optional<FileDates> &dates = {})
     {

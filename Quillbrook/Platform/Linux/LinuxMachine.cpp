@@ -10,6 +10,7 @@
 #include "Platform/Linux/Notifications/LinuxNotifier.h"
 #include "Platform/Linux/Opening/LinuxFileRevealer.h"
 #include "Platform/Linux/Opening/LinuxLinkOpener.h"
+#include "Platform/Linux/Processes/LinuxLoopbackListeners.h"
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Platform/Linux/Processes/LinuxProcessors.h"
 #include "Platform/Linux/Processes/LinuxRunningApps.h"
@@ -24,6 +25,7 @@
 #include "Platform/Linux/Session/LinuxMotionPreference.h"
 #include "Platform/Linux/Session/LinuxQuitSignals.h"
 #include "Platform/Linux/Tray/LinuxTrayItem.h"
+#include "Platform/LocalModelServers.h"
 #include "Platform/Machine.h"
 #include "Platform/NetworkHttpClient.h"
 #include "Platform/SettingsUserDefaults.h"
@@ -113,6 +115,8 @@ struct Services
         .runtimeFolder = environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
     LinuxDriveChanges driveChanges;
     NetworkHttpClient http;
+    LinuxLoopbackListeners listeners;
+    LocalModelServers languageModel{ listeners };
     LinuxTrayItem tray;
     LinuxQuitSignals quitSignals;
     /// Its work uses the others, and ends before they do.
@@ -164,6 +168,7 @@ public:
             .folderPicker = all.folderPicker,
             .folderGrants = all.folderGrants,
             .driveChanges = all.driveChanges };
+            .languageModel = all.languageModel };
     }
 
     [[nodiscard]] MotionPreference &motion() override { return made().motion; }

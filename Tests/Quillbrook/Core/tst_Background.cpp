@@ -62,6 +62,7 @@ AppServices withNotifier(const FakeServices &machine, Notifier &notifier, LoginI
         .folderPicker = given.folderPicker,
         .folderGrants = given.folderGrants,
         .driveChanges = given.driveChanges };
+        .languageModel = given.languageModel };
 }
 
 } // namespace
