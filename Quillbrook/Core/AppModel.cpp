@@ -25,6 +25,7 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_offloads(m_services.kit, { .scans = m_scans, .navigation = m_navigation }, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
+    , m_questions(m_scans, this)
 {
     connect(&m_scans, &ScanDriver::started, &m_navigation, &Navigation::leaveTree);
     connect(&m_scans, &ScanDriver::treeChanged, &m_navigation, &Navigation::enterTree);
@@ -76,6 +77,7 @@ void AppModel::endScan()
     m_reclaims.verifyClaim();
     m_volume.refreshVolume();
     m_automation.run();
+    m_questions.refreshSuggestedQuestions();
 }
 
 void AppModel::start(Background &background)

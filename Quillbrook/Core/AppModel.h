@@ -7,6 +7,7 @@
 #include "Core/AutomationDriver.h"
 #include "Core/Navigation.h"
 #include "Core/OffloadDriver.h"
+#include "Core/QuestionDriver.h"
 #include "Core/ReclaimDriver.h"
 #include "Core/RemovalQueue.h"
 #include "Core/ScanDriver.h"
@@ -51,6 +52,8 @@ public:
     [[nodiscard]] const WatchDriver &watch() const { return m_watch; }
     [[nodiscard]] UpdateDriver &updates() { return m_updates; }
     [[nodiscard]] const UpdateDriver &updates() const { return m_updates; }
+    [[nodiscard]] QuestionDriver &questions() { return m_questions; }
+    [[nodiscard]] const QuestionDriver &questions() const { return m_questions; }
     [[nodiscard]] const AppServices &services() const { return m_services; }
 
     /// What the start of the program sets going, in the background as with a window, and each opening of the
@@ -76,6 +79,7 @@ private:
     OffloadDriver m_offloads;
     WatchDriver m_watch;
     UpdateDriver m_updates;
+    QuestionDriver m_questions;
     bool m_hasStarted = false;
 };
 

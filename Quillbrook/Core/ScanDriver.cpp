@@ -146,6 +146,14 @@ void ScanDriver::setScanRoot(const std::string &path)
     Q_EMIT scanRootChanged();
 }
 
+qsizetype ScanDriver::itemCount(const Finding &finding) const
+{
+    if (!m_tree || m_rootNode < 0)
+        return 0;
+    return StorageCatalogue::itemCount(finding, *m_tree, m_rootNode,
+        { .homeDirectory = m_tree->path(m_rootNode), .host = &m_hostCatalogue });
+}
+
 // Everything is set before anyone is told.
 void ScanDriver::scan(const Request &request)
 {

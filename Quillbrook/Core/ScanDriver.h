@@ -64,6 +64,8 @@ public:
     [[nodiscard]] const std::optional<ReclaimReport> &report() const { return m_report; }
     /// What the host added to the catalogue when the scan of the present tree began.
     [[nodiscard]] const HostCatalogue &hostCatalogue() const { return m_hostCatalogue; }
+    /// How many items a finding opens into in the present tree; 0 without one.
+    [[nodiscard]] qsizetype itemCount(const Finding &finding) const;
     [[nodiscard]] Scope scope() const { return m_scope; }
     /// As text, for people to read and for tables to compare with.
     [[nodiscard]] QString scanRoot() const;
