@@ -52,7 +52,8 @@ inline constexpr std::array paneTable{
         7, "Offload/OffloadPane.qml", "offload" },
     PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8, "Apps/AppsPane.qml", "apps" },
     PaneRow{ Pane::stats, QT_TRANSLATE_NOOP("Panes", "This Mac"), "gauge.with.dots.needle.33percent", 9 },
-    PaneRow{ Pane::advisor, QT_TRANSLATE_NOOP("Panes", "Past answers"), "clock.arrow.circlepath", 0 },
+    PaneRow{ Pane::advisor, QT_TRANSLATE_NOOP("Panes", "Past answers"), "clock.arrow.circlepath", 0,
+        "Advisor/AdvisorPane.qml", "advisor" },
 };
 
 [[nodiscard]] constexpr const PaneRow &row(Pane pane)

@@ -86,6 +86,13 @@ QtObject {
     readonly property int chevronSide: 28
     readonly property int listInDialogHeight: 200
     readonly property int introWidth: 752
+    readonly property int bubbleSpacer: 60
+    readonly property int bubblePaddingX: 14
+    readonly property int bubblePaddingY: 9
+    readonly property int chipGap: 7
+    readonly property int proposalWidth: 640
+    readonly property int proposalInset: 18
+    readonly property int proposalListHeight: 420
     readonly property int tooltipWidth: 320
     readonly property int tooltipPaddingX: 9
     readonly property int tooltipPaddingY: 6

@@ -9,7 +9,7 @@ Flow {
     id: root
 
     required property string name
-    required property list<string> texts
+    required property var texts
 
     signal chosen(int index)
 

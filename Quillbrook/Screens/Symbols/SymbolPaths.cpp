@@ -92,6 +92,11 @@ constexpr std::array rows{
         "O 8 10.9 1" },
     Row{ "exclamationmark.triangle", "M 8 2 L 14.6 13.6 L 1.4 13.6 Z M 8 6.4 L 8 9.2", "O 8 11.5 0.95" },
     Row{ "checkmark.seal.fill", "O 8 8 6.3 M 5.2 8.3 L 7.2 10.3 L 10.9 6" },
+    Row{ "lock.laptopcomputer",
+        "R 2.4 2.2 11.2 8.2 1.2 M 1.2 13 L 14.8 13 M 6.9 5.6 L 6.9 5 C 6.9 3.5 9.1 3.5 9.1 5 L 9.1 5.6",
+        "R 6 5.6 4 3 0.5" },
+    Row{ "circle", "O 8 8 6.3" },
+    Row{ "largecircle.fill.circle", "O 8 8 6.3", "O 8 8 3.4" },
     Row{ "questionmark.circle", "O 8 8 6.3 M 6.2 6.5 C 6.2 4.3 9.9 4.3 9.9 6.6 C 9.9 8.1 8 7.9 8 9.3",
         "O 8 11.4 0.9" },
 };

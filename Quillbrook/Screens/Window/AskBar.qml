@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
-// The question field under the panes.
-Card {
+// The question field under the panes, and questions to try above it until the first one is asked.
+ColumnLayout {
     id: root
 
     required property AskBarState ask
@@ -17,47 +17,77 @@ Card {
             field.forceActiveFocus();
     }
 
-    implicitHeight: Metrics.askBarHeight
+    spacing: Metrics.space8
 
     RowLayout {
-        anchors.fill: parent
-        anchors.leftMargin: Metrics.space16
-        anchors.rightMargin: Metrics.space8
-        spacing: Metrics.space8
+        spacing: Metrics.space12
+        visible: root.ask.questions.length > 0
 
-        Symbol {
-            color: Theme.accent
-            name: "sparkles"
+        SectionLabel {
+            text: qsTr("TRY")
         }
 
-        InputField {
-            id: field
-
+        ChipFlow {
             Layout.fillWidth: true
-            leftPadding: 0
-            objectName: "questionField"
-            placeholderText: qsTr("Ask Quillbrook anything about this Mac")
-            plain: true
-            text: root.ask.draft
-            onAccepted: root.submit()
-            onTextEdited: root.ask.draft = text
-        }
-
-        PushButton {
-            text: qsTr("History")
-            onClicked: root.ask.openConversation()
-        }
-
-        PushButton {
-            kind: PushButton.Prominent
-            text: qsTr("Ask")
-            onClicked: root.submit()
+            name: qsTr("Questions to try")
+            spacing: Metrics.chipGap
+            texts: root.ask.questions
+            onChosen: index => root.ask.tryQuestion(index)
         }
     }
 
-    FocusRing {
-        gap: 0
-        innerRadius: root.radius
-        shown: field.activeFocus
+    Card {
+        id: card
+
+        Layout.fillWidth: true
+        implicitHeight: Metrics.askBarHeight
+
+        RowLayout {
+            anchors.fill: parent
+            anchors.leftMargin: Metrics.space16
+            anchors.rightMargin: Metrics.space8
+            spacing: Metrics.space8
+
+            Symbol {
+                color: Theme.accent
+                name: "sparkles"
+            }
+
+            InputField {
+                id: field
+
+                Layout.fillWidth: true
+                leftPadding: 0
+                objectName: "questionField"
+                placeholderText: root.ask.prompt
+                plain: true
+                text: root.ask.draft
+                onAccepted: root.submit()
+                onActiveFocusChanged: {
+                    if (activeFocus)
+                        root.ask.focusIn();
+                }
+                onTextEdited: root.ask.draft = text
+            }
+
+            PushButton {
+                text: qsTr("History")
+                visible: root.ask.hasHistory
+                onClicked: root.ask.openConversation()
+            }
+
+            PushButton {
+                enabled: root.ask.canAsk
+                kind: PushButton.Prominent
+                text: qsTr("Ask")
+                onClicked: root.submit()
+            }
+        }
+
+        FocusRing {
+            gap: 0
+            innerRadius: card.radius
+            shown: field.activeFocus
+        }
     }
 }

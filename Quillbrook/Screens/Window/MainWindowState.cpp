@@ -14,22 +14,31 @@ MainWindowState::MainWindowState(
     : QObject(parent)
     , m_motion(motion)
     , m_access(model.services())
+    , m_advisor(model)
     , m_content(model, m_access, background)
-    , m_panes(model)
+    , m_panes(model, m_advisor)
     , m_sidebar(m_content)
     , m_topBar(model)
     , m_volumeGauge(model)
     , m_grantedFolder(m_access, m_content)
     , m_updateLine(model)
     , m_scanning(model.scans().scanProgress())
-    , m_askBar(m_content)
+    , m_askBar(model, m_advisor, m_content)
     , m_freeNow(model)
     , m_quit(model)
 {
     connect(&m_motion, &MotionPreference::changed, this, &MainWindowState::reducedMotionChanged);
-    connect(&m_content, &ContentState::openChanged, this, &MainWindowState::showPane);
+    connect(&m_content, &ContentState::openChanged, this, &MainWindowState::followOpen);
     connect(&m_content, &ContentState::paneChanged, this, &MainWindowState::showPane);
     connect(&m_content, &ContentState::paneChosen, &m_panes, &PaneStates::offerKeyboard);
+}
+
+// Before anything else that the start sets going.
+void MainWindowState::followOpen()
+{
+    if (m_content.isOpen())
+        m_advisor.refreshAvailability();
+    showPane();
 }
 
 void MainWindowState::showPane()

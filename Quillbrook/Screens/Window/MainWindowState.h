@@ -3,6 +3,7 @@
 // Everything the main window observes, made once for it: one state object for each part of it, so that a
 // view gets what it needs and nothing more. Main thread only; what it is made from outlives it.
 
+#include "Advisor/Advisor.h"
 #include "Core/FolderAccess.h"
 #include "Screens/Scanning/ScanningState.h"
 #include "Screens/Warden/FreeNowState.h"
@@ -51,6 +52,8 @@ public:
 
     /// The right to read the home folder, which the panel in the tray shares.
     [[nodiscard]] FolderAccess &access() { return m_access; }
+    /// The conversation, which the screen and the question field share.
+    [[nodiscard]] Advisor &advisor() { return m_advisor; }
     [[nodiscard]] ContentState *content() { return &m_content; }
     [[nodiscard]] SidebarModel *sidebar() { return &m_sidebar; }
     [[nodiscard]] TopBarState *topBar() { return &m_topBar; }
@@ -72,10 +75,12 @@ Q_SIGNALS:
     void reducedMotionChanged();
 
 private:
+    void followOpen();
     void showPane();
 
     MotionPreference &m_motion;
     FolderAccess m_access;
+    Advisor m_advisor;
     ContentState m_content;
     PaneStates m_panes;
     SidebarModel m_sidebar;

@@ -2,6 +2,7 @@
 
 #include "Core/AppModel.h"
 #include "Screens/Apps/AppsState.h"
+#include "Screens/Advisor/AdvisorState.h"
 #include "Screens/Lists/LargestState.h"
 #include "Screens/Lists/SearchState.h"
 #include "Screens/Map/BreadcrumbModel.h"
@@ -15,7 +16,7 @@ namespace Quillbrook {
 
 using namespace Qt::StringLiterals;
 
-PaneStates::PaneStates(AppModel &model, QObject *parent)
+PaneStates::PaneStates(AppModel &model, Advisor &advisor, QObject *parent)
     : QObject(parent)
 {
     // One for all panes that have a selection: the model has only one.
@@ -32,6 +33,7 @@ PaneStates::PaneStates(AppModel &model, QObject *parent)
     add(Pane::rules, new RulesState(model, this));
     add(Pane::apps, new AppsState(model, this));
     add(Pane::offload, new OffloadState(model, this));
+    add(Pane::advisor, new AdvisorState(model, advisor, this));
 }
 
 void PaneStates::add(Pane pane, PaneState *state, const QVariantMap &others)

@@ -1,7 +1,7 @@
 #pragma once
 
 // Makes the state of every pane and tells it when the pane appears and disappears. Main thread only; the
-// model outlives it.
+// model and the adviser outlive it.
 
 #include "Core/Pane.h"
 
@@ -13,6 +13,7 @@
 
 namespace Quillbrook {
 
+class Advisor;
 class AppModel;
 class PaneState;
 
@@ -21,7 +22,7 @@ class PaneStates : public QObject
     Q_OBJECT
 
 public:
-    explicit PaneStates(AppModel &model, QObject *parent = nullptr);
+    PaneStates(AppModel &model, Advisor &advisor, QObject *parent = nullptr);
 
     /// Nothing for a pane that is not there yet.
     [[nodiscard]] PaneState *state(Pane pane) const;

@@ -2,10 +2,14 @@
 // shows only now and then:
 //
 //     quillbrook-offline [ready|scanning|idle|full|gate|sandbox|rules]
+//     quillbrook-offline [ready|scanning|idle|full|gate|sandbox|conversation|thinking|alone]
 //     quillbrook-offline panel [allowed|denied|new|off|scanning]
 //
 // "gate" is a sandbox without a folder, where the gate's button grants one on another volume; in "sandbox"
 // one has been granted, and a newer version is out. In "rules" there is something to automate.
+//
+// "conversation" is one with a model that offers a removal, "thinking" one that waits, and in "alone" there
+// is no model.
 //
 // Nothing of the machine it runs on is read or changed.
 
@@ -202,6 +206,36 @@ void pretendApps(FakeHostApplications &applications)
                                            .lastModified = QDateTime(QDate(2023, 9, 1), QTime(), Qt::UTC) },
             .newestInside = QDateTime(QDate(2023, 8, 1), QTime(), Qt::UTC),
             .isInHostPlace = true });
+/// A model that proposes to remove a phone, and phones to choose from, one of which runs.
+void pretendPhones(FakeServices &machine)
+{
+    const std::string place = "/home/someone/Library/Developer/CoreSimulator/Devices";
+    constexpr std::array phones{ std::pair("iPhone 15 Pro · iOS.17.2", 4.1),
+        std::pair("iPad Air · iOS.17.2", 3.2), std::pair("iPhone 14 · iOS.16.4", 1.9) };
+    for (std::string folder = "/home/someone";
+         const auto *name : { "Library", "Developer", "CoreSimulator", "Devices" }) {
+        machine.directories.folder(folder, { FakeDirectories::aFolder(name) });
+        folder += std::string("/") + name;
+    }
+    std::vector<DirectoryRecord> records;
+    for (const auto &[name, size] : phones) {
+        const auto path = place + '/' + name;
+        records.push_back(FakeDirectories::aFolder(name));
+        machine.directories.folder(path,
+            { FakeDirectories::aFile("disk.img", static_cast<qint64>(size * static_cast<double>(gibi))) });
+        machine.files.entries[path] = { .dates = FileDates{ .lastModified = machine.clock.moment.addDays(-70),
+                                            .created = machine.clock.moment.addDays(-220) } };
+    }
+    machine.directories.folder(place, records);
+    machine.processes.answer = [](const ProcessRunner::Command &) {
+        return ProcessRunner::Result{
+            .output = "    iPhone 14 (iPhone 14 · iOS.16.4) (Booted) \n", .exited = true, .exitCode = 0
+        };
+    };
+    machine.desktop.languageModel.replies.push_back(
+        AdvisorReply{ .answer = u"There are 3 iOS simulators, using 9.2 GB."_s,
+            .proposesRemoval = true,
+            .groupId = u"simulator.devices"_s });
 }
 
 int show(QQmlApplicationEngine &engine, const QString &file)
@@ -233,12 +267,28 @@ int showWindow(FakeServices &machine, const QString &what)
         hold.emplace(machine.directories, "/home/someone");
 
     pretendApps(machine.applications);
+    const bool isConversation = what == u"conversation"_s || what == u"thinking"_s;
+    if (isConversation)
+        pretendPhones(machine);
+    if (what == u"alone"_s)
+        machine.desktop.languageModel.present = {};
     AppModel model(machine.services);
     FakeMotionPreference motion;
     Background background(model.services());
     MainWindowState screens(model, background, motion);
     QQmlApplicationEngine engine;
     engine.setInitialProperties({ { u"screens"_s, QVariant::fromValue(&screens) } });
+    if (isConversation || what == u"alone"_s)
+        screens.content()->setPane(Pane::advisor);
+    if (isConversation)
+        QObject::connect(&model.scans(), &ScanDriver::finished, &screens, [&screens, &what] {
+            screens.advisor().ask(u"Delete one of my test iPhones"_s);
+            if (what == u"thinking"_s)
+                QTimer::singleShot(500, &screens, [&screens] {
+                    screens.advisor().ask(
+                        u"And what else could go, if I wanted to have more room for a while?"_s);
+                });
+        });
     // Before the window's own, which would stay out of most of what the made-up home holds.
     if (what != u"gate"_s)
         model.scans().scan({ .scope = Scope::complete });

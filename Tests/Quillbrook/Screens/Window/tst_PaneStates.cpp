@@ -1,3 +1,4 @@
+#include "Advisor/Advisor.h"
 #include "Core/AppModel.h"
 #include "Screens/PaneState.h"
 #include "Screens/Window/PaneStates.h"
@@ -19,7 +20,8 @@ private Q_SLOTS:
     {
         FakeServices machine;
         AppModel model(machine.services);
-        const PaneStates panes(model);
+        Advisor advisor(model);
+        const PaneStates panes(model, advisor);
         for (const auto &row : paneTable) {
             auto *state = panes.state(row.pane);
             QCOMPARE(state != nullptr, *row.file != '\0');
@@ -32,7 +34,8 @@ private Q_SLOTS:
     {
         FakeServices machine;
         AppModel model(machine.services);
-        PaneStates panes(model);
+        Advisor advisor(model);
+        PaneStates panes(model, advisor);
         const auto shown = [&panes] {
             QList<Pane> shown;
             for (const auto &row : paneTable)
@@ -57,7 +60,8 @@ private Q_SLOTS:
     {
         FakeServices machine;
         AppModel model(machine.services);
-        PaneStates panes(model);
+        Advisor advisor(model);
+        PaneStates panes(model, advisor);
         QSignalSpy search(panes.state(Pane::search), &PaneState::keyboardOffered);
         QSignalSpy map(panes.state(Pane::map), &PaneState::keyboardOffered);
         panes.offerKeyboard();

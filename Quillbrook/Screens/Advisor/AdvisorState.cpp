@@ -1,0 +1,137 @@
+#include "Screens/Advisor/AdvisorState.h"
+
+#include "Advisor/Advisor.h"
+#include "Core/AppModel.h"
+
+#include <utility>
+
+namespace Quillbrook {
+
+AdvisorState::AdvisorState(AppModel &model, Advisor &advisor, QObject *parent)
+    : PaneState(parent)
+    , m_model(model)
+    , m_advisor(advisor)
+    , m_messages(advisor)
+    , m_proposal(model, advisor)
+{
+    connect(&m_advisor, &Advisor::availabilityChanged, this, &AdvisorState::availabilityChanged);
+    connect(&m_advisor, &Advisor::thinkingChanged, this, &AdvisorState::thinkingChanged);
+    connect(&m_advisor, &Advisor::thinkingChanged, this, &AdvisorState::canAskChanged);
+    connect(&m_advisor, &Advisor::messagesChanged, this, &AdvisorState::messagesChanged);
+    connect(&m_advisor, &Advisor::suggestionsChanged, this, &AdvisorState::suggestionsChanged);
+    connect(&m_advisor, &Advisor::hintChanged, this, &AdvisorState::hintChanged);
+    connect(&m_model.questions(), &QuestionDriver::suggestedQuestionsChanged, this,
+        &AdvisorState::questionsChanged);
+}
+
+void AdvisorState::appear()
+{
+    m_advisor.refreshAvailability();
+}
+
+void AdvisorState::recheck()
+{
+    m_advisor.refreshAvailability();
+}
+
+void AdvisorState::setDraft(const QString &draft)
+{
+    if (m_draft == draft)
+        return;
+    m_draft = draft;
+    Q_EMIT draftChanged();
+    Q_EMIT canAskChanged();
+}
+
+void AdvisorState::submit()
+{
+    const auto question = m_draft;
+    setDraft({});
+    m_advisor.ask(question);
+}
+
+void AdvisorState::askSuggested(int index)
+{
+    m_advisor.ask(questions().value(index));
+}
+
+void AdvisorState::press(int index)
+{
+    if (index < 0 || index >= m_advisor.suggestions().size())
+        return;
+    // By a copy: the list changes with it.
+    const auto suggestion = m_advisor.suggestions().at(index);
+    m_advisor.press(suggestion);
+}
+
+void AdvisorState::clearHint()
+{
+    const auto hint = m_advisor.hint();
+    ProposalState::askToClear(m_advisor, hint);
+}
+
+void AdvisorState::stop()
+{
+    m_advisor.stop();
+}
+
+void AdvisorState::clear()
+{
+    m_advisor.reset();
+}
+
+QString AdvisorState::availability() const
+{
+    return m_advisor.availability();
+}
+
+QString AdvisorState::answerer() const
+{
+    return m_advisor.answerer();
+}
+
+bool AdvisorState::isAvailable() const
+{
+    return m_advisor.isAvailable();
+}
+
+bool AdvisorState::thinking() const
+{
+    return m_advisor.thinking();
+}
+
+bool AdvisorState::isEmpty() const
+{
+    return m_advisor.messages().isEmpty();
+}
+
+QString AdvisorState::lastAnswer() const
+{
+    return isEmpty() || m_advisor.messages().constLast().fromUser ? QString()
+                                                                  : m_advisor.messages().constLast().text;
+}
+
+QStringList AdvisorState::questions() const
+{
+    return m_model.questions().suggestedQuestions();
+}
+
+QStringList AdvisorState::suggestions() const
+{
+    QStringList labels;
+    for (const auto &suggestion : m_advisor.suggestions())
+        labels.append(suggestion.label);
+    return labels;
+}
+
+QString AdvisorState::hint() const
+{
+    return ProposalState::alsoConsiderLine(m_advisor.hint());
+}
+
+bool AdvisorState::canAsk() const
+{
+    return !m_draft.trimmed().isEmpty() && !m_advisor.thinking();
+}
+
+} // namespace Quillbrook
