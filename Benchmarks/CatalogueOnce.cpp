@@ -4,7 +4,9 @@
 //     CatalogueOnce bare HOME        a bare walk of each of its locations
 //     CatalogueOnce evaluate         evaluations of a made-up tree of a million nodes that holds every
 //     location
+//     CatalogueOnce instructions     what a language model is told of 400 findings over that tree
 
+#include "Advisor/AdvisorPrompt.h"
 #include "Catalogue/CatalogueLocations.h"
 #include "CatalogueHome.h"
 #include "Platform/Linux/BareWalk.h"
@@ -92,6 +94,37 @@ QJsonObject evaluate()
     return { { "seconds", seconds }, { "nodes", tree->nodeCount() }, { "findings", findings } };
 }
 
+/// The evaluation's findings, over and over, until there are as many as in the measure.
+QJsonObject instructions()
+{
+    constexpr qsizetype findingCount = 400;
+    CatalogueMachine machine;
+    const auto home = u"/home/nobody here"_s;
+    const auto host = hostOf(home);
+    CatalogueHome maker(home);
+    maker.addEveryLocation(host);
+    const auto tree = maker.finish();
+    const StorageCatalogue::Places places{ .homeDirectory = home, .host = &host };
+    const auto found
+        = StorageCatalogue::evaluate(machine.services(), { .tree = *tree, .root = 0, .places = places })
+              .findings;
+    QJsonArray seconds;
+    qsizetype length = 0;
+    for (int i = 0; i < evaluations; ++i) {
+        const auto start = Watch::now();
+        AdvisorPrompt::Facts facts{ .host = &host };
+        for (qsizetype row = 0; row < findingCount; ++row) {
+            const auto &finding = found.at(row % found.size());
+            facts.groups.append(
+                { .finding = finding, .itemCount = StorageCatalogue::itemCount(finding, *tree, 0, places) });
+        }
+        length = AdvisorPrompt::instructions(facts).size();
+        seconds.append(secondsSince(start));
+    }
+    return { { "seconds", seconds }, { "nodes", tree->nodeCount() }, { "findings", findingCount },
+        { "characters", length } };
+}
+
 } // namespace
 
 int main(int count, char **texts)
@@ -104,8 +137,10 @@ int main(int count, char **texts)
         output = bare(QFile::decodeName(texts[2]));
     else if (job == "evaluate" && count == 2)
         output = evaluate();
+    else if (job == "instructions" && count == 2)
+        output = instructions();
     else {
-        std::fputs("CatalogueOnce quick HOME | bare HOME | evaluate\n", stderr);
+        std::fputs("CatalogueOnce quick HOME | bare HOME | evaluate | instructions\n", stderr);
         return 2;
     }
     std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
