@@ -44,6 +44,8 @@ KIT_DIRECTIONS = {
     "Offload": {"Platform", "Scan", "Catalogue", "Removal"},
     "Advisor": {"Platform", "Scan", "Catalogue"},
     "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
+    "Photos": set(),
+    "Photos/Linux": {"Photos", "Platform", "Removal", "Platform/Linux/Files", "Platform/Linux/Folders"},
 }
 
 # The same of the application, for its own folders; all of them may include the Kit's that are no rooms of Linux, and
@@ -58,12 +60,18 @@ APPLICATION_DIRECTIONS = {
     "Platform/Linux/Mounts": {"Platform"},
     "Platform/Linux/Opening": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
     "Platform/Linux/Tray": {"Platform", "Platform/Linux/Bus", "Platform/Linux/Sandbox"},
+    "Platform/Linux/Photos": {"Platform", "Platform/Linux/Session"},
     "Platform/Linux": {
         "Platform", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
         "Platform/Linux/Opening", "Platform/Linux/Tray", "Platform/Linux/Mounts"},
     "Core": {"Platform"},
     "Advisor": {"Platform", "Core"},
     "Screens": {"Platform", "Core", "Advisor"},
+        "Platform", "Platform/Linux/Photos", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
+        "Platform/Linux/Opening", "Platform/Linux/Tray"},
+    "Core": {"Platform"},
+    "Media": {"Platform"},
+    "Screens": {"Platform", "Core"},
     "Screens/Symbols": {"Screens"},
 }
 
@@ -72,6 +80,10 @@ SCREENS = {f"Screens/{path.name}" for path in (ROOT / "Quillbrook/Screens").iter
 SCREENS -= {*APPLICATION_DIRECTIONS, "Screens/Panel", "Screens/Window"}
 APPLICATION_DIRECTIONS |= {screen: {"Platform", "Core", "Advisor", "Screens"} for screen in SCREENS | {"Screens/Panel"}}
 APPLICATION_DIRECTIONS["Screens/Window"] = {"Platform", "Core", "Advisor", "Screens"} | SCREENS
+APPLICATION_DIRECTIONS |= {screen: {"Platform", "Core", "Screens"} for screen in SCREENS | {"Screens/Panel"}}
+for screen in ("Screens/Photos", "Screens/Stats"):
+    APPLICATION_DIRECTIONS[screen].add("Media")
+APPLICATION_DIRECTIONS["Screens/Window"] = {"Platform", "Core", "Screens"} | SCREENS
 
 # Headers that only a folder named Linux may include.
 PLATFORM_HEADERS = re.compile(

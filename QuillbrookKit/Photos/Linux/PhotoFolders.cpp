@@ -1,0 +1,96 @@
+#include "Photos/Linux/PhotoFolders.h"
+
+#include "Platform/FileReading.h"
+#include "Platform/HomeFolder.h"
+#include "Platform/Linux/Folders/LinuxUserFolders.h"
+#include "Platform/Linux/Folders/ResolvedPath.h"
+#include "StandardisedPath.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype longestSettings = qsizetype{ 64 } * 1024;
+
+bool isNamed(const QByteArray &settings, QByteArrayView key)
+{
+    for (const auto &line : settings.split('\n'))
+        if (line.trimmed().startsWith(key))
+            return true;
+    return false;
+}
+
+/// The settings are text, in which bytes of the home folder's own path may have been repaired.
+std::string rawPath(const QString &path, const QString &home, const std::string &rawHome)
+{
+    return path.startsWith(home + u'/') ? rawHome + path.sliced(home.size()).toStdString()
+                                        : path.toStdString();
+}
+
+bool isAllowed(const std::string &folder, int rights)
+{
+    return ::faccessat(AT_FDCWD, folder.c_str(), rights, AT_EACCESS) == 0;
+}
+
+bool isReadable(const std::optional<std::string> &folder)
+{
+    return folder && isAllowed(*folder + "/.", R_OK | X_OK);
+}
+
+bool isWithin(const std::string &path, const std::string &folder)
+{
+    return path == folder || path.starts_with(folder + '/');
+}
+
+} // namespace
+
+PhotoFolders PhotoFolders::ofUser(
+    const FileReading &reading, const std::string &settings, const HomeFolder &home)
+{
+    const auto text = reading.contents(settings + "/user-dirs.dirs", longestSettings).value_or(QByteArray());
+    const auto rawHome = home.rawRealHomeDirectory();
+    const auto told = LinuxUserFolders::parse(text, home.realHomeDirectory());
+    const auto place = [&](const std::optional<QString> &folder, QByteArrayView key, const char *usual) {
+        if (folder)
+            return std::optional(rawPath(*folder, home.realHomeDirectory(), rawHome));
+        return isNamed(text, key) ? std::nullopt : std::optional(rawHome + '/' + usual);
+    };
+    return { .pictures = place(told.pictures, "XDG_PICTURES_DIR", "Pictures"),
+        .videos = place(told.videos, "XDG_VIDEOS_DIR", "Videos") };
+}
+
+PhotoAccess PhotoFolders::access() const
+{
+    if (!isReadable(pictures))
+        return PhotoAccess::denied;
+    const bool isWritable
+        = isAllowed(*pictures + "/.", W_OK) && (!isReadable(videos) || isAllowed(*videos + "/.", W_OK));
+    return isWritable ? PhotoAccess::granted : PhotoAccess::limited;
+}
+
+std::vector<PhotoWalk::Root> PhotoFolders::roots() const
+{
+    if (!isReadable(pictures))
+        return {};
+    // The folder itself may be a link.
+    const auto place = [](const std::string &folder) {
+        return standardisedPath(ResolvedPath::withoutLinks(folder + "/."), {});
+    };
+    std::vector<PhotoWalk::Root> roots{ { .path = place(*pictures) } };
+    if (!isReadable(videos))
+        return roots;
+    PhotoWalk::Root second{ .path = place(*videos), .kinds = { PhotoKind::video } };
+    if (isWithin(second.path, roots.front().path))
+        return roots;
+    if (isWithin(roots.front().path, second.path))
+        second.without.insert(roots.front().path);
+    roots.push_back(std::move(second));
+    return roots;
+}
+
+} // namespace Quillbrook
