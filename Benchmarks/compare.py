@@ -15,6 +15,7 @@ from pathlib import Path
 from comparison import application, background, catalogue, machine, peers, removal, rules, scanning
 from comparison import application, apps, background, catalogue, machine, peers, removal, scanning
 from comparison import application, background, catalogue, machine, offload, peers, removal, scanning
+from comparison import application, background, catalogue, machine, peers, photos, removal, scanning
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table
@@ -30,6 +31,7 @@ MEASURES = {
     "model": application.model,
     "background": background.background,
     "catalogue": catalogue.catalogue,
+    "photos": photos.photos,
     "removal": removal.removal,
     "rules": rules.rules,
     "apps": apps.apps,

@@ -17,6 +17,7 @@ class LanguageModel;
 class LinkOpener;
 class LoginItem;
 class Notifier;
+class PhotoLibrary;
 
 struct AppServices
 {
@@ -29,6 +30,7 @@ struct AppServices
     FolderGrants &folderGrants;
     DriveChanges &driveChanges;
     LanguageModel &languageModel;
+    PhotoLibrary &photos;
     /// Of the running program.
     QString version{};
     /// Where a newer version would be told of.

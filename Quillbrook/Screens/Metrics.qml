@@ -61,6 +61,11 @@ QtObject {
     readonly property int dateFieldWidth: 196
     readonly property int rowActionWidth: 64
     readonly property int bringBackWidth: 96
+    readonly property int statTileHeight: 92
+    readonly property int statTileRadius: 8
+    readonly property int statFigureLine: 36
+    readonly property int trendWidth: 120
+    readonly property int trendHeight: 48
     readonly property int scrollBarWidth: 6
     readonly property int sheetWidth: 560
     readonly property int dialogWidth: 420
@@ -115,6 +120,7 @@ QtObject {
     readonly property real bodyFont: 13 * Theme.pointsPerPixel
     readonly property real messageFont: 13.5 * Theme.pointsPerPixel
     readonly property real headingFont: 15 * Theme.pointsPerPixel
+    readonly property real statFont: 28 * Theme.pointsPerPixel
     readonly property real figureFont: 25 * Theme.pointsPerPixel
     readonly property real sectionTracking: 0.84
     readonly property int textLine: 18

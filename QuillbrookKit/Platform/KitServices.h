@@ -17,6 +17,7 @@ class FileRemoval;
 class FileWriting;
 class HomeFolder;
 class HostApplications;
+class HostCounters;
 class HostKnowledge;
 class HttpClient;
 class ProcessRunner;
@@ -38,6 +39,7 @@ struct KitServices
     Volumes &volumes;
     UserDefaults &defaults;
     HomeFolder &home;
+    HostCounters &counters;
     FileFacts &files;
     FileReading &reading;
     ProcessRunner &processes;

@@ -11,6 +11,7 @@
 #include "Support/FakeLinkOpener.h"
 #include "Support/FakeLoginItem.h"
 #include "Support/FakeNotifier.h"
+#include "Support/FakePhotoLibrary.h"
 #include "Support/FakeUtilityQueue.h"
 
 namespace Quillbrook {
@@ -25,6 +26,7 @@ struct FakeDesktop
     FakeFolderGrants folderGrants;
     FakeDriveChanges driveChanges;
     FakeLanguageModel languageModel;
+    FakePhotoLibrary photos;
     FakeHttpClient http;
     FakeUtilityQueue utility;
 
@@ -40,6 +42,7 @@ struct FakeDesktop
             .folderGrants = folderGrants,
             .driveChanges = driveChanges,
             .languageModel = languageModel,
+            .photos = photos,
             .version = QStringLiteral("1.0"),
             .updateFeed = QUrl(QStringLiteral("https://updates.test/version.json")) };
     }

@@ -11,6 +11,7 @@
 #include "Support/FakeFileFacts.h"
 #include "Support/FakeHomeFolder.h"
 #include "Support/FakeHostApplications.h"
+#include "Support/FakeHostCounters.h"
 #include "Support/FakeHostKnowledge.h"
 #include "Support/FakeHttpClient.h"
 #include "Support/FakeOffload.h"
@@ -69,6 +70,7 @@ struct FakeKit
             .volumes = volumes,
             .defaults = defaults,
             .home = home,
+            .counters = counters,
             .files = either(instead.files, files),
             .reading = either(instead.reading, stored),
             .processes = either(instead.processes, processes),
@@ -95,6 +97,7 @@ struct FakeKit
     FakeVolumes volumes;
     FakeUserDefaults defaults;
     FakeHomeFolder home;
+    FakeHostCounters counters;
     FakeFileFacts files;
     FakeProcessRunner processes;
     FakeRunningApps runningApps;

@@ -11,6 +11,8 @@
 #include "Platform/Linux/Opening/LinuxFileRevealer.h"
 #include "Platform/Linux/Opening/LinuxLinkOpener.h"
 #include "Platform/Linux/Processes/LinuxLoopbackListeners.h"
+#include "Platform/Linux/Photos/LinuxPhotoLibrary.h"
+#include "Platform/Linux/Processes/LinuxHostCounters.h"
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Platform/Linux/Processes/LinuxProcessors.h"
 #include "Platform/Linux/Processes/LinuxRunningApps.h"
@@ -80,6 +82,7 @@ struct Services
     LinuxDisk disk{ places.programFolder, TrashPlaces::ofThisUser(places.home), clock };
     SettingsUserDefaults defaults{ &disk.reserve };
     LinuxProcessors processors;
+    LinuxHostCounters counters;
     LinuxVolumes volumes;
     LinuxProcessRunner processes;
     LinuxHostKnowledge host{ disk.reading, environment() };
@@ -114,6 +117,22 @@ struct Services
     LinuxFolderGrants folderGrants{ { .realHome = places.realHome,
         .runtimeFolder = environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
     LinuxDriveChanges driveChanges;
+    LinuxPhotoLibrary photos{ { .removal = { .removal = { .trash = disk.trash,
+                                                 .removal = disk.removal,
+                                                 .files = disk.files,
+                                                 .clock = clock,
+                                                 .guards = &guards },
+                                    .reading = disk.reading,
+                                    .writing = disk.writing,
+                                    .guards = &guards,
+                                    .home = places.realHome,
+                                    .list = PhotoRemoval::standardList(places.dataFolder) },
+        .defaults = defaults,
+        .home = places.home,
+        .processes = processes,
+        .picker = folderPicker,
+        .grants = folderGrants,
+        .session = session } };
     NetworkHttpClient http;
     LinuxLoopbackListeners listeners;
     LocalModelServers languageModel{ listeners };
@@ -142,6 +161,7 @@ public:
                      .volumes = all.volumes,
                      .defaults = all.defaults,
                      .home = all.places.home,
+                     .counters = all.counters,
                      .files = all.disk.files,
                      .reading = all.disk.reading,
                      .processes = all.processes,
@@ -169,6 +189,7 @@ public:
             .folderGrants = all.folderGrants,
             .driveChanges = all.driveChanges };
             .languageModel = all.languageModel };
+            .photos = all.photos };
     }
 
     [[nodiscard]] MotionPreference &motion() override { return made().motion; }

@@ -14,6 +14,8 @@ T.Button {
     property int kind: PushButton.Plain
     property string symbol: ""
     property real radius: Metrics.controlRadius
+    /// Ground of a prominent one.
+    property color tone: Theme.accent
 
     readonly property bool isLink: kind === PushButton.Link
     property color inkColor: {
@@ -51,9 +53,9 @@ T.Button {
     verticalPadding: 0
 
     background: Rectangle {
-        border.color: root.kind === PushButton.Prominent ? Theme.accent : Theme.hairline
+        border.color: root.kind === PushButton.Prominent ? root.tone : Theme.hairline
         border.width: root.isLink ? 0 : Metrics.hairlineWidth
-        color: root.isLink ? "transparent" : root.kind === PushButton.Prominent ? Theme.accent : Theme.surface
+        color: root.isLink ? "transparent" : root.kind === PushButton.Prominent ? root.tone : Theme.surface
         radius: root.radius
 
         StateTint {

@@ -10,6 +10,8 @@
 #include "Screens/Map/SelectionBarState.h"
 #include "Screens/Rules/RulesState.h"
 #include "Screens/Offload/OffloadState.h"
+#include "Screens/Photos/PhotosState.h"
+#include "Screens/Stats/StatsState.h"
 #include "Screens/Warden/WardenState.h"
 
 namespace Quillbrook {
@@ -34,6 +36,14 @@ PaneStates::PaneStates(AppModel &model, Advisor &advisor, QObject *parent)
     add(Pane::apps, new AppsState(model, this));
     add(Pane::offload, new OffloadState(model, this));
     add(Pane::advisor, new AdvisorState(model, advisor, this));
+
+    const auto &services = model.services();
+    const PhotosState::Services photos{ .library = services.photos,
+        .revealer = services.revealer,
+        .clock = services.kit.clock,
+        .removals = &model.removals() };
+    add(Pane::photos, new PhotosState(photos, this));
+    add(Pane::stats, new StatsState(services.kit.counters, this));
 }
 
 void PaneStates::add(Pane pane, PaneState *state, const QVariantMap &others)

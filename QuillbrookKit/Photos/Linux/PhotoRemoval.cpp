@@ -95,7 +95,7 @@ std::optional<QString> PhotoRemoval::objection(
 {
     const auto status = PhotoStatus::of(AT_FDCWD, thing.path.c_str());
     if (thing.inode != file.inode || !status || status->inode != file.inode || status->born != file.born)
-        return u"It is not the file that was counted."_s;
+        return QCoreApplication::translate("PhotoRemoval", "It is not the file that was counted.");
     if (thing.path == judged)
         return std::nullopt;
     return PathRemoval::refusal(thing.path, m_services.home, m_services.guards);

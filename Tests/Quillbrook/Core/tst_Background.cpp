@@ -63,6 +63,7 @@ AppServices withNotifier(const FakeServices &machine, Notifier &notifier, LoginI
         .folderGrants = given.folderGrants,
         .driveChanges = given.driveChanges };
         .languageModel = given.languageModel };
+        .photos = given.photos };
 }
 
 } // namespace

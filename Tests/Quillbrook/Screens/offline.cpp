@@ -148,6 +148,18 @@ void pretendRules(FakeServices &machine)
               .replace("ROW",
                   R"({"id":"0B9A2C1E-5D3F-4A6B-8C7D-112233445566","ruleID":"xcode.deriveddata","path":"/y",)"
                   R"("triggerUsedPercent":90,"cadence":"everyTime","enabled":true,"lastFiredAt":738000000,"timesFired":3})");
+/// A machine that works a little, and for some seconds more.
+void pretendWork(FakeHostCounters &counters)
+{
+    static std::minstd_rand random{ 11 };
+    static int second = 0;
+    ++second;
+    const auto busy = 12 + random() % 7 + (second % 60 > 45 ? 30 : 0);
+    counters.ticks->user += busy;
+    counters.ticks->idle += 100 - busy;
+    counters.pages
+        = MemoryPages{ .active = counters.installed / 100 * (60 + static_cast<unsigned>(second) / 30),
+              .pageBytes = 1 };
 }
 
 void pretendProgress(ScanProgress &progress)
@@ -352,6 +364,14 @@ int main(int argc, char **argv)
     machine.volumes.answer = VolumeCapacity{
         .available = 48 * gibi + gibi / 5, .availableForImportantUsage = 48 * gibi, .total = 233 * gibi
     };
+    machine.counters.installed = static_cast<std::uint64_t>(31 * gibi / 2);
+    pretendWork(machine.counters);
+    QTimer working;
+    QObject::connect(&working, &QTimer::timeout, [&machine] { pretendWork(machine.counters); });
+    working.start(1000);
+    // Many pictures, of which most lie elsewhere.
+    machine.desktop.photos.access = PhotoAccess::granted;
+    machine.desktop.photos.assets = MadeAssets::of(4218, 8'044'000, 1344);
     if (what == u"panel"_s)
         return showPanel(machine, arguments.value(2, u"allowed"_s));
     return showWindow(machine, what);

@@ -48,10 +48,6 @@ private Q_SLOTS:
             panes.show(pane);
             QCOMPARE(shown(), QList<Pane>{ pane });
         }
-        // One that is not there yet.
-        panes.show(Pane::photos);
-        QCOMPARE(shown(), QList<Pane>());
-        panes.show(Pane::map);
         panes.show(std::nullopt);
         QCOMPARE(shown(), QList<Pane>());
     }

@@ -1,0 +1,170 @@
+#include "Platform/Linux/Photos/LinuxPhotoLibrary.h"
+
+#include "Platform/FolderGrants.h"
+#include "Platform/FolderPicker.h"
+#include "Platform/HomeFolder.h"
+#include "Platform/Linux/Photos/TrashEmptying.h"
+#include "Platform/UserDefaults.h"
+#include "Removal/PathRemoval.h"
+
+#include <QFile>
+#include <QtConcurrent>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const auto consentKey = u"Quillbrook.photosAllowed"_s;
+const auto bookmarkKey = u"Quillbrook.photosBookmark"_s;
+
+} // namespace
+
+LinuxPhotoLibrary::LinuxPhotoLibrary(const Services &services)
+    : m_services(services)
+{
+    m_pool.setMaxThreadCount(1);
+    if (isSandboxed())
+        takeUpGrant();
+    else if (m_services.defaults.boolean(consentKey) == true)
+        setConsent(Consent::given);
+}
+
+bool LinuxPhotoLibrary::isSandboxed() const
+{
+    return m_services.home.homeDirectory() != m_services.home.realHomeDirectory();
+}
+
+void LinuxPhotoLibrary::takeUpGrant()
+{
+    const auto bookmark = m_services.defaults.data(bookmarkKey);
+    const auto resolved = bookmark ? m_services.grants.resolve(*bookmark) : std::nullopt;
+    if (resolved && m_services.grants.startAccessing(resolved->path))
+        setConsent(Consent::given, resolved->path);
+}
+
+void LinuxPhotoLibrary::setConsent(Consent consent, const std::optional<std::string> &granted)
+{
+    const QMutexLocker lock(&m_lock);
+    m_consent = consent;
+    m_granted = granted;
+}
+
+PhotoFolders LinuxPhotoLibrary::folders() const
+{
+    const QMutexLocker lock(&m_lock);
+    if (isSandboxed())
+        return { .pictures = m_granted };
+    const auto settings = QFile::encodeName(m_services.session.configFolder).toStdString();
+    return PhotoFolders::ofUser(m_services.removal.reading, settings, m_services.home);
+}
+
+PhotoAccess LinuxPhotoLibrary::status() const
+{
+    const auto consent = [this] {
+        const QMutexLocker lock(&m_lock);
+        return m_consent;
+    }();
+    switch (consent) {
+    case Consent::given:
+        return folders().access();
+    case Consent::refused:
+        return PhotoAccess::denied;
+    default:
+        return PhotoAccess::notAsked;
+    }
+}
+
+QFuture<PhotoAccess> LinuxPhotoLibrary::requestAccess(PhotoQuestions &questions)
+{
+    const auto ask = [this] { return status(); };
+    if (m_consent != Consent::notAsked)
+        return QtConcurrent::run(&m_pool, ask);
+    if (isSandboxed()) {
+        takeFromPicker();
+        return QtConcurrent::run(&m_pool, ask);
+    }
+    QStringList named;
+    for (const auto &folder : { folders().pictures, folders().videos })
+        if (folder)
+            named.append(QFile::decodeName(folder->c_str()));
+    return questions.mayRead(named)
+        .then([this](bool isAllowed) { takeAnswer(isAllowed); })
+        .then(&m_pool, ask);
+}
+
+void LinuxPhotoLibrary::takeAnswer(bool isAllowed)
+{
+    if (isAllowed)
+        m_services.defaults.setBoolean(consentKey, true);
+    setConsent(isAllowed ? Consent::given : Consent::refused);
+}
+
+void LinuxPhotoLibrary::takeFromPicker()
+{
+    const auto picked = m_services.picker.pick({ .directory = m_services.home.realHomeDirectory(),
+        .message
+        = tr("Select the folder that holds your pictures. Quillbrook reads names, dates and sizes in "
+             "it, and opens none of them."),
+        .prompt = tr("Allow") });
+    if (!picked || !m_services.grants.startAccessing(*picked)) {
+        setConsent(Consent::refused);
+        return;
+    }
+    if (const auto bookmark = m_services.grants.bookmark(*picked))
+        m_services.defaults.setData(bookmarkKey, *bookmark);
+    setConsent(Consent::given, picked);
+}
+
+std::shared_ptr<const PhotoAssets> LinuxPhotoLibrary::query(const PhotoQuery &query, PhotoWork &work) const
+{
+    const auto &removal = m_services.removal;
+    const auto keeps = [&](const std::string &path) {
+        return PathRemoval::refusal(path, removal.home, removal.guards).has_value();
+    };
+    PhotoWalk walk(query, keeps, work);
+    for (const auto &root : folders().roots())
+        if (!walk.walk(root))
+            return nullptr;
+    return walk.take();
+}
+
+PhotoDeletion LinuxPhotoLibrary::deleteAssets(const PhotoAssets &assets, PhotoWork &work)
+{
+    const QMutexLocker lock(&m_removalLock);
+    return removal().moveAll(static_cast<const LinuxPhotoAssets &>(assets), work);
+}
+
+PhotoRemoval &LinuxPhotoLibrary::removal() const
+{
+    if (!m_removal)
+        m_removal = std::make_unique<PhotoRemoval>(m_services.removal);
+    return *m_removal;
+}
+
+qsizetype LinuxPhotoLibrary::heldCount() const
+{
+    const QMutexLocker lock(&m_removalLock);
+    return static_cast<qsizetype>(removal().held().size());
+}
+
+std::optional<std::string> LinuxPhotoLibrary::heldPlace() const
+{
+    const QMutexLocker lock(&m_removalLock);
+    const auto held = removal().held();
+    return held.empty() ? std::nullopt : std::optional(held.back().trashPath);
+}
+
+PhotoReturn LinuxPhotoLibrary::putBack()
+{
+    const QMutexLocker lock(&m_removalLock);
+    return removal().putBack();
+}
+
+std::optional<int> LinuxPhotoLibrary::daysInTrash() const
+{
+    return TrashEmptying::days(m_services.session, m_services.processes, m_services.removal.reading);
+}
+
+} // namespace Quillbrook

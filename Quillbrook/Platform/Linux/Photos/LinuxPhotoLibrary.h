@@ -1,0 +1,73 @@
+#pragma once
+
+// The library of pictures on Linux: the user's own folders for pictures and videos, with the desktop's Trash
+// for what is deleted. The person is asked once, in the program's own words, and that they agreed is kept; a
+// refusal holds for this run. In a sandbox they hand over the folder in the desktop's own window instead.
+
+#include "Photos/Linux/PhotoFolders.h"
+#include "Photos/Linux/PhotoRemoval.h"
+#include "Platform/Linux/Session/DesktopSession.h"
+
+#include <QCoreApplication>
+#include <QMutex>
+#include <QThreadPool>
+
+namespace Quillbrook {
+
+class FolderGrants;
+class FolderPicker;
+class ProcessRunner;
+class UserDefaults;
+
+class LinuxPhotoLibrary final : public PhotoLibrary
+{
+    Q_DECLARE_TR_FUNCTIONS(LinuxPhotoLibrary)
+
+public:
+    struct Services
+    {
+        PhotoRemoval::Services removal;
+        UserDefaults &defaults;
+        const HomeFolder &home;
+        const ProcessRunner &processes;
+        FolderPicker &picker;
+        FolderGrants &grants;
+        const DesktopSession &session;
+    };
+
+    /// What the services refer to outlives this object. Main thread.
+    explicit LinuxPhotoLibrary(const Services &services);
+
+    [[nodiscard]] PhotoAccess status() const override;
+    [[nodiscard]] QFuture<PhotoAccess> requestAccess(PhotoQuestions &questions) override;
+    [[nodiscard]] std::shared_ptr<const PhotoAssets> query(
+        const PhotoQuery &query, PhotoWork &work) const override;
+    [[nodiscard]] PhotoDeletion deleteAssets(const PhotoAssets &assets, PhotoWork &work) override;
+    [[nodiscard]] qsizetype heldCount() const override;
+    [[nodiscard]] std::optional<std::string> heldPlace() const override;
+    PhotoReturn putBack() override;
+    [[nodiscard]] std::optional<int> daysInTrash() const override;
+
+private:
+    enum class Consent : std::uint8_t { notAsked, given, refused };
+
+    [[nodiscard]] bool isSandboxed() const;
+    void takeUpGrant();
+    void takeFromPicker();
+    void takeAnswer(bool isAllowed);
+    void setConsent(Consent consent, const std::optional<std::string> &granted = {});
+    [[nodiscard]] PhotoFolders folders() const;
+    [[nodiscard]] PhotoRemoval &removal() const;
+
+    const Services m_services;
+    mutable QMutex m_lock;
+    Consent m_consent = Consent::notAsked;
+    /// In a sandbox, the folder that was handed over.
+    std::optional<std::string> m_granted;
+    /// Only with `m_removalLock`; made when it is first wanted, because that reads a file.
+    mutable QMutex m_removalLock;
+    mutable std::unique_ptr<PhotoRemoval> m_removal;
+    QThreadPool m_pool;
+};
+
+} // namespace Quillbrook
