@@ -12,10 +12,8 @@ import os
 import sys
 from pathlib import Path
 
-from comparison import application, background, catalogue, machine, peers, removal, rules, scanning
-from comparison import application, apps, background, catalogue, machine, peers, removal, scanning
-from comparison import application, background, catalogue, machine, offload, peers, removal, scanning
-from comparison import application, background, catalogue, machine, peers, photos, removal, scanning
+from comparison import (
+    application, apps, background, catalogue, machine, offload, peers, photos, removal, rules, scanning)
 from comparison.context import Context
 from comparison.programs import ProgramFailed, run
 from comparison.rows import Missing, table

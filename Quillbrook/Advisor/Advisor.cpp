@@ -180,7 +180,7 @@ void Advisor::press(const AdvisorSuggestion &suggestion)
                        setProposal(AdvisorProposal{ .finding = choice.finding });
                    },
                    [&](const AdvisorAction::MoveAway &choice) {
-                       m_model.navigation().setOffloadFocus(choice.finding.rule.id);
+                       m_model.offloads().setOffloadFocus(choice.finding.rule.id);
                        m_model.navigation().setRequestedPane(Pane::offload);
                    },
                    [&](const AdvisorAction::Ask &choice) { ask(choice.question); },

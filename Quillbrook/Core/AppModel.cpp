@@ -21,7 +21,6 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
           { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .removals = ruleRemovals() },
           this)
     , m_uninstalls(m_services.kit, m_reclaims, this)
-    , m_reclaims(m_services.kit, { .scans = m_scans, .navigation = m_navigation, .volume = m_volume }, this)
     , m_offloads(m_services.kit, { .scans = m_scans, .navigation = m_navigation }, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
@@ -68,7 +67,6 @@ RuleRemovals AppModel::ruleRemovals()
                      const RuleRemovals::Purged &purged) { m_reclaims.purge(items, purged); },
     };
     connect(&m_reclaims, &ReclaimDriver::diskChanged, this, [this] { m_scans.scan({}); });
-    connect(&m_offloads, &OffloadDriver::diskChanged, this, [this] { m_scans.scan({}); });
 }
 
 // The calls at a scan's end. Their order counts: a claim is verified by figures that were read for it.

@@ -33,8 +33,6 @@ public:
     void setSelection(const std::optional<NodeSnapshot> &selection);
     void setSearchText(const QString &text);
     void setRequestedPane(std::optional<Pane> pane);
-    /// Notes which rule's findings the person wants to move to another drive.
-    void setOffloadFocus(const QString &ruleId) { m_offloadFocus = ruleId; }
     /// Shows the root of the present tree.
     void enterTree();
     /// Shows nothing and selects nothing, since the tree is about to be replaced.
@@ -59,8 +57,6 @@ public:
     [[nodiscard]] const std::optional<NodeSnapshot> &selection() const { return m_selection; }
     [[nodiscard]] const QString &searchText() const { return m_searchText; }
     [[nodiscard]] std::optional<Pane> requestedPane() const { return m_requestedPane; }
-    /// Absent until somebody wanted it.
-    [[nodiscard]] const std::optional<QString> &offloadFocus() const { return m_offloadFocus; }
 
 Q_SIGNALS:
     void focusChanged();
@@ -77,7 +73,6 @@ private:
     std::optional<NodeSnapshot> m_selection;
     QString m_searchText;
     std::optional<Pane> m_requestedPane;
-    std::optional<QString> m_offloadFocus;
 };
 
 } // namespace Quillbrook

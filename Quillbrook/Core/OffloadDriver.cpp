@@ -27,7 +27,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr qint64 leastBytes = 104'857'600;
 constexpr int sampleMB = 24;
 constexpr auto progressInterval = 250ms;
 
@@ -90,14 +89,8 @@ OffloadDriver::~OffloadDriver()
 
 QList<Finding> OffloadDriver::offloadCandidates() const
 {
-    QList<Finding> candidates;
-    if (!m_scans.report())
-        return candidates;
-    for (const auto &finding : m_scans.report()->findings)
-        if (!finding.redirectedOffVolume && finding.bytes > leastBytes
-            && Offload::suitability(finding.rule.id, &m_scans.hostCatalogue()).isCold())
-            candidates.append(finding);
-    return candidates;
+    return m_scans.report() ? Offload::candidates(*m_scans.report(), &m_scans.hostCatalogue())
+                            : QList<Finding>();
 }
 
 void OffloadDriver::profileDestination(const std::string &path)

@@ -45,24 +45,17 @@ inline constexpr std::array paneTable{
         "Lists/LargestPane.qml", "largest" },
     PaneRow{ Pane::search, QT_TRANSLATE_NOOP("Panes", "Find a file"), "magnifyingglass", 4,
         "Lists/SearchPane.qml", "search" },
-    PaneRow{ Pane::photos, QT_TRANSLATE_NOOP("Panes", "Photos by date"), "photo.on.rectangle.angled", 5 },
+    PaneRow{ Pane::photos, QT_TRANSLATE_NOOP("Panes", "Photos by date"), "photo.on.rectangle.angled", 5,
+        "Photos/PhotosPane.qml", "photos" },
     PaneRow{ Pane::rules, QT_TRANSLATE_NOOP("Panes", "Automatic rules"), "wand.and.stars", 6,
         "Rules/RulesPane.qml", "rules" },
     PaneRow{ Pane::offload, QT_TRANSLATE_NOOP("Panes", "Move to another drive"), "externaldrive.badge.plus",
         7, "Offload/OffloadPane.qml", "offload" },
     PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8, "Apps/AppsPane.qml", "apps" },
-    PaneRow{ Pane::stats, QT_TRANSLATE_NOOP("Panes", "This Mac"), "gauge.with.dots.needle.33percent", 9 },
-    PaneRow{ Pane::advisor, QT_TRANSLATE_NOOP("Panes", "Past answers"), "clock.arrow.circlepath", 0,
-        "Advisor/AdvisorPane.qml", "advisor" },
-    PaneRow{ Pane::photos, QT_TRANSLATE_NOOP("Panes", "Photos by date"), "photo.on.rectangle.angled", 5,
-        "Photos/PhotosPane.qml", "photos" },
-    PaneRow{ Pane::rules, QT_TRANSLATE_NOOP("Panes", "Automatic rules"), "wand.and.stars", 6 },
-    PaneRow{
-        Pane::offload, QT_TRANSLATE_NOOP("Panes", "Move to another drive"), "externaldrive.badge.plus", 7 },
-    PaneRow{ Pane::apps, QT_TRANSLATE_NOOP("Panes", "Apps"), "app.badge", 8 },
     PaneRow{ Pane::stats, QT_TRANSLATE_NOOP("Panes", "This Mac"), "gauge.with.dots.needle.33percent", 9,
         "Stats/StatsPane.qml", "stats" },
-    PaneRow{ Pane::advisor, QT_TRANSLATE_NOOP("Panes", "Past answers"), "clock.arrow.circlepath", 0 },
+    PaneRow{ Pane::advisor, QT_TRANSLATE_NOOP("Panes", "Past answers"), "clock.arrow.circlepath", 0,
+        "Advisor/AdvisorPane.qml", "advisor" },
 };
 
 [[nodiscard]] constexpr const PaneRow &row(Pane pane)

@@ -1,25 +1,17 @@
 #include "Offload/Suitability.h"
 
 #include "Catalogue/HostCatalogue.h"
+#include "Catalogue/ReclaimReport.h"
 
 #include <algorithm>
 
 namespace Quillbrook {
-#include "Catalogue/ReclaimReport.h"
-
-#include <algorithm>
-#include <array>
-
-namespace Quillbrook::Offload {
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 // Only what is known to be cold moves. The hot rows give a truer reason than the default does.
-/// A candidate is larger than this.
-constexpr qint64 smallBytes = qint64{ 100 } * 1024 * 1024;
-
 const QList<HostSuitability> &builtIn()
 {
     // clang-format off
@@ -50,10 +42,6 @@ std::optional<Suitability> lookUp(const QList<HostSuitability> &table, const QSt
 {
     const auto row = std::ranges::find(table, id, &HostSuitability::ruleId);
     return row == table.end() ? std::nullopt : std::optional(Suitability{ .hotReason = row->hotReason });
-const HostSuitability *lookUp(const QList<HostSuitability> &table, const QString &ruleId)
-{
-    const auto row = std::ranges::find(table, ruleId, &HostSuitability::ruleId);
-    return row == table.end() ? nullptr : &*row;
 }
 
 } // namespace
@@ -67,24 +55,16 @@ Suitability Offload::suitability(const QString &ruleId, const HostCatalogue *hos
     return { .hotReason = u"Not recognised as cold data, so Quillbrook will not move it."_s };
 }
 
-} // namespace Quillbrook
-Suitability suitability(const QString &ruleId, const HostCatalogue *host)
+QList<Finding> Offload::candidates(const ReclaimReport &report, const HostCatalogue *host)
 {
-    if (const auto *row = lookUp(builtIn(), ruleId))
-        return { .hotReason = row->hotReason };
-    if (const auto *row = host ? lookUp(host->suitability, ruleId) : nullptr)
-        return { .hotReason = row->hotReason };
-    return { .hotReason = u"Not recognised as cold data, so Quillbrook will not move it."_s };
-}
-
-QList<Finding> candidates(const ReclaimReport &report, const HostCatalogue *host)
-{
+    // Moving less than this is not worth a link.
+    constexpr qint64 leastBytes = 104'857'600;
     auto findings = report.findings;
     findings.removeIf([host](const Finding &finding) {
-        return finding.redirectedOffVolume || finding.bytes <= smallBytes
+        return finding.redirectedOffVolume || finding.bytes <= leastBytes
             || !suitability(finding.rule.id, host).isCold();
     });
     return findings;
 }
 
-} // namespace Quillbrook::Offload
+} // namespace Quillbrook

@@ -2,9 +2,6 @@
 
 // Whether what a rule of the catalogue finds may leave the startup disk.
 
-// Whether what a rule finds may move to another volume. Only what is known to be rarely touched may; what is
-// not recognised stays. Pure functions, any thread.
-
 #include "Catalogue/Finding.h"
 
 #include <QList>
@@ -15,17 +12,11 @@
 namespace Quillbrook {
 
 struct HostCatalogue;
+struct ReclaimReport;
 
 /// Never with a reason, always without.
 struct Suitability
 {
-struct ReclaimReport;
-
-namespace Offload {
-
-struct Suitability
-{
-    /// Why it has to stay; absent for what may move.
     std::optional<QString> hotReason{};
 
     bool operator==(const Suitability &) const = default;
@@ -38,10 +29,6 @@ namespace Offload {
 /// By the built-in table, and after it the host's where one is given. Ids are compared exactly; one that
 /// neither knows is hot.
 [[nodiscard]] Suitability suitability(const QString &ruleId, const HostCatalogue *host = nullptr);
-
-/// `host` may be null, and outlives the call.
-[[nodiscard]] Suitability suitability(const QString &ruleId, const HostCatalogue *host = nullptr);
-
 /// The findings that may be offered for moving, in the report's order: no links, and nothing small.
 [[nodiscard]] QList<Finding> candidates(const ReclaimReport &report, const HostCatalogue *host = nullptr);
 

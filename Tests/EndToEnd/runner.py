@@ -44,7 +44,7 @@ def supervise(arguments):
             if arguments.volumes:
                 drives = folder / "drives"
                 drives.mkdir()
-                os.environ["QUILLBROOK_DRIVES"] = str(drives)
+                environment["QUILLBROOK_DRIVES"] = str(drives)
                 before = ["unshare", "--mount", "--propagation", "private", "--", HERE / "volumes.sh", drives,
                           ORDINARY_USER]
             before += ["setpriv", f"--reuid={ORDINARY_USER}", f"--regid={ORDINARY_USER}", "--clear-groups", "--"]

@@ -39,9 +39,7 @@ KIT_DIRECTIONS = {
     "Uninstaller/Linux": {
         "Uninstaller", "Platform", "Removal", "Platform/Linux/Files", "Platform/Linux/Folders",
         "Platform/Linux/Processes"},
-    "Offload": {"Platform", "Scan", "Removal"},
     "Offload": {"Platform", "Scan", "Catalogue"},
-    "Offload": {"Platform", "Scan", "Catalogue", "Removal"},
     "Advisor": {"Platform", "Scan", "Catalogue"},
     "Automation": {"Platform", "Scan", "Catalogue", "Removal"},
     "Photos": set(),
@@ -63,15 +61,11 @@ APPLICATION_DIRECTIONS = {
     "Platform/Linux/Photos": {"Platform", "Platform/Linux/Session"},
     "Platform/Linux": {
         "Platform", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
-        "Platform/Linux/Opening", "Platform/Linux/Tray", "Platform/Linux/Mounts"},
+        "Platform/Linux/Opening", "Platform/Linux/Tray", "Platform/Linux/Mounts", "Platform/Linux/Photos"},
     "Core": {"Platform"},
     "Advisor": {"Platform", "Core"},
-    "Screens": {"Platform", "Core", "Advisor"},
-        "Platform", "Platform/Linux/Photos", "Platform/Linux/Sandbox", "Platform/Linux/Session", "Platform/Linux/Notifications",
-        "Platform/Linux/Opening", "Platform/Linux/Tray"},
-    "Core": {"Platform"},
     "Media": {"Platform"},
-    "Screens": {"Platform", "Core"},
+    "Screens": {"Platform", "Core", "Advisor"},
     "Screens/Symbols": {"Screens"},
 }
 
@@ -80,10 +74,8 @@ SCREENS = {f"Screens/{path.name}" for path in (ROOT / "Quillbrook/Screens").iter
 SCREENS -= {*APPLICATION_DIRECTIONS, "Screens/Panel", "Screens/Window"}
 APPLICATION_DIRECTIONS |= {screen: {"Platform", "Core", "Advisor", "Screens"} for screen in SCREENS | {"Screens/Panel"}}
 APPLICATION_DIRECTIONS["Screens/Window"] = {"Platform", "Core", "Advisor", "Screens"} | SCREENS
-APPLICATION_DIRECTIONS |= {screen: {"Platform", "Core", "Screens"} for screen in SCREENS | {"Screens/Panel"}}
 for screen in ("Screens/Photos", "Screens/Stats"):
     APPLICATION_DIRECTIONS[screen].add("Media")
-APPLICATION_DIRECTIONS["Screens/Window"] = {"Platform", "Core", "Screens"} | SCREENS
 
 # Headers that only a folder named Linux may include.
 PLATFORM_HEADERS = re.compile(
@@ -265,7 +257,6 @@ ENGLISH = {
     "QuillbrookKit/Catalogue/": "tables, translated where they are shown",
     "QuillbrookKit/Removal/": "sentences of the log, and tables",
     "QuillbrookKit/Uninstaller/": "sentences of the log, and tables, translated where they are shown",
-    "QuillbrookKit/Offload/": "a table, translated where it is shown",
     "QuillbrookKit/Advisor/": "what a language model is sent",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/AutomationDriver.cpp": "sentences of the log",
@@ -280,9 +271,9 @@ ENGLISH = {
 }
 # Words of protocols, of other programs and of styles, and names.
 NOT_SPOKEN = {
-    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "${HOME}", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active",
-    "Block", "Drive", "Removable"}
-    "Quillbrook", "Ollama", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "APPIMAGE", "APPDIR", "Exec=", " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get", "Active"}
+    "Quillbrook", "Esc", "GNOME", "PATH", "HOME", "SNAP", "$HOME", "${HOME}", "APPIMAGE", "APPDIR", "Exec=",
+    " --background", "MMMM yyyy", "888.8 GB", "Basic", "Activate", "Notify", "Lookup", "Response", "Close", "Get",
+    "Active", "Block", "Drive", "Removable", "Ollama"}
 
 
 class Words(unittest.TestCase):

@@ -10,9 +10,9 @@
 #include "Platform/Linux/Notifications/LinuxNotifier.h"
 #include "Platform/Linux/Opening/LinuxFileRevealer.h"
 #include "Platform/Linux/Opening/LinuxLinkOpener.h"
-#include "Platform/Linux/Processes/LinuxLoopbackListeners.h"
 #include "Platform/Linux/Photos/LinuxPhotoLibrary.h"
 #include "Platform/Linux/Processes/LinuxHostCounters.h"
+#include "Platform/Linux/Processes/LinuxLoopbackListeners.h"
 #include "Platform/Linux/Processes/LinuxProcessRunner.h"
 #include "Platform/Linux/Processes/LinuxProcessors.h"
 #include "Platform/Linux/Processes/LinuxRunningApps.h"
@@ -187,8 +187,8 @@ public:
             .links = all.links,
             .folderPicker = all.folderPicker,
             .folderGrants = all.folderGrants,
-            .driveChanges = all.driveChanges };
-            .languageModel = all.languageModel };
+            .driveChanges = all.driveChanges,
+            .languageModel = all.languageModel,
             .photos = all.photos };
     }
 

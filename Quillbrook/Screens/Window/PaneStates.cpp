@@ -1,16 +1,16 @@
 #include "Screens/Window/PaneStates.h"
 
 #include "Core/AppModel.h"
-#include "Screens/Apps/AppsState.h"
 #include "Screens/Advisor/AdvisorState.h"
+#include "Screens/Apps/AppsState.h"
 #include "Screens/Lists/LargestState.h"
 #include "Screens/Lists/SearchState.h"
 #include "Screens/Map/BreadcrumbModel.h"
 #include "Screens/Map/MapState.h"
 #include "Screens/Map/SelectionBarState.h"
-#include "Screens/Rules/RulesState.h"
 #include "Screens/Offload/OffloadState.h"
 #include "Screens/Photos/PhotosState.h"
+#include "Screens/Rules/RulesState.h"
 #include "Screens/Stats/StatsState.h"
 #include "Screens/Warden/WardenState.h"
 

@@ -27,8 +27,8 @@ public:
     [[nodiscard]] bool asked() const { return m_asked; }
     [[nodiscard]] bool isAboutDrives() const;
 
-    /// Asks, where something is moved or removed; answers whether it did. It stands until it is answered, or there is
-    /// nothing to ask about any more.
+    /// Asks, where something is moved or removed; answers whether it did. It stands until it is answered, or
+    /// there is nothing to ask about any more.
     [[nodiscard]] bool ask();
     /// The program goes on.
     Q_INVOKABLE void stay();

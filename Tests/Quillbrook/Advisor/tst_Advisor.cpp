@@ -260,7 +260,7 @@ private Q_SLOTS:
         QCOMPARE(home.advisor.proposal()->items.size(), 2);
         QVERIFY(!home.advisor.proposal()->alsoConsider);
         home.press(u"Move it to another drive"_s);
-        QCOMPARE(home.model.navigation().offloadFocus(), u"android.avd"_s);
+        QCOMPARE(home.model.offloads().offloadFocus(), u"android.avd"_s);
         QCOMPARE(home.model.navigation().requestedPane(), Pane::offload);
         home.turn(reply({}));
         home.languageModel().replies.push_back(reply({}));

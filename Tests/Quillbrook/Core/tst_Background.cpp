@@ -61,8 +61,8 @@ AppServices withNotifier(const FakeServices &machine, Notifier &notifier, LoginI
         .links = given.links,
         .folderPicker = given.folderPicker,
         .folderGrants = given.folderGrants,
-        .driveChanges = given.driveChanges };
-        .languageModel = given.languageModel };
+        .driveChanges = given.driveChanges,
+        .languageModel = given.languageModel,
         .photos = given.photos };
 }
 
