@@ -64,7 +64,9 @@ int main(int count, char **texts)
         .links = given.links,
         .folderPicker = given.folderPicker,
         .folderGrants = given.folderGrants,
-        .languageModel = servers };
+        .driveChanges = given.driveChanges,
+        .languageModel = servers,
+        .photos = given.photos };
     AppModel model(services);
     LinuxMotionPreference motion;
     Background background(model.services());

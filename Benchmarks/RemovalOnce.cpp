@@ -96,11 +96,11 @@ QJsonObject deleteForGood(const std::string &folder)
     const auto home = folder.substr(0, folder.rfind('/'));
     Machine machine(home, home + "/data");
     const auto start = Watch::now();
-    const auto inode = machine.files.inode(folder);
+    const auto inode = inodeAt(folder);
     const auto done = PathRemoval::remove(machine.services(),
         { .path = folder,
             .label = QStringLiteral("folder"),
-            .picked = PathRemoval::Picked{ .kind = FileKind::directory, .inode = inode.value_or(0) } },
+            .picked = PathRemoval::Picked{ .isDirectory = true, .inode = inode.value_or(0) } },
         { .permanent = true, .home = home, .host = &machine.guards });
     return done.error ? failed(*done.error) : QJsonObject{ { "seconds", secondsSince(start) } };
 }

@@ -1,4 +1,5 @@
 #include "Catalogue/HostCatalogue.h"
+#include "Catalogue/ReclaimReport.h"
 #include "Offload/Suitability.h"
 #include "Support/Suite.h"
 
