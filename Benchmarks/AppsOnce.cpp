@@ -70,11 +70,12 @@ public:
 
     [[nodiscard]] LinuxApplications listing() const
     {
-        return LinuxApplications({ .services = { .reading = m_reading,
-                                       .files = m_files,
-                                       .runningApps = m_running,
-                                       .clock = m_clock,
-                                       .processHome = m_folder + "/home" },
+        // Named, since the compiler warns of what it takes for a destroyed member of an unnamed one.
+        const LinuxApplications::Options options{ .services = { .reading = m_reading,
+                                                      .files = m_files,
+                                                      .runningApps = m_running,
+                                                      .clock = m_clock,
+                                                      .processHome = m_folder + "/home" },
             .processes = m_processes,
             .places = { .home = m_folder + "/home",
                 .data = m_folder + "/home/.local/share",
@@ -89,7 +90,8 @@ public:
                 .programs = { "/usr/bin" },
                 .systemConfig = m_folder + "/etc",
                 .systemState = m_folder + "/var",
-                .dpkgQuery = "/usr/bin/dpkg-query" } });
+                .dpkgQuery = "/usr/bin/dpkg-query" } };
+        return LinuxApplications(options);
     }
 
     [[nodiscard]] Measure measure()

@@ -2,6 +2,7 @@
 finished, and that a program that is killed loses nothing and removes nothing that was not chosen."""
 
 import os
+import re
 import shutil
 import signal
 import unittest
@@ -122,6 +123,43 @@ class Removal(removing.Removing):
     def finishAsked(self, size):
         self.quillbrook.press("Finish removing")
         self.asks(f"Permanently remove {homes.in_words(size)}?", removing.FINISH, "Cancel", "Remove permanently")
+
+    def testWhatLiesInTheTrashIsListedAndPutBack(self):
+        quillbrook = self.openOnTools()
+        before = self.inHome()
+        self.trashTools()
+        quillbrook.press("Show what is in the Trash")
+        names = lambda: sorted(name for name in self.list().names("list item") if name.startswith(TOOLS_TITLE))
+        self.becomes(lambda: len(names()), 2)
+        # One of them is kept where it is, and the place of the other is taken.
+        kept = self.list().one("list item", lambda name: name.startswith(f"{TOOLS_TITLE} · .partial"))
+        kept.one("check box").act()
+        self.home.file(f"{TOOLS}/wheels", 4096)
+        quillbrook.press("Hide what is in the Trash")
+        quillbrook.press("Put back")
+        self.becomes(lambda: any(line.startswith(f"✗ {TOOLS_TITLE} · wheels: ") for line in self.activity()), True)
+        self.assertEqual(len(self.ledger()), 2)
+        (self.home.path / TOOLS / "wheels").unlink()
+        quillbrook.scanned()
+        quillbrook.press("Put back")
+        self.becomes(self.inHome, {path: thing for path, thing in before.items() if not path.endswith(b".partial")})
+        self.assertLedgerKnows([f"{TOOLS}/.partial"])
+
+    def testWhatLayThereBeforeIsToldBeforeSpaceIsFreed(self):
+        self.openOnTools()
+        self.trashTools()
+        self.quillbrook.scanned()
+        self.list().one("list item", lambda name: name.startswith(PACKAGES_TITLE)).one("check box").act()
+        size = self.size(PACKAGES)
+        self.ask(size, 1)
+        self.press("Move 1 items to Trash")
+        self.quillbrook.says(re.compile(r"^2 items \(.*\) that Quillbrook moved there before go too\.$"))
+        self.press("What is it?")
+        rows = self.quillbrook.window().one("list", "What is in the Trash")
+        self.becomes(lambda: len(rows.all("check box")), 2)
+        self.answer("Free it now")
+        self.becomes(self.ledger, {})
+        self.becomes(self.trashed, self.old)
 
     def testWhatWasProvedIsDismissedAndThePendingBannerStays(self):
         quillbrook = self.openOnTools()
