@@ -121,7 +121,8 @@ class RemovalVolume(removing.Removing):
         home, size = self.inHome(), self.size()
         self.choose("Move 1 items to Trash")
         self.becomes(self.activity,
-                     [f"✗ {TITLE}: Could not reclaim wheels: There is no space left on the disk."])
+                     [f"✗ {TITLE}: Quillbrook could not note down what goes, so nothing was moved: There is no space left "
+                      "on the disk."])
         quillbrook.says("Removed 0 B, but free space barely moved")
         self.assertEqual(self.inHome(), home)
         self.assertEqual((self.trashed(), self.ledger(), self.dialogs()), ({}, {}, []))
