@@ -474,7 +474,8 @@ void ReclaimDriver::putBack(const QSet<QString> &ids)
 void ReclaimDriver::closeBooks(qint64 bytes, std::vector<HeldItem> held)
 {
     recordReclaimed(bytes);
-    m_journal.close(m_kit.trash);
+    // On the thread on which the journal is read, and before the next removal writes to it.
+    static_cast<void>(m_queue.ask([this] { m_journal.close(m_kit.trash); }));
     setHeld(std::move(held));
     startFlush();
 }

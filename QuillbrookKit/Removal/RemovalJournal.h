@@ -8,7 +8,7 @@
 // A line costs no more than writing it: what a program has written outlives a kill of it. After a loss of
 // power some of the last lines may be missing, as may the moves that they tell of.
 //
-// One thread at a time: that of a clearance while it runs, else the main thread. Blocks on the disk.
+// One thread at a time. Blocks on the disk.
 
 #include "Removal/JournalFormat.h"
 
