@@ -1,4 +1,5 @@
-"""Measures of removing: deleting for good beside `rm -rf`, and clearing findings to the Trash."""
+"""Measures of removing: deleting for good beside `rm -rf`, what the window feels of it, and clearing findings to the
+Trash."""
 
 import shutil
 import statistics
@@ -17,7 +18,9 @@ MOST_ROUNDS = 5
 
 def removal(context):
     with tempfile.TemporaryDirectory(prefix="quillbrook-bench-removal-", dir=context.directory) as place:
-        yield _deleting(context, Path(place), 10_000 if context.quick else 100_000)
+        files = 10_000 if context.quick else 100_000
+        yield _deleting(context, Path(place), files)
+        yield _stall(context, Path(place), files)
         yield _clearing(context, Path(place))
 
 
@@ -37,6 +40,24 @@ def _deleting(context, place, files):
         raise ProgramFailed("not all was deleted")
     return ratio_row("delete_to_rm", f"deleting {files:,} files, {FILES_IN_A_FOLDER} in a folder ÷ `rm -rf`", rounds,
                      ("own", PROCESS), ("rm", PROCESS), bar=AtMost(1.20))
+
+
+def _stall(context, place, files):
+    """The main thread of the model and of its screen meanwhile."""
+    home = place / "stalled"
+
+    def fresh_run():
+        shutil.rmtree(home, ignore_errors=True)
+        _make(context, home / "folder", files, FILES_IN_A_FOLDER)
+        return run([context.program("RemovalStall"), str(home), str(home / "folder")])
+
+    rounds = context.in_turn({"stall": fresh_run}, 3)
+    outputs = [each.output for each in rounds.runs("stall")]
+    waits, busy = ([each[key] * 1000 for each in outputs] for key in ("longest_wait", "longest_busy"))
+    return Row("delete_stall_ms", f"longest stall of the main thread while {files:,} files are deleted",
+               statistics.median(waits), milliseconds, AtMost(50),
+               f"the longest of all runs {milliseconds(max(waits))}; of its own doing at most {milliseconds(max(busy))}",
+               {"waits_ms": waits, "busy_ms": busy})
 
 
 def _clearing(context, place):
