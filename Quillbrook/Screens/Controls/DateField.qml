@@ -23,7 +23,7 @@ InputField {
     }
 
     function take(moment: date) {
-        if (moment.getTime() !== value.getTime())
+        if (DateText.text(moment) !== DateText.text(value))
             picked(moment);
     }
 
