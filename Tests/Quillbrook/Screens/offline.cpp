@@ -211,14 +211,17 @@ void pretendApps(FakeHostApplications &applications)
         .blocked
         = u"Tallyho belongs to the system's packages. Removing it needs an administrator, so Quillbrook leaves it to the software centre."_s
     };
-    for (const auto *id : { "org.gone.cool-tool", "com.maker.player" })
-        applications.found.push_back({ .orphan = { .path = std::string("/home/someone/.config/") + id,
-                                           .bundleID = QString::fromUtf8(id),
-                                           .kind = LeftoverKind::preferences,
-                                           .bytes = bytes(0.7),
-                                           .lastModified = QDateTime(QDate(2023, 9, 1), QTime(), Qt::UTC) },
-            .newestInside = QDateTime(QDate(2023, 8, 1), QTime(), Qt::UTC),
-            .isInHostPlace = true });
+    for (const auto *id : { "org.gone.cool-tool", "com.maker.player" }) {
+        FoundOrphan orphan;
+        orphan.orphan = { .path = std::string("/home/someone/.config/") + id,
+            .bundleID = QString::fromUtf8(id),
+            .kind = LeftoverKind::preferences,
+            .bytes = bytes(0.7),
+            .lastModified = QDateTime(QDate(2023, 9, 1), QTime(), Qt::UTC) };
+        orphan.newestInside = QDateTime(QDate(2023, 8, 1), QTime(), Qt::UTC);
+        orphan.isInHostPlace = true;
+        applications.found.push_back(orphan);
+    }
 }
 
 /// A model that proposes to remove a phone, and phones to choose from, one of which runs.
