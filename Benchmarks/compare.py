@@ -43,7 +43,7 @@ MEASURES = {
 def main():
     arguments = parse()
     context = Context(programs=arguments.programs, directory=arguments.directory,
-                      rounds=arguments.rounds or (3 if arguments.quick else 9),
+                      rounds=arguments.rounds or (3 if arguments.quick else 5),
                       patience=arguments.patience, quick=arguments.quick)
     if arguments.remove_trees:
         remove_trees(context)
@@ -68,7 +68,7 @@ def parse():
     parser.add_argument("--quick", action="store_true",
                         help="small trees and few rounds: to try it, not to quote")
     parser.add_argument("--rounds", type=int, metavar="N",
-                        help="calm rounds for a figure (9; 3 with --quick)")
+                        help="calm rounds for a figure (5; 3 with --quick)")
     parser.add_argument("--patience", type=float, metavar="SECONDS", default=60,
                         help="how long each measure waits, all in all, for a busy machine to calm down (60)")
     parser.add_argument("--only", nargs="+", choices=MEASURES, metavar="NAME",

@@ -2,14 +2,13 @@
 walking their folders, one plan, and the search for what removed ones left behind."""
 
 import statistics
-import tempfile
 
 from comparison.programs import run
 from comparison.rows import AtMost, Row, milliseconds, ratio
 
 
 def apps(context):
-    with tempfile.TemporaryDirectory(prefix="quillbrook-bench-apps-", dir=context.directory) as place:
+    with context.scratch("apps") as place:
         output = run([context.program("AppsOnce"), place]).output
     yield _median("apps_names_ms", f"names of {output['applications']} applications, warm", output["names_seconds"], 300)
     ratios = output["sizes"]["ratios"]

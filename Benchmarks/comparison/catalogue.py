@@ -5,7 +5,6 @@ import json
 import os
 import statistics
 import subprocess
-import tempfile
 import time
 from pathlib import Path
 
@@ -21,7 +20,7 @@ def catalogue(context):
     yield _evaluation(context)
     yield _instructions(context)
     files = 10_000 if context.quick else 200_000
-    with tempfile.TemporaryDirectory(prefix="quillbrook-bench-home-", dir=context.directory) as home:
+    with context.scratch("home") as home:
         run(["/usr/bin/python3", str(FIXTURE), home, "--files", str(files)], timeout=600, parse=False)
         program = context.program("CatalogueOnce")
         rounds = context.in_turn({job: lambda job=job: run([program, job, home]) for job in ("bare", "quick")})

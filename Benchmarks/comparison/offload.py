@@ -5,10 +5,8 @@ import os
 import shutil
 import statistics
 import subprocess
-import tempfile
 import time
 from contextlib import contextmanager
-from pathlib import Path
 
 from comparison.programs import PROCESS, ProgramFailed, Run, run
 from comparison.ratios import ratio_row
@@ -20,11 +18,11 @@ BYTES = 2 * 2**30
 
 def offload(context):
     files, size = (1000, 200 * 2**20) if context.quick else (FILES, BYTES)
-    with tempfile.TemporaryDirectory(prefix="quillbrook-bench-offload-", dir=context.directory) as place, \
-            _volume(Path(place), size * 2) as volume:
+    with context.scratch("offload") as place, \
+            _volume(place, size * 2) as volume:
         yield _rate(context, volume)
-        yield _moving(context, Path(place), volume, files, size)
-        yield _stall(context, Path(place), volume, files, size)
+        yield _moving(context, place, volume, files, size)
+        yield _stall(context, place, volume, files, size)
 
 
 @contextmanager

@@ -2,7 +2,6 @@
 live figures takes while it shows."""
 
 import statistics
-import tempfile
 from pathlib import Path
 
 from comparison.programs import ProgramFailed, run
@@ -14,10 +13,10 @@ DRIVER = Path(__file__).resolve().parents[1] / "StatsOnce.py"
 
 
 def photos(context):
-    with tempfile.TemporaryDirectory(prefix="quillbrook-bench-photos-", dir=context.directory) as place:
-        yield _querying(context, Path(place) / "many", 20_000 if context.quick else 200_000)
-        yield _moving(context, Path(place), 1_000 if context.quick else 10_000)
-    yield _showing(context, 10 if context.quick else 60)
+    with context.scratch("photos") as place:
+        yield _querying(context, place / "many", 20_000 if context.quick else 200_000)
+        yield _moving(context, place, 1_000 if context.quick else 10_000)
+    yield _showing(context, 10 if context.quick else 30)
 
 
 def _querying(context, tree, pictures):

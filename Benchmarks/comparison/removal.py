@@ -1,10 +1,8 @@
 """Measures of removing: deleting for good beside `rm -rf`, what the window feels of it, and clearing findings to the
 Trash."""
 
-import shutil
+import itertools
 import statistics
-import tempfile
-from pathlib import Path
 
 from comparison.programs import PROCESS, ProgramFailed, run
 from comparison.ratios import ratio_row
@@ -12,46 +10,59 @@ from comparison.rows import AtMost, Row, milliseconds
 
 FILES_IN_A_FOLDER = 100
 FINDINGS, ENTRIES_IN_A_FINDING = 60, 167
-# Each makes and deletes all its files; more would take longer than all other measures together.
 MOST_ROUNDS = 5
+STALL_ROUNDS = 3
 
 
 def removal(context):
-    with tempfile.TemporaryDirectory(prefix="quillbrook-bench-removal-", dir=context.directory) as place:
-        files = 10_000 if context.quick else 100_000
-        yield _deleting(context, Path(place), files)
-        yield _stall(context, Path(place), files)
-        yield _clearing(context, Path(place))
+    with context.scratch("removal") as place:
+        trees = Trees(context, place, 10_000 if context.quick else 100_000)
+        rounds = min(context.rounds, MOST_ROUNDS)
+        yield _deleting(context, trees, rounds)
+        yield _stall(context, trees)
+        yield _clearing(context, place, rounds)
 
 
-def _deleting(context, place, files):
-    """The whole processes, each on a fresh tree that it alone has the making of behind it."""
-    tree = place / "tree"
+class Trees:
+    """Fresh trees to delete, one after the other, each in a home of its own."""
 
+    def __init__(self, context, place, files):
+        self.files = files
+        self._context, self._place, self._made = context, place, 0
+
+    def fresh(self):
+        self._made += 1
+        tree = self._place / f"tree {self._made}" / "home" / "folder"
+        _make(self._context, tree, self.files, FILES_IN_A_FOLDER)
+        return tree
+
+
+def _deleting(context, trees, wanted):
+    """The whole processes, each on a fresh tree."""
     def contestant(command):
         def fresh_run():
-            _make(context, tree, files, FILES_IN_A_FOLDER)
-            return run([*command, str(tree)], parse=False)
+            tree = trees.fresh()
+            outcome = run([*command, str(tree)], parse=False)
+            if tree.exists():
+                raise ProgramFailed("not all was deleted")
+            return outcome
         return fresh_run
 
     rounds = context.in_turn({"own": contestant([context.program("RemovalOnce"), "delete"]),
-                              "rm": contestant(["/bin/rm", "-rf"])}, min(context.rounds, MOST_ROUNDS))
-    if tree.exists():
-        raise ProgramFailed("not all was deleted")
+                              "rm": contestant(["/bin/rm", "-rf"])}, wanted)
+    files = trees.files
     return ratio_row("delete_to_rm", f"deleting {files:,} files, {FILES_IN_A_FOLDER} in a folder ÷ `rm -rf`", rounds,
                      ("own", PROCESS), ("rm", PROCESS), bar=AtMost(1.20))
 
 
-def _stall(context, place, files):
+def _stall(context, trees):
     """The main thread of the model and of its screen meanwhile."""
-    home = place / "stalled"
-
     def fresh_run():
-        shutil.rmtree(home, ignore_errors=True)
-        _make(context, home / "folder", files, FILES_IN_A_FOLDER)
-        return run([context.program("RemovalStall"), str(home), str(home / "folder")])
+        tree = trees.fresh()
+        return run([context.program("RemovalStall"), str(tree.parent), str(tree)])
 
-    rounds = context.in_turn({"stall": fresh_run}, 3)
+    rounds = context.in_turn({"stall": fresh_run}, STALL_ROUNDS)
+    files = trees.files
     outputs = [each.output for each in rounds.runs("stall")]
     waits, busy = ([each[key] * 1000 for each in outputs] for key in ("longest_wait", "longest_busy"))
     return Row("delete_stall_ms", f"longest stall of the main thread while {files:,} files are deleted",
@@ -60,17 +71,17 @@ def _stall(context, place, files):
                {"waits_ms": waits, "busy_ms": busy})
 
 
-def _clearing(context, place):
-    home, data = place / "home", place / "data"
+def _clearing(context, place, wanted):
+    numbers = itertools.count(1)
 
     def fresh_run():
-        shutil.rmtree(data, ignore_errors=True)
-        data.mkdir()
-        shutil.rmtree(home, ignore_errors=True)
+        machine = place / f"machine {next(numbers)}"
+        home, data = machine / "home", machine / "data"
+        data.mkdir(parents=True)
         _make(context, home, FINDINGS * ENTRIES_IN_A_FINDING, ENTRIES_IN_A_FINDING)
         return run([context.program("RemovalOnce"), "clear", str(home), str(data)])
 
-    rounds = context.in_turn({"clear": fresh_run}, min(context.rounds, MOST_ROUNDS))
+    rounds = context.in_turn({"clear": fresh_run}, wanted)
     output = rounds.runs("clear")[0].output
     times = [seconds * 1000 for seconds in rounds.values("clear", "seconds")]
     return Row("clear_ms", f"clearing {output['findings']} findings with {output['entries']:,} entries to the Trash",
