@@ -65,24 +65,35 @@ private Q_SLOTS:
         QCOMPARE(fixture.changes.count(), 0);
     }
 
-    void otherLinesReplaceThese_data()
+    void whatCameOrWentIsExchangedInItsPlace_data()
     {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<int>("length");
-        QTest::newRow("fewer at the end") << 0 << 3;
-        QTest::newRow("fewer at the beginning") << 1 << 3;
-        QTest::newRow("none") << 0 << 0;
+        QTest::addColumn<QStringList>("ids");
+        QTest::addColumn<int>("removed");
+        QTest::addColumn<int>("inserted");
+        QTest::newRow("fewer at the end") << QStringList{ u"a"_s } << 1 << 0;
+        QTest::newRow("fewer at the beginning") << QStringList{ u"b"_s } << 1 << 0;
+        QTest::newRow("none") << QStringList() << 1 << 0;
+        QTest::newRow("one between") << QStringList{ u"a"_s, u"c"_s, u"b"_s } << 0 << 1;
+        QTest::newRow("the other way round") << QStringList{ u"b"_s, u"a"_s } << 1 << 1;
+        QTest::newRow("the same twice") << QStringList{ u"a"_s, u"a"_s, u"b"_s } << 0 << 1;
     }
 
-    void otherLinesReplaceThese()
+    void whatCameOrWentIsExchangedInItsPlace()
     {
-        QFETCH(int, from);
-        QFETCH(int, length);
+        QFETCH(QStringList, ids);
+        QFETCH(int, removed);
+        QFETCH(int, inserted);
         Fixture fixture;
-        const auto rows = fixture.model.rows().mid(from, length);
+        QSignalSpy removals(&fixture.model, &QAbstractItemModel::rowsRemoved);
+        QSignalSpy insertions(&fixture.model, &QAbstractItemModel::rowsInserted);
+        auto rows = fixture.model.rows().first(2);
+        for (const auto &id : ids)
+            rows.append({ .id = id, .title = id });
         fixture.model.setRows(rows);
-        QCOMPARE(fixture.resets.count(), 1);
         QCOMPARE(fixture.model.rows(), rows);
+        QCOMPARE(fixture.resets.count(), 0);
+        QCOMPARE(removals.count(), removed);
+        QCOMPARE(insertions.count(), inserted);
     }
 
     void keyboardStopsAtFindings()
