@@ -6,6 +6,7 @@
 #include "Platform/HomeFolder.h"
 #include "Scan/Format.h"
 #include "Screens/Apps/AppsWords.h"
+#include "Screens/SingleLine.h"
 
 #include <QPointer>
 
@@ -191,8 +192,11 @@ QString AppsState::confirmTitle() const
 
 QString AppsState::log() const
 {
-    const auto &lines = m_model.reclaims().uninstallLog();
-    return lines.mid(0, std::clamp<qsizetype>(lines.size() - m_linesBefore, 0, mostLines)).join(u'\n');
+    const auto &all = m_model.reclaims().uninstallLog();
+    QStringList lines;
+    for (const auto &line : all.first(std::clamp<qsizetype>(all.size() - m_linesBefore, 0, mostLines)))
+        lines.append(singleLine(line));
+    return lines.join(u'\n');
 }
 
 const InstalledApp *AppsState::appAt(int row) const

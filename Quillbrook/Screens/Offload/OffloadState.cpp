@@ -8,6 +8,7 @@
 #include "Platform/HomeFolder.h"
 #include "RawText.h"
 #include "Scan/Format.h"
+#include "Screens/SingleLine.h"
 
 #include <algorithm>
 #include <utility>
@@ -90,11 +91,11 @@ OffloadRow OffloadState::movedRow(const MovedThing &thing) const
         .title = translatedTableText(thing.title),
         .warns = !thing.isThere(),
         .actionEnabled = thing.isThere() && !m_model.offloads().running() };
+    const auto drive = singleLine(thing.drive);
     if (!thing.isThere())
-        row.detail = tr("%1 · not connected").arg(thing.drive);
+        row.detail = tr("%1 · not connected").arg(drive);
     else
-        row.detail = thing.driveFree ? tr("%1 · %2 free").arg(thing.drive, Format::bytes(*thing.driveFree))
-                                     : thing.drive;
+        row.detail = thing.driveFree ? tr("%1 · %2 free").arg(drive, Format::bytes(*thing.driveFree)) : drive;
     if (thing.isThere() && thing.bytes)
         row.size = Format::bytes(*thing.bytes);
     else if (!thing.isThere())
@@ -137,7 +138,7 @@ QString OffloadState::total() const
 QString OffloadState::destination() const
 {
     const auto &destination = m_model.offloads().destination();
-    return destination ? repairedText(destination->path) : QString();
+    return destination ? singleLine(repairedText(destination->path)) : QString();
 }
 
 QString OffloadState::destinationText() const
@@ -146,7 +147,7 @@ QString OffloadState::destinationText() const
     if (driver.destination())
         return driver.destination()->summary();
     if (driver.destinationError())
-        return *driver.destinationError();
+        return singleLine(*driver.destinationError());
     return driver.isProfiling() ? tr("Measuring…")
                                 : tr("Pick a folder on the drive you want to move things to.");
 }
@@ -187,7 +188,10 @@ void OffloadState::setAcceptSlowBus(bool accepts)
 
 QStringList OffloadState::activity() const
 {
-    return m_model.offloads().offloadLog();
+    QStringList lines;
+    for (const auto &line : m_model.offloads().offloadLog())
+        lines.append(singleLine(line));
+    return lines;
 }
 
 // Later, not within the press: the folder window has an event loop of its own, and whoever pressed by way of
@@ -196,9 +200,9 @@ void OffloadState::chooseVolume()
 {
     const auto choose = [this] {
         const auto &services = m_model.services();
-        const auto before = destination();
+        const auto &before = m_model.offloads().destination();
         const auto picked = services.folderPicker.pick(
-            { .directory = before.isEmpty() ? services.kit.home.realHomeDirectory() : before,
+            { .directory = before ? repairedText(before->path) : services.kit.home.realHomeDirectory(),
                 .message = tr("Pick a folder on the drive you want to move things to."),
                 .prompt = tr("Use this folder") });
         if (picked)
@@ -247,7 +251,7 @@ QString OffloadState::questionMessage() const
     return tr(
         "%1 is copied back to this disk, in the place of its shortcut. Then that folder goes to the Trash "
         "of its own drive.")
-        .arg(repairedText(m_asked->link.target));
+        .arg(singleLine(repairedText(m_asked->link.target)));
 }
 
 void OffloadState::stop()

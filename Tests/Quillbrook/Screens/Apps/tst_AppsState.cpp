@@ -282,6 +282,19 @@ private Q_SLOTS:
         QVERIFY(!fixture.state->log().contains(u"Cache"_s));
     }
 
+    // Whoever named it could add a line to what was done, or turn it around.
+    void namesStayInTheirLineOfTheLog()
+    {
+        Fixture fixture;
+        fixture.applications.apps.front().app.name = u"Aurora\n\u202EStudio"_s;
+        fixture.load();
+        fixture.open(u"Aurora  Studio"_s);
+        fixture.state->sheet()->uninstall();
+        QTRY_VERIFY(!fixture.state->log().isEmpty());
+        QVERIFY2(fixture.state->log().contains(u"Aurora  Studio"_s), qPrintable(fixture.state->log()));
+        QVERIFY(!fixture.state->log().contains(u'\u202E'));
+    }
+
     void orphansAreTickedByHand()
     {
         Fixture fixture;

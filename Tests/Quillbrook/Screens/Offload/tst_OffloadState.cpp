@@ -189,6 +189,34 @@ private Q_SLOTS:
         QTRY_COMPARE(
             f.offload.activity(), QStringList{ u"✗ Finished app builds: A drive is mounted in it."_s });
     }
+
+    // Whoever named the drive could turn the words of the question around, or add lines to it.
+    void namesOfDrivesAndFoldersStayInTheirLine()
+    {
+        Fixture f;
+        const auto folder = u"/media/\u202Eksid/A\nB"_s.toStdString();
+        f.relocation.links[f.path("Library/Developer/Xcode/Archives")]
+            = { .text = folder, .target = folder, .leadsSomewhere = true };
+        f.relocation.why = u"Not \u202Enow\n✓."_s;
+        f.drives.drive = u"\u202Ekcab\nup"_s;
+        f.offload.setShown(true);
+        QTRY_COMPARE(f.offload.moved()->rows().size(), 2);
+        QCOMPARE(f.offload.moved()->rows().at(0).detail, u" kcab up · not connected"_s);
+        QCOMPARE(f.offload.moved()->rows().at(1).detail, u" kcab up · 400 GB free"_s);
+        f.offload.askToBringBack(1);
+        QVERIFY2(f.offload.questionMessage().startsWith(u"/media/ ksid/A B is copied back"_s),
+            qPrintable(f.offload.questionMessage()));
+        f.offload.bringBack();
+        QTRY_COMPARE(f.offload.activity(), QStringList{ u"✗ Finished app builds: Not  now ✓."_s });
+
+        f.files.entries[folder + "/."] = {};
+        f.desktop.folderPicker.answer = folder;
+        f.offload.chooseVolume();
+        QTRY_COMPARE(f.offload.destination(), u"/media/ ksid/A B"_s);
+        f.offload.chooseVolume();
+        QTRY_COMPARE(f.desktop.folderPicker.requests.size(), 2);
+        QCOMPARE(f.desktop.folderPicker.requests.constLast().directory, QString::fromStdString(folder));
+    }
 };
 
 QUILLBROOK_SUITE(TestOffloadState, QCoreApplication)
