@@ -75,19 +75,20 @@ WardenRow banner(const Verification &verification, const QStringList &reasons)
     return row;
 }
 
-// What the ledger holds can be deleted; what only the journal holds can be put back and nothing else.
+// What the ledger holds can be deleted; what only the journal holds can be put back and nothing else. Things
+// that take no space are no matter for a banner by themselves.
 QList<WardenRow> trashBanner(const Input &input)
 {
-    if (input.held.empty())
-        return {};
     TrashLedger::Pending pending;
     qint64 failedBytes = 0;
+    bool isAnyFailed = false;
     bool isAnyTicked = false;
     bool isAnyDeletable = false;
     for (const auto &held : input.held) {
         const bool isTicked = !input.heldBack.contains(held.item.id);
         isAnyTicked |= isTicked;
         if (held.isOnlyInJournal) {
+            isAnyFailed = true;
             failedBytes += held.item.bytes;
             continue;
         }
@@ -95,6 +96,8 @@ QList<WardenRow> trashBanner(const Input &input)
         ++pending.count;
         pending.bytes += held.item.bytes;
     }
+    if (pending.bytes <= 0 && !isAnyFailed)
+        return {};
     WardenRow banner{ .kind = WardenLines::Kind::Banner,
         .id = pendingTrashBanner,
         .tone = Theme::accent(),

@@ -217,6 +217,15 @@ private Q_SLOTS:
         QCOMPARE(fixture.rows().value(0).otherAction, QString());
     }
 
+    void whatTakesNoSpaceInTheTrashIsNotTold()
+    {
+        Fixture fixture;
+        fixture.held = { inTrash("empty", 0) };
+        QVERIFY(fixture.rows().isEmpty());
+        fixture.held.push_back(inTrash("a", 512));
+        QCOMPARE(fixture.rows().value(0).title, u"512 B is in the Trash, still taking up space"_s);
+    }
+
     void whySpaceStayedIsOneLineMore()
     {
         Fixture fixture;
