@@ -1,6 +1,7 @@
 #include "Platform/Linux/Trash/TrashPlaces.h"
 
 #include "Platform/HomeFolder.h"
+#include "Platform/Linux/Folders/LinuxHomeFolder.h"
 #include "Platform/Linux/Folders/MountTable.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
 #include "StandardisedPath.h"
@@ -43,8 +44,11 @@ bool isTopOfVolume(const std::string &folder)
 
 TrashPlaces TrashPlaces::ofThisUser(const HomeFolder &home)
 {
-    // In a Flatpak the usual variable tells of the sandbox's own folder.
-    auto data = environment(environment("FLATPAK_ID").empty() ? "XDG_DATA_HOME" : "HOST_XDG_DATA_HOME");
+    // In a sandbox the usual variable tells of its own folder, where nobody would look for what was thrown
+    // away, and which goes with the program.
+    std::string data;
+    if (!isStrictSnap(QProcessEnvironment::systemEnvironment()))
+        data = environment(environment("FLATPAK_ID").empty() ? "XDG_DATA_HOME" : "HOST_XDG_DATA_HOME");
     if (!data.starts_with('/'))
         data = home.rawRealHomeDirectory() + "/.local/share";
     return { .homeTrash = standardisedPath(data + "/Trash", {}), .user = ::getuid() };
