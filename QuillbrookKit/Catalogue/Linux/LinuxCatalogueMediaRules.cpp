@@ -1,7 +1,8 @@
 #include "Catalogue/Linux/LinuxCatalogue.h"
 
 // What games, editors, desktops and chats keep and can get back at a cost that the row states; after it, what
-// would look harmless but is not wholly so.
+// would look harmless but is not wholly so. The index of GNOME's older search (".cache/tracker") is left out:
+// present desktops do not build it again, and what a person had tagged may be in it.
 
 namespace Quillbrook::LinuxCatalogue {
 

@@ -19,22 +19,33 @@ namespace {
 const auto firstProfile = u"/Default/Service Worker/CacheStorage"_s;
 
 // What these keep among their caches may be the only copy: edits and originals, earlier versions of files,
-// changes made offline or set aside, and drafts. A name that ends in a dot stands for all of that maker.
+// changes made offline or set aside, drafts, work that a crash has cut off, and installers that were put in
+// by hand. The backup tools' caches are notes that cost more than a wait. A name that ends in a dot stands
+// for all of that maker.
 bool keepsMoreThanCopies(const QString &id)
 {
     static const QStringList names = {
+        u"com.borgbase.Vorta"_s,
+        u"com.github.xournalpp.xournalpp"_s,
         u"com.jetbrains."_s,
         u"com.rawtherapee.RawTherapee"_s,
         u"com.visualstudio."_s,
         u"com.vscodium."_s,
+        u"net.lutris.Lutris"_s,
         u"org.audacityteam.Audacity"_s,
         u"org.darktable.Darktable"_s,
+        u"org.freecad."_s,
+        u"org.freecadweb."_s,
         u"org.gimp.GIMP"_s,
         u"org.gnome.Evolution"_s,
+        u"org.gnome.World.PikaBackup"_s,
+        u"org.inkscape.Inkscape"_s,
         u"org.kde.digikam"_s,
         u"org.kde.krita"_s,
         u"org.libreoffice.LibreOffice"_s,
+        u"org.mypaint.MyPaint"_s,
         u"org.tenacityaudio.Tenacity"_s,
+        u"org.winehq.Wine"_s,
     };
     return std::ranges::any_of(
         names, [&id](const QString &name) { return name.endsWith(u'.') ? id.startsWith(name) : id == name; });

@@ -179,11 +179,11 @@ private Q_SLOTS:
     void cachesOfFlatpakAppsAreFoundOneByOne()
     {
         TempTree tree;
-        // Not told: one with a place of its own in the tables, two that keep more than copies there, two that
-        // are no application's name, one of them by its byte order mark alone, and a link.
-        for (const auto *id :
-            { "org.videolan.VLC", "org.one.App", "org.two.App", "org.three.App", "com.google.Chrome",
-                "org.darktable.Darktable", "com.jetbrains.CLion", "notes", "\xef\xbb\xbforg.five.App" })
+        // Not told: one with a place of its own in the tables, three that keep more than copies there, two
+        // that are no application's name, one of them by its byte order mark alone, and a link.
+        for (const auto *id : { "org.videolan.VLC", "org.one.App", "org.two.App", "org.three.App",
+                 "com.google.Chrome", "org.darktable.Darktable", "com.jetbrains.CLion",
+                 "org.inkscape.Inkscape", "notes", "\xef\xbb\xbforg.five.App" })
             tree.folder(".var/app/" + std::string(id));
         tree.link(".var/app/org.four.App", "org.one.App");
         FakeFileReading reading;
