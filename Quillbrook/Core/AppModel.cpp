@@ -66,7 +66,6 @@ RuleRemovals AppModel::ruleRemovals()
         .purge = [this](const std::vector<TrashedItem> &items,
                      const RuleRemovals::Purged &purged) { m_reclaims.purge(items, purged); },
     };
-    connect(&m_reclaims, &ReclaimDriver::diskChanged, this, [this] { m_scans.scan({}); });
 }
 
 // The calls at a scan's end. Their order counts: a claim is verified by figures that were read for it.
