@@ -79,11 +79,9 @@ class InDesktop(in_tray.InTray):
         quillbrook.panel()
         return quillbrook
 
-
     def place(self, quillbrook):
         """Where its window is, once it has a size."""
         return waiting.until("a window on the display", lambda: self.session.place_of_window(quillbrook))
-
 
     def window(self, name, quillbrook):
         """What of such a picture is the program's window."""

@@ -3,7 +3,6 @@
 import os
 import pathlib
 
-
 import in_desktop
 import screenshot
 import session
