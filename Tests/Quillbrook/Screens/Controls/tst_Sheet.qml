@@ -88,14 +88,17 @@ TestCase {
         verify(dialog.height < 300);
     }
 
-    function test_makesRoomForTheWordsOnItsButtons() {
+    // On either side of the buttons is the room that the words above have, however long those on them are.
+    function test_keepsItsMarginsBesideItsButtons() {
         const dialog = createTemporaryObject(wordyMaker, root);
         dialog.open();
         tryCompare(dialog, "opened", true);
         verify(dialog.width > Metrics.dialogWidth);
         const longest = findChild(dialog.contentItem, "longest");
-        verify(longest.mapToItem(dialog.contentItem, longest.width, 0).x <= dialog.width);
-        verify(findChild(dialog.contentItem, "cancelButton").mapToItem(dialog.contentItem, 0, 0).x >= 0);
+        const room = dialog.width - longest.mapToItem(dialog.contentItem, longest.width, 0).x;
+        fuzzyCompare(room, Metrics.space20, 1);
+        const cancel = findChild(dialog.contentItem, "cancelButton");
+        verify(cancel.mapToItem(dialog.contentItem, 0, 0).x >= Metrics.space20);
     }
 
     function test_isCalledByItsTitle() {
