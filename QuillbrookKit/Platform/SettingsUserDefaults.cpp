@@ -33,7 +33,7 @@ SettingsUserDefaults::SettingsUserDefaults(const QString &path, SpaceReserve *re
 
 SettingsUserDefaults::~SettingsUserDefaults()
 {
-    write();
+    store();
 }
 
 // The settings file knows texts only. Numbers are written as texts too, so that a value reads the same in
@@ -142,10 +142,10 @@ void SettingsUserDefaults::writeSoon()
 {
     if (!std::exchange(m_hasUnwritten, true))
         QMetaObject::invokeMethod(
-            &m_settings, [this] { write(); }, Qt::QueuedConnection);
+            &m_settings, [this] { store(); }, Qt::QueuedConnection);
 }
 
-void SettingsUserDefaults::write()
+void SettingsUserDefaults::store()
 {
     if (!std::exchange(m_hasUnwritten, false) || isWritten() || m_reserve == nullptr || !m_reserve->release())
         return;

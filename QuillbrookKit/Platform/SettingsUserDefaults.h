@@ -1,7 +1,7 @@
 #pragma once
 
 // The user defaults in the settings file of the program, ~/.config/Quillbrook/Quillbrook.conf. What is set is
-// written soon, from the event loop. Main thread only.
+// written soon, from the event loop, or at once by `store`. Main thread only.
 
 #include "Platform/UserDefaults.h"
 
@@ -36,12 +36,12 @@ public:
     void setData(const QString &key, const QByteArray &value) override;
     void setDate(const QString &key, const QDateTime &value) override;
     void remove(const QString &key) override;
+    void store() override;
 
 private:
     [[nodiscard]] std::optional<QString> text(const QString &key) const;
     void set(const QString &key, const QVariant &value);
     void writeSoon();
-    void write();
     [[nodiscard]] bool isWritten() const;
 
     QSettings m_settings;

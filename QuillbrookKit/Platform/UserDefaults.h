@@ -31,6 +31,8 @@ public:
     virtual void setData(const QString &key, const QByteArray &value) = 0;
     virtual void setDate(const QString &key, const QDateTime &value) = 0;
     virtual void remove(const QString &key) = 0;
+    /// What is set is stored soon. Afterwards all of it is, as far as it can be written.
+    virtual void store() = 0;
 };
 
 } // namespace Quillbrook

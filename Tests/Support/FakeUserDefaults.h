@@ -1,6 +1,7 @@
 #pragma once
 
-// User defaults in memory. A value of another type than asked for is absent, as in the real ones.
+// User defaults in memory. A value of another type than asked for is absent, as in the real ones; what was
+// stored at last is what a kill would leave.
 
 #include "Platform/UserDefaults.h"
 
@@ -25,8 +26,10 @@ public:
     void setData(const QString &key, const QByteArray &value) override { values.insert(key, value); }
     void setDate(const QString &key, const QDateTime &value) override { values.insert(key, value); }
     void remove(const QString &key) override { values.remove(key); }
+    void store() override { stored = values; }
 
     QHash<QString, QVariant> values;
+    QHash<QString, QVariant> stored;
 
 private:
     template <typename Type>

@@ -151,6 +151,17 @@ private Q_SLOTS:
         QVERIFY(!SettingsUserDefaults(folder.text("settings")).date(key));
     }
 
+    // Without a turn of the event loop, after which a kill may come.
+    void whatIsStoredIsInTheFileAtOnce()
+    {
+        const TempTree folder;
+        SettingsUserDefaults defaults(folder.text("settings"));
+        defaults.setInteger(key, 12);
+        QCOMPARE(inAnotherProcess(folder).integer(key), std::nullopt);
+        defaults.store();
+        QCOMPARE(inAnotherProcess(folder).integer(key), std::optional<qint64>(12));
+    }
+
     void laterValueReplacesTheEarlier()
     {
         const TempTree folder;
