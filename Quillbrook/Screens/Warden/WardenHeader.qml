@@ -19,7 +19,7 @@ Item {
         anchors.rightMargin: Metrics.space12
         anchors.verticalCenter: parent.verticalCenter
         // Makes room for the bar below.
-        anchors.verticalCenterOffset: root.warden.removal.shown ? -Metrics.space4 : 0
+        anchors.verticalCenterOffset: root.warden.removal.shown ? -Metrics.space8 : 0
 
         FigureText {
             text: root.warden.removal.shown ? root.warden.removal.title : root.warden.total
@@ -40,7 +40,7 @@ Item {
         anchors.right: parent.right
         anchors.rightMargin: Metrics.paneInset
         anchors.verticalCenter: parent.verticalCenter
-        anchors.verticalCenterOffset: root.warden.removal.shown ? -Metrics.space4 : 0
+        anchors.verticalCenterOffset: root.warden.removal.shown ? -Metrics.gaugeBarHeight : 0
         enabled: root.warden.removal.shown ? root.warden.removal.canStop : root.warden.canReclaim
         implicitHeight: Metrics.prominentHeight
         kind: root.warden.removal.shown ? PushButton.Plain : PushButton.Prominent
@@ -65,6 +65,7 @@ Item {
         anchors.leftMargin: Metrics.paneInset
         anchors.right: parent.right
         anchors.rightMargin: Metrics.paneInset
+        implicitHeight: Metrics.gaugeBarHeight
         value: root.warden.removal.share
         visible: root.warden.removal.shown
     }
