@@ -63,6 +63,7 @@ class Kept
 public:
     void alone(const std::string &path) { add(m_alone, path); }
     void withAllInIt(const std::string &path) { add(m_whole, path); }
+    void asALink(const std::string &path) { m_alone.insert(lineage(path).front()); }
     void withAllAboveIt(const std::string &path)
     {
         for (const auto &identity : lineage(path))
@@ -131,6 +132,7 @@ struct MadeUpDisk
             tree.folder("homes/anna/" + target + "/x/y");
             tree.link("homes/anna/" + name, target);
             kept.withAllAboveIt(home + '/' + target + "/");
+            kept.asALink(home + '/' + name);
         }
         kept.withAllAboveIt(home);
         for (const auto &name : keptAlone)
