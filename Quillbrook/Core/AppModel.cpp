@@ -15,12 +15,14 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     , m_volume(m_services.kit, m_scans, this)
     , m_navigation(m_scans, this)
     , m_removals(this)
-    , m_reclaims(m_services.kit,
-          { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .queue = m_removals }, this)
+    , m_books(m_services.kit, m_removals, this)
+    , m_reclaims(m_services.kit, { .scans = m_scans, .volume = m_volume, .books = m_books }, this)
+    , m_pathRemovals(
+          m_services.kit, { .navigation = m_navigation, .volume = m_volume, .books = m_books }, this)
     , m_automation(m_services,
           { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .removals = ruleRemovals() },
           this)
-    , m_uninstalls(m_services.kit, m_reclaims, this)
+    , m_uninstalls(m_services.kit, m_pathRemovals, this)
     , m_offloads(m_services.kit, { .scans = m_scans, .navigation = m_navigation }, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
@@ -31,12 +33,13 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     connect(&m_scans, &ScanDriver::finished, this, &AppModel::endScan);
     // What changed the disk is measured again.
     const auto measureAgain = [this] {
-        m_scans.settleBeforeEvaluation(m_reclaims.flushing());
+        m_scans.settleBeforeEvaluation(m_books.flushing());
         m_scans.scan({});
     };
     connect(&m_reclaims, &ReclaimDriver::diskChanged, this, measureAgain);
     connect(&m_automation, &AutomationDriver::diskChanged, this, measureAgain);
     connect(&m_offloads, &OffloadDriver::diskChanged, this, [this] { m_scans.scan({}); });
+    connect(&m_pathRemovals, &PathRemovals::selectionTold, &m_reclaims, &ReclaimDriver::prependLog);
     connect(&m_reclaims, &ReclaimDriver::findingsCleared, &m_automation, &AutomationDriver::offerAfter);
     connect(&m_automation, &AutomationDriver::offerFailed, &m_reclaims, &ReclaimDriver::appendLog);
     connect(&m_watch, &WatchDriver::lastWatchChanged, &m_automation,
@@ -58,7 +61,7 @@ RuleRemovals AppModel::ruleRemovals()
                      const RuleRemovals::Cleared &cleared) { m_reclaims.clearForRules(findings, cleared); },
         .due =
             [this](const QDateTime &now, qint64 freeBytes, const RuleRemovals::Due &due) {
-                const auto read = [&ledger = m_reclaims.ledger(), now, freeBytes] {
+                const auto read = [&ledger = m_books.ledger(), now, freeBytes] {
                     return ledger.ruleItemsDue(now, freeBytes);
                 };
                 m_removals.ask(read).then(this, due);

@@ -7,8 +7,10 @@
 #include "Core/AutomationDriver.h"
 #include "Core/Navigation.h"
 #include "Core/OffloadDriver.h"
+#include "Core/PathRemovals.h"
 #include "Core/QuestionDriver.h"
 #include "Core/ReclaimDriver.h"
+#include "Core/RemovalBooks.h"
 #include "Core/RemovalQueue.h"
 #include "Core/ScanDriver.h"
 #include "Core/UninstallDriver.h"
@@ -41,8 +43,12 @@ public:
     [[nodiscard]] const VolumeFigures &volume() const { return m_volume; }
     [[nodiscard]] RemovalQueue &removals() { return m_removals; }
     [[nodiscard]] const RemovalQueue &removals() const { return m_removals; }
+    [[nodiscard]] RemovalBooks &books() { return m_books; }
+    [[nodiscard]] const RemovalBooks &books() const { return m_books; }
     [[nodiscard]] ReclaimDriver &reclaims() { return m_reclaims; }
     [[nodiscard]] const ReclaimDriver &reclaims() const { return m_reclaims; }
+    [[nodiscard]] PathRemovals &pathRemovals() { return m_pathRemovals; }
+    [[nodiscard]] const PathRemovals &pathRemovals() const { return m_pathRemovals; }
     [[nodiscard]] AutomationDriver &automation() { return m_automation; }
     [[nodiscard]] const AutomationDriver &automation() const { return m_automation; }
     [[nodiscard]] UninstallDriver &uninstalls() { return m_uninstalls; }
@@ -73,7 +79,9 @@ private:
     VolumeFigures m_volume;
     Navigation m_navigation;
     RemovalQueue m_removals;
+    RemovalBooks m_books;
     ReclaimDriver m_reclaims;
+    PathRemovals m_pathRemovals;
     AutomationDriver m_automation;
     UninstallDriver m_uninstalls;
     OffloadDriver m_offloads;

@@ -1,20 +1,15 @@
 #include "Core/ReclaimDriver.h"
 
 #include "Catalogue/StorageCatalogue.h"
-#include "Core/Navigation.h"
+#include "Core/LogLine.h"
+#include "Core/RemovalBooks.h"
 #include "Core/ScanDriver.h"
 #include "Core/Translation.h"
 #include "Core/VolumeFigures.h"
-#include "Platform/Clock.h"
-#include "Platform/FileFacts.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/SpaceHolders.h"
-#include "Platform/Trash.h"
-#include "Platform/UserDefaults.h"
 #include "Removal/Clearance.h"
-#include "Removal/HostGuards.h"
 #include "Removal/StayedSpace.h"
-#include "Scan/FastScanner.h"
 #include "Scan/Format.h"
 
 #include <QCoroFuture>
@@ -22,7 +17,7 @@
 #include <QtConcurrent>
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
 #include <utility>
 
 namespace Quillbrook {
@@ -31,25 +26,24 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const auto reclaimedBytesKey = u"Quillbrook.reclaimedBytes"_s;
-
-QString done(const QString &what)
-{
-    return u"✓ "_s + what;
-}
-
-QString failed(const QString &what)
-{
-    return u"✗ "_s + what;
-}
-
 QString line(const Reclaimer::Outcome &outcome)
 {
     const auto &title = outcome.finding.rule.title;
     if (outcome.error)
-        return failed(u"%1: %2"_s.arg(title, *outcome.error));
+        return LogLine::failed(u"%1: %2"_s.arg(title, *outcome.error));
     const auto fate = outcome.permanent ? u"deleted"_s : u"to Trash"_s;
-    return done(u"%1 — %2 %3"_s.arg(title, Format::bytes(outcome.bytesMoved), fate));
+    return LogLine::done(u"%1 — %2 %3"_s.arg(title, Format::bytes(outcome.bytesMoved), fate));
+}
+
+// How far a way out of the Trash is, thing by thing.
+TrashLedger::Watch leaving(const RemovalQueue::Watch &watch)
+{
+    return { .before =
+                 [tell = watch.progress](
+                     qsizetype number, qsizetype count, const TrashedItem &item, qint64 bytes) {
+                     tell({ .number = number, .count = count, .name = item.label, .bytes = bytes });
+                 },
+        .stop = watch.stop };
 }
 
 } // namespace
@@ -63,33 +57,19 @@ struct ReclaimDriver::Clearing
     qint64 bytes = 0;
     qint64 freeBefore = 0;
     std::shared_ptr<StayedSpace> stayed{};
-    std::vector<HeldItem> held{};
 };
 
 ReclaimDriver::ReclaimDriver(const KitServices &kit, const Others &others, QObject *parent)
     : QObject(parent)
     , m_kit(kit)
     , m_scans(others.scans)
-    , m_navigation(others.navigation)
     , m_volume(others.volume)
-    , m_queue(others.queue)
-    , m_ledger(LedgerServices::of(kit), TrashLedger::standardStore(kit.dataFolder))
-    , m_journal(
-          kit.reading, kit.writing, RemovalJournal::besideLedger(TrashLedger::standardStore(kit.dataFolder)))
-    , m_reclaimedSoFar(std::max<qint64>(kit.defaults.integer(reclaimedBytesKey).value_or(0), 0))
+    , m_books(others.books)
 {
     m_askingPool.setMaxThreadCount(1);
-    m_flushPool.setMaxThreadCount(1);
-    books().takeUp(m_reclaimedSoFar, [this](qint64 bytes) { recordReclaimed(bytes); });
-    refreshHeld();
 }
 
 ReclaimDriver::~ReclaimDriver() = default;
-
-Books ReclaimDriver::books()
-{
-    return { .ledger = m_ledger, .journal = m_journal, .trash = m_kit.trash };
-}
 
 // The rows of a finding that failed in part stay unknown to the ledger, on purpose: what it holds is what was
 // claimed.
@@ -114,18 +94,16 @@ void ReclaimDriver::clear(const std::shared_ptr<Clearing> &clearing, const Clear
     const auto begin = [this, clearing] {
         m_volume.refreshVolume();
         clearing->freeBefore = presentFree();
-        clearing->order.reclaimedSoFar = m_reclaimedSoFar;
         clearing->home = m_kit.home.homeDirectory();
     };
-    const auto work = [this, clearing, permanently](const RemovalQueue::Watch &watch) {
+    const auto work = [this, clearing, permanently](const RemovalQueue::Watch &watch, const Books &books) {
         if (permanently) {
             std::vector<std::string> paths;
             for (const auto &finding : clearing->order.findings)
                 paths.push_back(finding.path.toStdString());
             clearing->stayed = std::make_shared<StayedSpace>(m_kit.spaceHolders, std::move(paths));
         }
-        const auto hold = m_kit.trash.hold();
-        Clearance clearance(RemovalServices::of(m_kit), m_journal, clearing->home);
+        Clearance clearance(RemovalServices::of(m_kit), books.journal, clearing->home);
         clearing->outcomes = clearance.clear(clearing->order,
             { .progress =
                     [&watch](const Clearance::Progress &at) {
@@ -139,18 +117,14 @@ void ReclaimDriver::clear(const std::shared_ptr<Clearing> &clearing, const Clear
                 .stop = watch.stop });
         if (clearing->stayed)
             clearing->stayed->removalEnded();
-        clearing->bytes = books().record(clearing->outcomes, clearing->order.byRule);
-        clearing->held = books().held();
-    };
-    const auto end = [this, clearing, cleared] {
+        clearing->bytes = books.record(clearing->outcomes, clearing->order.byRule);
         // What a rule cleared is not the person's doing.
-        closeBooks(clearing->order.byRule ? 0 : clearing->bytes, std::move(clearing->held));
-        cleared(clearing->outcomes);
+        return clearing->order.byRule ? 0 : clearing->bytes;
     };
-    m_queue.enqueue({ .verb = permanently ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
+    m_books.run({ .verb = permanently ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
         .begin = begin,
         .work = work,
-        .end = end });
+        .end = [clearing, cleared] { cleared(clearing->outcomes); } });
 }
 
 void ReclaimDriver::takeOutcomes(const Clearing &clearing)
@@ -184,22 +158,18 @@ void ReclaimDriver::removeItems(const QList<StorageItem> &items, const Finding &
     struct Moving
     {
         QList<StorageItem> items{};
-        qint64 reclaimedSoFar = 0;
         std::vector<std::expected<TrashedItem, QString>> moved{};
-        std::vector<HeldItem> held{};
     };
     const auto moving = std::make_shared<Moving>();
     for (const auto &item : items)
         if (item.removable)
             moving->items.append(item);
-    const auto work = [this, moving, finding](const RemovalQueue::Watch &watch) {
-        const auto hold = m_kit.trash.hold();
+    const auto work = [this, moving, finding](const RemovalQueue::Watch &watch, const Books &books) {
         const Reclaimer reclaimer{ .services = RemovalServices::of(m_kit),
             .homeDirectory = m_kit.home.homeDirectory(),
-            .journal = &m_journal };
+            .journal = &books.journal };
         std::vector<TrashedItem> rows;
         qint64 bytes = 0;
-        m_journal.startBatch(moving->reclaimedSoFar);
         for (const auto &item : moving->items) {
             if (watch.stop.stop_requested())
                 break;
@@ -213,21 +183,16 @@ void ReclaimDriver::removeItems(const QList<StorageItem> &items, const Finding &
                 rows.push_back(*moved);
             }
         }
-        m_ledger.record(rows);
-        moving->held = books().held();
+        books.ledger.record(rows);
+        return bytes;
     };
     const auto end = [this, moving] {
-        qint64 bytes = 0;
-        for (const auto &moved : moving->moved)
-            bytes += moved ? moved->bytes : 0;
-        closeBooks(bytes, std::move(moving->held));
         QStringList names;
         for (const auto &item : moving->items)
             names.append(item.name);
         takeMembers(moving->moved, names);
     };
-    m_queue.enqueue(
-        { .begin = [this, moving] { moving->reclaimedSoFar = m_reclaimedSoFar; }, .work = work, .end = end });
+    m_books.run({ .work = work, .end = end });
 }
 
 void ReclaimDriver::takeMembers(
@@ -239,10 +204,10 @@ void ReclaimDriver::takeMembers(
         const auto &name = names.at(static_cast<qsizetype>(index));
         const auto &one = moved[index];
         if (!one) {
-            appendLog(failed(u"%1: %2"_s.arg(name, one.error())));
+            appendLog(LogLine::failed(u"%1: %2"_s.arg(name, one.error())));
             continue;
         }
-        appendLog(done(u"%1 — %2 to Trash"_s.arg(name, Format::bytes(one->bytes))));
+        appendLog(LogLine::done(u"%1 — %2 to Trash"_s.arg(name, Format::bytes(one->bytes))));
         total += one->bytes;
         ids.push_back(one->id);
     }
@@ -252,151 +217,21 @@ void ReclaimDriver::takeMembers(
     Q_EMIT diskChanged();
 }
 
-std::function<std::optional<QString>()> ReclaimDriver::guardedPath(const NodeSnapshot &snapshot) const
-{
-    // For a person to read; the log, which a refused removal ends in, stays English.
-    auto guards = m_kit.guards;
-    guards.wording = translatedTableText;
-    return [path = m_navigation.rawPath(snapshot), home = rawHome(), guards = std::move(guards)] {
-        return PathRemoval::refusal(path, home, &guards);
-    };
-}
-
-std::function<std::uint64_t()> ReclaimDriver::inodeOf(const NodeSnapshot &snapshot) const
-{
-    return [path = m_navigation.rawPath(snapshot)] { return inodeAt(path).value_or(0); };
-}
-
-std::string ReclaimDriver::rawHome() const
-{
-    return m_kit.home.rawHomeDirectory();
-}
-
-// The tree goes on showing what was removed until the next scan.
-void ReclaimDriver::removeSelected(bool permanent, std::uint64_t inode)
-{
-    const auto selected = m_navigation.selection();
-    if (!selected)
-        return;
-    struct Removing
-    {
-        NodeSnapshot item{};
-        PathRemoval::Item order{};
-        qint64 reclaimedSoFar = 0;
-        PathRemoval::Removal removal{};
-        std::vector<HeldItem> held{};
-    };
-    const auto removing = std::make_shared<Removing>();
-    removing->item = *selected;
-    removing->order = { .path = m_navigation.rawPath(*selected),
-        .bytes = selected->bytes,
-        .label = selected->name,
-        .picked = PathRemoval::Picked{ .isDirectory = selected->isDirectory, .inode = inode } };
-    const auto work = [this, removing, permanent](const RemovalQueue::Watch &watch) {
-        watch.progress({ .number = 1, .count = 1, .name = removing->order.label });
-        m_journal.startBatch(removing->reclaimedSoFar);
-        removing->removal = PathRemoval::remove(RemovalServices::of(m_kit), removing->order,
-            { .permanent = permanent, .home = rawHome(), .host = &m_kit.guards, .journal = &m_journal });
-        if (removing->removal.trashed)
-            m_ledger.record({ *removing->removal.trashed });
-        removing->held = books().held();
-    };
-    const auto end = [this, removing, permanent] {
-        closeBooks(removing->removal.bytes, std::move(removing->held));
-        takeSelected(removing->removal, removing->item, permanent);
-    };
-    m_queue.enqueue({ .verb = permanent ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
-        .begin = [this, removing] { removing->reclaimedSoFar = m_reclaimedSoFar; },
-        .work = work,
-        .end = end });
-}
-
-void ReclaimDriver::takeSelected(
-    const PathRemoval::Removal &removal, const NodeSnapshot &item, bool permanent)
-{
-    if (removal.error) {
-        prependLog(failed(*removal.error));
-        return;
-    }
-    const auto fate = permanent ? u"removed"_s : u"moved to the Trash"_s;
-    prependLog(done(u"%1 — %2 %3"_s.arg(item.name, Format::bytes(item.bytes), fate)));
-    // Another thing may have been selected meanwhile.
-    if (m_navigation.selection() == item)
-        m_navigation.setSelection(std::nullopt);
-    m_volume.refreshVolume();
-}
-
-void ReclaimDriver::removeBy(
-    const Work &work, const QString &subject, bool permanent, const std::function<void()> &done)
-{
-    struct Removing
-    {
-        qint64 reclaimedSoFar = 0;
-        std::vector<PathRemoval::Removal> removals{};
-        std::vector<HeldItem> held{};
-    };
-    const auto removing = std::make_shared<Removing>();
-    const auto onThread = [this, removing, work](const RemovalQueue::Watch &watch) {
-        const auto hold = m_kit.trash.hold();
-        m_journal.startBatch(removing->reclaimedSoFar);
-        removing->removals = work(watch, m_journal);
-        std::vector<TrashedItem> rows;
-        for (const auto &removal : removing->removals)
-            if (!removal.error && removal.trashed)
-                rows.push_back(*removal.trashed);
-        if (!rows.empty())
-            m_ledger.record(rows);
-        removing->held = books().held();
-    };
-    const auto end = [this, removing, subject, done] {
-        qint64 total = 0;
-        for (const auto &removal : removing->removals)
-            total += removal.bytes;
-        closeBooks(total, std::move(removing->held));
-        takeRemovals(removing->removals, subject);
-        if (done)
-            done();
-    };
-    m_queue.enqueue({ .verb = permanent ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
-        .begin = [this, removing] { removing->reclaimedSoFar = m_reclaimedSoFar; },
-        .work = onThread,
-        .end = end });
-}
-
-void ReclaimDriver::takeRemovals(const std::vector<PathRemoval::Removal> &removals, const QString &subject)
-{
-    qint64 total = 0;
-    for (const auto &removal : removals) {
-        if (removal.error)
-            m_uninstallLog.prepend(failed(*removal.error));
-        else
-            total += removal.bytes;
-    }
-    if (total > 0)
-        m_uninstallLog.prepend(
-            done(u"%1 — %2 moved to the Trash. The space comes back when the Trash is emptied."_s.arg(
-                subject, Format::bytes(total))));
-    Q_EMIT uninstallLogChanged();
-    m_volume.refreshVolume();
-}
-
-void ReclaimDriver::tellOfUninstalling(bool isDone, const QString &what)
-{
-    m_uninstallLog.prepend(isDone ? done(what) : failed(what));
-    Q_EMIT uninstallLogChanged();
-    m_volume.refreshVolume();
-}
-
-void ReclaimDriver::finishRemoving(const QSet<QString> &kept)
+void ReclaimDriver::finishRemoving()
 {
     // What went into the Trash while this waited for its turn was not asked about.
-    std::vector<TrashedItem> items;
-    for (const auto &held : m_held)
-        if (!held.isOnlyInJournal && !kept.contains(held.item.id))
-            items.push_back(held.item);
-    purge(items, [this](const TrashLedger::Purged &purged) {
+    std::vector<TrashedItem> asked;
+    for (const auto &held : m_books.deletable())
+        asked.push_back(held.item);
+    // Rows whose name in the Trash something else has by now are tried too, which they don't survive.
+    const auto items = [asked](const Books &books) {
+        auto all = asked;
+        std::ranges::move(books.ledger.exchanged(), std::back_inserter(all));
+        return all;
+    };
+    purgeBy(items, [this](const TrashLedger::Purged &purged) {
         if (purged.removed >= 1)
-            appendLog(done(u"permanently removed %1 items · %2 actually freed"_s.arg(
+            appendLog(LogLine::done(u"permanently removed %1 items · %2 actually freed"_s.arg(
                 QString::number(purged.removed), Format::bytes(purged.bytes))));
         m_volume.refreshVolume();
         Q_EMIT diskChanged();
@@ -405,114 +240,47 @@ void ReclaimDriver::finishRemoving(const QSet<QString> &kept)
 
 void ReclaimDriver::purge(const std::vector<TrashedItem> &items, const Purged &purged)
 {
-    struct Purging
-    {
-        std::vector<TrashedItem> items{};
-        TrashLedger::Purged purged{};
-        std::vector<HeldItem> held{};
-    };
-    const auto purging = std::make_shared<Purging>();
-    purging->items = items;
-    const auto work = [this, purging](const RemovalQueue::Watch &watch) {
-        const auto before
-            = [&watch](qsizetype number, qsizetype count, const TrashedItem &item, qint64 bytes) {
-                  watch.progress({ .number = number, .count = count, .name = item.label, .bytes = bytes });
-              };
-        purging->purged = m_ledger.purge(purging->items, { .before = before, .stop = watch.stop });
-        purging->held = books().held();
-    };
-    const auto end = [this, purging, purged] {
-        setHeld(std::move(purging->held));
-        startFlush();
-        purged(purging->purged);
-    };
-    m_queue.enqueue({ .verb = RemovalQueue::Verb::deleting, .work = work, .end = end });
+    purgeBy([items](const Books & /*books*/) { return items; }, purged);
 }
 
-void ReclaimDriver::putBack(const QSet<QString> &ids)
+void ReclaimDriver::purgeBy(
+    const std::function<std::vector<TrashedItem>(const Books &books)> &items, const Purged &purged)
 {
-    struct Putting
-    {
-        std::vector<HeldItem> things{};
-        std::vector<std::optional<QString>> errors{};
-        std::vector<HeldItem> held{};
+    const auto result = std::make_shared<TrashLedger::Purged>();
+    const auto work = [result, items](const RemovalQueue::Watch &watch, const Books &books) -> qint64 {
+        *result = books.purge(items(books), leaving(watch));
+        return 0;
     };
-    const auto putting = std::make_shared<Putting>();
-    for (const auto &held : m_held)
-        if (ids.contains(held.item.id))
-            putting->things.push_back(held);
-    if (putting->things.empty())
+    m_books.run(
+        { .verb = RemovalQueue::Verb::deleting, .work = work, .end = [result, purged] { purged(*result); } });
+}
+
+void ReclaimDriver::putBack()
+{
+    const auto things = m_books.ticked();
+    if (things.empty())
         return;
-    const auto work = [this, putting](const RemovalQueue::Watch &watch) {
-        qint64 bytes = 0;
-        for (const auto &held : putting->things) {
-            if (watch.stop.stop_requested())
-                break;
-            watch.progress({ .number = static_cast<qsizetype>(putting->errors.size()) + 1,
-                .count = static_cast<qsizetype>(putting->things.size()),
-                .name = held.item.label,
-                .bytes = bytes });
-            const auto back = books().putBack(held);
-            putting->errors.push_back(back ? std::nullopt : std::optional(back.error()));
-            bytes += back ? held.item.bytes : 0;
-        }
-        putting->held = books().held();
+    const auto results = std::make_shared<std::vector<std::expected<void, QString>>>();
+    const auto work = [things, results](const RemovalQueue::Watch &watch, const Books &books) -> qint64 {
+        *results = books.putBack(things, leaving(watch));
+        return 0;
     };
-    const auto end = [this, putting] {
-        setHeld(std::move(putting->held));
-        for (size_t index = 0; index < putting->errors.size(); ++index) {
-            const auto &item = putting->things[index].item;
-            const auto &error = putting->errors[index];
-            appendLog(error ? failed(u"%1: %2"_s.arg(item.label, *error))
-                            : done(u"%1 — %2 put back"_s.arg(item.label, Format::bytes(item.bytes))));
-        }
-        Q_EMIT diskChanged();
-    };
-    m_queue.enqueue({ .verb = RemovalQueue::Verb::puttingBack, .work = work, .end = end });
+    m_books.run({ .verb = RemovalQueue::Verb::puttingBack, .work = work, .end = [this, things, results] {
+                     takeReturns(things, *results);
+                 } });
 }
 
-void ReclaimDriver::closeBooks(qint64 bytes, std::vector<HeldItem> held)
+// After a stop some things have no result.
+void ReclaimDriver::takeReturns(
+    const std::vector<HeldItem> &things, const std::vector<std::expected<void, QString>> &results)
 {
-    recordReclaimed(bytes);
-    // On the thread on which the journal is read, and before the next removal writes to it.
-    static_cast<void>(m_queue.ask([this] { m_journal.close(m_kit.trash); }));
-    setHeld(std::move(held));
-    startFlush();
-}
-
-void ReclaimDriver::refreshHeld()
-{
-    // Outlived by this, since the model waits for the queue.
-    static_cast<void>(m_queue.ask([this] {
-        QMetaObject::invokeMethod(
-            this, [this, held = books().held()] { setHeld(held); }, Qt::QueuedConnection);
-    }));
-}
-
-void ReclaimDriver::setHeld(std::vector<HeldItem> held)
-{
-    if (m_held == held)
-        return;
-    m_held = std::move(held);
-    Q_EMIT ledgerChanged();
-}
-
-TrashLedger::Pending ReclaimDriver::pending() const
-{
-    TrashLedger::Pending pending;
-    for (const auto &held : m_held)
-        if (!held.isOnlyInJournal) {
-            ++pending.count;
-            pending.bytes += held.item.bytes;
-        }
-    return pending;
-}
-
-// The disk may go on writing for a while. What is free is read when it has done so.
-void ReclaimDriver::startFlush()
-{
-    m_flushing
-        = QtConcurrent::run(&m_flushPool, [&trash = m_kit.trash, home = rawHome()] { trash.flush(home); });
+    for (size_t index = 0; index < results.size(); ++index) {
+        const auto &item = things[index].item;
+        const auto &result = results[index];
+        appendLog(result ? LogLine::done(u"%1 — %2 put back"_s.arg(item.label, Format::bytes(item.bytes)))
+                         : LogLine::failed(u"%1: %2"_s.arg(item.label, result.error())));
+    }
+    Q_EMIT diskChanged();
 }
 
 // What was claimed is measured once a scan has ended after it, be it one that was under way already.
@@ -589,17 +357,6 @@ qint64 ReclaimDriver::presentFree() const
     return m_volume.measuredFree().value_or(m_volume.volumeFree());
 }
 
-void ReclaimDriver::recordReclaimed(qint64 bytes)
-{
-    if (bytes <= 0)
-        return;
-    // What was stored may be any number.
-    constexpr auto most = std::numeric_limits<qint64>::max();
-    m_reclaimedSoFar = m_reclaimedSoFar > most - bytes ? most : m_reclaimedSoFar + bytes;
-    m_kit.defaults.setInteger(reclaimedBytesKey, m_reclaimedSoFar);
-    Q_EMIT reclaimedSoFarChanged();
-}
-
 void ReclaimDriver::appendLog(const QString &line)
 {
     m_reclaimLog.append(line);
@@ -619,18 +376,6 @@ QList<StorageItem> ReclaimDriver::items(const Finding &finding) const
     const auto &tree = *m_scans.tree();
     return StorageCatalogue::items(CatalogueServices::of(m_kit), finding, tree, m_scans.rootNode(),
         { .homeDirectory = tree.path(m_scans.rootNode()), .host = &m_scans.hostCatalogue() });
-}
-
-qint64 ReclaimDriver::measure(const std::string &path) const
-{
-    const auto kind = m_kit.files.kind(path);
-    if (kind != FileKind::directory)
-        return kind ? m_kit.files.length(path).value_or(0) : 0;
-    FastScanner scanner(m_kit.directories);
-    const auto result = scanner.scan({ .rootPath = path,
-        .threads = FastScanner::defaultThreadCount(m_kit.processors),
-        .exclusions = FastScanner::defaultExclusions() });
-    return result.tree && result.root >= 0 ? result.tree->size(result.root) : 0;
 }
 
 void ReclaimDriver::refreshSafetyNet()

@@ -1,6 +1,6 @@
 #include "Core/UninstallDriver.h"
 
-#include "Core/ReclaimDriver.h"
+#include "Core/PathRemovals.h"
 #include "Core/Translation.h"
 #include "Platform/HomeFolder.h"
 #include "Removal/HostGuards.h"
@@ -57,10 +57,10 @@ Uninstalling::Watch watchOf(const RemovalQueue::Watch &watch)
 
 } // namespace
 
-UninstallDriver::UninstallDriver(const KitServices &kit, ReclaimDriver &reclaims, QObject *parent)
+UninstallDriver::UninstallDriver(const KitServices &kit, PathRemovals &removals, QObject *parent)
     : QObject(parent)
     , m_kit(kit)
-    , m_reclaims(reclaims)
+    , m_removals(removals)
 {
     m_planning.setMaxThreadCount(1);
 }
@@ -87,17 +87,17 @@ void UninstallDriver::uninstall(const UninstallPlan &plan, const std::vector<Lef
                   kit.applications, UninstallerServices::of(kit), RemovalServices::of(kit), own);
               return result->removals;
           };
-    const auto done = [&reclaims = m_reclaims, app = plan.target.app, result, completion] {
+    const auto done = [&removals = m_removals, app = plan.target.app, result, completion] {
         if (result->refusal)
-            reclaims.tellOfUninstalling(false, *result->refusal);
+            removals.tellOfUninstalling(false, *result->refusal);
         else if (result->takenAway && *result->takenAway)
-            reclaims.tellOfUninstalling(
+            removals.tellOfUninstalling(
                 true, u"%1 — %2 removed"_s.arg(app.name, Format::bytes(**result->takenAway)));
         else if (result->takenAway)
-            reclaims.tellOfUninstalling(false, result->takenAway->error());
+            removals.tellOfUninstalling(false, result->takenAway->error());
         completion();
     };
-    m_reclaims.removeBy(work, plan.target.app.name, false, done);
+    m_removals.removeBy(work, plan.target.app.name, done);
 }
 
 void UninstallDriver::removeOrphans(
@@ -115,7 +115,7 @@ void UninstallDriver::removeOrphans(
               own.journal = &journal;
               return Uninstalling::removeAll(RemovalServices::of(kit), items, own, watchOf(watch));
           };
-    m_reclaims.removeBy(work, u"leftovers"_s, false, completion);
+    m_removals.removeBy(work, u"leftovers"_s, completion);
 }
 
 } // namespace Quillbrook

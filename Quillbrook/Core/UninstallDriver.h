@@ -1,7 +1,7 @@
 #pragma once
 
 // Works out what goes with an application, and takes it away, or what is left of others. All of it happens
-// off the main thread, and what is removed goes through `ReclaimDriver` in its turn, which also tells what
+// off the main thread, and what is removed goes through `PathRemovals` in its turn, which also tells what
 // came of it. Main thread only; what it is made with outlives it.
 
 #include "Uninstaller/HostApplications.h"
@@ -15,7 +15,7 @@
 
 namespace Quillbrook {
 
-class ReclaimDriver;
+class PathRemovals;
 struct KitServices;
 
 /// What the sheet of an application shows.
@@ -32,7 +32,7 @@ class UninstallDriver : public QObject
     Q_OBJECT
 
 public:
-    UninstallDriver(const KitServices &kit, ReclaimDriver &reclaims, QObject *parent = nullptr);
+    UninstallDriver(const KitServices &kit, PathRemovals &removals, QObject *parent = nullptr);
 
     /// Works out the plan of `app`; `all` are those that are listed.
     [[nodiscard]] QFuture<UninstallPlan> plan(const InstalledApp &app, const QList<InstalledApp> &all);
@@ -46,7 +46,7 @@ public:
 
 private:
     const KitServices &m_kit;
-    ReclaimDriver &m_reclaims;
+    PathRemovals &m_removals;
     /// A thread of its own, so that no scan waits for it. Its end is waited for.
     QThreadPool m_planning;
 };

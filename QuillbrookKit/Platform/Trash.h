@@ -103,9 +103,14 @@ public:
     /// as a kill leaves it. Nothing happens where a thing lies there, or the note is another.
     virtual void dropLoneNote(const std::string &trashPath, const std::string &note) = 0;
 
-    /// Takes back the right that a move which was cut short has lent to a folder, in the Trash or where it
-    /// was. Nothing happens to what is not that folder, or has other rights by now.
+    /// Takes back the right that a move which was cut short has lent to a folder: in the Trash, or where it
+    /// was, as long as its note lies in the Trash without it. Nothing happens to what is not that folder, or
+    /// has other rights by now.
     virtual void takeBackRight(const std::string &trashPath, const Provenance &from) = 0;
+
+    /// Deletes what an `erase` of the thing that was cut short has left among the leftovers. Nothing happens
+    /// where there is nothing, or it can't be told.
+    virtual void finishErasing(const std::string &trashPath, const Provenance &from) = 0;
 
     /// Waits until the volume of the folder at `path` has everything on its disk that was moved or deleted
     /// there, the notes in its trash among it. Takes as long as the disk does: not for the main thread.

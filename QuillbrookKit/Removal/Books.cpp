@@ -1,12 +1,13 @@
 #include "Removal/Books.h"
 
 #include "Platform/Trash.h"
+#include "Removal/CappedSum.h"
 #include "Removal/RemovalJournal.h"
-#include "Removal/TrashLedger.h"
 
 #include <QSet>
 
 #include <algorithm>
+#include <tuple>
 
 namespace Quillbrook {
 
@@ -19,10 +20,12 @@ struct Found
     qint64 bytes = 0;
 };
 
-class TakingUp
+} // namespace
+
+class Books::TakingUp
 {
 public:
-    TakingUp(const Books &books)
+    explicit TakingUp(const Books &books)
         : m_books(books)
     {
         for (const auto &item : books.ledger.items())
@@ -33,24 +36,22 @@ public:
     {
         Found found;
         const auto share = unit.bytes / unit.planned;
+        qint64 bytes = 0;
         QSet<QString> counted;
         for (const auto &move : unit.moves) {
-            m_books.trash.takeBackRight(move.trashPath, move.provenance());
-            const bool isThere = m_books.trash.isStill(move.trashPath, move.provenance());
-            if (!isThere)
-                m_books.trash.dropLoneNote(move.trashPath, move.identity.value_or(ThingIdentity()).note);
-            // What a rule moved is known, whatever became of the rest.
-            if ((unit.state == JournalUnit::State::failed && !unit.byRule) || counted.contains(move.id))
+            const bool isThere = m_books.tidy(move);
+            if (unit.isOnlyHere() || counted.contains(move.id))
                 continue;
             if (isThere && !m_known.contains(move.id))
                 found.rows.push_back(row(move, unit, share));
-            if (isThere || m_known.contains(move.id))
-                counted.insert(move.id);
+            if (!isThere && !m_known.contains(move.id))
+                continue;
+            counted.insert(move.id);
+            bytes = cappedSum(bytes, share);
         }
-        if (unit.state == JournalUnit::State::open)
-            found.bytes = share * counted.size();
-        if (unit.state == JournalUnit::State::whole)
-            found.bytes = unit.bytes;
+        // What a rule clears is not what a person has reclaimed.
+        if (!unit.byRule)
+            found.bytes = unit.state == JournalUnit::State::whole ? unit.bytes : bytes;
         return found;
     }
 
@@ -66,27 +67,29 @@ private:
     QSet<QString> m_known;
 };
 
-} // namespace
+bool Books::tidy(const TrashedItem &item) const
+{
+    const auto from = item.provenance();
+    trash.takeBackRight(item.trashPath, from);
+    if (trash.isStill(item.trashPath, from))
+        return true;
+    trash.dropLoneNote(item.trashPath, item.identity.value_or(ThingIdentity()).note);
+    return false;
+}
 
 qint64 Books::record(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule) const
 {
     std::vector<TrashedItem> rows;
-    std::vector<QString> ofFailed;
     qint64 total = 0;
     for (const auto &outcome : outcomes) {
         if (!outcome.error)
             total += outcome.bytesMoved;
         else if (!byRule)
             continue;
-        for (const auto &item : outcome.trashed) {
+        for (const auto &item : outcome.trashed)
             rows.push_back(byRule ? item.markedByRule() : item);
-            if (outcome.error)
-                ofFailed.push_back(item.id);
-        }
     }
     ledger.record(rows);
-    for (const auto &id : ofFailed)
-        journal.forget(id);
     return total;
 }
 
@@ -98,14 +101,16 @@ void Books::enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, 
 
 void Books::takeUp(qint64 reclaimedSoFar, const Count &count) const
 {
-    if (journal.units().empty())
+    if (journal.units().empty() && journal.leaving().empty())
         return;
+    for (const auto &item : journal.leaving())
+        std::ignore = tidy(item);
     const TakingUp takingUp(*this);
     std::vector<TrashedItem> rows;
     auto total = journal.total().value_or(reclaimedSoFar);
     for (const auto &unit : journal.units()) {
         auto found = takingUp.of(unit);
-        total += found.bytes;
+        total = cappedSum(total, found.bytes);
         std::ranges::move(found.rows, std::back_inserter(rows));
     }
     if (!rows.empty())
@@ -127,22 +132,51 @@ std::vector<HeldItem> Books::held() const
     for (const auto &unit : journal.units())
         for (auto item : unit.moves) {
             item.bytes = unit.bytes / unit.planned;
-            if (unit.state == JournalUnit::State::failed)
+            if (unit.isOnlyHere())
                 add(item, true);
         }
     std::ranges::stable_sort(things, {}, [](const HeldItem &held) { return held.item.movedAt; });
     return things;
 }
 
-std::expected<void, QString> Books::putBack(const HeldItem &held) const
+std::vector<std::expected<void, QString>> Books::putBack(
+    const std::vector<HeldItem> &things, const TrashLedger::Watch &watch) const
 {
-    if (!held.isOnlyInJournal)
-        return ledger.putBack(held.item);
-    const auto from = held.item.provenance();
-    auto done = trash.restore(held.item.trashPath, held.item.originalPath, &from);
-    if (done)
-        journal.forget(held.item.id);
-    return done;
+    std::vector<std::expected<void, QString>> results;
+    QSet<QString> ofLedger;
+    QSet<QString> ofJournal;
+    qint64 bytes = 0;
+    for (const auto &held : things) {
+        const auto &item = held.item;
+        if (watch.stop.stop_requested())
+            break;
+        if (watch.before)
+            watch.before(static_cast<qsizetype>(results.size()) + 1, static_cast<qsizetype>(things.size()),
+                item, bytes);
+        journal.leave(item);
+        results.push_back(ledger.putBack(item));
+        if (!results.back())
+            continue;
+        bytes = cappedSum(bytes, item.bytes);
+        (held.isOnlyInJournal ? ofJournal : ofLedger).insert(item.id);
+    }
+    if (!ofLedger.isEmpty())
+        ledger.forget(ofLedger);
+    if (!ofJournal.isEmpty())
+        journal.forget(ofJournal);
+    return results;
+}
+
+TrashLedger::Purged Books::purge(const std::vector<TrashedItem> &items, const TrashLedger::Watch &watch) const
+{
+    const auto before = [&](qsizetype number, qsizetype count, const TrashedItem &item, qint64 bytes) {
+        journal.leave(item);
+        if (watch.before)
+            watch.before(number, count, item, bytes);
+    };
+    const auto purged = ledger.purge(items, { .before = before, .stop = watch.stop });
+    ledger.finishPurging();
+    return purged;
 }
 
 } // namespace Quillbrook

@@ -1,10 +1,11 @@
 #pragma once
 
 // Keeps ledger and journal together: what has gone is entered in the ledger once a clearance has ended, what
-// a kill has left is taken up at the next start, and what both hold can be seen and put back. One thread at
-// a time, while no clearance runs; blocks on the disk.
+// a kill has left is taken up at the next start, and what both hold can be seen, put back and deleted for
+// good. One thread at a time, while no clearance runs; blocks on the disk.
 
 #include "Removal/Reclaimer.h"
+#include "Removal/TrashLedger.h"
 
 #include <expected>
 #include <functional>
@@ -12,7 +13,6 @@
 namespace Quillbrook {
 
 class RemovalJournal;
-class TrashLedger;
 
 /// A thing that lies in the Trash and that the program moved there.
 struct HeldItem
@@ -42,16 +42,29 @@ struct Books
     /// The same, then counts, and closes the journal.
     void enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const;
 
-    /// At the start: what the journal names, and nothing else in the Trash, becomes rows, and what is missing
-    /// in `reclaimedSoFar` is counted. Notes that it names and that have no thing are dropped, and rights
-    /// that a move had lent are taken back. Whatever is interrupted is done by the next call.
+    /// At the start: what the journal names, and nothing else in the Trash, becomes rows, and what a person's
+    /// removals are missing in `reclaimedSoFar` is counted. Notes that it names and that have no thing are
+    /// dropped, and rights that a move had lent are taken back. Whatever is interrupted is done by the next
+    /// call.
     void takeUp(qint64 reclaimedSoFar, const Count &count) const;
 
     /// What lies in the Trash still, in the order in which it went.
     [[nodiscard]] std::vector<HeldItem> held() const;
-    /// Puts one back where it was; nothing is replaced. Why it can't is told as a person may read it, and
-    /// then everything stays.
-    [[nodiscard]] std::expected<void, QString> putBack(const HeldItem &held) const;
+    /// Puts things back where they were, in order; nothing is replaced. What came of each that was tried: why
+    /// it can't go back is told as a person may read it, and then it stays. The ledger is written once, and
+    /// the journal is to be closed.
+    [[nodiscard]] std::vector<std::expected<void, QString>> putBack(
+        const std::vector<HeldItem> &things, const TrashLedger::Watch &watch = {}) const;
+    /// Deletes rows of the ledger for good, and with them what an earlier purge that was cut short has left.
+    /// The journal is to be closed.
+    TrashLedger::Purged purge(
+        const std::vector<TrashedItem> &items, const TrashLedger::Watch &watch = {}) const;
+
+private:
+    class TakingUp;
+
+    /// Undoes what a kill leaves of a move that was cut short. Whether the thing lies in the Trash.
+    [[nodiscard]] bool tidy(const TrashedItem &item) const;
 };
 
 } // namespace Quillbrook

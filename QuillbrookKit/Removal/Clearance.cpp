@@ -19,7 +19,6 @@ std::vector<Reclaimer::Outcome> Clearance::clear(const Order &order, const Watch
         .journal = order.disposal == Reclaimer::Disposal::toTrash ? &m_journal : nullptr,
         .byRule = order.byRule };
     const auto held = order.disposal == Reclaimer::Disposal::toTrash ? m_services.trash.hold() : nullptr;
-    m_journal.startBatch(order.reclaimedSoFar);
     std::vector<Reclaimer::Outcome> outcomes;
     Progress progress{ .findings = order.findings.size() };
     qint64 done = 0;

@@ -19,8 +19,6 @@ public:
         QList<Finding> findings{};
         Reclaimer::Disposal disposal = Reclaimer::Disposal::toTrash;
         bool byRule = false;
-        /// In bytes, before this clearance.
-        qint64 reclaimedSoFar = 0;
     };
 
     /// Told before each entry goes. Counts begin at 1; `bytes` is what the entries before it came to.
@@ -47,8 +45,8 @@ public:
     /// `homeDirectory` is absolute, without a slash at its end. What is referred to outlives this object.
     Clearance(const RemovalServices &services, RemovalJournal &journal, QString homeDirectory);
 
-    /// The outcomes in order. After a stop the finding that was being cleared is a failed one, and those that
-    /// were not begun have none.
+    /// The outcomes in order. The journal's batch has begun. After a stop the finding that was being cleared
+    /// is a failed one, and those that were not begun have none.
     [[nodiscard]] std::vector<Reclaimer::Outcome> clear(const Order &order, const Watch &watch);
 
 private:

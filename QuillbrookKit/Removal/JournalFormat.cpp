@@ -30,15 +30,28 @@ std::optional<JournalUnit> unit(const Json &json)
         .byRule = boolean(json, "byRule").value_or(false) };
 }
 
+// What the thing is known by stands beside its row.
+void readRow(std::vector<TrashedItem> &items, const Json &row, const Json &beside)
+{
+    auto item = LedgerFormat::decodeRow(row);
+    const auto identity = IdentityFormat::decodeOne(beside);
+    if (!item || !identity)
+        return;
+    item->identity = identity;
+    items.push_back(*std::move(item));
+}
+
+QByteArray rowLine(const char *key, const TrashedItem &item)
+{
+    auto json = IdentityFormat::encodeOne(item.identity.value_or(ThingIdentity()));
+    json[key] = LedgerFormat::encodeRow(item);
+    return line(json);
+}
+
 void readEntry(JournalUnit &unit, const Json &json)
 {
     if (const auto *row = member(json, "move")) {
-        auto item = LedgerFormat::decodeRow(*row);
-        const auto identity = IdentityFormat::decodeOne(json);
-        if (!item || !identity)
-            return;
-        item->identity = identity;
-        unit.moves.push_back(*std::move(item));
+        readRow(unit.moves, *row, json);
     } else if (text(json, "failed")) {
         unit.state = JournalUnit::State::failed;
     } else if (boolean(json, "whole").value_or(false) && unit.state == JournalUnit::State::open) {
@@ -55,6 +68,8 @@ void readLine(Content &content, const Json &json)
     } else if (const auto *begun = member(json, "begin")) {
         if (auto read = unit(*begun))
             content.units.push_back(*std::move(read));
+    } else if (const auto *row = member(json, "leave")) {
+        readRow(content.leaving, *row, json);
     } else if (!content.units.empty()) {
         readEntry(content.units.back(), json);
     }
@@ -77,9 +92,12 @@ QByteArray begin(const JournalUnit &unit)
 
 QByteArray move(const TrashedItem &item)
 {
-    auto json = IdentityFormat::encodeOne(item.identity.value_or(ThingIdentity()));
-    json["move"] = LedgerFormat::encodeRow(item);
-    return line(json);
+    return rowLine("move", item);
+}
+
+QByteArray leave(const TrashedItem &item)
+{
+    return rowLine("leave", item);
 }
 
 QByteArray failed(const QString &id)

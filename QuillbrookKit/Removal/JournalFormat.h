@@ -11,6 +11,8 @@
 //     {"failed": ID}               the entry with that id did not go, so that the finding failed in part;
 //                                  empty for what went wrong outside an entry
 //     {"whole": true}              the finding has ended, and all of it went
+//     {"leave": ROW, "inode", "born", "note", "mode"}
+//                                  what lies at ROW's "trashPath" is about to be put back or deleted
 //
 // ROW is a row as it stands in the ledger, without its bytes. An empty line means nothing, and neither does a
 // line that can't be understood: a kill leaves at most one, and the next finding begins on a line of its own.
@@ -39,6 +41,10 @@ struct JournalUnit
     std::vector<TrashedItem> moves{};
 
     bool operator==(const JournalUnit &) const = default;
+
+    /// Whether its things are no rows of the ledger: what a person's removal moved before it failed. What a
+    /// rule moved is known there, whatever became of the rest.
+    [[nodiscard]] bool isOnlyHere() const { return state == State::failed && !byRule; }
 };
 
 namespace JournalFormat {
@@ -48,6 +54,8 @@ struct Content
     /// Absent where no clearance has begun.
     std::optional<qint64> total{};
     std::vector<JournalUnit> units{};
+    /// What was about to leave the Trash.
+    std::vector<TrashedItem> leaving{};
 
     bool operator==(const Content &) const = default;
 };
@@ -57,6 +65,7 @@ struct Content
 [[nodiscard]] QByteArray move(const TrashedItem &item);
 [[nodiscard]] QByteArray failed(const QString &id);
 [[nodiscard]] QByteArray whole();
+[[nodiscard]] QByteArray leave(const TrashedItem &item);
 
 [[nodiscard]] QByteArray encode(const std::vector<JournalUnit> &units);
 [[nodiscard]] Content decode(QByteArrayView lines);

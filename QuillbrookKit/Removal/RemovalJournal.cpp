@@ -31,6 +31,7 @@ RemovalJournal::RemovalJournal(const FileReading &reading, FileWriting &writing,
     m_total = content.total;
     m_isTotalWritten = m_total.has_value();
     m_units = std::move(content.units);
+    m_leaving = std::move(content.leaving);
 }
 
 void RemovalJournal::startBatch(qint64 total)
@@ -74,6 +75,11 @@ void RemovalJournal::settle()
     write(JournalFormat::whole());
 }
 
+void RemovalJournal::leave(const TrashedItem &item)
+{
+    m_isFileThere |= m_writing.append(m_path, JournalFormat::leave(item)).has_value();
+}
+
 // Without this line the next start takes the finding for one that a kill has cut short, and goes by what lies
 // in the Trash.
 void RemovalJournal::write(const QByteArray &lines)
@@ -85,20 +91,20 @@ void RemovalJournal::close(const Trash &trash)
 {
     for (auto &unit : m_units)
         std::erase_if(unit.moves, [&](const TrashedItem &item) {
-            return unit.state != JournalUnit::State::failed
-                || !trash.isStill(item.trashPath, item.provenance());
+            return !unit.isOnlyHere() || !trash.isStill(item.trashPath, item.provenance());
         });
     std::erase_if(m_units, [](const JournalUnit &unit) { return unit.moves.empty(); });
+    m_leaving.clear();
     m_total.reset();
     m_isTotalWritten = false;
     save();
 }
 
-void RemovalJournal::forget(const QString &id)
+void RemovalJournal::forget(const QSet<QString> &ids)
 {
     for (auto &unit : m_units)
-        if (unit.state == JournalUnit::State::failed)
-            std::erase_if(unit.moves, [&](const TrashedItem &item) { return item.id == id; });
+        if (unit.isOnlyHere())
+            std::erase_if(unit.moves, [&](const TrashedItem &item) { return ids.contains(item.id); });
     save();
 }
 

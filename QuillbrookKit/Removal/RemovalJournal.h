@@ -3,7 +3,8 @@
 // The books before the act: what is about to go to the Trash stands here before it goes, so that a kill at
 // any moment loses track of nothing. The next start reads what the last run left, and `Books` makes rows of
 // it. The things of a finding that failed in part are kept here for as long as they lie in the Trash, to be
-// put back; they are never rows.
+// put back; they are never rows. What is about to leave the Trash stands here too, so that a kill on the way
+// leaves nothing half done.
 //
 // A line costs no more than writing it: what a program has written outlives a kill of it. After a loss of
 // power some of the last lines may be missing, as may the moves that they tell of.
@@ -11,6 +12,8 @@
 // One thread at a time. Blocks on the disk.
 
 #include "Removal/JournalFormat.h"
+
+#include <QSet>
 
 #include <expected>
 
@@ -42,14 +45,20 @@ public:
     void fail(const QString &id);
     /// The finding has ended: failed where something did, else whole.
     void settle();
+    /// `item` is about to leave the Trash. Where that can't be written it may leave all the same: deleting
+    /// asks for no room on the disk.
+    void leave(const TrashedItem &item);
 
     [[nodiscard]] std::optional<qint64> total() const { return m_total; }
     [[nodiscard]] const std::vector<JournalUnit> &units() const { return m_units; }
+    /// What a run that did not come to its end was about to take out of the Trash.
+    [[nodiscard]] const std::vector<TrashedItem> &leaving() const { return m_leaving; }
 
-    /// What the units hold is in the ledger: forgets all but what failed and lies in `trash` still.
+    /// What the units hold is in the ledger: forgets all but what a person's removal left in `trash` when it
+    /// failed in part.
     void close(const Trash &trash);
-    /// Forgets one entry of what failed.
-    void forget(const QString &id);
+    /// Forgets entries of what failed.
+    void forget(const QSet<QString> &ids);
 
 private:
     void write(const QByteArray &lines);
@@ -61,6 +70,7 @@ private:
     bool m_isTotalWritten = false;
     bool m_isFileThere = false;
     std::vector<JournalUnit> m_units;
+    std::vector<TrashedItem> m_leaving;
 };
 
 } // namespace Quillbrook

@@ -4,14 +4,13 @@
 #include "Platform/FileReading.h"
 #include "Platform/FileWriting.h"
 #include "Platform/Trash.h"
+#include "Removal/CappedSum.h"
 #include "Removal/IdentityFormat.h"
 #include "Removal/LedgerFormat.h"
 
-#include <QSet>
 #include <QtGlobal>
 
 #include <algorithm>
-#include <limits>
 #include <tuple>
 
 namespace Quillbrook {
@@ -23,17 +22,8 @@ namespace {
 // About half a million rows; a longer file is not what a ledger grows to.
 constexpr qsizetype maximumStoreBytes = qsizetype{ 256 } * 1024 * 1024;
 
-// The sizes come from a file, which can say anything: sums stop at the ends of the range.
-qint64 added(qint64 a, qint64 b)
-{
-    qint64 sum = 0;
-    if (!__builtin_add_overflow(a, b, &sum))
-        return sum;
-    return b > 0 ? std::numeric_limits<qint64>::max() : std::numeric_limits<qint64>::min();
-}
-
-// So can the paths. Below a relative one lies whatever the program was started in, and the system reads one
-// with a zero byte only up to there: neither is a place in the Trash.
+// The paths come from a file, which can say anything. Below a relative one lies whatever the program was
+// started in, and the system reads one with a zero byte only up to there: neither is a place in the Trash.
 bool isPlace(const std::string &path)
 {
     return path.starts_with('/') && !path.contains('\0');
@@ -74,7 +64,7 @@ TrashLedger::Purged TrashLedger::purge()
     return purge(m_items);
 }
 
-TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items, const PurgeWatch &watch)
+TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items, const Watch &watch)
 {
     Purged purged;
     QSet<QString> tried;
@@ -91,23 +81,30 @@ TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items, co
             continue;
         }
         ++purged.removed;
-        purged.bytes = added(purged.bytes, item.bytes);
+        purged.bytes = cappedSum(purged.bytes, item.bytes);
     }
-    std::erase_if(m_items, [&](const TrashedItem &item) { return tried.contains(item.id); });
-    save();
+    forget(tried);
     return purged;
 }
 
-std::expected<void, QString> TrashLedger::putBack(const TrashedItem &item)
+void TrashLedger::finishPurging()
+{
+    for (const auto &item : m_items)
+        if (isPlace(item.trashPath) && !m_services.trash.isStill(item.trashPath, item.provenance()))
+            m_services.trash.finishErasing(item.trashPath, item.provenance());
+}
+
+std::expected<void, QString> TrashLedger::putBack(const TrashedItem &item) const
 {
     const auto from = item.provenance();
-    auto moved = isPlace(item.trashPath) ? m_services.trash.restore(item.trashPath, item.originalPath, &from)
-                                         : std::unexpected(Trash::somethingElse());
-    if (!moved)
-        return moved;
-    std::erase_if(m_items, [id = item.id](const TrashedItem &row) { return row.id == id; });
+    return isPlace(item.trashPath) ? m_services.trash.restore(item.trashPath, item.originalPath, &from)
+                                   : std::unexpected(Trash::somethingElse());
+}
+
+void TrashLedger::forget(const QSet<QString> &ids)
+{
+    std::erase_if(m_items, [&](const TrashedItem &item) { return ids.contains(item.id); });
     save();
-    return {};
 }
 
 bool TrashLedger::restore(const TrashedItem &item)
@@ -115,7 +112,9 @@ bool TrashLedger::restore(const TrashedItem &item)
     if (!stillInTrash(item))
         return false;
     const auto moved = putBack(item);
-    if (!moved)
+    if (moved)
+        forget({ item.id });
+    else
         log(u"restore failed — %1"_s.arg(moved.error()));
     return moved.has_value();
 }
@@ -133,7 +132,7 @@ TrashLedger::Pending TrashLedger::pending() const
         if (!stillInTrash(item))
             continue;
         ++pending.count;
-        pending.bytes = added(pending.bytes, item.bytes);
+        pending.bytes = cappedSum(pending.bytes, item.bytes);
     }
     return pending;
 }
@@ -141,6 +140,15 @@ TrashLedger::Pending TrashLedger::pending() const
 bool TrashLedger::stillInTrash(const TrashedItem &item) const
 {
     return isPlace(item.trashPath) && m_services.files.kind(item.trashPath).has_value();
+}
+
+std::vector<TrashedItem> TrashLedger::exchanged() const
+{
+    auto items = stillInTrash(m_items);
+    std::erase_if(items, [this](const TrashedItem &item) {
+        return m_services.trash.isStill(item.trashPath, item.provenance());
+    });
+    return items;
 }
 
 std::vector<TrashedItem> TrashLedger::ruleItemsDue(const QDateTime &now, qint64 freeBytes) const

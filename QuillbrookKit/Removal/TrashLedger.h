@@ -16,6 +16,8 @@
 #include "Removal/LedgerServices.h"
 #include "Removal/TrashedItem.h"
 
+#include <QSet>
+
 #include <expected>
 #include <functional>
 #include <stop_token>
@@ -42,7 +44,8 @@ public:
         bool operator==(const Purged &) const = default;
     };
 
-    struct PurgeWatch
+    /// Of what leaves the Trash, thing by thing.
+    struct Watch
     {
         /// Told before each thing goes: which, from 1, of how many, and the bytes that went before it.
         std::function<void(qsizetype number, qsizetype count, const TrashedItem &item, qint64 bytes)>
@@ -74,11 +77,16 @@ public:
     /// The same for `items`; the other rows stay.
     Purged purge(const std::vector<TrashedItem> &items) { return purge(items, {}); }
     /// The same. After a stop what was not tried stays as it is.
-    Purged purge(const std::vector<TrashedItem> &items, const PurgeWatch &watch);
-    /// Puts a thing back where it was, with the folders it needs, forgets its row and saves. Why it can't go
-    /// back, as where something else has its place, is told as a person may read it; the row stays then.
-    [[nodiscard]] std::expected<void, QString> putBack(const TrashedItem &item);
-    /// The same; false when it is not in the Trash, or, logged, when it can't go back.
+    Purged purge(const std::vector<TrashedItem> &items, const Watch &watch);
+    /// Deletes what a purge that was cut short has left of things that were out of the Trash already.
+    void finishPurging();
+    /// Puts a thing back where it was, with the folders it needs. Why it can't go back, as where something
+    /// else has its place, is told as a person may read it. The row stays: it counts no more, and is for the
+    /// caller to forget.
+    [[nodiscard]] std::expected<void, QString> putBack(const TrashedItem &item) const;
+    /// Forgets the rows with these ids, and saves.
+    void forget(const QSet<QString> &ids);
+    /// Puts one back and forgets it; false when it is not in the Trash, or, logged, when it can't go back.
     [[nodiscard]] bool restore(const TrashedItem &item);
     /// Forgets the rows that are no longer in the Trash; saves when there were any.
     void prune();
@@ -90,6 +98,8 @@ public:
     [[nodiscard]] qint64 pendingBytes() const { return pending().bytes; }
     [[nodiscard]] qsizetype pendingCount() const { return pending().count; }
     [[nodiscard]] bool stillInTrash(const TrashedItem &item) const;
+    /// The rows under whose name something else lies in the Trash by now.
+    [[nodiscard]] std::vector<TrashedItem> exchanged() const;
     /// What rules moved and what may go for good now, in order: all that still lies in the Trash when
     /// `freeBytes` is critical, else what has lain there for the grace period.
     [[nodiscard]] std::vector<TrashedItem> ruleItemsDue(const QDateTime &now, qint64 freeBytes) const;

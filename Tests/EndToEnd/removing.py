@@ -141,12 +141,12 @@ class Removing(case.Case):
     def dialogs(self):
         return self.quillbrook.window().all("dialog")
 
-    def asks(self, *words):
-        """Waits for the question in exactly these words and buttons; what leaves everything as it is comes first of
-        the buttons, and has the keyboard."""
-        self.becomes(self.question, list(words))
+    def asks(self, title, message, *buttons, also=()):
+        """Waits for the question in exactly these words and buttons, with what else stands between them; what leaves
+        everything as it is comes first of the buttons, and has the keyboard."""
+        self.becomes(self.question, [title, message, *also, *buttons])
         self.becomes(lambda: [thing.name for thing in self.quillbrook.window().all("push button")
-                              if thing.has(accessibility.FOCUSED)], [words[2]])
+                              if thing.has(accessibility.FOCUSED)], [buttons[0]])
 
     def question(self):
         return [thing.name for dialog in self.dialogs()[:1] for thing in dialog.walk()

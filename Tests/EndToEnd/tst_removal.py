@@ -120,9 +120,12 @@ class Removal(removing.Removing):
             f"✓ {TOOLS_TITLE} — {size} to Trash",
             f"✓ permanently removed 2 items · {homes.in_words(2 * share)} actually freed"])
 
-    def finishAsked(self, size):
+    def finishAsked(self, size, earlier=0):
+        """`earlier` is how many things lay there before this run of the program."""
+        words = homes.in_words(size)
         self.quillbrook.press("Finish removing")
-        self.asks(f"Permanently remove {homes.in_words(size)}?", removing.FINISH, "Cancel", "Remove permanently")
+        self.asks(f"Permanently remove {words}?", removing.FINISH, "Cancel", "Remove permanently", also=(
+            f"{earlier} items ({words}) that Quillbrook moved there before go.", "What is it?") if earlier else ())
 
     def testWhatLiesInTheTrashIsListedAndPutBack(self):
         quillbrook = self.openOnTools()
@@ -143,6 +146,7 @@ class Removal(removing.Removing):
         quillbrook.scanned()
         quillbrook.press("Put back")
         self.becomes(self.inHome, {path: thing for path, thing in before.items() if not path.endswith(b".partial")})
+        self.becomes(lambda: len(self.ledger()), 1)
         self.assertLedgerKnows([f"{TOOLS}/.partial"])
 
     def testWhatLayThereBeforeIsToldBeforeSpaceIsFreed(self):
@@ -291,7 +295,10 @@ class Removal(removing.Removing):
         self.assertEqual(self.activity(), [])
         self.assertEqual(self.inHome(), without(before, TOOLS, PACKAGES))
         self.assertLedgerKnows(things)
-        self.finishAsked(share)
+        self.finishAsked(share, earlier=3)
+        self.press("What is it?")
+        listed = self.quillbrook.window().one("list", "What is in the Trash")
+        self.becomes(lambda: len(listed.all("check box")), 3)
         self.answer("Remove permanently")
         self.becomes(self.activity, [f"✓ permanently removed 3 items · {homes.in_words(share)} actually freed"])
         self.assertEqual((self.trashed(), self.ledger()), (self.old, {}))
@@ -325,9 +332,13 @@ class Removal(removing.Removing):
         self.assertEqual(self.inHome(), left)
 
     def assertBooksKnowTheTrash(self):
-        """All that lies in the Trash but what the person threw away is a row, and no note is without its thing."""
-        things = set(self.trashed().values()) - {b"old.txt"}
-        self.assertEqual({os.path.basename(place) for place, _ in self.ledger().values()}, things)
+        """All that lies in the Trash but what the person threw away is a row and counted, and no note is without its
+        thing."""
+        things, rows = set(self.trashed().values()) - {b"old.txt"}, self.ledger().values()
+        self.assertEqual({os.path.basename(place) for place, _ in rows}, things)
+        settings = self.home.settings.read_text() if self.home.settings.exists() else ""
+        reclaimed = re.search(r"^Quillbrook\.reclaimedBytes=(\d+)$", settings, re.MULTILINE)
+        self.assertEqual(int(reclaimed[1]) if reclaimed else 0, sum(size for _, size in rows))
         self.becomes(lambda: len(self.pending()), 1 if things else 0)
 
     def killed(self):

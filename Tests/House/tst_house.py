@@ -264,6 +264,7 @@ ENGLISH = {
     "QuillbrookKit/Platform/Linux/Copying/": "errors, which end in the log",
     "QuillbrookKit/Platform/Linux/Trash/": "errors, which end in the log",
     "Quillbrook/Core/OffloadDriver.cpp": "sentences of the log",
+    "Quillbrook/Core/PathRemovals.cpp": "sentences of the log",
     "Quillbrook/Core/ReclaimDriver.cpp": "sentences of the log",
     "Quillbrook/Core/UninstallDriver.cpp": "sentences of the log",
     "Quillbrook/Platform/Linux/Bus/": "errors told to programs",

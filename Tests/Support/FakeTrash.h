@@ -80,6 +80,10 @@ public:
     }
     void flush(const std::string &) const override { }
     void takeBackRight(const std::string &, const Provenance &) override { }
+    void finishErasing(const std::string &path, const Provenance &) override
+    {
+        asked.push_back("finish " + path);
+    }
     void dropLoneNote(const std::string &path, const std::string &) override
     {
         asked.push_back("drop " + path);

@@ -74,7 +74,8 @@ struct HomeOnDisk : FakeKit
     void removeSelected(bool permanent) const
     {
         const auto &selected = model->navigation().selection();
-        model->reclaims().removeSelected(permanent, selected ? model->reclaims().inodeOf(*selected)() : 0);
+        auto &paths = model->pathRemovals();
+        paths.removeSelected(permanent, selected ? paths.inodeOf(*selected)() : 0);
         removed();
     }
 

@@ -61,6 +61,10 @@ public:
     {
         m_trash.takeBackRight(path, origin);
     }
+    void finishErasing(const std::string &path, const Provenance &origin) override
+    {
+        m_trash.finishErasing(path, origin);
+    }
     void flush(const std::string &path) const override { m_trash.flush(path); }
     [[nodiscard]] bool holds(const std::string &path) const override { return m_trash.holds(path); }
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override

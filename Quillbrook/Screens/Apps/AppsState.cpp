@@ -50,13 +50,13 @@ AppsState::AppsState(AppModel &model, QObject *parent)
         Q_EMIT orphansChanged();
     });
     connect(&m_sheet, &UninstallSheetState::uninstalled, this, [this] { m_store.load(true); });
-    connect(&m_model.reclaims(), &ReclaimDriver::uninstallLogChanged, this, &AppsState::logChanged);
+    connect(&m_model.pathRemovals(), &PathRemovals::uninstallLogChanged, this, &AppsState::logChanged);
 }
 
 // Another visit may find other applications; until they are measured the sizes of the last one stand.
 void AppsState::appear()
 {
-    m_linesBefore = m_model.reclaims().uninstallLog().size();
+    m_linesBefore = m_model.pathRemovals().uninstallLog().size();
     Q_EMIT logChanged();
     m_store.load(m_store.isLoaded() && !m_store.isLoading());
 }
@@ -192,7 +192,7 @@ QString AppsState::confirmTitle() const
 
 QString AppsState::log() const
 {
-    const auto &all = m_model.reclaims().uninstallLog();
+    const auto &all = m_model.pathRemovals().uninstallLog();
     QStringList lines;
     for (const auto &line : all.first(std::clamp<qsizetype>(all.size() - m_linesBefore, 0, mostLines)))
         lines.append(singleLine(line));

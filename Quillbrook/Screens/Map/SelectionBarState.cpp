@@ -85,7 +85,7 @@ QCoro::Task<> SelectionBarState::judge(NodeSnapshot item)
 {
     const QPointer self(this);
     const auto judging = QtConcurrent::run(judgingPool(),
-        [refusal = m_model.reclaims().guardedPath(item), inode = m_model.reclaims().inodeOf(item)] {
+        [refusal = m_model.pathRemovals().guardedPath(item), inode = m_model.pathRemovals().inodeOf(item)] {
             return Judgement{ .refusal = refusal(), .inode = inode() };
         });
     const auto judgement = co_await judging;
@@ -176,7 +176,7 @@ void SelectionBarState::remove()
 {
     if (const auto asked = std::exchange(m_asked, std::nullopt);
         asked && asked == m_model.navigation().selection())
-        m_model.reclaims().removeSelected(m_permanently, m_askedInode);
+        m_model.pathRemovals().removeSelected(m_permanently, m_askedInode);
 }
 
 QString SelectionBarState::confirmTitle() const

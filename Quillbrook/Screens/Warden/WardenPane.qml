@@ -135,10 +135,17 @@ ColumnLayout {
     ConfirmDialog {
         id: finishing
 
+        hasExtra: root.warden.earlier.text !== ""
         message: qsTr("This frees the space immediately and cannot be undone. Only the items Quillbrook moved are removed.")
         title: root.warden.finishTitle
 
+        extra: EarlierList {
+            Layout.fillWidth: true
+            things: root.warden.earlier
+        }
+
         PushButton {
+            enabled: root.warden.canFinish
             kind: PushButton.Destructive
             text: qsTr("Remove permanently")
             onClicked: {

@@ -4,6 +4,7 @@
 #include "Platform/Clock.h"
 #include "Platform/FileRevealer.h"
 #include "Platform/HomeFolder.h"
+#include "Removal/CappedSum.h"
 #include "Scan/Format.h"
 #include "Screens/Warden/WardenRows.h"
 
@@ -33,6 +34,7 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     : PaneState(parent)
     , m_model(model)
     , m_removal(model.removals())
+    , m_earlier(model)
 {
     connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &WardenState::followPhase);
     connect(&m_model.scans(), &ScanDriver::reportChanged, this, &WardenState::refresh);
@@ -41,7 +43,7 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     connect(&m_model.reclaims(), &ReclaimDriver::lastVerificationChanged, this, &WardenState::refresh);
     connect(&m_model.automation(), &AutomationDriver::offerChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::safetyNetChanged, this, &WardenState::refresh);
-    connect(&m_model.reclaims(), &ReclaimDriver::ledgerChanged, this, &WardenState::followHeld);
+    connect(&m_model.books(), &RemovalBooks::changed, this, &WardenState::followHeld);
     connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &WardenState::refresh);
     refresh();
 }
@@ -61,16 +63,12 @@ void WardenState::tickDefaults()
 // The disk is asked about each thing in the Trash, which is too much for every tick.
 void WardenState::recheck()
 {
-    m_model.reclaims().refreshHeld();
+    m_model.books().refresh();
 }
 
 void WardenState::followHeld()
 {
-    QSet<QString> ids;
-    for (const auto &held : m_model.reclaims().held())
-        ids.insert(held.item.id);
-    m_heldBack.intersect(ids);
-    if (ids.isEmpty())
+    if (m_model.books().held().empty())
         m_heldShown = false;
     Q_EMIT pendingChanged();
     refresh();
@@ -102,11 +100,8 @@ void WardenState::toggle(int row)
     const auto *line = m_rows.at(row);
     if (!line || !line->selectable || m_model.removals().isBusy())
         return;
-    if (line->kind == WardenLines::Kind::Held) {
-        flip(m_heldBack, line->id);
-        Q_EMIT pendingChanged();
-        return refresh();
-    }
+    if (line->kind == WardenLines::Kind::Held)
+        return m_model.books().toggleKept(QString(line->id));
     flip(m_chosen, line->id);
     m_touched = true;
     refresh();
@@ -144,7 +139,7 @@ void WardenState::act(int row, int button)
     if (line->id == WardenRows::verificationBanner)
         m_model.reclaims().dismissVerification();
     else if (line->id == WardenRows::pendingTrashBanner && !m_model.removals().isBusy())
-        button == 0 ? putBack() : finishAsked();
+        button == 0 ? m_model.reclaims().putBack() : askToFinish();
     else if (line->id == WardenRows::completeScanOffer)
         m_model.scans().scan({ .scope = Scope::complete });
 }
@@ -167,18 +162,20 @@ void WardenState::reclaim(bool permanently)
     refresh();
 }
 
-void WardenState::finishRemoving()
+void WardenState::askToFinish()
 {
-    m_model.reclaims().finishRemoving(m_heldBack);
+    m_earlier.hideRows();
+    Q_EMIT finishAsked();
 }
 
-void WardenState::putBack()
+void WardenState::finishRemoving()
 {
-    QSet<QString> ids;
-    for (const auto &held : m_model.reclaims().held())
-        if (!m_heldBack.contains(held.item.id))
-            ids.insert(held.item.id);
-    m_model.reclaims().putBack(ids);
+    m_model.reclaims().finishRemoving();
+}
+
+bool WardenState::canFinish() const
+{
+    return !m_model.books().deletable().empty();
 }
 
 QString WardenState::confirmTitle() const
@@ -204,9 +201,8 @@ QString WardenState::confirmAction() const
 QString WardenState::finishTitle() const
 {
     qint64 bytes = 0;
-    for (const auto &held : m_model.reclaims().held())
-        if (!held.isOnlyInJournal && !m_heldBack.contains(held.item.id))
-            bytes += held.item.bytes;
+    for (const auto &held : m_model.books().deletable())
+        bytes = cappedSum(bytes, held.item.bytes);
     return tr("Permanently remove %1?").arg(Format::bytes(bytes));
 }
 
@@ -219,9 +215,9 @@ void WardenState::refresh()
         .verification = m_model.reclaims().lastVerification(),
         .stayedReasons = m_model.reclaims().stayedReasons(),
         .automationOffer = m_model.automation().offer(),
-        .held = m_model.reclaims().held(),
+        .held = m_model.books().held(),
         .heldShown = m_heldShown,
-        .heldBack = m_heldBack,
+        .heldBack = m_model.books().kept(),
         .isBusy = m_model.removals().isBusy(),
         .offersCompleteScan = m_model.scans().scope() == Scope::quiet,
         .log = m_model.reclaims().reclaimLog(),

@@ -6,6 +6,7 @@
 #include "Catalogue/Finding.h"
 #include "Screens/PaneState.h"
 #include "Screens/RemovalState.h"
+#include "Screens/Warden/EarlierThings.h"
 #include "Screens/Warden/WardenListModel.h"
 
 #include <QSet>
@@ -36,6 +37,10 @@ class WardenState : public PaneState
     Q_PROPERTY(QString confirmAction READ confirmAction NOTIFY confirmChanged FINAL)
     /// The question before what lies in the Trash goes for good.
     Q_PROPERTY(QString finishTitle READ finishTitle NOTIFY pendingChanged FINAL)
+    /// What of that lay there before the move that was made last.
+    Q_PROPERTY(Quillbrook::EarlierThings *earlier READ earlier CONSTANT FINAL)
+    /// Whether anything that is ticked there can go for good.
+    Q_PROPERTY(bool canFinish READ canFinish NOTIFY pendingChanged FINAL)
     /// The sentence of a list without anything to clear; empty otherwise.
     Q_PROPERTY(QString emptyMessage READ emptyMessage NOTIFY emptyMessageChanged FINAL)
 
@@ -52,6 +57,8 @@ public:
     [[nodiscard]] QString confirmMessage() const;
     [[nodiscard]] QString confirmAction() const;
     [[nodiscard]] QString finishTitle() const;
+    [[nodiscard]] EarlierThings *earlier() { return &m_earlier; }
+    [[nodiscard]] bool canFinish() const;
 
     /// The ticked findings that are there, in the report's order.
     [[nodiscard]] QList<Finding> chosenFindings() const;
@@ -93,9 +100,9 @@ protected:
 
 private:
     void tickDefaults();
+    void askToFinish();
     void followPhase();
     void followHeld();
-    void putBack();
     void refresh();
     void setSums();
     void setEmptyMessage();
@@ -106,9 +113,8 @@ private:
     QSet<QString> m_pathShown;
     QList<Finding> m_asked;
     RemovalState m_removal;
+    EarlierThings m_earlier;
     bool m_heldShown = false;
-    /// Of things in the Trash that are not ticked.
-    QSet<QString> m_heldBack;
     bool m_canReclaim = false;
     QString m_total;
     QString m_counts;

@@ -64,7 +64,7 @@ struct Fixture : HomeOnDisk
     }
     [[nodiscard]] const AutomationRule &rule() const { return model->automation().store().rules().first(); }
     [[nodiscard]] const QStringList &log() const { return model->automation().log(); }
-    [[nodiscard]] const std::vector<TrashedItem> &rows() const { return model->reclaims().ledger().items(); }
+    [[nodiscard]] const std::vector<TrashedItem> &rows() const { return model->books().ledger().items(); }
 };
 
 } // namespace
@@ -96,7 +96,7 @@ private Q_SLOTS:
         // None of it is told as the person's own doing.
         QVERIFY(fixture.model->reclaims().reclaimLog().isEmpty());
         QVERIFY(!fixture.model->reclaims().freeNowOffer());
-        QCOMPARE(fixture.model->reclaims().reclaimedSoFar(), 0);
+        QCOMPARE(fixture.model->books().reclaimedSoFar(), 0);
         QVERIFY(!fixture.model->automation().offer());
     }
 

@@ -39,7 +39,7 @@ struct Machine : HomeOnDisk
         QVERIFY(!isDone);
         QTRY_VERIFY(isDone);
     }
-    [[nodiscard]] QStringList log() const { return model->reclaims().uninstallLog(); }
+    [[nodiscard]] QStringList log() const { return model->pathRemovals().uninstallLog(); }
     [[nodiscard]] Leftover cache() const
     {
         return { .path = path(".cache/draw"), .kind = LeftoverKind::cache, .bytes = 4096 };
@@ -67,9 +67,9 @@ private Q_SLOTS:
         QCOMPARE(machine.log(),
             QStringList{
                 u"✓ Draw — 8.0 KB moved to the Trash. The space comes back when the Trash is emptied."_s });
-        QCOMPARE(machine.model->reclaims().ledger().pending(),
-            (TrashLedger::Pending{ .count = 2, .bytes = 8192 }));
-        QCOMPARE(machine.model->reclaims().reclaimedSoFar(), qint64(8192));
+        QCOMPARE(
+            machine.model->books().ledger().pending(), (TrashLedger::Pending{ .count = 2, .bytes = 8192 }));
+        QCOMPARE(machine.model->books().reclaimedSoFar(), qint64(8192));
         QVERIFY(machine.isTrashed("Draw.AppImage") && machine.isTrashed("draw"));
     }
 
@@ -89,7 +89,7 @@ private Q_SLOTS:
         QCOMPARE(machine.log(),
             (QStringList{ u"✓ One — 2.0 KB removed"_s,
                 u"✓ One — 4.0 KB moved to the Trash. The space comes back when the Trash is emptied."_s }));
-        QCOMPARE(machine.model->reclaims().reclaimedSoFar(), qint64(4096));
+        QCOMPARE(machine.model->books().reclaimedSoFar(), qint64(4096));
     }
 
     void aFlatpakThatFailsIsTold()
@@ -98,7 +98,7 @@ private Q_SLOTS:
         machine.applications.failure = u"One could not be uninstalled: no room"_s;
         machine.uninstall(machine.flatpak, { machine.cache() });
         QCOMPARE(machine.log().constFirst(), u"✗ One could not be uninstalled: no room"_s);
-        QCOMPARE(machine.model->reclaims().ledger().pending().count, 1);
+        QCOMPARE(machine.model->books().ledger().pending().count, 1);
     }
 
     void orphansGoWithTheirOwnSubject()
@@ -114,7 +114,7 @@ private Q_SLOTS:
         QCOMPARE(machine.log(),
             QStringList{
                 u"✓ leftovers — 4.0 KB moved to the Trash. The space comes back when the Trash is emptied."_s });
-        QCOMPARE(machine.model->reclaims().ledger().items().at(0).label, u"My Draw · Cache"_s);
+        QCOMPARE(machine.model->books().ledger().items().at(0).label, u"My Draw · Cache"_s);
     }
 
     void withoutOrphansNothingStarts()

@@ -2,9 +2,10 @@
 // compares disk, Trash, ledger, journal and total. Ten findings of three entries are killed at every call,
 // until they come to their end; with "random", larger ones are killed at a thousand calls picked by chance.
 //
-//     kill_Clearance all | random | purge
+//     kill_Clearance all | random | start | back | purge
 //
-// With "purge" two findings are cleared, and it is what is deleted for good that is killed at every call.
+// With the last three two findings are cleared, and what is killed at every call is the start after a
+// clearance that never came to its books, putting all back, or deleting all for good.
 
 #include "Platform/Clock.h"
 #include "Platform/Linux/Files/LinuxFileFacts.h"
@@ -57,6 +58,8 @@ constexpr int randomKills = 1000;
 constexpr qint64 bytesOfAnEntry = 1000;
 constexpr qint64 totalBefore = 70'000;
 constexpr std::string_view foreign = "foreign";
+constexpr std::string_view foreignText = "not ours";
+constexpr std::string_view foreignNote = "[Trash Info]\nPath=/elsewhere\nDeletionDate=2024-01-01T00:00:00\n";
 constexpr auto closedToWriting = fs::perms::owner_read | fs::perms::owner_exec;
 
 [[noreturn]] void fail(const std::string &what)
@@ -71,7 +74,7 @@ std::string content(const std::string &path)
     return { std::istreambuf_iterator<char>(file), {} };
 }
 
-void write(const std::string &path, const std::string &text)
+void write(const std::string &path, std::string_view text)
 {
     std::ofstream(path, std::ios::binary) << text;
 }
@@ -107,9 +110,8 @@ public:
         }
         fs::create_directories(trashFolder() + "/files");
         fs::create_directories(trashFolder() + "/info");
-        write(trashFolder() + "/files/" + std::string(foreign), "not ours");
-        write(trashFolder() + "/info/" + std::string(foreign) + ".trashinfo",
-            "[Trash Info]\nPath=/elsewhere\nDeletionDate=2024-01-01T00:00:00\n");
+        write(trashFolder() + "/files/" + std::string(foreign), foreignText);
+        write(trashFolder() + "/info/" + std::string(foreign) + ".trashinfo", foreignNote);
         write(totalFile(), std::to_string(totalBefore));
     }
 
@@ -189,12 +191,29 @@ public:
     {
         Clearance clearance({ .trash = m_trash, .removal = m_removal, .files = m_files, .clock = m_clock },
             m_journal, QString::fromStdString(m_home.base() + "/home"));
-        const auto outcomes
-            = clearance.clear({ .findings = m_home.findings(), .reclaimedSoFar = total() }, {});
-        books().enter(outcomes, false, [this](qint64 bytes) { count(bytes); });
+        m_journal.startBatch(total());
+        m_outcomes = clearance.clear({ .findings = m_home.findings() }, {});
+    }
+    void enter()
+    {
+        books().enter(m_outcomes, false, [this](qint64 bytes) { count(bytes); });
+    }
+    void clearAndEnter()
+    {
+        clear();
+        enter();
     }
 
-    void purge() { std::ignore = m_ledger.purge(); }
+    void putBack()
+    {
+        std::ignore = books().putBack(books().held());
+        m_journal.close(m_trash);
+    }
+    void purge()
+    {
+        books().purge(m_ledger.items());
+        m_journal.close(m_trash);
+    }
     void prune() { m_ledger.prune(); }
 
     void takeUp()
@@ -224,13 +243,14 @@ private:
     LinuxTrash m_trash;
     RemovalJournal m_journal;
     TrashLedger m_ledger;
+    std::vector<Reclaimer::Outcome> m_outcomes;
 };
 
 // Runs what a program does up to the entry of its system call `kill`, counted from 1. Whether it was killed.
 class TracedRun
 {
 public:
-    explicit TracedRun(const Home &home, void (Start::*job)() = &Start::clear)
+    explicit TracedRun(const Home &home, void (Start::*job)() = &Start::clearAndEnter)
         : m_home(home)
         , m_job(job)
     {
@@ -303,6 +323,21 @@ struct Whereabouts
     std::map<std::string, std::string> inTrash{};
 };
 
+// Things and notes belong together, and what somebody else threw away is as it was.
+void compareTrash(const Home &home, const std::string &when)
+{
+    const auto files = home.trashFolder() + "/files";
+    std::vector<std::string> notes;
+    for (const auto &name : names(files))
+        notes.push_back(name + ".trashinfo");
+    std::ranges::sort(notes);
+    if (notes != names(home.trashFolder() + "/info"))
+        fail(when + ": things and notes do not match");
+    if (content(files + '/' + std::string(foreign)) != foreignText
+        || content(home.trashFolder() + "/info/" + std::string(foreign) + ".trashinfo") != foreignNote)
+        fail(when + ": what is not ours has changed");
+}
+
 Whereabouts whereabouts(const Home &home, const std::string &when)
 {
     Whereabouts found;
@@ -352,12 +387,7 @@ void compare(const Home &home, const std::string &when)
             + std::to_string(bytes));
     if (!start.journal().units().empty() || start.journal().total())
         fail(when + ": the journal was not closed");
-    std::vector<std::string> notes;
-    for (const auto &name : names(home.trashFolder() + "/files"))
-        notes.push_back(name + ".trashinfo");
-    std::ranges::sort(notes);
-    if (notes != names(home.trashFolder() + "/info"))
-        fail(when + ": things and notes do not match");
+    compareTrash(home, when);
 
     Start again(home);
     again.takeUp();
@@ -384,38 +414,60 @@ long killEverywhere(const Home &home)
     return kills - 1;
 }
 
-// A row names a whole thing or none, what is in no row is gone or out of the Trash, and nothing else was
-// touched. The next purge takes the rest.
-void comparePurged(const Home &home, const std::string &when)
+// Everything is where it was or in the Trash with its row, and a second try puts the rest back.
+void comparePutBack(const Home &home, const std::string &when)
 {
-    const auto files = home.trashFolder() + "/files";
     Start start(home);
     start.takeUp();
-    start.prune();
+    compareTrash(home, when);
+    const auto found = whereabouts(home, when);
+    const auto entries = static_cast<size_t>(home.size().findings) * static_cast<size_t>(home.size().entries);
+    if (found.atHome.size() + found.inTrash.size() != entries)
+        fail(when + ": an entry is gone, or is there twice");
+    start.putBack();
+    compareTrash(home, when);
+    if (whereabouts(home, when).atHome.size() != entries)
+        fail(when + ": not all can be put back");
+}
+
+// A row names a whole thing or none, what is in no row is gone or out of the Trash, and nothing else was
+// touched. The next purge takes the rest, and what the first has left half deleted.
+void comparePurged(const Home &home, const std::string &when)
+{
+    Start start(home);
+    start.takeUp();
+    compareTrash(home, when);
+    const auto found = whereabouts(home, when);
     std::set<std::string> rows;
     for (const auto &item : start.ledger().items())
-        if (!start.trash().isStill(item.trashPath, item.provenance()) || !rows.insert(item.trashPath).second)
-            fail(when + ": a row names what is not its thing");
-    for (const auto &name : names(files))
-        if (const auto path = files + '/' + name;
-            name != foreign && (!rows.contains(path) || Home::mark(path).empty()))
+        if (start.trash().isStill(item.trashPath, item.provenance()))
+            rows.insert(item.trashPath);
+    for (const auto &[mark, path] : found.inTrash)
+        if (!rows.erase(path) || mark.empty())
             fail(when + ": what lies in the Trash is not whole, or in no row");
+    if (!rows.empty())
+        fail(when + ": two rows name one thing");
     start.purge();
-    if (names(files) != std::vector{ std::string(foreign) }
-        || content(files + '/' + std::string(foreign)) != "not ours")
+    compareTrash(home, when);
+    if (names(home.trashFolder() + "/files") != std::vector{ std::string(foreign) })
         fail(when + ": the next purge did not take the rest alone");
+    if (!names(home.trashFolder() + "/expunged").empty())
+        fail(when + ": the next purge left what was half deleted");
+    start.prune();
     if (!start.ledger().items().empty())
         fail(when + ": rows are left");
 }
 
-long killPurges(const Home &home)
+// Kills `job` at every call, after what `before` does, until it comes to its end.
+long killEveryCall(const Home &home, void (Start::*before)(), void (Start::*job)(),
+    void (*comparison)(const Home &, const std::string &))
 {
     long kills = 0;
     for (bool isKilled = true; isKilled;) {
         home.make();
-        Start(home).clear();
-        isKilled = TracedRun(home, &Start::purge).killedAt(++kills);
-        comparePurged(home, "purge killed at call " + std::to_string(kills));
+        (Start(home).*before)();
+        isKilled = TracedRun(home, job).killedAt(++kills);
+        comparison(home, "killed at call " + std::to_string(kills));
     }
     return kills - 1;
 }
@@ -437,13 +489,42 @@ long killAtRandom(const Home &home)
     return randomKills;
 }
 
+long killStarts(const Home &home)
+{
+    return killEveryCall(home, &Start::clear, &Start::takeUp, compare);
+}
+
+long killReturns(const Home &home)
+{
+    return killEveryCall(home, &Start::clearAndEnter, &Start::putBack, comparePutBack);
+}
+
+long killPurges(const Home &home)
+{
+    return killEveryCall(home, &Start::clearAndEnter, &Start::purge, comparePurged);
+}
+
+struct Job
+{
+    Size size{};
+    long (*kill)(const Home &home) = nullptr;
+};
+
 } // namespace
 
 int main(int arguments, char **texts)
 {
     const std::string_view which = arguments == 2 ? texts[1] : "";
-    if (which != "all" && which != "random" && which != "purge") {
-        std::fputs("kill_Clearance all | random | purge\n", stderr);
+    const std::map<std::string_view, Job> jobs{
+        { "all", { .size = small, .kill = killEverywhere } },
+        { "random", { .size = large, .kill = killAtRandom } },
+        { "start", { .size = smallest, .kill = killStarts } },
+        { "back", { .size = smallest, .kill = killReturns } },
+        { "purge", { .size = smallest, .kill = killPurges } },
+    };
+    const auto job = jobs.find(which);
+    if (job == jobs.end()) {
+        std::fputs("kill_Clearance all | random | start | back | purge\n", stderr);
         return 2;
     }
     // To whom nothing is closed, no right is lent.
@@ -461,11 +542,8 @@ int main(int arguments, char **texts)
     const QTemporaryDir folder(place + QStringLiteral("/quillbrook-kill-XXXXXX"));
     if (!folder.isValid())
         fail("no folder");
-    const auto size = which == "all" ? small : which == "random" ? large : smallest;
-    const Home home(folder.path().toStdString() + "/base", size);
-    const auto kills = which == "all" ? killEverywhere(home)
-        : which == "random"           ? killAtRandom(home)
-                                      : killPurges(home);
+    const Home home(folder.path().toStdString() + "/base", job->second.size);
+    const auto kills = job->second.kill(home);
     home.remove();
     std::printf("%ld kills\n", kills);
     return 0;

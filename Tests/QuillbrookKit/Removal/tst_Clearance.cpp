@@ -47,13 +47,14 @@ struct Machine
     {
         Clearance clearance({ .trash = f.trash, .removal = removal, .files = files, .clock = f.clock },
             *journal, QString::fromStdString(f.home.path("caches")));
+        journal->startBatch(total);
         return clearance.clear(
-            { .findings = { finding("one", 30), finding("two", 20) }, .reclaimedSoFar = total }, watch);
+            { .findings = { finding("one", 30), finding("two", 20) }, .byRule = byRule }, watch);
     }
     [[nodiscard]] Books books() { return { .ledger = *ledger, .journal = *journal, .trash = f.trash }; }
     void enter(const std::vector<Reclaimer::Outcome> &outcomes)
     {
-        books().enter(outcomes, false, [this](qint64 bytes) { total += bytes; });
+        books().enter(outcomes, byRule, [this](qint64 bytes) { total += bytes; });
     }
     void takeUp()
     {
@@ -75,6 +76,7 @@ struct Machine
     std::unique_ptr<RemovalJournal> journal;
     std::unique_ptr<TrashLedger> ledger;
     qint64 total = 7;
+    bool byRule = false;
 };
 
 } // namespace
@@ -144,11 +146,11 @@ private Q_SLOTS:
         QCOMPARE(machine.ledger->purge().removed, 2);
         const auto held = machine.books().held();
         QCOMPARE(held.size(), size_t{ 2 });
-        for (const auto &each : held) {
+        for (const auto &each : held)
             QVERIFY(each.isOnlyInJournal);
-            QVERIFY(machine.books().putBack(each));
-            QVERIFY(!machine.books().putBack(each));
-        }
+        for (const bool isThere : { true, false })
+            for (const auto &done : machine.books().putBack(held))
+                QCOMPARE(done.has_value(), isThere);
         QCOMPARE(TrashFixture::names(machine.f.home.path("caches/one")),
             (std::vector<std::string>{ "a\xff", "b", "c" }));
         machine.start();
@@ -160,10 +162,11 @@ private Q_SLOTS:
         Machine machine;
         machine.enter(machine.clear());
         machine.f.home.fileWith("caches/two/d", "new");
-        for (const auto &each : machine.books().held()) {
-            const auto done = machine.books().putBack(each);
-            QCOMPARE(done.has_value(), each.item.originalPath != machine.f.home.path("caches/two/d"));
-        }
+        const auto held = machine.books().held();
+        const auto done = machine.books().putBack(held);
+        QCOMPARE(done.size(), held.size());
+        for (size_t i = 0; i < held.size(); ++i)
+            QCOMPARE(done[i].has_value(), held[i].item.originalPath != machine.f.home.path("caches/two/d"));
         QCOMPARE(TrashFixture::content(machine.f.home.path("caches/two/d")), "new");
         QCOMPARE(machine.ledger->items().size(), size_t{ 1 });
     }
@@ -203,6 +206,58 @@ private Q_SLOTS:
         QCOMPARE(machine.total, 7 + added);
         QCOMPARE(machine.ledger->items().size(), static_cast<size_t>(added / 10));
         QCOMPARE(machine.ledger->pendingBytes(), added);
+    }
+
+    // All that went is known, also of a finding that failed in part, and none of it a person has reclaimed.
+    void whatARuleMovedBeforeAKillIsMarkedAndNotCounted()
+    {
+        Machine machine;
+        machine.byRule = true;
+        machine.makeStuck("b");
+        std::ignore = machine.clear();
+        machine.start();
+        machine.takeUp();
+        QCOMPARE(machine.total, 7);
+        QCOMPARE(machine.ledger->items().size(), size_t{ 4 });
+        for (const auto &item : machine.ledger->items())
+            QCOMPARE(item.byRule, std::optional(true));
+        QVERIFY(machine.journal->units().empty());
+    }
+
+    void stopEndsPuttingBackBetweenTwoThings()
+    {
+        Machine machine;
+        machine.enter(machine.clear());
+        std::stop_source stop;
+        const auto held = machine.books().held();
+        const auto done = machine.books().putBack(held,
+            { .before =
+                    [&](qsizetype number, qsizetype count, const TrashedItem &item, qint64 bytes) {
+                        QCOMPARE(count, 5);
+                        QCOMPARE(item, held[static_cast<size_t>(number - 1)].item);
+                        QCOMPARE(bytes, (number - 1) * 10);
+                        if (number == 2)
+                            stop.request_stop();
+                    },
+                .stop = stop.get_token() });
+        QCOMPARE(done.size(), size_t{ 2 });
+        QCOMPARE(machine.books().held(), std::vector(held.begin() + 2, held.end()));
+    }
+
+    // Of each thing that leaves the Trash a line goes before, and is closed with the rest.
+    void whatIsAboutToLeaveTheTrashStandsInTheJournal()
+    {
+        Machine machine;
+        machine.enter(machine.clear());
+        const auto held = machine.books().held();
+        std::ignore = machine.books().putBack({ held[0] });
+        machine.books().purge({ held[1].item });
+        machine.start();
+        QCOMPARE(machine.journal->leaving(), (std::vector{ held[0].item, held[1].item }));
+        machine.takeUp();
+        machine.start();
+        QVERIFY(machine.journal->leaving().empty());
+        QCOMPARE(machine.books().held(), std::vector(held.begin() + 2, held.end()));
     }
 
     // Its own row, its own line in the journal, and the tests of its finding.

@@ -252,6 +252,30 @@ private Q_SLOTS:
         QVERIFY(machine.trash.asked.empty());
     }
 
+    void whatAPurgeLeftHalfDeletedIsFinished()
+    {
+        Machine machine;
+        auto ledger = machine.ledger();
+        const auto gone = machine.gone("gone", 10);
+        auto nowhere = machine.gone("nowhere", 10);
+        nowhere.trashPath = "files/nowhere";
+        ledger.record({ gone, machine.trashed("b", 20), nowhere });
+        ledger.finishPurging();
+        QCOMPARE(machine.trash.asked, std::vector{ "finish " + gone.trashPath });
+        QCOMPARE(ledger.items().size(), size_t{ 3 });
+    }
+
+    void rowsOfExchangedThingsAreTold()
+    {
+        Machine machine;
+        auto ledger = machine.ledger();
+        const auto item = machine.trashed("data", 10);
+        ledger.record({ machine.gone("gone", 1), machine.trashed("b", 20), item });
+        QVERIFY(ledger.exchanged().empty());
+        machine.trash.origins[item.trashPath] = "/home/someone/Documents/data";
+        QCOMPARE(ledger.exchanged(), std::vector{ item });
+    }
+
     void purgeLeavesRowsThatAreNotInTheTrash()
     {
         Machine machine;

@@ -39,6 +39,7 @@ public:
     [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
     void dropLoneNote(const std::string &trashPath, const std::string &note) override;
     void takeBackRight(const std::string &trashPath, const Provenance &from) override;
+    void finishErasing(const std::string &trashPath, const Provenance &from) override;
     [[nodiscard]] std::shared_ptr<void> hold() override;
     void flush(const std::string &path) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
@@ -50,7 +51,12 @@ private:
     /// Its way into the Trash, with what it was asked to ask.
     struct Journey;
     /// A path told of as one in a trash: directly in its `files`, or in its `expunged`.
-    struct Trashed;
+    struct Trashed
+    {
+        TrashFolder trash{};
+        std::string name{};
+        bool isLeftover = false;
+    };
 
     [[nodiscard]] std::expected<Thing, int> thingAt(const std::string &path) const;
     [[nodiscard]] std::optional<QString> objection(const Thing &thing) const;
@@ -70,7 +76,10 @@ private:
     [[nodiscard]] std::expected<void, QString> eraseAside(
         const Trashed &thing, const FolderPlace &aside) const;
     [[nodiscard]] std::expected<void, QString> eraseInPlace(const Trashed &thing) const;
+    [[nodiscard]] bool isLeftoverOf(const FolderPlace &aside, const ThingIdentity &identity) const;
+    void takeBackRightAt(const FolderPlace &place, const ThingIdentity &identity) const;
     void dropNote(const Trashed &thing) const;
+    [[nodiscard]] bool isNoteAlone(const Trashed &thing, const std::string &text) const;
     [[nodiscard]] std::optional<std::string> note(const Trashed &thing) const;
 
     /// Runs `attempt`, which returns an errno, and again with the reserve given up where it failed for want

@@ -7,13 +7,12 @@
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
 #include "Platform/Linux/Trash/LinuxTrash.h"
 #include "Platform/Linux/Trash/TrashNote.h"
+#include "Platform/Linux/Trash/TrashReading.h"
 #include "Platform/Linux/Trash/TreeEraser.h"
 #include "StandardisedPath.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <random>
 #include <unordered_set>
@@ -32,29 +31,6 @@ std::string freshName()
 {
     static thread_local std::mt19937_64 numbers{ std::random_device()() };
     return std::to_string(numbers());
-}
-
-std::vector<std::string> namesIn(const FileCalls &calls, int folder)
-{
-    constexpr size_t bufferBytes = 32768;
-    alignas(dirent64) std::array<char, bufferBytes> buffer; // NOLINT: filled by the system
-    std::vector<std::string> names;
-    if (calls.seek(folder, 0) < 0)
-        return names;
-    for (;;) {
-        const auto count = calls.list(folder, buffer.data(), buffer.size());
-        if (count <= 0)
-            break;
-        for (size_t offset = 0; offset < static_cast<size_t>(count);) {
-            const auto &entry = *reinterpret_cast<const dirent64 *>(buffer.data() + offset);
-            offset += entry.d_reclen;
-            const std::string_view name = entry.d_name;
-            if (name != "." && name != "..")
-                names.emplace_back(name);
-        }
-    }
-    std::ranges::sort(names);
-    return names;
 }
 
 // An open folder, and the paths of those that were made on the way to it, from the outermost.
@@ -95,21 +71,7 @@ FolderToFill folderToFill(const FileCalls &calls, const std::string &path)
     return result;
 }
 
-bool hasIdentity(const FileCalls &calls, const FolderPlace &place, const ThingIdentity &identity)
-{
-    struct statx status = {};
-    return calls.statAt(place.folder, place.name.c_str(), 0, status) == 0 && status.stx_ino == identity.inode
-        && bornAt(status) == identity.born;
-}
-
 } // namespace
-
-struct LinuxTrash::Trashed
-{
-    TrashFolder trash{};
-    std::string name{};
-    bool isLeftover = false;
-};
 
 std::expected<LinuxTrash::Trashed, QString> LinuxTrash::trashed(const std::string &path) const
 {
@@ -202,7 +164,7 @@ std::expected<void, QString> LinuxTrash::eraseThing(const Trashed &thing, const 
         return eraseInPlace(thing);
     // The name may have been given away between the question and the move.
     if (from != nullptr && from->identity && from->identity->born != 0
-        && !hasIdentity(m_calls, aside, *from->identity)) {
+        && !TrashReading::hasIdentity(m_calls, aside, *from->identity)) {
         std::ignore = CarefulRename::move(m_calls, aside, inTrash);
         return std::unexpected(somethingElse());
     }
@@ -259,7 +221,8 @@ bool LinuxTrash::agrees(const Trashed &thing, const Provenance &from) const
 {
     const FolderPlace place{ .folder = thing.trash.files.number(), .name = thing.name };
     if (from.identity && from.identity->born != 0 && m_calls.keepsInodes(place.folder))
-        return hasIdentity(m_calls, place, *from.identity) && !noteObjects(thing, *from.identity);
+        return TrashReading::hasIdentity(m_calls, place, *from.identity)
+            && !noteObjects(thing, *from.identity);
     struct statx status = {};
     return m_calls.statAt(place.folder, place.name.c_str(), 0, status) == 0 && noteAgrees(thing, from);
 }
@@ -290,64 +253,10 @@ bool LinuxTrash::noteAgrees(const Trashed &thing, const Provenance &from) const
         || isOrigin(ResolvedPath::withoutLinks(from.originalPath));
 }
 
-void LinuxTrash::takeBackRight(const std::string &trashPath, const Provenance &from)
-{
-    if (!from.identity || !from.identity->mode)
-        return;
-    const auto &identity = *from.identity;
-    const auto take = [&](const FolderPlace &place) {
-        const FileDescriptor folder(
-            m_calls.openAt(place.folder, place.name.c_str(), placeFlags | O_NOFOLLOW));
-        struct statx status = {};
-        constexpr unsigned modeBits = 07777;
-        const bool isOpen
-            = folder.isOpen() && m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, status) == 0;
-        const bool isSame = isOpen
-            && (identity.born == 0 || (status.stx_ino == identity.inode && bornAt(status) == identity.born));
-        if (isSame && (status.stx_mode & modeBits) == (*identity.mode | S_IWUSR))
-            std::ignore = m_calls.changeMode(folder.number(), *identity.mode);
-    };
-    if (const auto thing = trashed(trashPath); thing && !thing->isLeftover && agrees(*thing, from)) {
-        take({ .folder = thing->trash.files.number(), .name = thing->name });
-        return;
-    }
-    // Where it was it is known by its identity alone.
-    const auto origin = HeldThing::at(m_calls, from.originalPath);
-    if (origin && identity.born != 0)
-        take({ .folder = origin->folder.number(), .name = origin->name });
-}
-
-void LinuxTrash::dropLoneNote(const std::string &trashPath, const std::string &text)
-{
-    const auto thing = trashed(trashPath);
-    if (!thing || thing->isLeftover)
-        return;
-    struct statx status = {};
-    const bool isAlone
-        = m_calls.statAt(thing->trash.files.number(), thing->name.c_str(), 0, status) != 0 && errno == ENOENT;
-    const auto written = isAlone ? note(*thing) : std::nullopt;
-    if (written && text.starts_with(*written))
-        dropNote(*thing);
-}
-
-// Absent where there is none, or something else than a file has its name.
 std::optional<std::string> LinuxTrash::note(const Trashed &thing) const
 {
-    // Enough for a path of the greatest length in which every byte is encoded by three, and the rest.
-    constexpr size_t mostBytes = 16384;
-    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    const auto name = TrashNote::nameFor(thing.name);
-    const FileDescriptor file(m_calls.openAt(thing.trash.info.number(), name.c_str(), flags));
-    struct statx status = {};
-    if (!file.isOpen() || m_calls.statAt(file.number(), "", AT_EMPTY_PATH, status) != 0
-        || !S_ISREG(status.stx_mode))
-        return std::nullopt;
-    std::string text(mostBytes, '\0');
-    const auto length = ::read(file.number(), text.data(), text.size());
-    if (length < 0)
-        return std::nullopt;
-    text.resize(static_cast<size_t>(length));
-    return text;
+    return TrashReading::note(
+        m_calls, { .folder = thing.trash.info.number(), .name = TrashNote::nameFor(thing.name) });
 }
 
 std::vector<TrashEntry> LinuxTrash::items(const std::string &path) const
@@ -359,9 +268,9 @@ std::vector<TrashEntry> LinuxTrash::items(const std::string &path) const
     const auto folder = position->inner.substr(0, position->inner.find('/'));
     std::vector<TrashEntry> entries;
     if (folder != leftoversFolder) {
-        const auto names = namesIn(m_calls, trash->info.number());
+        const auto names = TrashReading::names(m_calls, trash->info.number());
         const std::unordered_set<std::string> notes(names.begin(), names.end());
-        for (const auto &name : namesIn(m_calls, trash->files.number())) {
+        for (const auto &name : TrashReading::names(m_calls, trash->files.number())) {
             const auto note = TrashNote::nameFor(name);
             entries.push_back({ .path = trash->path + "/files/" + name,
                 .note = notes.contains(note) ? trash->path + "/info/" + note : std::string() });
@@ -371,7 +280,7 @@ std::vector<TrashEntry> LinuxTrash::items(const std::string &path) const
         return entries;
     const auto leftovers = m_folders.ownFolder(trash->self.number(), std::string(leftoversFolder), false);
     if (leftovers)
-        for (const auto &name : namesIn(m_calls, leftovers->number()))
+        for (const auto &name : TrashReading::names(m_calls, leftovers->number()))
             entries.push_back({ .path = trash->path + "/expunged/" + name });
     return entries;
 }

@@ -60,7 +60,8 @@ private Q_SLOTS:
     void whatLayThereBeforeIsToldAndCanBeKeptBack()
     {
         Fixture fixture;
-        QCOMPARE(fixture.offer.earlier(), QString());
+        auto &earlier = *fixture.offer.earlier();
+        QCOMPARE(earlier.text(), QString());
         fixture.offer.keep();
         for (const auto *name : { "one", "two" })
             fixture.tree.file(std::string("home/.npm/_cacache/") + name, 8192);
@@ -68,10 +69,28 @@ private Q_SLOTS:
         fixture.model->reclaims().reclaim({ fixture.finding(".npm/_cacache") }, false);
         fixture.settled();
         QCOMPARE(fixture.offer.title(), u"Moved 16.0 KB to the Trash. Free the space now?"_s);
-        QCOMPARE(fixture.offer.earlier(), u"1 item (4.0 KB) that Quillbrook moved there before goes too."_s);
-        QCOMPARE(fixture.offer.rows()->rowCount(), 1);
-        fixture.offer.toggle(0);
-        QVERIFY(!fixture.offer.rows()->at(0)->ticked);
+        QCOMPARE(earlier.text(), u"1 item (4.0 KB) that Quillbrook moved there before goes too."_s);
+        QCOMPARE(earlier.rows()->rowCount(), 1);
+        earlier.toggle(0);
+        QVERIFY(!earlier.rows()->at(0)->ticked);
+        QCOMPARE(earlier.text(), u"What Quillbrook moved there before stays."_s);
+        fixture.offer.free();
+        fixture.settled();
+        QVERIFY(fixture.isTrashed("log"));
+        QVERIFY(!fixture.isTrashed("one"));
+    }
+
+    // By whichever list it was unticked: that of the screen, or that of an earlier question.
+    void whatIsKeptOnceIsKeptByTheNextQuestionToo()
+    {
+        Fixture fixture;
+        fixture.offer.keep();
+        fixture.model->books().toggleKept(fixture.model->books().held().front().item.id);
+        fixture.tree.file("home/.npm/_cacache/one", 8192);
+        fixture.scan();
+        fixture.model->reclaims().reclaim({ fixture.finding(".npm/_cacache") }, false);
+        fixture.settled();
+        QVERIFY(!fixture.offer.earlier()->rows()->at(0)->ticked);
         fixture.offer.free();
         fixture.settled();
         QVERIFY(fixture.isTrashed("log"));
@@ -84,7 +103,7 @@ private Q_SLOTS:
         fixture.offer.keep();
         QVERIFY(!fixture.offer.asked());
         QVERIFY(fixture.isTrashed("log"));
-        QCOMPARE(fixture.model->reclaims().ledger().pendingCount(), qsizetype(1));
+        QCOMPARE(fixture.model->books().ledger().pendingCount(), qsizetype(1));
     }
 };
 

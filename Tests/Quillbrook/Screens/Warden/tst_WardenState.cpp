@@ -405,6 +405,38 @@ private Q_SLOTS:
         fixture.settled();
     }
 
+    // After the move itself there is nothing else to tell of; after another start all of it is.
+    void questionBeforeTheTrashGoesListsWhatLayThereBefore()
+    {
+        HomeOnDisk home;
+        home.tree.file("home/.npm/_cacache/one", 8192);
+        home.tree.file("home/.gradle/daemon/log", 4096);
+        home.scan();
+        home.model->reclaims().reclaim(
+            { home.finding(".npm/_cacache"), home.finding(".gradle/daemon") }, false);
+        home.settled();
+        QCOMPARE(WardenState(*home.model).earlier()->text(), QString());
+        home.start();
+        WardenState warden(*home.model);
+        auto &earlier = *warden.earlier();
+        QCOMPARE(earlier.text(), u"2 items (12.0 KB) that Quillbrook moved there before go."_s);
+        QCOMPARE(earlier.rows()->at(0)->title, u"Android build logs · log"_s);
+        QVERIFY(earlier.rows()->at(1)->last);
+        earlier.toggleRows();
+        QVERIFY(earlier.rowsShown());
+        earlier.toggle(1);
+        QCOMPARE(earlier.text(), u"1 item (4.0 KB) that Quillbrook moved there before goes."_s);
+        QCOMPARE(warden.finishTitle(), u"Permanently remove 4.0 KB?"_s);
+        QVERIFY(warden.canFinish());
+        earlier.toggle(0);
+        QVERIFY(!warden.canFinish());
+        earlier.toggle(0);
+        warden.finishRemoving();
+        home.settled();
+        QVERIFY(home.isTrashed("one"));
+        QVERIFY(!home.isTrashed("log"));
+    }
+
     void whatIsTickedInTheTrashIsPutBackOrDeleted()
     {
         DiskFixture fixture;

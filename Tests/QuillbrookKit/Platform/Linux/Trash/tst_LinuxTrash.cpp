@@ -197,16 +197,19 @@ private Q_SLOTS:
     void rightThatAKillLeftLentIsTakenBack_data()
     {
         QTest::addColumn<bool>("isMoved");
+        QTest::addColumn<bool>("hasNote");
         QTest::addColumn<unsigned>("mode");
         QTest::addColumn<unsigned>("after");
-        QTest::newRow("before the move") << false << 0755U << 0555U;
-        QTest::newRow("after the move") << true << 0755U << 0555U;
-        QTest::newRow("changed by somebody since") << true << 0775U << 0775U;
+        QTest::newRow("before the move") << false << true << 0755U << 0555U;
+        QTest::newRow("after the move") << true << true << 0755U << 0555U;
+        QTest::newRow("changed by somebody since") << true << true << 0775U << 0775U;
+        QTest::newRow("given by who has put it back") << false << false << 0755U << 0755U;
     }
 
     void rightThatAKillLeftLentIsTakenBack()
     {
         QFETCH(bool, isMoved);
+        QFETCH(bool, hasNote);
         QFETCH(unsigned, mode);
         TrashFixture f;
         f.home.folder("module");
@@ -218,6 +221,8 @@ private Q_SLOTS:
         };
         if (!isMoved)
             QVERIFY(f.trash.restore(moved->path, f.home.path("module")));
+        if (!isMoved && hasNote)
+            f.home.fileWith(".local/share/Trash/info/module.trashinfo", moved->identity->note);
         const auto path = isMoved ? moved->path : f.home.path("module");
         std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
         f.trash.takeBackRight(moved->path, from);

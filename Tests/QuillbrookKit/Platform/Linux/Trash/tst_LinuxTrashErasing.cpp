@@ -197,6 +197,48 @@ private Q_SLOTS:
         QVERIFY(f.trash.items(f.places.homeTrash).empty());
     }
 
+    // As a kill leaves it in the middle of a deletion, beside what another deletion has left.
+    void deletionThatWasCutShortIsFinished_data()
+    {
+        QTest::addColumn<bool>("hidesInodes");
+        QTest::addColumn<bool>("hasThing");
+        QTest::newRow("by its inode") << false << true;
+        QTest::newRow("by its note") << true << true;
+        QTest::newRow("its note alone") << false << false;
+    }
+
+    void deletionThatWasCutShortIsFinished()
+    {
+        QFETCH(bool, hidesInodes);
+        QFETCH(bool, hasThing);
+        TrashFixture f;
+        f.calls.hidesInodes = hidesInodes;
+        f.home.file("folder/a");
+        f.home.file("folder/b");
+        const auto moved = f.trash.move(f.home.path("folder"), TrashOrder());
+        QVERIFY(moved && moved->identity);
+        const auto expunged = f.places.homeTrash + "/expunged";
+        f.home.file(".local/share/Trash/expunged/other/kept");
+        f.home.file(".local/share/Trash/expunged/other.trashinfo");
+        std::filesystem::rename(moved->path, expunged + "/17");
+        std::filesystem::rename(f.note("folder"), expunged + "/17.trashinfo");
+        std::filesystem::remove(expunged + "/17/a");
+        if (!hasThing)
+            std::filesystem::remove_all(expunged + "/17");
+        const Provenance from{
+            .originalPath = f.home.path("folder"), .movedAt = f.clock.moment, .identity = moved->identity
+        };
+        auto others = from;
+        others.identity->inode += 1;
+        others.identity->note += "X=1\n";
+        f.trash.finishErasing(moved->path, others);
+        QCOMPARE(TrashFixture::isThere(expunged + "/17/b"), hasThing);
+        QVERIFY(TrashFixture::isThere(expunged + "/17.trashinfo"));
+        f.trash.finishErasing(moved->path, from);
+        QCOMPARE(TrashFixture::names(expunged), (std::vector<std::string>{ "other", "other.trashinfo" }));
+        QVERIFY(TrashFixture::isThere(expunged + "/other/kept"));
+    }
+
     void eraseTakesOnlyWhatIsInTheTrash_data()
     {
         QTest::addColumn<QByteArray>("path");

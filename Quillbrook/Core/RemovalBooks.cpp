@@ -1,0 +1,159 @@
+#include "Core/RemovalBooks.h"
+
+#include "Platform/HomeFolder.h"
+#include "Platform/KitServices.h"
+#include "Platform/Trash.h"
+#include "Platform/UserDefaults.h"
+#include "Removal/CappedSum.h"
+
+#include <QtConcurrentRun>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const auto reclaimedBytesKey = u"Quillbrook.reclaimedBytes"_s;
+
+} // namespace
+
+RemovalBooks::RemovalBooks(const KitServices &kit, RemovalQueue &queue, QObject *parent)
+    : QObject(parent)
+    , m_kit(kit)
+    , m_queue(queue)
+    , m_ledger(LedgerServices::of(kit), TrashLedger::standardStore(kit.dataFolder))
+    , m_journal(
+          kit.reading, kit.writing, RemovalJournal::besideLedger(TrashLedger::standardStore(kit.dataFolder)))
+    , m_reclaimedSoFar(std::max<qint64>(kit.defaults.integer(reclaimedBytesKey).value_or(0), 0))
+{
+    m_flushPool.setMaxThreadCount(1);
+    books().takeUp(m_reclaimedSoFar, [this](qint64 bytes) { count(bytes); });
+    refresh();
+}
+
+RemovalBooks::~RemovalBooks() = default;
+
+Books RemovalBooks::books()
+{
+    return { .ledger = m_ledger, .journal = m_journal, .trash = m_kit.trash };
+}
+
+void RemovalBooks::run(const Run &run)
+{
+    // Shared by the threads that it goes through, one after the other.
+    struct Running
+    {
+        qint64 reclaimedBefore = 0;
+        qint64 bytes = 0;
+        std::vector<HeldItem> held{};
+    };
+    const auto running = std::make_shared<Running>();
+    const auto begin = [this, running, before = run.begin] {
+        if (before)
+            before();
+        running->reclaimedBefore = m_reclaimedSoFar;
+    };
+    const auto work = [this, running, act = run.work](const RemovalQueue::Watch &watch) {
+        const auto trashStaysOpen = m_kit.trash.hold();
+        m_journal.startBatch(running->reclaimedBefore);
+        running->bytes = act(watch, books());
+        running->held = books().held();
+    };
+    const auto end = [this, running, volume = run.volume, after = run.end] {
+        close(running->bytes, std::move(running->held));
+        startFlush(volume);
+        if (after)
+            after();
+    };
+    m_queue.enqueue({ .verb = run.verb, .begin = begin, .work = work, .end = end });
+}
+
+void RemovalBooks::close(qint64 bytes, std::vector<HeldItem> held)
+{
+    count(bytes);
+    // On the thread on which the journal is read, and before the next removal writes to it.
+    static_cast<void>(m_queue.ask([this] { m_journal.close(m_kit.trash); }));
+    setHeld(std::move(held));
+}
+
+void RemovalBooks::refresh()
+{
+    // Outlived by this, since the model waits for the queue.
+    static_cast<void>(m_queue.ask([this] {
+        QMetaObject::invokeMethod(
+            this, [this, held = books().held()] { setHeld(held); }, Qt::QueuedConnection);
+    }));
+}
+
+void RemovalBooks::setHeld(std::vector<HeldItem> held)
+{
+    if (m_held == held)
+        return;
+    m_held = std::move(held);
+    QSet<QString> ids;
+    for (const auto &each : m_held)
+        ids.insert(each.item.id);
+    m_kept.intersect(ids);
+    Q_EMIT changed();
+}
+
+void RemovalBooks::toggleKept(const QString &id)
+{
+    if (!m_kept.remove(id))
+        m_kept.insert(id);
+    Q_EMIT changed();
+}
+
+std::vector<HeldItem> RemovalBooks::ticked() const
+{
+    auto things = m_held;
+    std::erase_if(things, [this](const HeldItem &held) { return m_kept.contains(held.item.id); });
+    return things;
+}
+
+std::vector<HeldItem> RemovalBooks::deletable() const
+{
+    auto things = ticked();
+    std::erase_if(things, [](const HeldItem &held) { return held.isOnlyInJournal; });
+    return things;
+}
+
+TrashLedger::Pending RemovalBooks::pending() const
+{
+    TrashLedger::Pending pending;
+    for (const auto &held : m_held)
+        if (!held.isOnlyInJournal) {
+            ++pending.count;
+            pending.bytes = cappedSum(pending.bytes, held.item.bytes);
+        }
+    return pending;
+}
+
+// Stored at once: the journal, which a kill would be made good by, forgets what has been counted.
+void RemovalBooks::count(qint64 bytes)
+{
+    if (bytes <= 0)
+        return;
+    m_reclaimedSoFar = cappedSum(m_reclaimedSoFar, bytes);
+    m_kit.defaults.setInteger(reclaimedBytesKey, m_reclaimedSoFar);
+    m_kit.defaults.store();
+    Q_EMIT reclaimedSoFarChanged();
+}
+
+// The disk may go on writing for a while. What is free is read when it has done so.
+void RemovalBooks::startFlush(const std::string &volume)
+{
+    const auto flush = [&trash = m_kit.trash, home = m_kit.home.rawHomeDirectory(), volume] {
+        trash.flush(home);
+        if (!volume.empty())
+            trash.flush(volume);
+    };
+    m_flushing = QtConcurrent::run(&m_flushPool, flush);
+}
+
+} // namespace Quillbrook
