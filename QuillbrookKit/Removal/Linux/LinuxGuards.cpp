@@ -3,8 +3,8 @@
 #include "Platform/HomeFolder.h"
 #include "Platform/Linux/Folders/LinuxBaseFolders.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
-#include "Platform/Linux/Folders/MountTable.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
+#include "Platform/Linux/Folders/WatchedMounts.h"
 #include "Removal/Linux/KeptElsewhere.h"
 #include "Removal/PathGuards.h"
 #include "StandardisedPath.h"
@@ -245,11 +245,9 @@ std::string throughHome(std::string path, const std::vector<std::string> &homes)
     }
 }
 
-bool isMountPoint(const std::string &path)
+bool isMountPoint(const std::vector<Mount> &mounts, const std::string &path)
 {
-    const auto mounts = MountTable::read();
-    return mounts
-        && std::ranges::any_of(*mounts, [&](const Mount &mount) { return mount.mountPoint == path; });
+    return std::ranges::any_of(mounts, [&](const Mount &mount) { return mount.mountPoint == path; });
 }
 
 // The desktop names them as text, in which bytes of the home folder's own path may have been repaired.
@@ -272,14 +270,20 @@ std::vector<std::string> userFolders(
 Places places(const HomeFolder &home, const FileReading &reading)
 {
     const auto homePath = home.rawRealHomeDirectory();
+    const auto watched = std::make_shared<WatchedMounts>();
     Places host{ .userName = userName(),
         .homes = { homePath, ResolvedPath::withoutLinks(homePath + "/.") },
         .trashes = TrashPlaces::ofThisUser(home),
-        .isMountPoint = isMountPoint,
-        .otherMountsOfHome = [home = ResolvedPath::withoutLinks(homePath + "/.")] {
-            const auto mounts = MountTable::read();
-            return mounts ? otherMountsOf(home, *mounts) : std::vector<std::string>();
-        } };
+        .isMountPoint =
+            [watched](const std::string &path) {
+                const auto mounts = watched->now();
+                return *mounts && isMountPoint(**mounts, path);
+            },
+        .otherMountsOfHome =
+            [watched, home = ResolvedPath::withoutLinks(homePath + "/.")] {
+                const auto mounts = watched->now();
+                return *mounts ? otherMountsOf(home, **mounts) : std::vector<std::string>();
+            } };
     for (const auto &folder : userFolders(reading, homePath, home.realHomeDirectory()))
         host.userFolders.push_back(GuardedPath::composed(folder));
     host.programFiles.push_back(QCoreApplication::applicationFilePath().toStdString());
