@@ -11,8 +11,8 @@ constexpr qint64 secondsOfHour = 60 * secondsOfMinute;
 constexpr qint64 secondsOfDay = 24 * secondsOfHour;
 constexpr int earliestYear = 1970;
 
-/// %Y %M %D %h %m %s are numbers of as many digits as such ones have, %f is digits of any number. What
-/// follows a form in a name is no digit.
+/// %Y %M %D %h %m %s are numbers of as many digits as such ones have, %H is an hour that may have one, %f is
+/// digits of any number. What follows a form in a name is no digit; where it is AM or PM, it belongs to it.
 struct Form
 {
     std::string_view text;
@@ -32,6 +32,7 @@ constexpr std::array forms{
     Form{ "BURST%Y%M%D%h%m%s" },
     Form{ "PXL_%Y%M%D_%h%m%s%f", true },
     Form{ "WP_%Y%M%D_%h_%m_%s" },
+    Form{ "P_%Y%M%D_%h%m%s" },
     Form{ "C360_%Y-%M-%D-%h-%m-%s" },
     Form{ "IMG_%Y-%M-%D-%h-%m-%s" },
     // Drones.
@@ -48,14 +49,18 @@ constexpr std::array forms{
     Form{ "signal-%Y-%M-%D-%h%m%s" },
     Form{ "signal-%Y-%M-%D-%h-%m-%s" },
     Form{ "signal-%Y-%M-%D-%h-%m-%s-%f" },
-    Form{ "WhatsApp Image %Y-%M-%D at %h.%m.%s" },
-    Form{ "WhatsApp Video %Y-%M-%D at %h.%m.%s" },
+    Form{ "WhatsApp Image %Y-%M-%D at %H.%m.%s" },
+    Form{ "WhatsApp Video %Y-%M-%D at %H.%m.%s" },
     Form{ "IMG-%Y%M%D-WA%f" },
     Form{ "VID-%Y%M%D-WA%f" },
     // Screens.
     Form{ "Screenshot_%Y%M%D-%h%m%s" },
     Form{ "Screenshot_%Y%M%D_%h%m%s" },
     Form{ "Screenshot_%Y-%M-%D-%h-%m-%s" },
+    Form{ "Screenshot %Y-%M-%D %h%m%s" },
+    Form{ "Screenshot %Y-%M-%D at %H.%m.%s" },
+    Form{ "Screen Shot %Y-%M-%D at %H.%m.%s" },
+    Form{ "Screen Recording %Y-%M-%D at %H.%m.%s" },
     Form{ "Screenshot from %Y-%M-%D %h-%m-%s" },
     Form{ "Screencast from %Y-%M-%D %h-%m-%s" },
 };
@@ -93,6 +98,8 @@ bool takeField(char field, std::string_view &rest, CameraMoment &moment)
         return takeNumber(rest, digitsOfOthers, moment.day);
     case 'h':
         return takeNumber(rest, digitsOfOthers, moment.hour);
+    case 'H':
+        return takeNumber(rest, digitsOfOthers, moment.hour) || takeNumber(rest, 1, moment.hour);
     case 'm':
         return takeNumber(rest, digitsOfOthers, moment.minute);
     case 's':
@@ -104,6 +111,23 @@ bool takeField(char field, std::string_view &rest, CameraMoment &moment)
             rest.remove_prefix(1);
         return true;
     }
+}
+
+/// Takes the half of the day that the hour is of, where one is told. False for an hour that a half has not.
+bool takeHalfOfDay(std::string_view &rest, CameraMoment &moment)
+{
+    constexpr int hoursOfHalf = 12;
+    for (const std::string_view blank : { " ", "\u202f" }) {
+        const auto half = rest.starts_with(blank) ? rest.substr(blank.size(), 2) : std::string_view();
+        if (half != "AM" && half != "PM")
+            continue;
+        if (moment.hour < 1 || moment.hour > hoursOfHalf)
+            return false;
+        moment.hour = moment.hour % hoursOfHalf + (half == "PM" ? hoursOfHalf : 0);
+        rest.remove_prefix(blank.size() + half.size());
+        break;
+    }
+    return true;
 }
 
 bool isReal(const CameraMoment &moment)
@@ -125,7 +149,7 @@ std::optional<CameraMoment> momentIn(std::string_view name, const Form &form)
             name.remove_prefix(1);
         }
     }
-    if ((!name.empty() && isDigit(name.front())) || !isReal(moment))
+    if (!takeHalfOfDay(name, moment) || (!name.empty() && isDigit(name.front())) || !isReal(moment))
         return std::nullopt;
     return moment;
 }

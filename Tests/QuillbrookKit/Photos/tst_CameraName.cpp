@@ -26,6 +26,10 @@ private Q_SLOTS:
                 "signal-2019-07-04-15-30-12-345.jpg", "WhatsApp Image 2019-07-04 at 15.30.12.jpeg",
                 "WhatsApp Video 2019-07-04 at 15.30.12 (1).mp4", "Screenshot_20190704-153012.png",
                 "Screenshot_20190704_153012.png", "Screenshot_2019-07-04-15-30-12-345.png",
+                "P_20190704_153012.jpg", "P_20190704_153012_BF.jpg",
+                "WhatsApp Image 2019-07-04 at 3.30.12 PM.jpeg", "Screenshot 2019-07-04 153012.png",
+                "Screenshot 2019-07-04 at 15.30.12.png", "Screenshot 2019-07-04 at 3.30.12\u202fPM.png",
+                "Screen Shot 2019-07-04 at 3.30.12 PM (2).png", "Screen Recording 2019-07-04 at 15.30.12.mov",
                 "Screenshot from 2019-07-04 15-30-12.png", "Screencast from 2019-07-04 15-30-12.webm",
                 "IMG_20190704_153012", "IMG_20190704_153012.jpg.xmp" })
             QTest::newRow(name) << QByteArray(name);
@@ -46,6 +50,27 @@ private Q_SLOTS:
         QCOMPARE(CameraName::moment("PXL_20190704_153012345.jpg"),
             (CameraMoment{
                 .year = 2019, .month = 7, .day = 4, .hour = 15, .minute = 30, .second = 12, .isUtc = true }));
+    }
+
+    void hourMayBeOfAHalfOfTheDay_data()
+    {
+        QTest::addColumn<QByteArray>("told");
+        QTest::addColumn<int>("hour");
+        QTest::newRow("the first of the night") << QByteArray("12.05.00 AM") << 0;
+        QTest::newRow("morning") << QByteArray("11.05.00 AM") << 11;
+        QTest::newRow("noon") << QByteArray("12.05.00 PM") << 12;
+        QTest::newRow("evening") << QByteArray("11.05.00 PM") << 23;
+        QTest::newRow("not told") << QByteArray("11.05.00") << 11;
+        QTest::newRow("another word") << QByteArray("11.05.00 PAN") << 11;
+        QTest::newRow("no such hour") << QByteArray("13.05.00 PM") << -1;
+    }
+
+    void hourMayBeOfAHalfOfTheDay()
+    {
+        QFETCH(QByteArray, told);
+        const auto moment
+            = CameraName::moment("WhatsApp Image 2019-07-04 at " + told.toStdString() + ".jpeg");
+        QTEST(moment ? moment->hour : -1, "hour");
     }
 
     void otherNamesTellNothing_data()
