@@ -44,7 +44,13 @@ bool isReadable(const std::optional<std::string> &folder)
 
 bool isWithin(const std::string &path, const std::string &folder)
 {
-    return path == folder || path.starts_with(folder + '/');
+    return path == folder || folder == "/" || path.starts_with(folder + '/');
+}
+
+// The folder itself may be a link.
+std::string placeOf(const std::string &folder)
+{
+    return standardisedPath(ResolvedPath::withoutLinks(folder + "/."), {});
 }
 
 } // namespace
@@ -55,10 +61,13 @@ PhotoFolders PhotoFolders::ofUser(
     const auto text = reading.contents(settings + "/user-dirs.dirs", longestSettings).value_or(QByteArray());
     const auto rawHome = home.rawRealHomeDirectory();
     const auto told = LinuxUserFolders::parse(text, home.realHomeDirectory());
+    const auto homePlace = placeOf(rawHome);
     const auto place = [&](const std::optional<QString> &folder, QByteArrayView key, const char *usual) {
-        if (folder)
-            return std::optional(rawPath(*folder, home.realHomeDirectory(), rawHome));
-        return isNamed(text, key) ? std::nullopt : std::optional(rawHome + '/' + usual);
+        auto path
+            = folder ? std::optional(rawPath(*folder, home.realHomeDirectory(), rawHome)) : std::nullopt;
+        if (!folder && !isNamed(text, key))
+            path = rawHome + '/' + usual;
+        return path && isWithin(homePlace, placeOf(*path)) ? std::nullopt : path;
     };
     return { .pictures = place(told.pictures, "XDG_PICTURES_DIR", "Pictures"),
         .videos = place(told.videos, "XDG_VIDEOS_DIR", "Videos") };
@@ -77,14 +86,10 @@ std::vector<PhotoWalk::Root> PhotoFolders::roots() const
 {
     if (!isReadable(pictures))
         return {};
-    // The folder itself may be a link.
-    const auto place = [](const std::string &folder) {
-        return standardisedPath(ResolvedPath::withoutLinks(folder + "/."), {});
-    };
-    std::vector<PhotoWalk::Root> roots{ { .path = place(*pictures) } };
+    std::vector<PhotoWalk::Root> roots{ { .path = placeOf(*pictures) } };
     if (!isReadable(videos))
         return roots;
-    PhotoWalk::Root second{ .path = place(*videos), .kinds = { PhotoKind::video } };
+    PhotoWalk::Root second{ .path = placeOf(*videos), .kinds = { PhotoKind::video } };
     if (isWithin(second.path, roots.front().path))
         return roots;
     if (isWithin(roots.front().path, second.path))

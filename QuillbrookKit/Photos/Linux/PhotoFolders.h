@@ -21,7 +21,8 @@ struct PhotoFolders
     bool operator==(const PhotoFolders &) const = default;
 
     /// As the user's settings, which lie in the folder `settings`, name them, and by their usual names where
-    /// those say nothing. One that is the home folder itself is switched off.
+    /// those say nothing. One that is the home folder itself is switched off, and one that leads to it, or
+    /// holds it, would make a library of everything in it. Blocks on the disk.
     [[nodiscard]] static PhotoFolders ofUser(
         const FileReading &reading, const std::string &settings, const HomeFolder &home);
 

@@ -55,6 +55,27 @@ private Q_SLOTS:
         QCOMPARE(home.folders(), (PhotoFolders{ .pictures = home.tree.path("Bilder") }));
     }
 
+    void homeItselfIsNoLibrary_data()
+    {
+        QTest::addColumn<QByteArray>("setting");
+        QTest::newRow("by its path") << QByteArray("$HOME/");
+        QTest::newRow("by a link") << QByteArray("$HOME/way");
+        QTest::newRow("by a folder that holds it") << QByteArray("$HOME/..");
+        QTest::newRow("by the root of the disk") << QByteArray("/");
+    }
+
+    void homeItselfIsNoLibrary()
+    {
+        QFETCH(QByteArray, setting);
+        const Home home;
+        home.tree.link("way", ".");
+        home.tree.fileWith(".config/user-dirs.dirs",
+            "XDG_PICTURES_DIR=\"" + setting.toStdString() + "\"\nXDG_VIDEOS_DIR=\"" + setting.toStdString()
+                + "\"\n");
+        QCOMPARE(home.folders(), PhotoFolders{});
+        QCOMPARE(home.folders().access(), PhotoAccess::denied);
+    }
+
     void accessFollowsTheRights()
     {
         const Home home;
