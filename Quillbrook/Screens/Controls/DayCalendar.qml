@@ -94,7 +94,8 @@ T.Popup {
         Grid {
             id: days
 
-            Accessible.name: DateText.month(root.current)
+            // The day the keys have come to: it is told anew at each step.
+            Accessible.name: DateText.day(root.current)
             Accessible.role: Accessible.Grouping
             Keys.onDownPressed: root.walk(7)
             Keys.onEnterPressed: root.choose(root.current)

@@ -88,9 +88,11 @@ TestCase {
 
     function test_dayIsChosenFromTheCalendarByKeys() {
         const field = made();
-        openCalendar(field);
+        const days = openCalendar(field);
+        compare(days.Accessible.name, DateText.day(new Date(2020, 5, 14)));
         for (const key of [Qt.Key_Right, Qt.Key_Down, Qt.Key_Left, Qt.Key_PageDown, Qt.Key_PageDown, Qt.Key_Up])
             keyClick(key);
+        compare(days.Accessible.name, DateText.day(new Date(2020, 7, 14)));
         keyClick(Qt.Key_Return);
         compare(field.value, new Date(2020, 7, 14, 9, 30));
         tryVerify(() => field.activeFocus);
