@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QtConcurrent>
 
+#include <tuple>
 #include <utility>
 
 namespace Quillbrook {
@@ -17,6 +18,11 @@ constexpr int yearsToEnd = 3;
 constexpr int progressMilliseconds = 200;
 // A file system that does not answer holds one of them up, and not the others.
 constexpr int threads = 4;
+
+QString nothingDeleted()
+{
+    return PhotoCleanup::tr("Nothing was deleted.");
+}
 
 QDateTime yearsBefore(const QDateTime &moment, int years)
 {
@@ -152,19 +158,21 @@ QCoro::Task<> PhotoCleanup::measureNow()
 QCoro::Task<> PhotoCleanup::deleteNow()
 {
     const QPointer self(this);
-    const auto work = std::make_shared<PhotoWork>();
-    startChange(work);
-    const auto asking = QtConcurrent::run(&m_pool, [library = &m_library, query = range()] {
-        PhotoWork search;
-        return library->query(query, search);
-    });
+    const auto asking = QtConcurrent::run(
+        &m_pool, [library = &m_library, query = range(), search = startChange(Task::counting)] {
+            return library->query(query, *search);
+        });
     const auto assets = co_await asking;
     if (!self)
         co_return;
-    if (!assets || assets->count() == 0) {
+    const bool isStopped = !assets || m_change->isStopped;
+    if (isStopped || assets->count() == 0) {
         endChange();
+        if (isStopped)
+            setLastResult(nothingDeleted(), {});
         co_return;
     }
+    const auto work = startChange(Task::moving);
     const auto asked = m_questions.mayDelete(assets->count());
     const bool isAllowed = co_await asked;
     if (!self)
@@ -174,14 +182,14 @@ QCoro::Task<> PhotoCleanup::deleteNow()
         const auto act = [library = &m_library, assets, work, deletion] {
             *deletion = library->deleteAssets(*assets, *work);
         };
-        const auto deleting = m_run({ .count = assets->count(), .work = work, .act = act });
+        const auto deleting = m_run({ .task = Task::moving, .work = work, .act = act });
         co_await deleting;
         if (!self)
             co_return;
     }
     endChange();
     if (!deletion->succeeded) {
-        setLastResult(tr("Nothing was deleted."), deletion->stranded);
+        setLastResult(nothingDeleted(), deletion->stranded);
         co_return;
     }
     setLastResult(tr("Moved %1 items to Recently Deleted. They stay there for 30 days — the space comes back "
@@ -194,11 +202,10 @@ QCoro::Task<> PhotoCleanup::deleteNow()
 QCoro::Task<> PhotoCleanup::putBackNow()
 {
     const QPointer self(this);
-    const auto work = std::make_shared<PhotoWork>();
-    startChange(work);
+    const auto work = startChange(Task::puttingBack);
     const auto result = std::make_shared<PhotoReturn>();
-    const auto act = [library = &m_library, result] { *result = library->putBack(); };
-    const auto returning = m_run({ .isPuttingBack = true, .count = m_held.count, .work = work, .act = act });
+    const auto act = [library = &m_library, work, result] { *result = library->putBack(*work); };
+    const auto returning = m_run({ .task = Task::puttingBack, .work = work, .act = act });
     co_await returning;
     if (!self)
         co_return;
@@ -210,16 +217,16 @@ QCoro::Task<> PhotoCleanup::putBackNow()
 
 QCoro::Task<> PhotoCleanup::askHeld()
 {
+    // The end of a change asks by itself, and until then the library would not answer.
+    if (changing())
+        co_return;
     const QPointer self(this);
-    const auto asking = QtConcurrent::run(&m_pool, [library = &m_library] {
-        return Held{ .count = library->heldCount(),
-            .place = library->heldPlace(),
-            .daysInTrash = library->daysInTrash() };
-    });
-    const auto held = co_await asking;
+    const auto asking = QtConcurrent::run(
+        &m_pool, [library = &m_library] { return std::pair(library->held(), library->daysInTrash()); });
+    const auto answer = co_await asking;
     if (!self)
         co_return;
-    m_held = held;
+    std::tie(m_held, m_daysInTrash) = answer;
     Q_EMIT progressChanged();
 }
 
@@ -237,11 +244,13 @@ void PhotoCleanup::setLastResult(const QString &text, const QStringList &further
     Q_EMIT lastResultChanged();
 }
 
-void PhotoCleanup::startChange(const Work &work)
+PhotoCleanup::Work PhotoCleanup::startChange(Task task)
 {
-    m_change = work;
+    m_change = std::make_shared<PhotoWork>();
+    m_changeTask = task;
     followProgress();
     Q_EMIT progressChanged();
+    return m_change;
 }
 
 void PhotoCleanup::endChange()
@@ -258,6 +267,13 @@ void PhotoCleanup::followProgress()
         m_progress.start();
     else
         m_progress.stop();
+}
+
+PhotoCleanup::Task PhotoCleanup::task() const
+{
+    if (changing())
+        return m_changeTask;
+    return working() ? Task::counting : Task::none;
 }
 
 qsizetype PhotoCleanup::done() const

@@ -27,11 +27,13 @@ class PhotoCleanup : public QObject
     Q_OBJECT
 
 public:
+    /// What runs. A deletion begins by counting what it is about.
+    enum class Task : std::uint8_t { none, counting, moving, puttingBack };
+
     /// One change of files: what it does, off the main thread, and by what it is followed and stopped.
     struct Turn
     {
-        bool isPuttingBack = false;
-        qsizetype count = 0;
+        Task task = Task::moving;
         std::shared_ptr<PhotoWork> work{};
         std::function<void()> act{};
     };
@@ -76,7 +78,8 @@ public:
     void requestAccess();
     /// Counts what is in the range now. Does nothing without access.
     void measure();
-    /// Ends what is being measured, which leaves `summary` as it is, or moved, which brings back what has.
+    /// Ends what is being measured, which leaves `summary` as it is, what is being moved, which brings back
+    /// what has, or what is being put back, which leaves the rest in the Trash.
     void stop();
     /// Deletes what is in the range now, which may be another than was measured. Does nothing unless access
     /// is granted, and while a deletion or a return runs.
@@ -84,17 +87,17 @@ public:
     /// Puts back what earlier deletions took and is still there.
     void putBack();
 
-    /// How many files have been looked at, or have moved, by what runs now.
+    [[nodiscard]] Task task() const;
+    /// How many files have been looked at, or have moved, by that.
     [[nodiscard]] qsizetype done() const;
     /// A deletion or a return is running.
     [[nodiscard]] bool changing() const { return m_change != nullptr; }
     /// Sentences that follow the last result.
     [[nodiscard]] const QStringList &furtherLines() const { return m_furtherLines; }
-    /// How many files can be put back, and where one of them lies.
-    [[nodiscard]] qsizetype heldCount() const { return m_held.count; }
-    [[nodiscard]] const std::optional<std::string> &heldPlace() const { return m_held.place; }
+    /// What can be put back.
+    [[nodiscard]] const HeldPhotos &held() const { return m_held; }
     /// After how many days the desktop empties its Trash by itself; absent where it does not.
-    [[nodiscard]] const std::optional<int> &daysInTrash() const { return m_held.daysInTrash; }
+    [[nodiscard]] const std::optional<int> &daysInTrash() const { return m_daysInTrash; }
 
 Q_SIGNALS:
     void accessChanged();
@@ -102,19 +105,11 @@ Q_SIGNALS:
     void workingChanged();
     void rangeChanged();
     void lastResultChanged();
-    /// `done`, `changing` or `heldCount`.
+    /// `task`, `done`, `changing`, `held` or `daysInTrash`.
     void progressChanged();
 
 private:
     using Work = std::shared_ptr<PhotoWork>;
-
-    /// What is known of things in the Trash.
-    struct Held
-    {
-        qsizetype count = 0;
-        std::optional<std::string> place{};
-        std::optional<int> daysInTrash{};
-    };
 
     QCoro::Task<> askStatus();
     QCoro::Task<> askForAccess();
@@ -124,7 +119,7 @@ private:
     QCoro::Task<> askHeld();
     void setAccess(PhotoAccess access);
     void setLastResult(const QString &text, const QStringList &furtherLines);
-    void startChange(const Work &work);
+    [[nodiscard]] Work startChange(Task task);
     void endChange();
     void followProgress();
     [[nodiscard]] PhotoQuery range() const;
@@ -140,8 +135,10 @@ private:
     bool m_includeVideos = true;
     std::optional<QString> m_lastResult;
     QStringList m_furtherLines;
-    Held m_held;
+    HeldPhotos m_held;
+    std::optional<int> m_daysInTrash;
     std::vector<Work> m_measures;
+    Task m_changeTask = Task::none;
     Work m_change;
     QTimer m_progress;
     QThreadPool m_pool;

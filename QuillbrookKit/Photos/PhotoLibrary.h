@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -65,7 +66,21 @@ public:
 struct PhotoWork
 {
     std::atomic<qsizetype> done = 0;
+    /// Of how many; 0 where that is not known before the end.
+    std::atomic<qsizetype> total = 0;
+    /// Of the files that are done, as far as it is known.
+    std::atomic<qint64> bytes = 0;
     std::atomic<bool> isStopped = false;
+    /// Told after each file that is moved, on the thread of the operation; set before that begins.
+    std::function<void()> moved{};
+
+    void advance(qint64 bytesOfFile)
+    {
+        ++done;
+        bytes += bytesOfFile;
+        if (moved)
+            moved();
+    }
 };
 
 /// What the library has to ask the person. Main thread only. Every question is answered once, with false
@@ -99,6 +114,17 @@ struct PhotoReturn
     bool operator==(const PhotoReturn &) const = default;
 };
 
+/// What deletions took, in this run or an earlier one, and what can be put back now.
+struct HeldPhotos
+{
+    /// In files.
+    qsizetype count = 0;
+    /// Where one of them lies (raw bytes); absent when there is none.
+    std::optional<std::string> place{};
+
+    bool operator==(const HeldPhotos &) const = default;
+};
+
 class PhotoLibrary
 {
 public:
@@ -116,13 +142,11 @@ public:
     /// `query`.
     [[nodiscard]] virtual PhotoDeletion deleteAssets(const PhotoAssets &assets, PhotoWork &work) = 0;
 
-    /// How many files that `deleteAssets` took, in this run or an earlier one, can be put back now. Any
-    /// thread; blocks on the disk, and for as long as a deletion or a return runs.
-    [[nodiscard]] virtual qsizetype heldCount() const = 0;
-    /// Where one of them lies now (raw bytes); absent when there is none.
-    [[nodiscard]] virtual std::optional<std::string> heldPlace() const = 0;
-    /// Puts them back where they were. Nothing is replaced. Any thread; blocks on the disk.
-    virtual PhotoReturn putBack() = 0;
+    /// Any thread; blocks on the disk, and for as long as a deletion or a return runs.
+    [[nodiscard]] virtual HeldPhotos held() const = 0;
+    /// Puts all of that back where it was, until it is stopped. Nothing is replaced. Any thread; blocks on
+    /// the disk.
+    virtual PhotoReturn putBack(PhotoWork &work) = 0;
     /// After how many days this desktop deletes by itself what lies in the Trash; absent when it does not.
     /// Any thread; may take seconds.
     [[nodiscard]] virtual std::optional<int> daysInTrash() const = 0;

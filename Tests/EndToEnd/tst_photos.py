@@ -2,6 +2,8 @@
 
 import datetime
 import os
+import subprocess
+import urllib.parse
 
 import accessibility
 import desktop
@@ -59,6 +61,15 @@ class Photos(removing.Removing):
     def warnings(self):
         return self.banners(EVERYWHERE, LATER, ELSEWHERE)
 
+    def listedByTheDesktop(self):
+        """The names in the Trash as the desktop's own program lists them."""
+        environment = self.home.environment() | {"XDG_CACHE_HOME": str(self.home.folder / "cache")}
+        del environment["DBUS_SESSION_BUS_ADDRESS"]
+        listed = subprocess.run(["dbus-run-session", "--", "gio", "trash", "--list"], env=environment, check=True,
+                                stdout=subprocess.PIPE, timeout=60).stdout
+        addresses = [line.split(b"\t")[0] for line in listed.splitlines()]
+        return {urllib.parse.unquote_to_bytes(address.removeprefix(b"trash:///")) for address in addresses}
+
     def delete(self, shown, now):
         """Asks for it, and answers both questions."""
         self.quillbrook.press(f"Delete these {shown} items")
@@ -88,6 +99,7 @@ class Photos(removing.Removing):
         self.answer("Move to Trash")
         quillbrook.says(MOVED.format(4))
         self.becomes(lambda: set(self.trashed()), {self.origin(name) for name in self.range})
+        self.assertEqual(self.listedByTheDesktop(), {os.path.basename(os.fsencode(name)) for name in self.range})
         self.assertEqual(self.ledger(), {})
         gone = {os.fsencode(name) for name in self.range}
         self.assertEqual(self.inHome(), {path: thing for path, thing in before.items() if path not in gone})

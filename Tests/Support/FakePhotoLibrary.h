@@ -17,14 +17,18 @@ public:
     std::shared_ptr<MadeAssets> assets = MadeAssets::of(0);
     /// Told of each query before it is answered, on its thread.
     std::function<void(const PhotoQuery &query, PhotoWork &work)> before{};
+    /// Told of each deletion and each return before it begins, on its thread.
+    std::function<void(PhotoWork &work)> beforeChange{};
     bool isAbleToDelete = true;
     QStringList stranded;
-    qsizetype held = 0;
+    qsizetype heldFiles = 0;
     std::optional<int> days;
     QStringList staying;
-    /// How many assets each deletion took that was confirmed, and how many were returned.
+    /// How many assets each deletion took that was confirmed, how often something was put back, and how often
+    /// it was asked what can be.
     std::vector<qsizetype> deleted;
     int returns = 0;
+    mutable std::atomic<int> heldAsked = 0;
 
     [[nodiscard]] PhotoAccess status() const override { return access; }
     [[nodiscard]] QFuture<PhotoAccess> requestAccess(PhotoQuestions &questions) override
@@ -43,24 +47,32 @@ public:
         m_queries.push_back(query);
         return work.isStopped ? nullptr : assets;
     }
-    [[nodiscard]] PhotoDeletion deleteAssets(const PhotoAssets &taken, PhotoWork & /*work*/) override
+    [[nodiscard]] PhotoDeletion deleteAssets(const PhotoAssets &taken, PhotoWork &work) override
     {
-        if (!isAbleToDelete)
+        if (beforeChange)
+            beforeChange(work);
+        if (!isAbleToDelete || work.isStopped)
             return { .stranded = stranded };
         deleted.push_back(taken.count());
         assets = MadeAssets::of(0);
         return { .succeeded = true };
     }
-    [[nodiscard]] qsizetype heldCount() const override { return held; }
-    [[nodiscard]] std::optional<std::string> heldPlace() const override
+    [[nodiscard]] HeldPhotos held() const override
     {
-        return held > 0 ? std::optional<std::string>("/trash/files/picture.jpg") : std::nullopt;
+        ++heldAsked;
+        if (heldFiles == 0)
+            return {};
+        return { .count = heldFiles, .place = "/trash/files/picture.jpg" };
     }
-    PhotoReturn putBack() override
+    PhotoReturn putBack(PhotoWork &work) override
     {
+        if (beforeChange)
+            beforeChange(work);
+        if (work.isStopped)
+            return {};
         ++returns;
-        const auto returned = held - staying.size();
-        held = staying.size();
+        const auto returned = heldFiles - staying.size();
+        heldFiles = staying.size();
         return { .returned = returned, .stayed = staying };
     }
     [[nodiscard]] std::optional<int> daysInTrash() const override { return days; }

@@ -108,6 +108,10 @@ Item {
                 visible: root.photos.hasPicker
             }
 
+            PhotosProgress {
+                photos: root.photos
+            }
+
             PhotosResult {
                 Layout.fillWidth: true
                 photos: root.photos

@@ -87,21 +87,4 @@ ColumnLayout {
             }
         }
     }
-
-    RowLayout {
-        Layout.fillWidth: true
-        spacing: Metrics.space8
-        visible: root.photos.progress !== ""
-
-        CaptionText {
-            text: root.photos.progress
-        }
-
-        PushButton {
-            kind: PushButton.Link
-            text: qsTr("Stop")
-            visible: root.photos.canStop
-            onClicked: root.photos.stop()
-        }
-    }
 }

@@ -6,6 +6,7 @@
 #include "Scan/Format.h"
 #include "Screens/SingleLine.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -15,21 +16,31 @@ namespace {
 
 constexpr double mostLieHere = 0.5;
 
+void act(const PhotoCleanup::Turn &turn, const RemovalQueue::Watch &watch)
+{
+    auto &photos = *turn.work;
+    photos.moved = [&] {
+        watch.progress({ .number = std::min(photos.done + 1, photos.total.load()),
+            .count = photos.total,
+            .name = PhotosState::tr("photos and videos"),
+            .bytes = photos.bytes });
+    };
+    const std::stop_callback stop(watch.stop, [&photos] { photos.isStopped = true; });
+    turn.act();
+    photos.moved = {};
+}
+
 PhotoCleanup::Runner runner(RemovalQueue &queue)
 {
     return [&queue](const PhotoCleanup::Turn &turn) {
         const auto done = std::make_shared<QPromise<void>>();
         done->start();
-        const auto name = PhotosState::tr("%1 photos and videos").arg(Format::count(turn.count));
-        const auto work = [turn, name](const RemovalQueue::Watch &watch) {
-            watch.progress({ .number = 1, .count = 1, .name = name });
-            const std::stop_callback stop(watch.stop, [&turn] { turn.work->isStopped = true; });
-            turn.act();
-        };
+        const auto work = [turn](const RemovalQueue::Watch &watch) { act(turn, watch); };
         using Verb = RemovalQueue::Verb;
-        queue.enqueue({ .verb = turn.isPuttingBack ? Verb::puttingBack : Verb::moving,
-            .work = work,
-            .end = [done] { done->finish(); } });
+        queue.enqueue(
+            { .verb = turn.task == PhotoCleanup::Task::puttingBack ? Verb::puttingBack : Verb::moving,
+                .work = work,
+                .end = [done] { done->finish(); } });
         return done->future();
     };
 }
@@ -47,6 +58,7 @@ PhotosState::PhotosState(const Services &services, QObject *parent)
 {
     connect(&m_photos, &PhotoCleanup::accessChanged, this, &PhotosState::accessChanged);
     connect(&m_photos, &PhotoCleanup::accessChanged, this, &PhotosState::workChanged);
+    connect(&m_photos, &PhotoCleanup::accessChanged, this, &PhotosState::resultChanged);
     connect(&m_photos, &PhotoCleanup::rangeChanged, this, &PhotosState::rangeChanged);
     connect(&m_photos, &PhotoCleanup::workingChanged, this, &PhotosState::workChanged);
     connect(&m_photos, &PhotoCleanup::progressChanged, this, &PhotosState::workChanged);
@@ -92,11 +104,6 @@ void PhotosState::allow()
         this, [this] { m_photos.requestAccess(); }, Qt::QueuedConnection);
 }
 
-bool PhotosState::canStop() const
-{
-    return m_photos.working() || (m_photos.changing() && m_photos.done() > 0);
-}
-
 QString PhotosState::measureText() const
 {
     return m_photos.working() ? tr("Counting…") : tr("See what is in this range");
@@ -109,12 +116,19 @@ bool PhotosState::canMeasure() const
 
 QString PhotosState::progress() const
 {
-    const auto done = Format::count(m_photos.done());
     if (m_photos.done() == 0)
         return {};
-    if (m_photos.changing())
+    const auto done = Format::count(m_photos.done());
+    switch (m_photos.task()) {
+    case PhotoCleanup::Task::counting:
+        return tr("%1 files seen so far.").arg(done);
+    case PhotoCleanup::Task::moving:
         return tr("%1 files moved so far.").arg(done);
-    return m_photos.working() ? tr("%1 files seen so far.").arg(done) : QString();
+    case PhotoCleanup::Task::puttingBack:
+        return tr("%1 files put back so far.").arg(done);
+    default:
+        return {};
+    }
 }
 
 bool PhotosState::hasResult() const
@@ -196,19 +210,19 @@ QString PhotosState::furtherLines() const
 
 bool PhotosState::canPutBack() const
 {
-    return m_photos.heldCount() > 0 && mayChange();
+    return m_photos.held().count > 0 && mayChange();
 }
 
 QString PhotosState::putBackText() const
 {
-    const auto count = m_photos.heldCount();
+    const auto count = m_photos.held().count;
     return count == 1 ? tr("Put 1 file back") : tr("Put %1 files back").arg(Format::count(count));
 }
 
 void PhotosState::showInTrash()
 {
-    if (m_photos.heldPlace())
-        m_revealer.reveal(*m_photos.heldPlace());
+    if (const auto &place = m_photos.held().place)
+        m_revealer.reveal(*place);
 }
 
 QFuture<bool> PhotosState::mayRead(const QStringList &folders)

@@ -30,9 +30,9 @@ class PhotosState : public PaneState, public PhotoQuestions
     Q_PROPERTY(bool includesVideos READ includesVideos NOTIFY rangeChanged FINAL)
     Q_PROPERTY(QString measureText READ measureText NOTIFY workChanged FINAL)
     Q_PROPERTY(bool canMeasure READ canMeasure NOTIFY workChanged FINAL)
-    /// How far what runs is, in words; empty while nothing does, or has nothing to tell yet.
+    /// How far what runs is, in words; empty while nothing does, or has nothing to tell yet. What is told of
+    /// can be stopped.
     Q_PROPERTY(QString progress READ progress NOTIFY workChanged FINAL)
-    Q_PROPERTY(bool canStop READ canStop NOTIFY workChanged FINAL)
 
     Q_PROPERTY(bool hasResult READ hasResult NOTIFY resultChanged FINAL)
     Q_PROPERTY(QString resultTitle READ resultTitle NOTIFY resultChanged FINAL)
@@ -79,7 +79,6 @@ public:
     [[nodiscard]] QString measureText() const;
     [[nodiscard]] bool canMeasure() const;
     [[nodiscard]] QString progress() const;
-    [[nodiscard]] bool canStop() const;
     [[nodiscard]] bool hasResult() const;
     [[nodiscard]] QString resultTitle() const;
     [[nodiscard]] QString resultText() const;

@@ -48,9 +48,21 @@ PhotoRemoval::PhotoRemoval(const Services &services)
     : m_services(services)
     , m_list(services.reading, services.writing, services.list)
 {
-    // What a kill has cut short can be put back like what went whole.
-    if (!m_list.units().empty() && m_list.units().back().state == JournalUnit::State::open)
+    takeUp();
+}
+
+// What a kill has cut short can be put back like what went whole. On the way into the Trash, and on the way
+// back, it may have left one note without its file.
+void PhotoRemoval::takeUp()
+{
+    if (m_list.units().empty())
+        return;
+    if (m_list.units().back().state == JournalUnit::State::open)
         m_list.fail({});
+    for (const auto &unit : m_list.units())
+        for (const auto &item : unit.moves)
+            if (item.identity)
+                m_services.removal.trash.dropLoneNote(item.trashPath, item.identity->note);
 }
 
 PhotoDeletion PhotoRemoval::moveAll(const LinuxPhotoAssets &assets, PhotoWork &work)
@@ -62,6 +74,7 @@ PhotoDeletion PhotoRemoval::moveAll(const LinuxPhotoAssets &assets, PhotoWork &w
         return {};
     }
     const auto openFolders = m_services.removal.trash.hold();
+    work.total = fileCount(assets);
     std::vector<TrashedItem> moved;
     for (const auto &shot : assets.shots()) {
         for (const auto &file : shot.files) {
@@ -71,7 +84,7 @@ PhotoDeletion PhotoRemoval::moveAll(const LinuxPhotoAssets &assets, PhotoWork &w
                 return { .stranded = returnAll(moved) };
             }
             moved.push_back(std::move(*row));
-            ++work.done;
+            work.advance(file.bytes);
         }
     }
     // Kept for putting back, and for nothing else.
@@ -126,17 +139,22 @@ std::vector<TrashedItem> PhotoRemoval::held() const
     return held;
 }
 
-PhotoReturn PhotoRemoval::putBack()
+PhotoReturn PhotoRemoval::putBack(PhotoWork &work)
 {
     PhotoReturn result;
     const auto openFolders = m_services.removal.trash.hold();
-    for (const auto &item : held()) {
+    const auto items = held();
+    work.total = static_cast<qsizetype>(items.size());
+    for (const auto &item : items) {
+        if (work.isStopped)
+            break;
         const auto from = item.provenance();
         if (const auto back = m_services.removal.trash.restore(item.trashPath, item.originalPath, &from);
             back)
             ++result.returned;
         else
             result.stayed.append(stays(item, back.error()));
+        work.advance(item.bytes);
     }
     m_list.close(m_services.removal.trash);
     return result;

@@ -3,7 +3,7 @@
 // Moves pictures to the Trash, all or none, and keeps a list of its own of what went, so that it can be put
 // back. The list is a journal beside that of other removals: it is written before each move, outlives a kill
 // at any moment, and never becomes part of the ledger, whose things are deleted for good when their time has
-// come.
+// come. After a kill the next start can put back what had gone, and nothing else has changed.
 //
 // One thread at a time, any; blocks on the disk.
 
@@ -31,7 +31,8 @@ public:
     /// The list's file below the folder in which programs keep the user's data.
     [[nodiscard]] static std::string standardList(const std::string &dataFolder);
 
-    /// Reads the list. What the services refer to outlives this object.
+    /// Reads the list, and drops notes in the Trash that a kill has left without their files. What the
+    /// services refer to outlives this object.
     explicit PhotoRemoval(const Services &services);
 
     /// Moves each file that is still the one that the query saw, and that no guard keeps. Where one can't be
@@ -40,10 +41,11 @@ public:
 
     /// What lies in the Trash still, in the order in which it went.
     [[nodiscard]] std::vector<TrashedItem> held() const;
-    /// Puts all of it back. Nothing is replaced.
-    PhotoReturn putBack();
+    /// Puts all of it back, until it is stopped. Nothing is replaced.
+    PhotoReturn putBack(PhotoWork &work);
 
 private:
+    void takeUp();
     [[nodiscard]] std::expected<TrashedItem, QString> move(
         const LinuxPhotoAssets &assets, const PhotoFile &file);
     [[nodiscard]] std::optional<QString> objection(

@@ -63,6 +63,12 @@ struct Screen
     }
 };
 
+void waitUntilStopped(PhotoWork &work)
+{
+    for (int i = 0; i < 5000 && !work.isStopped; ++i)
+        QThread::msleep(1);
+}
+
 const auto movedFour
     = u"Moved 4 items to Recently Deleted. They stay there for 30 days — the space comes back "
       "when that is emptied."_s;
@@ -258,26 +264,81 @@ private Q_SLOTS:
     void whatWentCanBePutBack()
     {
         Screen screen;
-        screen.library.held = 3;
+        screen.library.heldFiles = 3;
         screen.library.staying = { u"b.jpg is still in the Trash: why."_s };
         screen.photos.refreshAccess();
-        QTRY_COMPARE(screen.photos.heldCount(), qsizetype(3));
+        QTRY_COMPARE(screen.photos.held().count, qsizetype(3));
         screen.photos.putBack();
-        QTRY_COMPARE(screen.photos.heldCount(), qsizetype(1));
+        QTRY_COMPARE(screen.photos.held().count, qsizetype(1));
         QCOMPARE(screen.photos.lastResult(), u"Put 2 files back."_s);
         QCOMPARE(screen.photos.furtherLines(), screen.library.staying);
     }
 
+    void searchOfADeletionCanBeStopped()
+    {
+        Screen screen;
+        screen.library.before = [](const PhotoQuery &, PhotoWork &work) { waitUntilStopped(work); };
+        screen.photos.deleteRange();
+        QCOMPARE(screen.photos.task(), PhotoCleanup::Task::counting);
+        screen.photos.stop();
+        screen.settled();
+        QCOMPARE(screen.photos.lastResult(), u"Nothing was deleted."_s);
+        QVERIFY(screen.person.asked.isEmpty());
+        QVERIFY(screen.library.deleted.empty());
+    }
+
+    void deletionAndReturnCanBeStopped()
+    {
+        Screen screen;
+        screen.library.heldFiles = 3;
+        screen.library.beforeChange = waitUntilStopped;
+        screen.photos.deleteRange();
+        QTRY_COMPARE(screen.photos.task(), PhotoCleanup::Task::moving);
+        screen.photos.stop();
+        screen.settled();
+        QCOMPARE(screen.photos.lastResult(), u"Nothing was deleted."_s);
+        screen.photos.putBack();
+        QCOMPARE(screen.photos.task(), PhotoCleanup::Task::puttingBack);
+        screen.photos.stop();
+        screen.settled();
+        QCOMPARE(screen.library.returns, 0);
+        QTRY_COMPARE(screen.photos.held().count, qsizetype(3));
+    }
+
+    // A change may take minutes, in which the person comes back to the window many times.
+    void accessIsAskedForDuringAChangeAndNothingElse()
+    {
+        Screen screen;
+        QTRY_COMPARE(screen.library.heldAsked.load(), 1);
+        screen.library.beforeChange = waitUntilStopped;
+        screen.photos.deleteRange();
+        QTRY_COMPARE(screen.photos.task(), PhotoCleanup::Task::moving);
+        screen.library.access = PhotoAccess::limited;
+        for (int i = 0; i < 10; ++i)
+            screen.photos.refreshAccess();
+        QTRY_COMPARE(screen.photos.access(), PhotoAccess::limited);
+        QCOMPARE(screen.library.heldAsked.load(), 1);
+        screen.photos.stop();
+        QTRY_COMPARE(screen.library.heldAsked.load(), 2);
+    }
+
+    void goingAwayEndsWhatRuns_data()
+    {
+        QTest::addColumn<bool>("isDeletion");
+        QTest::newRow("a measure") << false;
+        QTest::newRow("the search of a deletion") << true;
+    }
+
     void goingAwayEndsWhatRuns()
     {
+        QFETCH(bool, isDeletion);
         FakePhotoLibrary library;
         library.access = PhotoAccess::granted;
         std::atomic<bool> isStopped = false;
         QSemaphore entered;
         library.before = [&](const PhotoQuery &, PhotoWork &work) {
             entered.release();
-            for (int i = 0; i < 5000 && !work.isStopped; ++i)
-                QThread::msleep(1);
+            waitUntilStopped(work);
             isStopped = work.isStopped.load();
         };
         {
@@ -286,7 +347,10 @@ private Q_SLOTS:
             PhotoCleanup photos({ .library = library, .questions = person, .clock = clock });
             photos.refreshAccess();
             QTRY_COMPARE(photos.access(), PhotoAccess::granted);
-            photos.measure();
+            if (isDeletion)
+                photos.deleteRange();
+            else
+                photos.measure();
             QVERIFY(entered.tryAcquire(1, 5000));
         }
         QVERIFY(isStopped);

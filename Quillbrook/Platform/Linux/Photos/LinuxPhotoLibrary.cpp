@@ -53,9 +53,10 @@ void LinuxPhotoLibrary::setConsent(Consent consent, const std::optional<std::str
 
 PhotoFolders LinuxPhotoLibrary::folders() const
 {
-    const QMutexLocker lock(&m_lock);
-    if (isSandboxed())
+    if (isSandboxed()) {
+        const QMutexLocker lock(&m_lock);
         return { .pictures = m_granted };
+    }
     const auto settings = QFile::encodeName(m_services.session.configFolder).toStdString();
     return PhotoFolders::ofUser(m_services.removal.reading, settings, m_services.home);
 }
@@ -85,8 +86,9 @@ QFuture<PhotoAccess> LinuxPhotoLibrary::requestAccess(PhotoQuestions &questions)
         takeFromPicker();
         return QtConcurrent::run(&m_pool, ask);
     }
+    const auto library = folders();
     QStringList named;
-    for (const auto &folder : { folders().pictures, folders().videos })
+    for (const auto &folder : { library.pictures, library.videos })
         if (folder)
             named.append(QFile::decodeName(folder->c_str()));
     return questions.mayRead(named)
@@ -143,23 +145,19 @@ PhotoRemoval &LinuxPhotoLibrary::removal() const
     return *m_removal;
 }
 
-qsizetype LinuxPhotoLibrary::heldCount() const
-{
-    const QMutexLocker lock(&m_removalLock);
-    return static_cast<qsizetype>(removal().held().size());
-}
-
-std::optional<std::string> LinuxPhotoLibrary::heldPlace() const
+HeldPhotos LinuxPhotoLibrary::held() const
 {
     const QMutexLocker lock(&m_removalLock);
     const auto held = removal().held();
-    return held.empty() ? std::nullopt : std::optional(held.back().trashPath);
+    if (held.empty())
+        return {};
+    return { .count = static_cast<qsizetype>(held.size()), .place = held.back().trashPath };
 }
 
-PhotoReturn LinuxPhotoLibrary::putBack()
+PhotoReturn LinuxPhotoLibrary::putBack(PhotoWork &work)
 {
     const QMutexLocker lock(&m_removalLock);
-    return removal().putBack();
+    return removal().putBack(work);
 }
 
 std::optional<int> LinuxPhotoLibrary::daysInTrash() const

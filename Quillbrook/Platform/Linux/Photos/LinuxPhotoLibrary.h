@@ -43,9 +43,8 @@ public:
     [[nodiscard]] std::shared_ptr<const PhotoAssets> query(
         const PhotoQuery &query, PhotoWork &work) const override;
     [[nodiscard]] PhotoDeletion deleteAssets(const PhotoAssets &assets, PhotoWork &work) override;
-    [[nodiscard]] qsizetype heldCount() const override;
-    [[nodiscard]] std::optional<std::string> heldPlace() const override;
-    PhotoReturn putBack() override;
+    [[nodiscard]] HeldPhotos held() const override;
+    PhotoReturn putBack(PhotoWork &work) override;
     [[nodiscard]] std::optional<int> daysInTrash() const override;
 
 private:

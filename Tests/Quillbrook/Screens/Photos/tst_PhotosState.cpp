@@ -6,7 +6,9 @@
 #include "Support/Suite.h"
 
 #include <QSemaphore>
+#include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -122,6 +124,18 @@ private Q_SLOTS:
         QVERIFY(!screen.state.canDelete());
     }
 
+    void resultGoesWithTheAccess()
+    {
+        Screen screen;
+        QVERIFY(screen.state.hasResult());
+        const QSignalSpy changed(&screen.state, &PhotosState::resultChanged);
+        screen.library.access = PhotoAccess::denied;
+        screen.state.recheck();
+        QTRY_VERIFY(screen.state.isDeclined());
+        QVERIFY(!screen.state.hasResult());
+        QCOMPARE(changed.count(), 1);
+    }
+
     void libraryAsksForAccessThroughTheScreen_data()
     {
         QTest::addColumn<bool>("isAllowed");
@@ -224,11 +238,61 @@ private Q_SLOTS:
         QTRY_COMPARE(state.lastResult(), u"Nothing was deleted."_s);
     }
 
+    void changesAreFollowedAndStoppedAsRemovals_data()
+    {
+        QTest::addColumn<bool>("isReturn");
+        QTest::addColumn<RemovalQueue::Verb>("verb");
+        QTest::addColumn<QString>("progress");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("deletion") << false << RemovalQueue::Verb::moving << u"3 files moved so far."_s
+                                  << u"Nothing was deleted."_s;
+        QTest::newRow("return") << true << RemovalQueue::Verb::puttingBack << u"3 files put back so far."_s
+                                << u"Put 0 files back."_s;
+    }
+
+    void changesAreFollowedAndStoppedAsRemovals()
+    {
+        QFETCH(bool, isReturn);
+        FakeClock clock;
+        FakePhotoLibrary library;
+        FakeFileRevealer revealer;
+        RemovalQueue queue;
+        library.access = PhotoAccess::granted;
+        library.assets = MadeAssets::of(9);
+        library.heldFiles = 9;
+        library.beforeChange = [](PhotoWork &work) {
+            work.total = 10;
+            for (int i = 0; i < 3; ++i)
+                work.advance(5);
+            for (int i = 0; i < 5000 && !work.isStopped; ++i)
+                QThread::msleep(1);
+        };
+        PhotosState state({ .library = library, .revealer = revealer, .clock = clock, .removals = &queue });
+        state.setShown(true);
+        QTRY_VERIFY(state.canDelete() && state.canPutBack());
+        if (isReturn) {
+            state.putBack();
+        } else {
+            state.deleteRange();
+            QTRY_VERIFY(state.isAskedToDelete());
+            state.answer(true);
+        }
+        const RemovalQueue::Progress expected{
+            .number = 4, .count = 10, .name = u"photos and videos"_s, .bytes = 15
+        };
+        QTRY_COMPARE(queue.progress(), std::optional(expected));
+        QTEST(queue.verb(), "verb");
+        QTEST(state.progress(), "progress");
+        queue.stop();
+        QTRY_COMPARE(state.progress(), QString());
+        QTEST(state.lastResult(), "result");
+    }
+
     void whatWentCanBeShownAndPutBack()
     {
         Screen screen;
         QVERIFY(!screen.state.canPutBack());
-        screen.library.held = 2;
+        screen.library.heldFiles = 2;
         screen.library.days = 30;
         screen.library.staying = { u"odd\nname.jpg is still in the Trash: why."_s };
         screen.state.recheck();

@@ -84,6 +84,8 @@ private Q_SLOTS:
         PhotoWork work;
         QCOMPARE(removal.moveAll(*library.assets(), work), PhotoDeletion{ .succeeded = true });
         QCOMPARE(work.done.load(), qsizetype(4));
+        QCOMPARE(work.total.load(), qsizetype(4));
+        QCOMPARE(work.bytes.load(), qint64(400));
         QCOMPARE(library.trashed(), (std::vector<std::string>{ "a.jpg", "b.cr2", "b.jpg", "odd\xff\n.png" }));
         QCOMPARE(library.pictures().size(), size_t(2));
         QCOMPARE(removal.held().size(), size_t(4));
@@ -96,7 +98,11 @@ private Q_SLOTS:
         QVERIFY(library.photoRemoval().moveAll(*library.assets(), work).succeeded);
         auto removal = library.photoRemoval();
         QCOMPARE(removal.held().size(), size_t(4));
-        QCOMPARE(removal.putBack(), PhotoReturn{ .returned = 4 });
+        PhotoWork again;
+        QCOMPARE(removal.putBack(again), PhotoReturn{ .returned = 4 });
+        QCOMPARE(again.done.load(), qsizetype(4));
+        QCOMPARE(again.total.load(), qsizetype(4));
+        QCOMPARE(again.bytes.load(), qint64(400));
         library.isAsAtFirst();
         QVERIFY(removal.held().empty());
         QVERIFY(library.photoRemoval().held().empty());
@@ -109,7 +115,8 @@ private Q_SLOTS:
         PhotoWork work;
         QVERIFY(removal.moveAll(*library.assets(), work).succeeded);
         library.home.fileWith("Pictures/a.jpg", "new");
-        const auto result = removal.putBack();
+        PhotoWork again;
+        const auto result = removal.putBack(again);
         QCOMPARE(result.returned, qsizetype(3));
         QCOMPARE(result.stayed.size(), qsizetype(1));
         QVERIFY(result.stayed.front().startsWith(QStringLiteral("a.jpg is still in the Trash: ")));
@@ -127,7 +134,8 @@ private Q_SLOTS:
         QVERIFY(library.trash.restore(library.files("b.jpg"), library.home.path("Pictures/sub/b.jpg")));
         library.home.fileWith(".local/share/Trash/files/a.jpg", "of somebody else");
         QCOMPARE(removal.held().size(), size_t(2));
-        QCOMPARE(removal.putBack().returned, qsizetype(2));
+        PhotoWork again;
+        QCOMPARE(removal.putBack(again).returned, qsizetype(2));
         QCOMPARE(library.trashed(), std::vector<std::string>{ "a.jpg" });
     }
 
@@ -196,7 +204,8 @@ private Q_SLOTS:
         QCOMPARE(library.content(path(0)), std::string("new"));
         QCOMPARE(removal.held().size(), size_t(1));
         std::filesystem::remove(path(0));
-        QCOMPARE(removal.putBack().returned, qsizetype(1));
+        PhotoWork again;
+        QCOMPARE(removal.putBack(again).returned, qsizetype(1));
     }
 
     void nothingIsMovedThatCanNotBeNotedDown()
@@ -207,6 +216,21 @@ private Q_SLOTS:
         PhotoWork work;
         QCOMPARE(removal.moveAll(*library.assets(), work), PhotoDeletion{});
         library.isAsAtFirst();
+    }
+
+    void whatHasGoneComesBackWhenTheListEnds()
+    {
+        Library library;
+        auto removal = library.photoRemoval();
+        PhotoWork work;
+        work.moved = [&] {
+            if (work.done == 2)
+                std::filesystem::permissions(library.list, std::filesystem::perms::owner_read);
+        };
+        QCOMPARE(removal.moveAll(*library.assets(), work), PhotoDeletion{});
+        QCOMPARE(work.done.load(), qsizetype(2));
+        library.isAsAtFirst();
+        QVERIFY(removal.held().empty());
     }
 
     void fullDiskMovesNothing()
@@ -248,7 +272,38 @@ private Q_SLOTS:
         lines.resize(lines.rfind('\n', lines.size() - 2) + 1);
         library.home.fileWith("data/Quillbrook/photos.jsonl", lines);
         auto removal = library.photoRemoval();
-        QCOMPARE(removal.putBack().returned, qsizetype(4));
+        PhotoWork again;
+        QCOMPARE(removal.putBack(again).returned, qsizetype(4));
+        library.isAsAtFirst();
+    }
+
+    // As a kill leaves it between the two steps of a move, in either direction.
+    void noteThatAKillLeftAloneIsDropped()
+    {
+        Library library;
+        PhotoWork work;
+        QVERIFY(library.photoRemoval().moveAll(*library.assets(), work).succeeded);
+        std::filesystem::rename(library.files("a.jpg"), library.home.path("Pictures/a.jpg"));
+        auto removal = library.photoRemoval();
+        QCOMPARE(library.notes().size(), size_t(3));
+        QCOMPARE(removal.held().size(), size_t(3));
+        PhotoWork again;
+        QCOMPARE(removal.putBack(again), PhotoReturn{ .returned = 3 });
+        library.isAsAtFirst();
+    }
+
+    void stoppedReturnLeavesTheRestInTheTrash()
+    {
+        Library library;
+        auto removal = library.photoRemoval();
+        PhotoWork work;
+        QVERIFY(removal.moveAll(*library.assets(), work).succeeded);
+        PhotoWork stopped;
+        stopped.moved = [&] { stopped.isStopped = stopped.done == 3; };
+        QCOMPARE(removal.putBack(stopped), PhotoReturn{ .returned = 3 });
+        QCOMPARE(removal.held().size(), size_t(1));
+        PhotoWork again;
+        QCOMPARE(library.photoRemoval().putBack(again), PhotoReturn{ .returned = 1 });
         library.isAsAtFirst();
     }
 };

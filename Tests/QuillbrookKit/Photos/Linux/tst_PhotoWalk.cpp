@@ -209,10 +209,7 @@ private Q_SLOTS:
         if (::truncate(library.tree.path("c.jpg").c_str(), 7000) != 0)
             qFatal("no hole");
         library.picture("d.jpg", noon(2019, 6, 4));
-        const auto touched = noon(2019, 6, 3);
-        const std::array times{ timespec{ touched.toSecsSinceEpoch(), 0 },
-            timespec{ touched.toSecsSinceEpoch(), 0 } };
-        QCOMPARE(::utimensat(AT_FDCWD, library.tree.path("c.jpg").c_str(), times.data(), 0), 0);
+        touchPicture(library.tree, "c.jpg", noon(2019, 6, 3));
         const auto assets = library.query();
         // One that has been exchanged meanwhile is not read.
         library.picture("other");

@@ -176,11 +176,12 @@ private Q_SLOTS:
 
         PhotoWork work;
         QVERIFY(library->deleteAssets(*assets, work).succeeded);
-        QCOMPARE(library->heldCount(), qsizetype(3));
-        QVERIFY(library->heldPlace()->starts_with(machine.tree.path("data/Trash/files/")));
+        QCOMPARE(library->held().count, qsizetype(3));
+        QVERIFY(library->held().place->starts_with(machine.tree.path("data/Trash/files/")));
         QVERIFY(std::filesystem::exists(machine.tree.path("home/Pictures/later.jpg")));
         QVERIFY(std::filesystem::exists(machine.tree.path("home/Videos/c.jpg")));
-        QCOMPARE(machine.library()->putBack(), PhotoReturn{ .returned = 3 });
+        PhotoWork back;
+        QCOMPARE(machine.library()->putBack(back), PhotoReturn{ .returned = 3 });
         PhotoWork again;
         QCOMPARE(library->query(query, again)->count(), qsizetype(2));
     }
