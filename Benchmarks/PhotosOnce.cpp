@@ -1,12 +1,8 @@
-// Does one thing with a library of pictures and prints what it took as one JSON object.
+// Finds all pictures in a folder and prints what that took as one JSON object.
 //
-//     PhotosOnce query FOLDER            finds all pictures in it
-//     PhotosOnce trash FOLDER TRASH      moves all of them to that trash
+//     PhotosOnce FOLDER
 
-#include "Photos/Linux/PhotoRemoval.h"
 #include "Photos/Linux/PhotoWalk.h"
-#include "Platform/Clock.h"
-#include "Platform/Linux/LinuxDisk.h"
 #include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathRemoval.h"
 
@@ -58,43 +54,15 @@ QJsonObject query(const Library &library)
     return { { "seconds", seconds }, { "assets", assets->count() } };
 }
 
-QJsonObject trash(const Library &library, const std::string &trashPath)
-{
-    const SystemClock clock;
-    LinuxDisk disk(trashPath + "-data", { .homeTrash = trashPath, .user = ::getuid() }, clock);
-    const auto assets = library.query();
-    PhotoRemoval removal(
-        { .removal = { .trash = disk.trash, .removal = disk.removal, .files = disk.files, .clock = clock },
-            .reading = disk.reading,
-            .writing = disk.writing,
-            .guards = &library.guards,
-            .home = library.folder,
-            .list = trashPath + "-data/photos.jsonl" });
-    PhotoWork work;
-    const auto start = Watch::now();
-    const auto deletion = removal.moveAll(*assets, work);
-    const auto seconds = secondsSince(start);
-    return deletion.succeeded ? QJsonObject{ { "seconds", seconds }, { "assets", assets->count() } }
-                              : QJsonObject();
-}
-
 } // namespace
 
 int main(int arguments, char **texts)
 {
     const QCoreApplication application(arguments, texts);
-    const std::string job = arguments > 1 ? texts[1] : "";
-    QJsonObject output;
-    if (job == "query" && arguments == 3)
-        output = query({ texts[2] });
-    else if (job == "trash" && arguments == 4)
-        output = trash({ texts[2] }, texts[3]);
-    else {
-        std::fputs("PhotosOnce query FOLDER | trash FOLDER TRASH\n", stderr);
+    if (arguments != 2) {
+        std::fputs("PhotosOnce FOLDER\n", stderr);
         return 2;
     }
-    if (output.isEmpty())
-        return 1;
-    std::puts(QJsonDocument(output).toJson(QJsonDocument::Compact).constData());
+    std::puts(QJsonDocument(query({ texts[1] })).toJson(QJsonDocument::Compact).constData());
     return 0;
 }
