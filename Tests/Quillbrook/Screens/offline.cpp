@@ -5,7 +5,7 @@
 //     quillbrook-offline panel [allowed|denied|new|off|scanning]
 //
 // "gate" is a sandbox without a folder, where the gate's button grants one on another volume; in "sandbox"
-// one has been granted, and a newer version is out. In "rules" there is something to automate.
+// one has been granted, and a newer version is out. In "rules" there is something to automate, and to move.
 //
 // "conversation" is one with a model that offers a removal, "thinking" one that waits, and in "alone" there
 // is no model.
@@ -108,7 +108,7 @@ void pretendSandbox(FakeServices &machine)
         = HttpAnswer{ .status = 200, .body = R"({"version": "2.0.1", "url": "https://updates.test/2.0.1"})" };
 }
 
-/// Something at some of the catalogue's places, and rules that have fired.
+/// Something at some of the catalogue's places, one that may lie elsewhere, and rules that have fired.
 void pretendRules(FakeServices &machine)
 {
     const auto place = [&machine](const std::string &name, double gibibytes) {
@@ -116,7 +116,8 @@ void pretendRules(FakeServices &machine)
         const auto path = "/home/someone/" + name;
         machine.directories.folder("/home/someone/" + name.substr(0, slash),
             { FakeDirectories::aFolder("_cacache"), FakeDirectories::aFolder("daemon"),
-                FakeDirectories::aFolder("pip"), FakeDirectories::aFolder("google-chrome") });
+                FakeDirectories::aFolder("pip"), FakeDirectories::aFolder("google-chrome"),
+                FakeDirectories::aFolder("models") });
         machine.directories.folder(path,
             { FakeDirectories::aFile(
                 "content", static_cast<qint64>(gibibytes * static_cast<double>(gibi))) });
@@ -124,11 +125,13 @@ void pretendRules(FakeServices &machine)
     };
     machine.directories.folder("/home/someone",
         { FakeDirectories::aFolder(".npm"), FakeDirectories::aFolder(".gradle"),
-            FakeDirectories::aFolder("pages"), FakeDirectories::aFolder("media") });
+            FakeDirectories::aFolder("pages"), FakeDirectories::aFolder("media"),
+            FakeDirectories::aFolder(".ollama") });
     place(".npm/_cacache", 2.9);
     place(".gradle/daemon", 0.3);
     place("pages/google-chrome", 1.6);
     place("media/pip", 1.4);
+    place(".ollama/models", 18.4);
     machine.host.facts.catalogue.locations
         = { { u"browser.caches"_s, { { u"pages/google-chrome"_s, u"Chrome"_s } } } };
     machine.host.facts.catalogue.rules
