@@ -13,7 +13,7 @@ namespace {
 constexpr qint64 tokensOfReply = 512;
 /// What a server adds around a message.
 constexpr qint64 tokensAroundMessage = 8;
-/// Models read words in pieces of four letters and more; everything else may be a piece of its own.
+/// Models read English words in pieces of four letters and more; everything else may be a piece of its own.
 constexpr qint64 lettersOfToken = 3;
 constexpr qsizetype mostTurns = 24;
 constexpr qint64 smallestContext = 8192;
@@ -25,6 +25,7 @@ QByteArray schemaMessage()
         + AdvisorReply::schema();
 }
 
+/// Of what we write.
 qint64 tokensOf(QByteArrayView text)
 {
     const auto isLetter = [](char byte) {
@@ -32,6 +33,17 @@ qint64 tokensOf(QByteArrayView text)
     };
     const auto letters = std::ranges::count_if(text, isLetter);
     return tokensAroundMessage + letters / lettersOfToken + 1 + (text.size() - letters);
+}
+
+/// Of what others write, be it no language at all.
+qint64 mostTokensOf(QByteArrayView text)
+{
+    return tokensAroundMessage + text.size();
+}
+
+qint64 mostTokensOf(const ChatTurn &turn)
+{
+    return mostTokensOf(turn.question.toUtf8()) + mostTokensOf(turn.reply);
 }
 
 QByteArray quoted(const QByteArray &text)
@@ -60,25 +72,27 @@ QByteArray beginning(const ChatRequest &request)
 
 qint64 ChatRequest::tokens() const
 {
-    auto sum = tokensOf(instructions.toUtf8()) + tokensOf(schemaMessage()) + tokensOf(question.toUtf8())
+    auto sum = tokensOf(instructions.toUtf8()) + tokensOf(schemaMessage()) + mostTokensOf(question.toUtf8())
         + tokensOfReply;
     for (const auto &turn : turns)
-        sum += tokensOf(turn.question.toUtf8()) + tokensOf(turn.reply);
+        sum += mostTokensOf(turn);
     return sum;
 }
 
 bool ChatRequest::fitInto(qint64 context)
 {
     turns = turns.last(std::min(turns.size(), mostTurns));
-    while (!turns.isEmpty() && tokens() > context)
-        turns.removeFirst();
-    return tokens() <= context;
+    auto needed = tokens();
+    while (!turns.isEmpty() && needed > context)
+        needed -= mostTokensOf(turns.takeFirst());
+    return needed <= context;
 }
 
 qint64 ChatRequest::contextWithin(qint64 limit) const
 {
+    const auto needed = tokens();
     auto context = smallestContext;
-    while (context < tokens() && context < limit)
+    while (context < needed && context < limit)
         context *= 2;
     return std::min(context, limit);
 }

@@ -27,7 +27,8 @@ struct ChatRequest
     QList<ChatTurn> turns{};
     QString question{};
 
-    /// More tokens than all of it takes, with room for a reply.
+    /// More tokens than all of it takes, with room for a reply. Of what a person or a model wrote every byte
+    /// may be one; what we write ourselves is in English.
     [[nodiscard]] qint64 tokens() const;
     /// Leaves out the oldest turns until the rest fits into a context of so many tokens, so that no server
     /// cuts off the instructions by itself. False when it does not fit without any turn either.

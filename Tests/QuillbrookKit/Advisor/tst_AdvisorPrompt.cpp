@@ -120,9 +120,8 @@ private Q_SLOTS:
             = "You answer questions about disk space on this Mac. These groups have already been measured "
               "for the user:\n"
               "\n"
-              "- id=simulator.devices name=\"Test iPhones and iPads\" size=10.4 GB count=5 touched=2 months "
-              "ago "
-              "policy=Worth a thought related=android.avd\n"
+              "- id=simulator.devices name=\"Test iPhones and iPads\" size=10.4 GB count=5 "
+              "touched=2 months ago policy=Worth a thought related=android.avd\n"
               "- id=mail.data name=\"%1\" size=2.0 GB touched=2 months ago policy=Never suggested\n"
               "- id=android.avd name=\"%2\" size=1.0 GB count=1 touched=2 months ago policy=%3 "
               "related=simulator.devices\n"
@@ -132,21 +131,17 @@ private Q_SLOTS:
               "- Use the real sizes and counts when you answer. Be brief and concrete.\n"
               "- Groups marked 'Report only' must never be offered for removal; explain why instead.\n"
               "- Always answer in a full sentence that includes the number AND the size, copied exactly from "
-              "the "
-              "list above. Do not do arithmetic — the counts are already correct. \"1\" is not an acceptable "
-              "answer.\n"
+              "the list above. Do not do arithmetic — the counts are already correct. \"1\" is not an "
+              "acceptable answer.\n"
               "- Set groupID to the group the question is about, every time, whether or not a removal was "
-              "asked "
-              "for.\n"
+              "asked for.\n"
               "- Some groups list a `related` field. Those ids are the ONLY other groups you may bring up. "
-              "When "
-              "one is present, set alsoConsiderGroupID to it and mention it as a further way to free space.\n"
+              "When one is present, set alsoConsiderGroupID to it and mention it as a further way to free "
+              "space.\n"
               "- Never mention anything that is not in the list above. If this Mac has no group for "
-              "something, it "
-              "does not exist here — do not suggest checking it.\n"
+              "something, it does not exist here — do not suggest checking it.\n"
               "- You never delete anything. Setting proposesRemoval offers the user a list they choose from "
-              "and "
-              "confirm themselves.\n"
+              "and confirm themselves.\n"
               "\n"
               "Free space right now: 48.2 GB.\n";
         QCOMPARE(text,
@@ -221,8 +216,7 @@ private Q_SLOTS:
         const QRegularExpression form(
             u"^- id=([a-z0-9.]+) name=\"([^\"\\n]+)\" size=\\d+(\\.\\d)? (B|KB|MB|GB|TB)( count=[1-9]\\d*)? "
             u"touched=(unknown|today|yesterday|\\d+ days ago|\\d+ months ago|over a year ago) policy=(Safe "
-            u"to "
-            u"remove|Worth a thought|Never suggested)( related=[a-z0-9.,]+)?$"_s);
+            u"to remove|Worth a thought|Never suggested)( related=[a-z0-9.,]+)?$"_s);
         const auto rest
             = [](const QString &text) { return text.section(u"\n\n"_s, 0, 0) + text.section(u"\n\n"_s, 2); };
         const auto frame

@@ -27,8 +27,7 @@ QByteArray beginning()
     return quoted("{`model`:`maker/\\`small\\``,`stream`:false,`messages`:["
                   "{`role`:`system`,`content`:`You answer.\\n`},"
                   "{`role`:`system`,`content`:`Answer with one JSON object that fits this schema, and with "
-                  "nothing "
-                  "else:\\n")
+                  "nothing else:\\n")
         + schema
         + quoted(
             "`},{`role`:`user`,`content`:`Why?`},{`role`:`assistant`,`content`:`{\\`answer\\`:\\`So.\\`}`},"
@@ -96,19 +95,34 @@ private Q_SLOTS:
         QCOMPARE(large.contextWithin(40'000), 40'000);
     }
 
-    // Every byte may be a token but those of words.
+    // Of what others write every byte may be a token; of what we write, every one but those of words.
+    void tokensAreNeverTooFew_data()
+    {
+        QTest::addColumn<ChatRequest>("chat");
+        QTest::addColumn<int>("least");
+        QTest::addColumn<int>("most");
+        const auto words = u"What is it "_s.repeated(100);
+        const auto digits = u"1234567890"_s.repeated(100);
+        const auto hebrew = u"שלום"_s.repeated(100);
+        QTest::newRow("our words") << ChatRequest{ .instructions = words } << 300 << 500;
+        QTest::newRow("our figures") << ChatRequest{ .instructions = digits } << 1000 << 1100;
+        QTest::newRow("a question") << ChatRequest{ .question = words } << 1100 << 1200;
+        QTest::newRow("a question in other letters") << ChatRequest{ .question = hebrew } << 800 << 900;
+        QTest::newRow("a turn") << ChatRequest{ .turns = { { .question = words, .reply = words.toUtf8() } } }
+                                << 2200 << 2300;
+    }
+
     void tokensAreNeverTooFew()
     {
-        ChatRequest digits;
-        digits.question = u"1234567890"_s.repeated(100);
-        ChatRequest words;
-        words.question = u"What is it "_s.repeated(100);
-        const auto nothing = ChatRequest().tokens();
-        QVERIFY(digits.tokens() - nothing >= 1000);
-        QVERIFY(words.tokens() - nothing >= 300);
-        QVERIFY(words.tokens() - nothing < 1000);
+        QFETCH(ChatRequest, chat);
+        QFETCH(int, least);
+        QFETCH(int, most);
+        const auto needed = chat.tokens() - ChatRequest().tokens();
+        QVERIFY2(needed >= least && needed <= most, QByteArray::number(needed).constData());
     }
 };
+
+Q_DECLARE_METATYPE(Quillbrook::ChatRequest)
 
 QUILLBROOK_SUITE(TestChatRequest, NoApplication)
 #include "tst_ChatRequest.moc"
