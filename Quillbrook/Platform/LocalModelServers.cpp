@@ -20,6 +20,8 @@ using namespace std::chrono_literals;
 /// A model that has to be loaded first, or thinks for long, says nothing meanwhile.
 constexpr auto longestSilence = 300s;
 constexpr auto longestAnswer = 30min;
+/// A person who has asked would rather wait for a busy server than hear that there is none.
+constexpr auto patienceOfAsker = 10s;
 constexpr int ok = 200;
 
 } // namespace
@@ -75,8 +77,10 @@ private:
     {
         if (!state->chosen || !state->isAlive)
             co_return std::nullopt;
-        const auto inquiry = ModelInquiry::about(
-            state->servers.inquiryServices(), state->chosen->place, state->chosen->model);
+        auto services = state->servers.inquiryServices();
+        services.patience = patienceOfAsker;
+        services.stop = stop;
+        const auto inquiry = ModelInquiry::about(services, state->chosen->place, state->chosen->model);
         const auto outcome = co_await inquiry;
         if (!outcome.chosen || stop.stop_requested() || !state->isAlive)
             co_return std::nullopt;
@@ -131,13 +135,12 @@ LocalModelServers::LocalModelServers(const LoopbackListeners &listeners, QList<P
 
 LocalModelServers::~LocalModelServers()
 {
-    for (auto &work : m_poolWork)
-        work.waitForFinished();
+    m_pool.waitForDone();
 }
 
 ModelInquiry::Services LocalModelServers::inquiryServices()
 {
-    return { .http = m_http, .listeners = m_listeners, .poolWork = m_poolWork, .alive = &m_context };
+    return { .http = m_http, .listeners = m_listeners, .pool = m_pool, .alive = &m_context };
 }
 
 QFuture<ModelAvailability> LocalModelServers::availability()
@@ -154,6 +157,7 @@ QFuture<ModelAvailability> LocalModelServers::availability()
 QCoro::Task<> LocalModelServers::findOut(QPointer<QObject> isAlive, LocalModelServers *servers,
     std::shared_ptr<QPromise<ModelAvailability>> promise)
 {
+    const auto number = ++servers->m_inquiry;
     std::vector<QCoro::Task<ModelInquiry::Outcome>> inquiries;
     for (const auto &place : servers->m_places)
         inquiries.push_back(ModelInquiry::about(servers->inquiryServices(), place));
@@ -165,7 +169,7 @@ QCoro::Task<> LocalModelServers::findOut(QPointer<QObject> isAlive, LocalModelSe
         if (outcome.chosen)
             break;
     }
-    if (isAlive)
+    if (isAlive && servers->m_inquiry == number)
         servers->m_chosen = best.chosen;
     promise->addResult(ModelAvailability{ .problem = best.problem,
         .server = best.server,

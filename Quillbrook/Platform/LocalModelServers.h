@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <QPromise>
 #include <QString>
+#include <QThreadPool>
 
 #include <optional>
 
@@ -73,8 +74,10 @@ private:
     QList<Place> m_places;
     LoopbackHttpClient m_http;
     std::optional<Chosen> m_chosen;
-    /// What runs on the pool and may use the listeners.
-    QList<QFuture<void>> m_poolWork;
+    /// Counts the times it was to be found out: what an earlier one finds is out of date.
+    int m_inquiry = 0;
+    /// Not the one that scans run on, which they may fill for long.
+    QThreadPool m_pool;
     /// What is under way ends with it.
     QObject m_context;
 };

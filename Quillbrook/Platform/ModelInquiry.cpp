@@ -24,7 +24,7 @@ const QVersionNumber oldestOllama(0, 5);
 constexpr qint64 modestContext = 4096;
 /// However much a model takes in, memory goes with it.
 constexpr qint64 largestContext = 65'536;
-/// So many models are asked about, of a list that is sorted by when they were used.
+/// So many models are asked about, of a list that has the newest first.
 constexpr int mostAsked = 12;
 
 constexpr int ok = 200;
@@ -40,8 +40,14 @@ struct Server
     [[nodiscard]] QFuture<std::optional<HttpAnswer>> send(
         const char *path, const std::optional<QByteArray> &body = {}) const
     {
-        return services.alive ? services.http.send({ .port = place.port, .path = path, .body = body })
-                              : QtFuture::makeReadyFuture(std::optional<HttpAnswer>());
+        if (!services.alive)
+            return QtFuture::makeReadyFuture(std::optional<HttpAnswer>());
+        return services.http.send({ .port = place.port,
+            .path = path,
+            .body = body,
+            .silence = services.patience,
+            .total = services.patience,
+            .stop = services.stop });
     }
     [[nodiscard]] bool fits(const Listed &model) const { return wanted.isEmpty() || model.id == wanted; }
     [[nodiscard]] Outcome found(const QString &name, const QString &model, qint64 context) const
@@ -61,11 +67,8 @@ QByteArray bodyOf(const std::optional<HttpAnswer> &answer)
 
 QFuture<Listener> listenerAt(const Services &services, quint16 port)
 {
-    const auto *listeners = &services.listeners;
-    auto asking = QtConcurrent::run([listeners, port] { return listeners->at(port); });
-    services.poolWork.removeIf([](const QFuture<void> &earlier) { return earlier.isFinished(); });
-    services.poolWork.append(QFuture<void>(asking));
-    return asking;
+    return QtConcurrent::run(
+        &services.pool, [listeners = &services.listeners, port] { return listeners->at(port); });
 }
 
 QCoro::Task<Outcome> aboutOllama(Server server)
@@ -111,8 +114,7 @@ QCoro::Task<Outcome> aboutLlama(Server server)
 {
     const auto askingHealth = server.send("/health");
     const auto health = co_await askingHealth;
-    const bool isLoading = health && health->status == unavailable && health->body.contains("\"error\"");
-    if (isLoading)
+    if (health && health->status == unavailable && ModelAnswers::isLoading(health->body))
         co_return Outcome{ .problem = Problem::loading, .server = u"llama.cpp"_s };
     if (!ModelAnswers::isHealthy(bodyOf(health)))
         co_return Outcome{};

@@ -9,6 +9,11 @@
 
 #include <QCoroTask>
 
+#include <chrono>
+#include <stop_token>
+
+class QThreadPool;
+
 namespace Quillbrook {
 
 namespace ModelInquiry {
@@ -26,10 +31,14 @@ struct Services
 {
     LoopbackHttpClient &http;
     const LoopbackListeners &listeners;
-    /// Takes note of what runs on the pool, to be waited for.
-    QList<QFuture<void>> &poolWork;
+    /// On which the listeners are asked.
+    QThreadPool &pool;
     /// Goes when these go; from then on nothing is asked.
     QPointer<QObject> alive{};
+    /// How long each answer of the server's may take.
+    std::chrono::milliseconds patience{ 1'500 };
+    /// Ends what is being asked.
+    std::stop_token stop{};
 };
 
 /// With `wanted`, only the model of that name will do.

@@ -103,6 +103,15 @@ bool isHealthy(const QByteArray &body)
     return text(parsed(body), "status") == "ok";
 }
 
+// The second is what older ones say.
+bool isLoading(const QByteArray &body)
+{
+    const auto answer = parsed(body);
+    const auto *error = member(answer, "error");
+    return (error != nullptr && text(*error, "type") == "unavailable_error")
+        || text(answer, "status") == "loading model";
+}
+
 std::optional<QList<Listed>> models(const QByteArray &body)
 {
     const auto answer = parsed(body);

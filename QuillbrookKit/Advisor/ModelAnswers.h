@@ -45,6 +45,8 @@ struct Details
 [[nodiscard]] std::optional<QByteArray> ollamaReply(const QByteArray &body);
 
 [[nodiscard]] bool isHealthy(const QByteArray &body);
+/// A server of llama.cpp's says that its model is not there yet.
+[[nodiscard]] bool isLoading(const QByteArray &body);
 [[nodiscard]] std::optional<QList<Listed>> models(const QByteArray &body);
 /// Tokens that one conversation has room for, by the properties of a server of llama.cpp's.
 [[nodiscard]] std::optional<qint64> llamaContext(const QByteArray &body);

@@ -13,13 +13,16 @@ version   of Ollama
 models    names, or objects with "name" and what else the server is to say of it
 replies   what the model says, first to last: objects, or texts as they are; the last one stays
 context   tokens that a conversation has room for
-faults    path: what is wrong there, each time it is asked for"""
+faults    path: what is wrong there, each time it is asked for; or a list, one for each time, of which the last stays
+awaits    with a command: a file that has to be there before the server listens"""
 
 import argparse
+import ctypes
 import fcntl
 import http.server
 import json
 import os
+import signal
 import socket
 import struct
 import sys
@@ -47,6 +50,11 @@ class Server(http.server.ThreadingHTTPServer):
 
     def handle_error(self, request, client_address):
         """Whoever goes away in the middle of an answer may."""
+
+    def next_fault(self, path):
+        with self.lock:
+            fault = self.faults.get(path, "")
+            return fault if isinstance(fault, str) else fault.pop(0) if len(fault) > 1 else fault[0]
 
     def next_reply(self):
         with self.lock:
@@ -76,7 +84,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
     def take(self, body):
         self.server.note(method=self.command, path=self.path, headers=dict(self.headers.items()), body=body)
-        fault = self.server.faults.get(self.path, "")
+        fault = self.server.next_fault(self.path)
         if not getattr(self, "fault_" + fault.replace(" ", "_").partition(":")[0], lambda _: False)(fault):
             self.answer(body)
 
@@ -101,6 +109,9 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
     def fault_status(self, fault):
         return self.say('{"error": {"message": "no", "type": "none", "code": 0}}', int(fault.partition(":")[2]))
+
+    def fault_loading(self, _):
+        return self.say('{"error": {"code": 503, "message": "Loading model", "type": "unavailable_error"}}', 503)
 
     def fault_html(self, _):
         return self.say("<!doctype html><title>Something else</title>", kind="text/html")
@@ -202,18 +213,21 @@ def main():
     parser.add_argument("--log")
     parser.add_argument("command", nargs=argparse.REMAINDER)
     arguments = parser.parse_args()
-    if arguments.command:
-        bring_up_loopback()
-    server = Server(json.loads(arguments.script), open(arguments.log, "a", encoding="utf-8") if arguments.log else None)
+    script = json.loads(arguments.script)
+    log = open(arguments.log, "a", encoding="utf-8") if arguments.log else None
     if not arguments.command:
+        server = Server(script, log)
         print(server.server_address[1], flush=True)
         return server.serve_forever()
+    bring_up_loopback()
+    awaited = script.get("awaits")
+    server = None if awaited else Server(script, log)
     # It goes with the program: what stands in this process is replaced, and its network with it.
     if os.fork() == 0:
-        import ctypes
-        import signal
         ctypes.CDLL(None).prctl(1, signal.SIGKILL)
-        server.serve_forever()
+        while awaited and not os.path.exists(awaited):
+            time.sleep(0.05)
+        (server or Server(script, log)).serve_forever()
     os.execvp(arguments.command[0], arguments.command)
 
 

@@ -84,6 +84,26 @@ private Q_SLOTS:
         QTEST(reply.value_or(QByteArray()), "reply");
     }
 
+    void serverSaysThatItIsLoading_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("isLoading");
+        QTest::newRow("now") << QByteArray(
+            R"({"error":{"code":503,"message":"Loading model","type":"unavailable_error"}})")
+                             << true;
+        QTest::newRow("as it was told before") << QByteArray(R"({"status":"loading model"})") << true;
+        QTest::newRow("another error") << QByteArray(R"({"error":{"type":"other"}})") << false;
+        QTest::newRow("an error of words") << QByteArray(R"({"error":"unavailable_error"})") << false;
+        QTest::newRow("well") << QByteArray(R"({"status":"ok"})") << false;
+        QTest::newRow("a web page") << QByteArray("<html>\"error\"") << false;
+    }
+
+    void serverSaysThatItIsLoading()
+    {
+        QFETCH(QByteArray, body);
+        QTEST(ModelAnswers::isLoading(body), "isLoading");
+    }
+
     void nameIsShownWithoutItsFolders_data()
     {
         QTest::addColumn<QString>("id");
