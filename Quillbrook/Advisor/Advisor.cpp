@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QtConcurrent>
 
+#include <chrono>
 #include <utility>
 
 namespace Quillbrook {
@@ -18,6 +19,11 @@ namespace Quillbrook {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using namespace std::chrono_literals;
+
+/// Loading a model takes from some seconds to a minute.
+constexpr auto pauseWhileLoading = 1s;
 
 template <typename... Handlers>
 struct Overloaded : Handlers...
@@ -33,13 +39,15 @@ Advisor::Advisor(AppModel &model, QObject *parent)
     , m_languageModel(model.services().languageModel)
     , m_availability(tr("checking…"))
 {
+    m_again.setSingleShot(true);
+    m_again.setInterval(pauseWhileLoading);
+    connect(&m_again, &QTimer::timeout, this, &Advisor::refreshAvailability);
 }
 
 Advisor::~Advisor()
 {
     m_stop.request_stop();
-    for (auto &work : m_poolWork)
-        work.waitForFinished();
+    m_pool.waitForDone();
 }
 
 void Advisor::refreshAvailability()
@@ -50,16 +58,16 @@ void Advisor::refreshAvailability()
 QCoro::Task<> Advisor::findOut()
 {
     const QPointer self(this);
+    const auto number = ++m_inquiry;
     const auto asking = m_languageModel.availability();
     const auto found = co_await asking;
-    if (!self)
+    if (!self || m_inquiry != number)
         co_return;
     m_isAvailable = found.isAvailable();
     m_availability = AvailabilityWords::sentence(found);
     m_found = AvailabilityWords::answerer(found);
-    // A conversation that has begun goes on with the model that it began with.
-    if (!m_session || !m_isAvailable)
-        m_answerer = m_found;
+    if (found.problem == ModelAvailability::Problem::loading)
+        m_again.start();
     Q_EMIT availabilityChanged();
 }
 
@@ -79,8 +87,7 @@ void Advisor::ask(const QString &question)
     } else {
         append(false,
             tr("The on-device model isn't available, so I can't chat — but everything on the other screens "
-               "is "
-               "produced without it and is unaffected."));
+               "is produced without it and is unaffected."));
     }
 }
 
@@ -90,8 +97,10 @@ QCoro::Task<> Advisor::respond(QString question)
 {
     const QPointer self(this);
     const auto findings = shownFindings();
-    if (!m_session)
+    if (!m_session) {
         m_session = m_languageModel.startSession(instructions(findings));
+        m_answerer = m_found;
+    }
     const auto session = m_session;
     const auto asking = session->respond(question, m_stop.get_token());
     const auto reply = co_await asking;
@@ -204,7 +213,6 @@ void Advisor::reset()
 {
     ++m_turn;
     m_session.reset();
-    m_answerer = m_found;
     Q_EMIT availabilityChanged();
     m_messages.clear();
     Q_EMIT messagesChanged();
@@ -236,15 +244,12 @@ QFuture<QList<StorageItem>> Advisor::itemsOf(const Finding &finding)
     const auto &scans = m_model.scans();
     if (!scans.tree() || scans.rootNode() < 0)
         return QtFuture::makeReadyFuture(QList<StorageItem>());
-    auto listing
-        = QtConcurrent::run([tree = scans.tree(), root = scans.rootNode(), host = scans.hostCatalogue(),
-                                services = CatalogueServices::of(m_model.services().kit), finding] {
-              return StorageCatalogue::items(
-                  services, finding, *tree, root, { .homeDirectory = tree->path(root), .host = &host });
-          });
-    m_poolWork.removeIf([](const QFuture<void> &earlier) { return earlier.isFinished(); });
-    m_poolWork.append(QFuture<void>(listing));
-    return listing;
+    return QtConcurrent::run(&m_pool,
+        [tree = scans.tree(), root = scans.rootNode(), host = scans.hostCatalogue(),
+            services = CatalogueServices::of(m_model.services().kit), finding] {
+            return StorageCatalogue::items(
+                services, finding, *tree, root, { .homeDirectory = tree->path(root), .host = &host });
+        });
 }
 
 void Advisor::append(bool fromUser, const QString &text)

@@ -12,6 +12,8 @@
 #include <QFuture>
 #include <QObject>
 #include <QString>
+#include <QThreadPool>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -31,6 +33,7 @@ public:
     ~Advisor() override;
 
     /// Finds out whether a model can be asked. Returns at once; what was known stays until it is known anew.
+    /// While a server is loading its model, it is found out again every now and then.
     void refreshAvailability();
     /// The one way in for a question. Returns at once; the reply follows.
     void ask(const QString &question);
@@ -53,7 +56,10 @@ public:
     [[nodiscard]] const QString &availability() const { return m_availability; }
     [[nodiscard]] bool isAvailable() const { return m_isAvailable; }
     /// Which program and model answers, in this conversation once it has begun; empty where none does.
-    [[nodiscard]] const QString &answerer() const { return m_answerer; }
+    [[nodiscard]] const QString &answerer() const
+    {
+        return m_isAvailable && m_session ? m_answerer : m_found;
+    }
     /// The card that is on offer.
     [[nodiscard]] const std::optional<AdvisorProposal> &proposal() const { return m_proposal; }
     /// A group to mention under the answer.
@@ -101,7 +107,11 @@ private:
     std::stop_source m_stop;
     /// One more with all that clears the card: what was to be offered before then no longer is.
     quint64 m_turn = 0;
-    QList<QFuture<void>> m_poolWork;
+    /// Counts the times it was to be found out: what an earlier one finds is out of date.
+    int m_inquiry = 0;
+    QTimer m_again;
+    /// Lists items. Not the one that scans run on, which they may fill for long.
+    QThreadPool m_pool;
 };
 
 } // namespace Quillbrook

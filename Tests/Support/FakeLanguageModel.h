@@ -27,12 +27,26 @@ public:
     {
         while (!m_open.empty())
             release(std::nullopt);
+        while (!m_inquiries.empty())
+            tell(present);
     }
 
     QFuture<ModelAvailability> availability() override
     {
         ++inquiries;
-        return QtFuture::makeReadyFuture(present);
+        if (!isSlow)
+            return QtFuture::makeReadyFuture(present);
+        auto &promise = m_inquiries.emplace_back();
+        promise.start();
+        return promise.future();
+    }
+    /// Answers the newest inquiry that is not answered yet.
+    void tell(const ModelAvailability &availability)
+    {
+        auto promise = std::move(m_inquiries.back());
+        m_inquiries.pop_back();
+        promise.addResult(availability);
+        promise.finish();
     }
 
     std::unique_ptr<ModelSession> startSession(const QString &text) override
@@ -55,6 +69,8 @@ public:
         .server = QStringLiteral("Ollama"),
         .model = QStringLiteral("small") };
     int inquiries = 0;
+    /// Whether a model is there is told by `tell` alone.
+    bool isSlow = false;
     /// The next answers, first to last; beyond them a question waits for `release`.
     std::deque<Reply> replies;
     /// Of each session that was started.
@@ -92,6 +108,7 @@ private:
     };
 
     std::deque<QPromise<Reply>> m_open;
+    std::deque<QPromise<ModelAvailability>> m_inquiries;
 };
 
 } // namespace Quillbrook

@@ -347,6 +347,51 @@ private Q_SLOTS:
         home.advisor.reset();
         QCOMPARE(home.advisor.answerer(), u"Ollama, other"_s);
     }
+
+    void conversationsModelIsNamedAgainOnceItsServerIsBack()
+    {
+        Fixture home;
+        home.turn(reply({}));
+        auto &present = home.languageModel().present;
+        const auto before = std::exchange(present, {});
+        home.advisor.refreshAvailability();
+        QCOMPARE(home.advisor.answerer(), QString());
+        present = before;
+        home.advisor.refreshAvailability();
+        QCOMPARE(home.advisor.answerer(), u"Ollama, small"_s);
+    }
+
+    void whatAnEarlierInquiryFindsIsOutOfDate()
+    {
+        FakeServices fake;
+        AppModel model(fake.services);
+        Advisor advisor(model);
+        auto &languageModel = fake.desktop.languageModel;
+        languageModel.isSlow = true;
+        advisor.refreshAvailability();
+        advisor.refreshAvailability();
+        languageModel.tell(languageModel.present);
+        QTRY_VERIFY(advisor.isAvailable());
+        languageModel.tell({});
+        QTest::qWait(20);
+        QVERIFY(advisor.isAvailable());
+    }
+
+    void serverThatIsLoadingIsAskedAgain()
+    {
+        FakeServices fake;
+        AppModel model(fake.services);
+        Advisor advisor(model);
+        auto &languageModel = fake.desktop.languageModel;
+        const auto loaded = std::exchange(languageModel.present, { .problem = Problem::loading });
+        advisor.refreshAvailability();
+        QVERIFY(!advisor.isAvailable());
+        languageModel.present = loaded;
+        QTRY_VERIFY(advisor.isAvailable());
+        QCOMPARE(languageModel.inquiries, 2);
+        QTest::qWait(1500);
+        QCOMPARE(languageModel.inquiries, 2);
+    }
 };
 
 Q_DECLARE_METATYPE(Quillbrook::AdvisorReply)
