@@ -27,15 +27,15 @@ class Bus:
                 return None
 
         address = waiting.until("accessibility bus", ask)
-        self._connection = Gio.DBusConnection.new_for_address_sync(
+        self.connection = Gio.DBusConnection.new_for_address_sync(
             address,
             Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
             None, None)
 
     def call(self, name, path, interface, method, arguments=None):
         try:
-            return self._connection.call_sync(name, path, interface, method, arguments, None,
-                                              Gio.DBusCallFlags.NONE, _MILLISECONDS, None).unpack()
+            return self.connection.call_sync(name, path, interface, method, arguments, None,
+                                             Gio.DBusCallFlags.NONE, _MILLISECONDS, None).unpack()
         except GLib.Error as error:
             raise Gone(f"{method} of {path}: {error.message}") from error
 
@@ -51,6 +51,33 @@ class Bus:
             if owner == pid:
                 return Thing(self, name, path)
         return None
+
+
+class Announcements:
+    """What those who hear the screen are told from now on: the names of the notices that appear, in their order."""
+
+    def __init__(self, bus):
+        self._bus, self._appeared, self._told = bus, [], []
+        bus.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry", "RegisterEvent",
+                 GLib.Variant("(s)", ("object:state-changed:showing",)))
+        bus.connection.signal_subscribe(None, "org.a11y.atspi.Event.Object", "StateChanged", None, "showing",
+                                        Gio.DBusSignalFlags.NONE, self._hear)
+
+    def _hear(self, _, name, path, *signal):
+        if signal[-1].unpack()[1] == 1:
+            self._appeared.append(Thing(self._bus, name, path))
+
+    def told(self):
+        while GLib.MainContext.default().iteration(False):
+            pass
+        appeared, self._appeared = self._appeared, []
+        for thing in appeared:
+            try:
+                if thing.role == "notification":
+                    self._told.append(thing.name)
+            except Gone:
+                continue
+        return self._told
 
 
 class Thing:

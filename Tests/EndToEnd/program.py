@@ -27,6 +27,10 @@ class Program:
         self.pid = self.process.pid
         self._bus = accessibility.Bus()
 
+    def announcements(self):
+        """What those who hear the screen are told from now on."""
+        return accessibility.Announcements(self._bus)
+
     def application(self):
         return self._bus.application(self.pid)
 

@@ -10,6 +10,14 @@ ColumnLayout {
 
     required property AdvisorState advisor
 
+    // While one writes, too: the field has no use for these.
+    Keys.onPressed: event => {
+        const directions = new Map([[Qt.Key_PageUp, -1], [Qt.Key_PageDown, 1]]);
+        event.accepted = directions.has(event.key);
+        if (event.accepted)
+            conversation.turnPage(directions.get(event.key));
+    }
+
     spacing: 0
 
     AdvisorBanner {
@@ -22,9 +30,12 @@ ColumnLayout {
     }
 
     Conversation {
+        id: conversation
+
         Layout.fillHeight: true
         Layout.fillWidth: true
         advisor: root.advisor
+        onKeyboardFreed: field.forceActiveFocus()
     }
 
     Hairline {

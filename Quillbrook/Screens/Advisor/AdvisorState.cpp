@@ -3,9 +3,21 @@
 #include "Advisor/Advisor.h"
 #include "Core/AppModel.h"
 
-#include <utility>
+#include <algorithm>
+#include <chrono>
 
 namespace Quillbrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// An answer and what the program adds to it come one right after the other, and are told as one.
+constexpr auto pauseBeforeTelling = 50ms;
+
+} // namespace
 
 AdvisorState::AdvisorState(AppModel &model, Advisor &advisor, QObject *parent)
     : PaneState(parent)
@@ -14,6 +26,10 @@ AdvisorState::AdvisorState(AppModel &model, Advisor &advisor, QObject *parent)
     , m_messages(advisor)
     , m_proposal(model, advisor)
 {
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pauseBeforeTelling);
+    connect(&m_pause, &QTimer::timeout, this, &AdvisorState::announce);
+    connect(&m_advisor, &Advisor::messagesChanged, this, &AdvisorState::awaitMore);
     connect(&m_advisor, &Advisor::availabilityChanged, this, &AdvisorState::availabilityChanged);
     connect(&m_advisor, &Advisor::thinkingChanged, this, &AdvisorState::thinkingChanged);
     connect(&m_advisor, &Advisor::thinkingChanged, this, &AdvisorState::canAskChanged);
@@ -27,6 +43,42 @@ AdvisorState::AdvisorState(AppModel &model, Advisor &advisor, QObject *parent)
 void AdvisorState::appear()
 {
     m_advisor.refreshAvailability();
+    m_pause.start();
+}
+
+// What comes from now on is told when the person is back.
+void AdvisorState::disappear()
+{
+    setAnnouncement({});
+}
+
+void AdvisorState::awaitMore()
+{
+    setAnnouncement({});
+    m_told = std::min(m_told, m_advisor.messages().size());
+    m_pause.start();
+}
+
+void AdvisorState::announce()
+{
+    if (!shown())
+        return;
+    QStringList lines;
+    const auto &messages = m_advisor.messages();
+    for (; m_told < messages.size(); ++m_told) {
+        if (!messages.at(m_told).fromUser)
+            lines.append(messages.at(m_told).text);
+    }
+    if (!lines.isEmpty())
+        setAnnouncement(lines.join(u'\n'));
+}
+
+void AdvisorState::setAnnouncement(const QString &announcement)
+{
+    if (m_announcement == announcement)
+        return;
+    m_announcement = announcement;
+    Q_EMIT announcementChanged();
 }
 
 void AdvisorState::recheck()
@@ -103,12 +155,6 @@ bool AdvisorState::thinking() const
 bool AdvisorState::isEmpty() const
 {
     return m_advisor.messages().isEmpty();
-}
-
-QString AdvisorState::lastAnswer() const
-{
-    return isEmpty() || m_advisor.messages().constLast().fromUser ? QString()
-                                                                  : m_advisor.messages().constLast().text;
 }
 
 QStringList AdvisorState::questions() const

@@ -10,6 +10,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QtQmlIntegration>
 
 namespace Quillbrook {
@@ -32,8 +33,9 @@ class AdvisorState : public PaneState
     Q_PROPERTY(bool thinking READ thinking NOTIFY thinkingChanged FINAL)
     /// Nothing has been said yet.
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY messagesChanged FINAL)
-    /// What was said last, unless it was the person.
-    Q_PROPERTY(QString lastAnswer READ lastAnswer NOTIFY messagesChanged FINAL)
+    /// What those who hear the screen are told: all that was answered since they were told last. Empty for a
+    /// moment before each, so that the same words count as new.
+    Q_PROPERTY(QString announcement READ announcement NOTIFY announcementChanged FINAL)
     Q_PROPERTY(QStringList questions READ questions NOTIFY questionsChanged FINAL)
     /// The words of what can be pressed after the answer.
     Q_PROPERTY(QStringList suggestions READ suggestions NOTIFY suggestionsChanged FINAL)
@@ -66,7 +68,7 @@ public:
     [[nodiscard]] bool isAvailable() const;
     [[nodiscard]] bool thinking() const;
     [[nodiscard]] bool isEmpty() const;
-    [[nodiscard]] QString lastAnswer() const;
+    [[nodiscard]] const QString &announcement() const { return m_announcement; }
     [[nodiscard]] QStringList questions() const;
     [[nodiscard]] QStringList suggestions() const;
     [[nodiscard]] QString hint() const;
@@ -77,6 +79,7 @@ Q_SIGNALS:
     void availabilityChanged();
     void thinkingChanged();
     void messagesChanged();
+    void announcementChanged();
     void questionsChanged();
     void suggestionsChanged();
     void hintChanged();
@@ -85,13 +88,22 @@ Q_SIGNALS:
 
 protected:
     void appear() override;
+    void disappear() override;
 
 private:
+    void awaitMore();
+    void announce();
+    void setAnnouncement(const QString &announcement);
+
     AppModel &m_model;
     Advisor &m_advisor;
     MessageModel m_messages;
     ProposalState m_proposal;
     QString m_draft;
+    QString m_announcement;
+    /// So many messages have been told, or are the person's own.
+    qsizetype m_told = 0;
+    QTimer m_pause;
 };
 
 } // namespace Quillbrook

@@ -93,12 +93,46 @@ private Q_SLOTS:
         QCOMPARE(
             home.state.messages()->data(home.state.messages()->index(0), int(MessageModel::Role::fromUser)),
             true);
-        QCOMPARE(home.state.lastAnswer(), u"So."_s);
         home.state.clear();
         QCOMPARE(home.state.messages()->rowCount(), 0);
         QVERIFY(home.state.isEmpty());
         home.state.askSuggested(0);
         QCOMPARE(home.advisor.messages().constFirst().text, home.state.questions().constFirst());
+    }
+
+    // What is told is told whole and once, and the person's own words are not.
+    void answersAreAnnounced()
+    {
+        Fixture home;
+        home.state.setShown(true);
+        home.addPlace("Library/Mail", 90);
+        home.scan();
+        home.offer(u"mail.data"_s);
+        QCOMPARE(home.state.announcement(), QString());
+        QTRY_COMPARE(home.state.announcement(), u"So.\n"_s + home.advisor.messages().constLast().text);
+        QVERIFY(home.advisor.messages().constLast().text.startsWith(u"I can't offer"));
+        home.offer({});
+        QCOMPARE(home.state.announcement(), QString());
+        QTRY_COMPARE(home.state.announcement(), u"So."_s);
+        home.state.clear();
+        home.offer({});
+        QTRY_COMPARE(home.state.announcement(), u"So."_s);
+    }
+
+    void answerThatComesWhileAnotherScreenIsShownIsAnnouncedLater()
+    {
+        Fixture home;
+        home.state.setShown(true);
+        home.state.setShown(false);
+        home.offer({});
+        QTest::qWait(100);
+        QCOMPARE(home.state.announcement(), QString());
+        home.state.setShown(true);
+        QTRY_COMPARE(home.state.announcement(), u"So."_s);
+        home.state.setShown(false);
+        home.state.setShown(true);
+        QTest::qWait(100);
+        QCOMPARE(home.state.announcement(), QString());
     }
 
     void cardSaysWhatItOffers_data()
