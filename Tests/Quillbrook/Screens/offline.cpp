@@ -10,6 +10,8 @@
 // "conversation" is one with a model that offers a removal, "thinking" one that waits, and in "alone" there
 // is no model.
 //
+// With LANGUAGE=eo in the environment everything is said in the made-up language, whose texts are longer.
+//
 // Nothing of the machine it runs on is read or changed.
 
 #include "Core/AppModel.h"
@@ -25,6 +27,7 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QTimer>
+#include <QTranslator>
 #include <QtQml/QQmlExtensionPlugin>
 
 #include <array>
@@ -368,6 +371,9 @@ int main(int argc, char **argv)
     QGuiApplication application(argc, argv);
     const auto arguments = QGuiApplication::arguments();
     const auto what = arguments.value(1, u"ready"_s);
+    QTranslator longWords;
+    if (qgetenv("LANGUAGE") == "eo" && longWords.load(QStringLiteral(MADE_UP_LANGUAGE)))
+        QCoreApplication::installTranslator(&longWords);
 
     FakeServices machine;
     machine.volumes.answer = VolumeCapacity{
