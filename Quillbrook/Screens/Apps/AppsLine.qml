@@ -41,6 +41,7 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
+        faint: true
         visible: root.index > 0
     }
 }

@@ -20,6 +20,7 @@ ColumnLayout {
 
     Hairline {
         Layout.fillWidth: true
+        faint: true
     }
 
     SectionLabel {
@@ -53,6 +54,7 @@ ColumnLayout {
 
             Hairline {
                 Layout.fillWidth: true
+                faint: true
                 visible: line.index > 0
             }
 

@@ -24,6 +24,7 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
+        faint: true
         visible: root.divided && !root.first
     }
 }

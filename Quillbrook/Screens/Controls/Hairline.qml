@@ -3,11 +3,13 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quillbrook
 
-// A divider.
+// A divider; `faint` is the one between the rows of a card.
 Rectangle {
     id: root
 
-    color: Theme.hairline
+    property bool faint: false
+
+    color: faint ? Theme.faded(Theme.hairline, Metrics.faintOpacity) : Theme.hairline
     implicitHeight: Metrics.hairlineWidth
     implicitWidth: Metrics.hairlineWidth
 }

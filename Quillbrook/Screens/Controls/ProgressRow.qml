@@ -36,7 +36,7 @@ Item {
     implicitWidth: Metrics.columnWidth
 
     Hairline {
-        color: Theme.faded(Theme.hairline, Metrics.faintOpacity)
+        faint: true
         visible: root.divided
         width: parent.width
     }

@@ -63,6 +63,7 @@ ListRow {
         anchors.leftMargin: root.leftPadding
         anchors.right: parent.right
         anchors.rightMargin: root.rightPadding
+        faint: true
         visible: root.index < root.ListView.view.count - 1
     }
 }

@@ -28,7 +28,7 @@ Sheet {
         Layout.fillWidth: true
         Layout.leftMargin: Metrics.space20
         Layout.rightMargin: Metrics.space20
-        color: Theme.faded(Theme.hairline, Metrics.faintOpacity)
+        faint: true
     }
 
     component Words: BodyText {
@@ -161,7 +161,7 @@ Sheet {
 
             Row {
                 anchors.right: parent.right
-                anchors.rightMargin: Metrics.space20
+                anchors.rightMargin: Metrics.space20 - Metrics.hairlineWidth
                 anchors.verticalCenter: parent.verticalCenter
                 spacing: Metrics.space8
 
