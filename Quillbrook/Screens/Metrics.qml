@@ -102,6 +102,8 @@ QtObject {
     readonly property int tooltipPaddingX: 9
     readonly property int tooltipPaddingY: 6
     readonly property int shadowRadius: 3
+    readonly property int sheetShadowRadius: 44
+    readonly property int sheetShadowDrop: 16
 
     // Symbols.
     readonly property int symbolTiny: 9

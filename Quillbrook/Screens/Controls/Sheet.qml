@@ -23,6 +23,11 @@ T.Popup {
     background: Card {
         Accessible.name: root.title
         Accessible.role: Accessible.Dialog
+
+        SheetShadow {
+            radius: parent.radius
+            z: -1
+        }
     }
     enter: Transition {
         NumberAnimation {
