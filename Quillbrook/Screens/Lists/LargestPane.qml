@@ -11,7 +11,6 @@ Item {
     required property SelectionBarState selection
 
     NodeTable {
-        anchors.bottomMargin: Metrics.space12
         anchors.fill: parent
         anchors.leftMargin: Metrics.paneInset
         anchors.rightMargin: Metrics.paneInset

@@ -37,7 +37,6 @@ ColumnLayout {
     }
 
     NodeTable {
-        Layout.bottomMargin: Metrics.space12
         Layout.fillHeight: true
         Layout.fillWidth: true
         Layout.leftMargin: Metrics.paneInset

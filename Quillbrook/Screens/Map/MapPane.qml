@@ -28,7 +28,6 @@ ColumnLayout {
     }
 
     TreemapView {
-        Layout.bottomMargin: Metrics.space12
         Layout.fillHeight: true
         Layout.fillWidth: true
         Layout.leftMargin: Metrics.paneInset
@@ -39,10 +38,10 @@ ColumnLayout {
     }
 
     SelectionBar {
-        Layout.bottomMargin: Metrics.space12
         Layout.fillWidth: true
         Layout.leftMargin: Metrics.paneInset
         Layout.rightMargin: Metrics.paneInset
+        Layout.topMargin: Metrics.space12
         selection: root.selection
     }
 }

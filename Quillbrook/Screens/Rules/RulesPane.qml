@@ -43,7 +43,6 @@ Item {
         anchors.fill: parent
         anchors.leftMargin: Metrics.paneInset
         anchors.rightMargin: Metrics.paneInset
-        bottomMargin: Metrics.space12
         boundsBehavior: Flickable.StopAtBounds
         // Rows differ in height; once those below are made, the bar beside them stays calm.
         cacheBuffer: height

@@ -42,7 +42,7 @@ Item {
 
     Card {
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: Math.max(Metrics.space12, room - findings.contentHeight - 2 * border.width)
+        anchors.bottomMargin: Math.max(0, room - findings.contentHeight - 2 * border.width)
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.top: column.bottom
         anchors.topMargin: Metrics.space24

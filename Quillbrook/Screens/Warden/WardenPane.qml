@@ -69,7 +69,6 @@ ColumnLayout {
             anchors.fill: parent
             anchors.leftMargin: Metrics.paneInset
             anchors.rightMargin: Metrics.paneInset
-            bottomMargin: Metrics.space12
             boundsBehavior: Flickable.StopAtBounds
             // Rows differ in height; once those below are made, the bar beside them stays calm.
             cacheBuffer: 2 * height

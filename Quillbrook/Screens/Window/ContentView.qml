@@ -75,6 +75,8 @@ RowLayout {
             Layout.fillWidth: true
             Layout.leftMargin: Metrics.paneInset
             Layout.rightMargin: Metrics.paneInset
+            // Whatever scrolls above it ends here, and not at its edge.
+            Layout.topMargin: Metrics.space12
             ask: root.screens.askBar
             visible: root.screens.content.asksBelow
         }
