@@ -21,6 +21,8 @@ ListRow {
     activeFocusOnTab: removable
     enabled: removable
     horizontalPadding: Metrics.space12
+    // Why it can't go is there to be read.
+    opacity: 1
     radius: Metrics.controlRadius + 1
     selected: chosen
     text: name + ", " + size
@@ -58,6 +60,7 @@ ListRow {
             spacing: 0
 
             RowLayout {
+                opacity: root.enabled ? 1 : Metrics.disabledOpacity
                 spacing: Metrics.space12
 
                 BodyText {
@@ -80,6 +83,7 @@ ListRow {
             CaptionText {
                 Accessible.ignored: true
                 Layout.fillWidth: true
+                opacity: root.enabled ? 1 : Metrics.disabledOpacity
                 text: root.detail
             }
 

@@ -151,7 +151,9 @@ T.Popup {
                         }
 
                         FocusRing {
-                            gap: -border.width
+                            // On the filled day it stands out only in the colour of the ground.
+                            border.color: cell.isValue ? Theme.surface : Theme.accent
+                            gap: cell.isValue ? -2 * border.width : -border.width
                             shown: cell.isCurrent && days.activeFocus
                         }
                     }

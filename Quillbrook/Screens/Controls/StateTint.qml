@@ -12,7 +12,7 @@ Rectangle {
 
     anchors.fill: parent
     color: Theme.strong
-    opacity: pressed ? Metrics.pressedOpacity : hovered ? Metrics.hoverOpacity : 0
+    opacity: !enabled ? 0 : pressed ? Metrics.pressedOpacity : hovered ? Metrics.hoverOpacity : 0
 
     Behavior on opacity {
         NumberAnimation {

@@ -105,6 +105,7 @@ CardSlice {
                 color: Theme.label
                 font.pointSize: Metrics.smallFont
                 text: root.row.regenerates
+                visible: text !== ""
                 wrapMode: Text.Wrap
             }
 
