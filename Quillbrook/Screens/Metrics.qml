@@ -79,6 +79,7 @@ QtObject {
     readonly property int breadcrumbHeight: 46
     readonly property int crumbWidth: 240
     readonly property int selectionBarHeight: 54
+    readonly property int selectionNameWidth: 120
     readonly property int wardenHeaderHeight: 79
     readonly property int wardenHeadingHeight: 40
     readonly property int findingInset: 14

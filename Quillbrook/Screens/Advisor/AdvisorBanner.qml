@@ -30,8 +30,9 @@ Item {
         }
 
         BodyText {
-            Layout.fillWidth: root.advisor.answerer === ""
-            Layout.maximumWidth: implicitWidth
+            Layout.fillWidth: true
+            // A layout rounds down, and half a pixel too little would break the line.
+            Layout.maximumWidth: Math.ceil(implicitWidth) + 1
             color: root.tone
             text: root.advisor.availability
             wrapMode: Text.Wrap
@@ -39,6 +40,7 @@ Item {
 
         CaptionText {
             Layout.fillWidth: true
+            Layout.minimumWidth: Math.min(Math.ceil(implicitWidth) + 1, Metrics.filterWidth)
             text: root.advisor.answerer
             visible: text !== ""
         }

@@ -14,18 +14,26 @@ Item {
     readonly property string orphansTitle: qsTr("Left behind by apps you removed")
 
     ColumnLayout {
-        anchors.bottomMargin: Metrics.space12
         anchors.fill: parent
         anchors.leftMargin: Metrics.paneInset
         anchors.rightMargin: Metrics.paneInset
         anchors.topMargin: Metrics.paneInset
         spacing: Metrics.space12
 
-        RowLayout {
+        // One above the other where the words are too long for one line.
+        GridLayout {
+            id: head
+
+            readonly property bool isWide: root.width >= tabs.implicitWidth + Metrics.filterWidth + Metrics.space12 + 2 * Metrics.paneInset
+
             Layout.fillWidth: true
-            spacing: Metrics.space12
+            columnSpacing: Metrics.space12
+            columns: isWide ? 3 : 1
+            rowSpacing: Metrics.space12
 
             TabRow {
+                id: tabs
+
                 current: root.apps.tab
                 name: qsTr("Apps")
                 options: [root.installedTitle, root.orphansTitle]
@@ -34,6 +42,7 @@ Item {
 
             Item {
                 Layout.fillWidth: true
+                visible: head.isWide
             }
 
             InputField {

@@ -12,14 +12,17 @@ Card {
 
     Accessible.name: selection.name
     Accessible.role: Accessible.Grouping
-    implicitHeight: Metrics.selectionBarHeight + (notice.visible ? notice.implicitHeight + Metrics.space12 : 0)
+    // The buttons stand beside the name, or below it where their words leave it no room.
+    readonly property bool isWide: actions.naturalWidth + closer.width + 2 * Metrics.space16 + Metrics.symbolSize + 3 * Metrics.space12 + Metrics.selectionNameWidth <= width
+
+    implicitHeight: Metrics.selectionBarHeight + (isWide ? 0 : actions.height + Metrics.space12) + (notice.visible ? notice.implicitHeight + Metrics.space12 : 0)
     visible: selection.present
 
     RowLayout {
         anchors.left: parent.left
         anchors.leftMargin: Metrics.space16
-        anchors.right: parent.right
-        anchors.rightMargin: Metrics.space8
+        anchors.right: root.isWide ? actions.left : closer.left
+        anchors.rightMargin: Metrics.space12
         anchors.top: parent.top
         height: Metrics.selectionBarHeight
         spacing: Metrics.space12
@@ -89,19 +92,37 @@ Card {
                 }
             }
         }
+    }
+
+    Flow {
+        id: actions
+
+        readonly property int below: Metrics.space16 + Metrics.symbolSize + Metrics.space12
+        readonly property real naturalWidth: (opener.visible ? opener.implicitWidth + spacing : 0) + shower.implicitWidth + (mover.visible ? mover.implicitWidth + eraser.implicitWidth + 2 * spacing : 0)
+
+        spacing: Metrics.space12
+        width: root.isWide ? naturalWidth : root.width - below - Metrics.space16
+        x: root.isWide ? closer.x - Metrics.space12 - naturalWidth : below
+        y: root.isWide ? (Metrics.selectionBarHeight - Metrics.controlHeight) / 2 : Metrics.selectionBarHeight
 
         PushButton {
+            id: opener
+
             text: qsTr("Open")
             visible: root.selection.canOpen
             onClicked: root.selection.open()
         }
 
         PushButton {
+            id: shower
+
             text: qsTr("Show in Finder")
             onClicked: root.selection.reveal()
         }
 
         PushButton {
+            id: mover
+
             enabled: !root.selection.removal.busy
             text: qsTr("Move to Trash")
             visible: root.selection.removable
@@ -109,18 +130,25 @@ Card {
         }
 
         PushButton {
+            id: eraser
+
             enabled: !root.selection.removal.busy
             kind: PushButton.Destructive
             text: qsTr("Delete permanently")
             visible: root.selection.removable
             onClicked: root.selection.askToRemove(true)
         }
+    }
 
-        SymbolButton {
-            symbol: "xmark"
-            text: qsTr("Clear selection")
-            onClicked: root.selection.dismiss()
-        }
+    SymbolButton {
+        id: closer
+
+        anchors.right: parent.right
+        anchors.rightMargin: Metrics.space8
+        y: (Metrics.selectionBarHeight - height) / 2
+        symbol: "xmark"
+        text: qsTr("Clear selection")
+        onClicked: root.selection.dismiss()
     }
 
     // Why it can't be removed, in place of the buttons that would.

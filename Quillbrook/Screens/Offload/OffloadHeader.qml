@@ -23,6 +23,7 @@ Item {
         FigureText {
             text: root.offload.total
             width: parent.width
+            wrapMode: Text.Wrap
         }
 
         CaptionText {

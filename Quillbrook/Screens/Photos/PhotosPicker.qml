@@ -23,7 +23,7 @@ ColumnLayout {
         GridLayout {
             id: grid
 
-            readonly property bool isWide: parent.width >= fields.implicitWidth + button.implicitWidth + 2 * Metrics.space16 + Metrics.space20
+            readonly property bool isWide: parent.width >= fields.naturalWidth + button.implicitWidth + 2 * Metrics.space16 + Metrics.space20
 
             anchors.left: parent.left
             anchors.leftMargin: Metrics.space16
@@ -34,46 +34,64 @@ ColumnLayout {
             columns: isWide ? 2 : 1
             rowSpacing: Metrics.space12
 
-            RowLayout {
+            // Goes on in the next line where the words are long.
+            Flow {
                 id: fields
 
+                readonly property real naturalWidth: from.implicitWidth + to.implicitWidth + videos.width + 2 * spacing + Metrics.space4
+
                 Layout.fillWidth: true
-                spacing: Metrics.space8
+                spacing: Metrics.space20
 
-                BodyText {
-                    Accessible.ignored: true
-                    text: qsTr("From")
+                RowLayout {
+                    id: from
+
+                    spacing: Metrics.space8
+
+                    BodyText {
+                        Accessible.ignored: true
+                        text: qsTr("From")
+                    }
+
+                    DateField {
+                        name: qsTr("From")
+                        objectName: "from"
+                        value: root.photos.from
+                        onPicked: moment => root.photos.setFrom(moment)
+                    }
                 }
 
-                DateField {
-                    name: qsTr("From")
-                    objectName: "from"
-                    value: root.photos.from
-                    onPicked: moment => root.photos.setFrom(moment)
+                RowLayout {
+                    id: to
+
+                    spacing: Metrics.space8
+
+                    BodyText {
+                        Accessible.ignored: true
+                        text: qsTr("To")
+                    }
+
+                    DateField {
+                        name: qsTr("To")
+                        objectName: "to"
+                        value: root.photos.to
+                        onPicked: moment => root.photos.setTo(moment)
+                    }
                 }
 
-                BodyText {
-                    Accessible.ignored: true
-                    Layout.leftMargin: Metrics.space12
-                    text: qsTr("To")
-                }
+                Row {
+                    // A little more room before it than between the two dates.
+                    leftPadding: fields.width >= fields.naturalWidth ? Metrics.space4 : 0
 
-                DateField {
-                    name: qsTr("To")
-                    objectName: "to"
-                    value: root.photos.to
-                    onPicked: moment => root.photos.setTo(moment)
-                }
+                    TickBox {
+                        id: videos
 
-                TickBox {
-                    Layout.leftMargin: Metrics.space16
-                    checked: root.photos.includesVideos
-                    text: qsTr("Include videos")
-                    onToggled: root.photos.setIncludesVideos(checked)
-                }
-
-                Item {
-                    Layout.fillWidth: true
+                        checked: root.photos.includesVideos
+                        height: Metrics.fieldHeight
+                        text: qsTr("Include videos")
+                        width: Math.ceil(implicitWidth) + 1
+                        onToggled: root.photos.setIncludesVideos(checked)
+                    }
                 }
             }
 

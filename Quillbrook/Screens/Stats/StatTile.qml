@@ -22,17 +22,23 @@ Card {
     implicitWidth: Metrics.columnWidth / 2
     radius: Metrics.statTileRadius
 
+    // What is left beside the words, which it never stands behind.
+    readonly property real trendRoom: width - 2 * Metrics.space12 - Metrics.space8 - Math.ceil(Math.max(figure.implicitWidth, words.implicitWidth))
+
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: Metrics.space12
         spacing: 0
 
         CaptionText {
+            Layout.fillWidth: true
             Layout.minimumHeight: Metrics.captionLine
             text: root.title
         }
 
         FigureText {
+            id: figure
+
             Layout.minimumHeight: Metrics.statFigureLine
             font.pointSize: Metrics.statFont
             text: root.value
@@ -40,6 +46,9 @@ Card {
         }
 
         CaptionText {
+            id: words
+
+            Layout.fillWidth: true
             Layout.minimumHeight: Metrics.captionLine
             text: root.detail
         }
@@ -53,6 +62,6 @@ Card {
         height: Metrics.trendHeight
         values: root.course
         visible: root.hasCourse
-        width: Metrics.trendWidth
+        width: Math.max(0, Math.min(Metrics.trendWidth, root.trendRoom))
     }
 }

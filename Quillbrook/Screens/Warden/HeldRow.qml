@@ -69,7 +69,7 @@ CardSlice {
         anchors.right: size.left
         anchors.verticalCenter: parent.verticalCenter
         text: root.row.ages
-        width: Metrics.heldAgeWidth
+        width: Math.max(Metrics.heldAgeWidth, Math.ceil(implicitWidth))
     }
 
     BodyText {
@@ -82,6 +82,6 @@ CardSlice {
         horizontalAlignment: Text.AlignRight
         semibold: true
         text: root.row.size
-        width: Metrics.heldSizeWidth
+        width: Math.max(Metrics.heldSizeWidth, Math.ceil(implicitWidth))
     }
 }
