@@ -15,6 +15,7 @@
 #include <QQuickWindow>
 #include <QTest>
 #include <QTimer>
+#include <QTranslator>
 #include <QtQml/QQmlExtensionPlugin>
 
 #include <memory>
@@ -299,6 +300,32 @@ private Q_SLOTS:
         pressAccessibly(item(Role::Button, u"Ask"_s));
         QCOMPARE(pane(), Pane::warden);
         QVERIFY(field->hasActiveFocus());
+    }
+
+    void longerWordsFitEveryScreen_data()
+    {
+        QTest::addColumn<Pane>("pane");
+        for (const auto &row : paneTable)
+            QTest::newRow(row.title) << row.pane;
+    }
+
+    void longerWordsFitEveryScreen()
+    {
+        QFETCH(Pane, pane);
+        QTranslator language;
+        QVERIFY(language.load(QStringLiteral(MADE_UP_LANGUAGE)));
+        QCoreApplication::installTranslator(&language);
+        m_machine->desktop.photos.access = PhotoAccess::granted;
+        m_machine->applications.apps = { { .app = { .name = u"Aurora Studio"_s }, .isMeasured = true } };
+        close();
+        open();
+        finishScan();
+        m_screens->content()->setPane(pane);
+        m_model->navigation().drillInto(1);
+        QVERIFY(m_model->navigation().selection());
+        if (pane == Pane::apps)
+            QTRY_VERIFY(shows(u"Aurora Studio"_s));
+        nothingIsCut(m_window->minimumSize());
     }
 
     void nothingIsCutAtTheMinimumSize()
