@@ -13,6 +13,8 @@ Window {
     required property MenuBarPanelState panel
 
     readonly property int fittingHeight: Math.ceil(column.implicitHeight) + 2 * Metrics.hairlineWidth
+    // Wider only where the words on the buttons ask for it.
+    readonly property int fittingWidth: Math.max(Metrics.panelWidth, Math.ceil(foot.implicitWidth) + 2 * (Metrics.panelFootInset + Metrics.hairlineWidth))
     /// How often the height was asked for again since it last changed: a desktop that insists on its own gets it.
     property int refits: 0
     readonly property color summaryTone: panel.isReclaimable ? Theme.safe : Theme.label
@@ -29,7 +31,7 @@ Window {
     flags: Qt.Tool | Qt.FramelessWindowHint
     height: fittingHeight
     title: "Quillbrook"
-    width: Metrics.panelWidth
+    width: fittingWidth
 
     onFittingHeightChanged: {
         refits = 0;
@@ -155,6 +157,8 @@ Window {
         }
 
         RowLayout {
+            id: foot
+
             Layout.fillWidth: true
             Layout.bottomMargin: Metrics.space8
             Layout.leftMargin: Metrics.panelFootInset
