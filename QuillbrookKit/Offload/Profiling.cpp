@@ -34,7 +34,7 @@ bool isFolder(const FileFacts &files, const std::string &path)
 QString DestinationProfile::summary() const
 {
     return QCoreApplication::translate("DestinationProfile", "%1 MB/s write · %2 MB/s read · %3 free")
-        .arg(QString::asprintf("%.0f", writeMBPerSecond), QString::asprintf("%.0f", readMBPerSecond),
+        .arg(Format::decimal(writeMBPerSecond, 0), Format::decimal(readMBPerSecond, 0),
             Format::bytes(freeBytes));
 }
 

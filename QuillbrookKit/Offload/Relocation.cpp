@@ -43,7 +43,7 @@ std::optional<OffloadError> refusal(
         return OffloadError{ .kind = Kind::hotPath,
             .text
             = u"This drive is slow (%1 MB/s). Anything moved here will be slower to open, every time."_s.arg(
-                QString::asprintf("%.0f", profile.writeMBPerSecond)) };
+                Format::decimal(profile.writeMBPerSecond, 0)) };
     if (profile.freeBytes <= relocation.bytes)
         return OffloadError{
             .kind = Kind::notEnoughRoom, .needed = relocation.bytes, .available = profile.freeBytes

@@ -69,13 +69,16 @@ QString bytes(qint64 count)
     size_t unit = 0;
     for (; value >= bytesPerUnit && unit + 1 < units.size(); ++unit)
         value *= reciprocalOfUnit;
-    const int decimals = value >= 100 ? 0 : 1;
-    std::array<char, 32> digits{};
-    auto *begin = digits.data();
-    // Unlike QString's own formatting this takes what lies exactly between two figures to the even one.
-    const auto written
-        = std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, decimals);
-    return QLatin1StringView(begin, written.ptr) + u' ' + QLatin1StringView(units[unit]);
+    return decimal(value, value >= 100 ? 0 : 1) + u' ' + QLatin1StringView(units[unit]);
+}
+
+QString decimal(double value, int decimals)
+{
+    // The largest there is has 309 digits before the point.
+    std::array<char, 512> text{};
+    auto *begin = text.data();
+    const auto written = std::to_chars(begin, begin + text.size(), value, std::chars_format::fixed, decimals);
+    return QLatin1StringView(begin, written.ptr);
 }
 
 QString count(qint64 value)

@@ -12,6 +12,9 @@ namespace Quillbrook::Format {
 
 /// Binary units with short labels: "512 B", "1.5 KB", "100 GB"; nothing above "TB".
 [[nodiscard]] QString bytes(qint64 count);
+/// With `decimals` digits after the point. What lies exactly between two figures goes to the even one, as
+/// with printf and unlike Qt's own formatting.
+[[nodiscard]] QString decimal(double value, int decimals);
 /// Decimal digits grouped by comma whatever the user's locale.
 [[nodiscard]] QString count(qint64 value);
 /// Whole days between `date` and `now` as "today", "yesterday", "12 days ago", "3 months ago", "over a year

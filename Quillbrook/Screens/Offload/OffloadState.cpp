@@ -174,8 +174,7 @@ QString OffloadState::slowWarning() const
         return {};
     const auto rate = destination->writeMBPerSecond;
     return tr("This volume writes at %1 MB/s — roughly %2× slower than this Mac's internal disk.")
-        .arg(QString::asprintf("%.0f", rate),
-            QString::asprintf("%.0f", internalMBPerSecond / std::max(rate, 1.0)));
+        .arg(Format::decimal(rate, 0), Format::decimal(internalMBPerSecond / std::max(rate, 1.0), 0));
 }
 
 void OffloadState::setAcceptSlowBus(bool accepts)

@@ -3,20 +3,13 @@
 #include "Scan/Format.h"
 #include "Screens/Stats/TrendLine.h"
 
-#include <array>
-#include <charconv>
-
 namespace Quillbrook {
 
 namespace {
 
-// Not by QString, which rounds halves away from zero.
 QString percent(double value)
 {
-    std::array<char, 32> text{};
-    const auto end
-        = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 0).ptr;
-    return QString::fromLatin1(text.data(), end - text.data()) + QLatin1Char('%');
+    return Format::decimal(value, 0) + u'%';
 }
 
 void append(QList<double> &course, double value)

@@ -19,7 +19,7 @@ QString TopBarState::summaryOf(qsizetype fileCount, double seconds)
 {
     if (seconds <= 0)
         return {};
-    return tr("scanned %1 files in %2s").arg(Format::count(fileCount), QString::number(seconds, 'f', 1));
+    return tr("scanned %1 files in %2s").arg(Format::count(fileCount), Format::decimal(seconds, 1));
 }
 
 void TopBarState::act()

@@ -5,7 +5,10 @@
 #include <QTest>
 #include <QTimeZone>
 
+#include <array>
+#include <cstdio>
 #include <limits>
+#include <utility>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -51,6 +54,24 @@ private Q_SLOTS:
     {
         QFETCH(qint64, count);
         QTEST(Format::bytes(count), "text");
+    }
+
+    void decimalRoundsAsPrintfDoes_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("decimals");
+        for (const auto &[value, decimals] : { std::pair(0.25, 1), std::pair(0.75, 1), std::pair(2.5, 0),
+                 std::pair(3.5, 0), std::pair(-0.5, 0), std::pair(12.36, 1), std::pair(1e300, 1) })
+            QTest::addRow("%g", value) << value << decimals;
+    }
+
+    void decimalRoundsAsPrintfDoes()
+    {
+        QFETCH(double, value);
+        QFETCH(int, decimals);
+        std::array<char, 512> expected{};
+        std::snprintf(expected.data(), expected.size(), "%.*f", decimals, value);
+        QCOMPARE(Format::decimal(value, decimals), QString::fromLatin1(expected.data()));
     }
 
     void countGroupsByCommaInAnyLocale_data()

@@ -24,6 +24,7 @@ private Q_SLOTS:
         QTest::newRow("usual") << qsizetype(1042083) << 1.1 << "scanned 1,042,083 files in 1.1s";
         QTest::newRow("hardly any time") << qsizetype(3) << 0.0004 << "scanned 3 files in 0.0s";
         QTest::newRow("rounded to one decimal") << qsizetype(12) << 12.36 << "scanned 12 files in 12.4s";
+        QTest::newRow("just between two figures") << qsizetype(4) << 0.25 << "scanned 4 files in 0.2s";
         QTest::newRow("minutes stay seconds") << qsizetype(5) << 125.0 << "scanned 5 files in 125.0s";
     }
 
