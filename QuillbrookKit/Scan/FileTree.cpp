@@ -12,7 +12,6 @@ namespace Quillbrook {
 
 namespace {
 
-constexpr size_t maximumIndex = std::numeric_limits<qint32>::max();
 constexpr size_t longestNameLength = std::numeric_limits<quint16>::max();
 constexpr size_t nameBytesPerExpectedNode = 16;
 // Below this length moving elements along one by one beats any cleverer stable sort.
@@ -110,8 +109,7 @@ qint32 FileTree::addNodes(qint32 parentIndex, std::span<const Entry> entries, st
     if (count == 0)
         return noNode;
     const auto arenaStart = m_nameArena.size();
-    if (m_parent.size() + count - 1 > maximumIndex
-        || arenaStart + static_cast<size_t>(entries.back().nameStart) > maximumIndex)
+    if (!hasIndicesFor(m_parent.size() + count, arenaStart + static_cast<size_t>(entries.back().nameStart)))
         fatal("a file tree grew past 2^31 nodes or name bytes");
     if (parentIndex != noNode && !isValid(parentIndex))
         fatal("a node was added below a node that does not exist");

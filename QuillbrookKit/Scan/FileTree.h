@@ -74,6 +74,14 @@ public:
     /// bytes are not (kept on purpose). Growing past 2^31 nodes or name bytes ends the process.
     qint32 addNode(qint32 parentIndex, std::string_view name, qint64 size, Flags flags);
 
+    /// Whether every node has an index and the last name an offset, which are 32 bits with a sign, once there
+    /// are so many nodes and the last name begins there.
+    [[nodiscard]] static constexpr bool hasIndicesFor(size_t nodes, size_t lastNameStart)
+    {
+        constexpr size_t indices = size_t{ 1 } << 31U;
+        return nodes <= indices && lastNameStart < indices;
+    }
+
     /// One of the nodes that are added together. Its name begins at `nameStart` of the bytes given along and
     /// ends where the next one's begins, the last one's with them.
     struct Entry

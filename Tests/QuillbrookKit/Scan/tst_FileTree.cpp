@@ -124,6 +124,16 @@ private Q_SLOTS:
         QCOMPARE(tree.path(4712), u"/4711"_s);
     }
 
+    // Exactly 2^31 nodes still have an index each.
+    void indicesEndAtTwoToTheThirtyFirst()
+    {
+        constexpr size_t count = size_t{ 1 } << 31U;
+        QVERIFY(FileTree::hasIndicesFor(count, 0));
+        QVERIFY(!FileTree::hasIndicesFor(count + 1, 0));
+        QVERIFY(FileTree::hasIndicesFor(1, count - 1));
+        QVERIFY(!FileTree::hasIndicesFor(1, count));
+    }
+
     void nodeCostsThirtyFiveBytesOfArrays()
     {
         const SmallTree made;
