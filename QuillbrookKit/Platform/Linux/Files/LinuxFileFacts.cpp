@@ -1,6 +1,7 @@
 #include "Platform/Linux/Files/LinuxFileFacts.h"
 
 #include "Platform/Linux/Files/LongPath.h"
+#include "Platform/Linux/Files/Uninterrupted.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +12,11 @@ namespace {
 
 // A mount whose server is gone would block a plain stat for ever; cached attributes are good enough here.
 constexpr int gently = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+
+bool ask(int folder, const char *name, int flags, unsigned mask, struct statx &facts)
+{
+    return uninterrupted([&] { return ::statx(folder, name, flags | gently, mask, &facts); }) == 0;
+}
 
 // Of a path of any length, a link at its end not followed.
 std::optional<struct statx> factsOf(const std::string &path)
@@ -28,7 +34,7 @@ std::optional<struct statx> factsOf(const std::string &path)
     }
     struct statx facts = {};
     const int from = folder.isOpen() ? folder.number() : AT_FDCWD;
-    if (::statx(from, name.c_str(), AT_SYMLINK_NOFOLLOW | gently, STATX_TYPE | STATX_INO, &facts) != 0)
+    if (!ask(from, name.c_str(), AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_INO, facts))
         return std::nullopt;
     return facts;
 }
@@ -54,7 +60,7 @@ std::optional<std::uint64_t> inodeAt(const std::string &path)
 std::optional<FileDates> LinuxFileFacts::dates(const std::string &path) const
 {
     struct statx facts = {};
-    if (::statx(AT_FDCWD, path.c_str(), gently, STATX_MTIME | STATX_BTIME, &facts) != 0
+    if (!ask(AT_FDCWD, path.c_str(), 0, STATX_MTIME | STATX_BTIME, facts)
         || (facts.stx_mask & STATX_MTIME) == 0)
         return std::nullopt;
     FileDates dates{ .lastModified = QDateTime::fromSecsSinceEpoch(facts.stx_mtime.tv_sec, Qt::UTC) };
@@ -66,7 +72,7 @@ std::optional<FileDates> LinuxFileFacts::dates(const std::string &path) const
 std::optional<qint64> LinuxFileFacts::length(const std::string &path) const
 {
     struct statx facts = {};
-    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | gently, STATX_SIZE, &facts) != 0)
+    if (!ask(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_SIZE, facts))
         return std::nullopt;
     return static_cast<qint64>(facts.stx_size);
 }
