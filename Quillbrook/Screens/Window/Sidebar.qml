@@ -18,9 +18,14 @@ FocusScope {
     implicitWidth: Math.max(Metrics.sidebarWidth, rowColumn.implicitWidth + 2 * Metrics.space12)
 
     Connections {
+        // The keyboard goes along from row to row. Anywhere else, also in this bar, it stays.
         function onSelectedRowChanged() {
-            if (root.activeFocus)
-                list.itemAt(root.rows.selectedRow).forceActiveFocus(Qt.TabFocusReason);
+            for (let row = 0; row < list.count; ++row) {
+                if (list.itemAt(row).activeFocus) {
+                    list.itemAt(root.rows.selectedRow).forceActiveFocus(Qt.TabFocusReason);
+                    return;
+                }
+            }
         }
 
         target: root.rows

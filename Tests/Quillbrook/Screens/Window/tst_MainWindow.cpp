@@ -459,6 +459,11 @@ private Q_SLOTS:
         QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
         pressAccessibly(item(Role::Button, line));
         QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
+        // A pane that is chosen by its key leaves the keyboard there, too.
+        item(Role::Button, line)->forceActiveFocus();
+        QTest::keyClick(m_window, Qt::Key_2, Qt::ControlModifier);
+        QCOMPARE(pane(), Pane::map);
+        QVERIFY(item(Role::Button, line)->hasActiveFocus());
     }
 
     void fullSidebarIsNotCut_data()
