@@ -337,6 +337,7 @@ void ScanDriver::finish(Run &run)
     m_scannedFileCount = m_tree->fileCount();
     m_kit.defaults.setInteger(lastFileCountKey, m_scannedFileCount);
     m_progress = 1.0;
+    m_shortfall = { .files = run.walked.unmeasuredFiles, .folders = run.walked.unreadableDirectories };
     m_phase = { .kind = Phase::Kind::ready };
 
     m_scanProgress.reset();
@@ -346,6 +347,7 @@ void ScanDriver::finish(Run &run)
     Q_EMIT scannedFileCountChanged();
     Q_EMIT phaseChanged();
     // Moved, so that no reference to it stays here and it is taken apart off the main thread.
+    Q_EMIT shortfallChanged();
     releaseOnPool(std::move(oldTree));
     Q_EMIT finished();
 }

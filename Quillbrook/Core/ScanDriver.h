@@ -41,6 +41,17 @@ public:
         bool automatic = false;
     };
 
+    /// What a scan could not measure, so that it counts as nothing.
+    struct Shortfall
+    {
+        /// Whose size the system did not tell.
+        qsizetype files = 0;
+        /// That could not be opened.
+        qsizetype folders = 0;
+
+        bool operator==(const Shortfall &) const = default;
+    };
+
     explicit ScanDriver(const KitServices &kit, QObject *parent = nullptr);
     /// Stops a scan that runs and waits until nothing of it is left on the pool.
     ~ScanDriver() override;
@@ -75,6 +86,8 @@ public:
     [[nodiscard]] quint64 treeGeneration() const { return m_treeGeneration; }
     [[nodiscard]] qsizetype scannedFileCount() const { return m_scannedFileCount; }
     [[nodiscard]] ScanProgress &scanProgress() { return m_scanProgress; }
+    /// Of the last finished scan.
+    [[nodiscard]] const Shortfall &shortfall() const { return m_shortfall; }
 
 Q_SIGNALS:
     /// A scan has begun: comes before the changes of its start are told.
@@ -90,6 +103,7 @@ Q_SIGNALS:
     void treeGenerationChanged();
     void scannedFileCountChanged();
     /// The quick stage has its first finding, or has ended. Emitted on a thread of the pool.
+    void shortfallChanged();
     void quickStageAdvanced(QPrivateSignal);
 
 private:
@@ -119,6 +133,7 @@ private:
     quint64 m_treeGeneration = 0;
     qsizetype m_scannedFileCount = 0;
     ScanProgress m_scanProgress;
+    Shortfall m_shortfall;
     /// The bar's value, 0 to 1, master copy.
     double m_progress = 0;
     bool m_hasScanned = false;

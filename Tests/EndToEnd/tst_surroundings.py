@@ -69,7 +69,9 @@ class Surroundings(case.Case):
         closed.chmod(0)
         self.addCleanup(closed.chmod, 0o755)
         # The two names of one file lie in there.
-        self.assertEqual(self.start().scanned()[0], made_home.FILE_COUNT - 2)
+        quillbrook = self.start()
+        self.assertEqual(quillbrook.scanned()[0], made_home.FILE_COUNT - 2)
+        quillbrook.says("1 folder could not be opened")
 
     def testAHomeThatDoesNotExistIsAnEmptyScan(self):
         self.home.path.rmdir()

@@ -27,10 +27,19 @@ Item {
 
         BodyText {
             Layout.alignment: Qt.AlignBaseline
-            Layout.fillWidth: true
             color: Theme.label
             font.pointSize: Metrics.smallFont
             text: root.bar.summary
+        }
+
+        // Also what keeps the button at its end of the bar.
+        BodyText {
+            Accessible.ignored: text === ""
+            Layout.alignment: Qt.AlignBaseline
+            Layout.fillWidth: true
+            color: Theme.label
+            font.pointSize: Metrics.smallFont
+            text: root.bar.shortfall
         }
 
         PushButton {

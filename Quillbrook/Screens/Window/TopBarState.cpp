@@ -5,6 +5,8 @@
 
 namespace Quillbrook {
 
+using namespace Qt::StringLiterals;
+
 TopBarState::TopBarState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
@@ -13,6 +15,7 @@ TopBarState::TopBarState(AppModel &model, QObject *parent)
     connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &TopBarState::actionTextChanged);
     connect(&m_model.scans(), &ScanDriver::lastScanDurationChanged, this, &TopBarState::summaryChanged);
     connect(&m_model.scans(), &ScanDriver::scannedFileCountChanged, this, &TopBarState::summaryChanged);
+    connect(&m_model.scans(), &ScanDriver::shortfallChanged, this, &TopBarState::shortfallChanged);
 }
 
 QString TopBarState::summaryOf(qsizetype fileCount, double seconds)
@@ -20,6 +23,20 @@ QString TopBarState::summaryOf(qsizetype fileCount, double seconds)
     if (seconds <= 0)
         return {};
     return tr("scanned %1 files in %2s").arg(Format::count(fileCount), Format::decimal(seconds, 1));
+}
+
+QString TopBarState::shortfallOf(const ScanDriver::Shortfall &shortfall)
+{
+    QStringList sentences;
+    if (shortfall.folders == 1)
+        sentences.append(tr("1 folder could not be opened"));
+    else if (shortfall.folders > 1)
+        sentences.append(tr("%1 folders could not be opened").arg(Format::count(shortfall.folders)));
+    if (shortfall.files == 1)
+        sentences.append(tr("1 file could not be measured"));
+    else if (shortfall.files > 1)
+        sentences.append(tr("%1 files could not be measured").arg(Format::count(shortfall.files)));
+    return sentences.join(u" · "_s);
 }
 
 void TopBarState::act()
@@ -33,6 +50,11 @@ void TopBarState::act()
 QString TopBarState::summary() const
 {
     return summaryOf(m_model.scans().scannedFileCount(), m_model.scans().lastScanDuration());
+}
+
+QString TopBarState::shortfall() const
+{
+    return shortfallOf(m_model.scans().shortfall());
 }
 
 QString TopBarState::actionText() const

@@ -36,6 +36,25 @@ private Q_SLOTS:
         QCOMPARE(TopBarState::summaryOf(count, seconds), expected);
     }
 
+    void shortfallNamesWhatIsNotMeasured_data()
+    {
+        QTest::addColumn<qsizetype>("files");
+        QTest::addColumn<qsizetype>("folders");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("none") << qsizetype(0) << qsizetype(0) << "";
+        QTest::newRow("a file") << qsizetype(1) << qsizetype(0) << "1 file could not be measured";
+        QTest::newRow("a folder") << qsizetype(0) << qsizetype(1) << "1 folder could not be opened";
+        QTest::newRow("many") << qsizetype(1234) << qsizetype(5678)
+                              << "5,678 folders could not be opened · 1,234 files could not be measured";
+    }
+
+    void shortfallNamesWhatIsNotMeasured()
+    {
+        QFETCH(qsizetype, files);
+        QFETCH(qsizetype, folders);
+        QTEST(TopBarState::shortfallOf({ .files = files, .folders = folders }), "expected");
+    }
+
     void buttonStopsAScanAndStartsOne()
     {
         FakeServices machine;
@@ -80,11 +99,23 @@ private Q_SLOTS:
         TopBarState bar(model);
         QSignalSpy changes(&bar, &TopBarState::summaryChanged);
         QCOMPARE(bar.summary(), QString());
+        QCOMPARE(bar.shortfall(), QString());
         bar.act();
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
         QVERIFY(changes.count() > 0);
         QCOMPARE(bar.summary(), TopBarState::summaryOf(2, model.scans().lastScanDuration()));
         QVERIFY(bar.summary().startsWith(u"scanned 2 files in "_s));
+        QCOMPARE(bar.shortfall(), QString());
+
+        auto lost = FakeDirectories::aFile("b");
+        lost.isMeasured = false;
+        machine.directories.folder(
+            "/home/someone", { FakeDirectories::aFile("a", 1), lost, FakeDirectories::aFolder("Library") });
+        QSignalSpy shortfalls(&bar, &TopBarState::shortfallChanged);
+        bar.act();
+        QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+        QVERIFY(shortfalls.count() > 0);
+        QCOMPARE(bar.shortfall(), u"1 folder could not be opened · 1 file could not be measured"_s);
     }
 };
 
