@@ -1,6 +1,7 @@
 """The program comes up, and measures the home folder by itself."""
 
 import os
+import pathlib
 import re
 
 import case
@@ -24,6 +25,13 @@ class Start(case.Case):
         files, seconds = quillbrook.scanned()
         self.assertEqual(files, made_home.FILE_COUNT)
         self.assertLess(seconds, 20)
+
+    def testAsManyFilesMayBeOpenAsTheSystemGrants(self):
+        self.through = ("/usr/bin/prlimit", "--nofile=256:4096")
+        quillbrook = self.start()
+        quillbrook.scanned()
+        limits = pathlib.Path(f"/proc/{quillbrook.pid}/limits").read_text(encoding="ascii")
+        self.assertRegex(limits, r"Max open files +4096 +4096 ")
 
     def testTheSidebarNamesEveryScreen(self):
         quillbrook = self.start()
