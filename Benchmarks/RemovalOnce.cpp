@@ -114,7 +114,7 @@ QJsonObject clear(const std::string &home, const std::string &data)
             .path = QString::fromStdString(folder.path().string()),
             .bytes = 1'000'000 });
     const auto start = Watch::now();
-    Clearance clearance(machine.services(), machine.journal, QString::fromStdString(home));
+    Clearance clearance(machine.services(), machine.journal, home);
     const auto outcomes = clearance.clear({ .findings = findings }, {});
     const Books books{ .ledger = machine.ledger, .journal = machine.journal, .trash = machine.trash };
     books.enter(outcomes, false, [](qint64) {});

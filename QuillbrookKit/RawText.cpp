@@ -19,6 +19,13 @@ QString repairedText(std::string_view raw)
     return marks + QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
 }
 
+std::string rawPathBelow(const std::string &folder, const QString &path)
+{
+    const auto text = repairedText(folder);
+    const bool isBelow = path == text || path.startsWith(text + u'/');
+    return isBelow ? folder + path.sliced(text.size()).toStdString() : path.toStdString();
+}
+
 bool isAscii(std::string_view bytes)
 {
     return std::ranges::none_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });

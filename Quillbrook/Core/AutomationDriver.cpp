@@ -194,7 +194,7 @@ const HostCatalogue &AutomationDriver::host() const
     if (m_scans.tree())
         return m_scans.hostCatalogue();
     if (!m_hostBeforeScan)
-        m_hostBeforeScan = m_services.kit.host.about(m_services.kit.home.homeDirectory()).catalogue;
+        m_hostBeforeScan = m_services.kit.host.about(m_services.kit.home.rawHomeDirectory()).catalogue;
     return *m_hostBeforeScan;
 }
 

@@ -6,9 +6,9 @@
 #include "Platform/FolderPicker.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/UserDefaults.h"
+#include "RawText.h"
 
 #include <QDebug>
-#include <QFile>
 
 #include <algorithm>
 #include <array>
@@ -108,7 +108,7 @@ std::string FolderAccess::scanRoot() const
 
 QString FolderAccess::grantedName() const
 {
-    return m_granted ? QFile::decodeName(m_granted->c_str()) : tr("not chosen");
+    return m_granted ? repairedText(*m_granted) : tr("not chosen");
 }
 
 bool FolderAccess::grantedIsWrongVolume() const

@@ -1,6 +1,5 @@
 #include "Core/Navigation.h"
 
-#include "Catalogue/Finding.h"
 #include "Core/ScanDriver.h"
 #include "Fatal.h"
 #include "Scan/TreeQueries.h"
@@ -116,13 +115,6 @@ std::string Navigation::rawPath(const NodeSnapshot &snapshot) const
     if (tree && tree->isValid(snapshot.id) && tree->path(snapshot.id) == snapshot.path)
         return tree->rawPath(snapshot.id);
     return QFile::encodeName(snapshot.path).toStdString();
-}
-
-std::string Navigation::rawPath(const Finding &finding) const
-{
-    const auto &tree = m_scans.tree();
-    const auto node = tree ? tree->find(finding.path, m_scans.rootNode()) : FileTree::noNode;
-    return node == FileTree::noNode ? QFile::encodeName(finding.path).toStdString() : tree->rawPath(node);
 }
 
 } // namespace Quillbrook

@@ -17,7 +17,6 @@
 namespace Quillbrook {
 
 class ScanDriver;
-struct Finding;
 
 class Navigation : public QObject
 {
@@ -46,8 +45,6 @@ public:
     /// The raw path of what a snapshot names, for system calls. From the tree as long as it still holds that
     /// node at that path, else the path's text encoded.
     [[nodiscard]] std::string rawPath(const NodeSnapshot &snapshot) const;
-    /// The same for a finding, whose node is looked for in the tree by its path's text.
-    [[nodiscard]] std::string rawPath(const Finding &finding) const;
 
     /// The node of the folder on the map; -1 when there is nothing to show.
     [[nodiscard]] qint32 focus() const { return m_focus; }

@@ -143,7 +143,7 @@ void OffloadDriver::offload(const Finding &finding, bool allowSlowBus)
 QCoro::Task<> OffloadDriver::moveAway(std::shared_ptr<Job> job, Finding finding, bool allowSlowBus)
 {
     const QPointer self(this);
-    const Offload::Relocation relocation{ .source = m_navigation.rawPath(finding),
+    const Offload::Relocation relocation{ .source = finding.rawPath,
         .into = m_destination->path,
         .bytes = finding.bytes,
         .suitability = Offload::suitability(finding.rule.id, &m_scans.hostCatalogue()),
@@ -280,9 +280,11 @@ QCoro::Task<> OffloadDriver::lookForMovedThings()
     const auto mine = m_looking;
     const auto services = OffloadServices::of(m_kit);
     const auto finding = QtConcurrent::run(&m_lookingPool,
-        [services, home = m_scans.scanRoot().isEmpty() ? m_kit.home.homeDirectory() : m_scans.scanRoot(),
+        [services,
+            home = m_scans.rawScanRoot().empty() ? m_kit.home.rawHomeDirectory() : m_scans.rawScanRoot(),
             host = m_scans.hostCatalogue(), stop = mine.get_token()] {
-            return Offload::movedThings(services, { .homeDirectory = home, .host = &host }, stop);
+            return Offload::movedThings(
+                services, { .homeDirectory = repairedText(home), .rawHome = home, .host = &host }, stop);
         });
     auto things = co_await finding;
     if (!self || m_looking != mine)

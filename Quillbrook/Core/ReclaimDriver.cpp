@@ -52,7 +52,7 @@ TrashLedger::Watch leaving(const RemovalQueue::Watch &watch)
 struct ReclaimDriver::Clearing
 {
     Clearance::Order order{};
-    QString home{};
+    std::string home{};
     std::vector<Reclaimer::Outcome> outcomes{};
     qint64 bytes = 0;
     qint64 freeBefore = 0;
@@ -94,13 +94,13 @@ void ReclaimDriver::clear(const std::shared_ptr<Clearing> &clearing, const Clear
     const auto begin = [this, clearing] {
         m_volume.refreshVolume();
         clearing->freeBefore = presentFree();
-        clearing->home = m_kit.home.homeDirectory();
+        clearing->home = m_kit.home.rawHomeDirectory();
     };
     const auto work = [this, clearing, permanently](const RemovalQueue::Watch &watch, const Books &books) {
         if (permanently) {
             std::vector<std::string> paths;
             for (const auto &finding : clearing->order.findings)
-                paths.push_back(finding.path.toStdString());
+                paths.push_back(finding.rawPath);
             clearing->stayed = std::make_shared<StayedSpace>(m_kit.spaceHolders, std::move(paths));
         }
         Clearance clearance(RemovalServices::of(m_kit), books.journal, clearing->home);
@@ -166,7 +166,7 @@ void ReclaimDriver::removeItems(const QList<StorageItem> &items, const Finding &
             moving->items.append(item);
     const auto work = [this, moving, finding](const RemovalQueue::Watch &watch, const Books &books) {
         const Reclaimer reclaimer{ .services = RemovalServices::of(m_kit),
-            .homeDirectory = m_kit.home.homeDirectory(),
+            .home = m_kit.home.rawHomeDirectory(),
             .journal = &books.journal };
         std::vector<TrashedItem> rows;
         qint64 bytes = 0;
@@ -375,7 +375,9 @@ QList<StorageItem> ReclaimDriver::items(const Finding &finding) const
         return {};
     const auto &tree = *m_scans.tree();
     return StorageCatalogue::items(CatalogueServices::of(m_kit), finding, tree, m_scans.rootNode(),
-        { .homeDirectory = tree.path(m_scans.rootNode()), .host = &m_scans.hostCatalogue() });
+        { .homeDirectory = tree.path(m_scans.rootNode()),
+            .rawHome = tree.rawPath(m_scans.rootNode()),
+            .host = &m_scans.hostCatalogue() });
 }
 
 void ReclaimDriver::refreshSafetyNet()

@@ -71,7 +71,7 @@ struct ScanDriver::Run
     // The stages, in their order. They block, and run on threads of the pool, one after the other.
     void prepare()
     {
-        host = kit.host.about(root);
+        host = kit.host.about(rawRoot);
         fences = scope == Scope::quiet ? ScanFences::quiet(root, host) : ScanFences::complete();
         const auto steps = StorageCatalogue::quickScanStepCount(CatalogueServices::of(kit), places());
         quickSteps = std::max<qsizetype>(steps, 1);
@@ -111,7 +111,9 @@ struct ScanDriver::Run
 
     [[nodiscard]] StorageCatalogue::Places places() const
     {
-        return { .homeDirectory = root, .skipping = fences.skipping, .host = &host.catalogue };
+        return {
+            .homeDirectory = root, .rawHome = rawRoot, .skipping = fences.skipping, .host = &host.catalogue
+        };
     }
 };
 
@@ -335,9 +337,9 @@ void ScanDriver::finish(Run &run)
     m_hostCatalogue = std::move(run.host.catalogue);
     m_lastScanDuration = run.walked.duration;
     m_scannedFileCount = m_tree->fileCount();
+    m_shortfall = { .files = run.walked.unmeasuredFiles, .folders = run.walked.unreadableDirectories };
     m_kit.defaults.setInteger(lastFileCountKey, m_scannedFileCount);
     m_progress = 1.0;
-    m_shortfall = { .files = run.walked.unmeasuredFiles, .folders = run.walked.unreadableDirectories };
     m_phase = { .kind = Phase::Kind::ready };
 
     m_scanProgress.reset();
@@ -345,9 +347,9 @@ void ScanDriver::finish(Run &run)
     Q_EMIT reportChanged();
     Q_EMIT lastScanDurationChanged();
     Q_EMIT scannedFileCountChanged();
+    Q_EMIT shortfallChanged();
     Q_EMIT phaseChanged();
     // Moved, so that no reference to it stays here and it is taken apart off the main thread.
-    Q_EMIT shortfallChanged();
     releaseOnPool(std::move(oldTree));
     Q_EMIT finished();
 }

@@ -78,16 +78,17 @@ public:
     /// How many items a finding opens into in the present tree; 0 without one.
     [[nodiscard]] qsizetype itemCount(const Finding &finding) const;
     [[nodiscard]] Scope scope() const { return m_scope; }
-    /// As text, for people to read and for tables to compare with.
+    /// As text, for people to read and for tables to compare with, and in raw bytes.
     [[nodiscard]] QString scanRoot() const;
+    [[nodiscard]] const std::string &rawScanRoot() const { return m_scanRoot; }
     /// Seconds of the last tree scan; 0 before one.
     [[nodiscard]] double lastScanDuration() const { return m_lastScanDuration; }
     /// One more at every start of a scan.
     [[nodiscard]] quint64 treeGeneration() const { return m_treeGeneration; }
     [[nodiscard]] qsizetype scannedFileCount() const { return m_scannedFileCount; }
-    [[nodiscard]] ScanProgress &scanProgress() { return m_scanProgress; }
     /// Of the last finished scan.
     [[nodiscard]] const Shortfall &shortfall() const { return m_shortfall; }
+    [[nodiscard]] ScanProgress &scanProgress() { return m_scanProgress; }
 
 Q_SIGNALS:
     /// A scan has begun: comes before the changes of its start are told.
@@ -102,8 +103,8 @@ Q_SIGNALS:
     void lastScanDurationChanged();
     void treeGenerationChanged();
     void scannedFileCountChanged();
-    /// The quick stage has its first finding, or has ended. Emitted on a thread of the pool.
     void shortfallChanged();
+    /// The quick stage has its first finding, or has ended. Emitted on a thread of the pool.
     void quickStageAdvanced(QPrivateSignal);
 
 private:
@@ -132,8 +133,8 @@ private:
     double m_lastScanDuration = 0;
     quint64 m_treeGeneration = 0;
     qsizetype m_scannedFileCount = 0;
-    ScanProgress m_scanProgress;
     Shortfall m_shortfall;
+    ScanProgress m_scanProgress;
     /// The bar's value, 0 to 1, master copy.
     double m_progress = 0;
     bool m_hasScanned = false;

@@ -30,7 +30,7 @@ void VolumeFigures::startClock()
 
 void VolumeFigures::refreshVolume()
 {
-    const auto capacity = m_kit.volumes.capacity(m_kit.home.homeDirectory());
+    const auto capacity = m_kit.volumes.capacity(m_kit.home.rawHomeDirectory());
     if (!capacity)
         return;
     m_measuredFree = capacity->available;

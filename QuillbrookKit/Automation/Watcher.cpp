@@ -115,10 +115,11 @@ struct Watcher::State
 std::optional<ReclaimReport> Watcher::State::measure() const
 {
     const auto home = kit.home.homeDirectory();
-    const auto host = kit.host.about(home);
+    const auto rawHome = kit.home.rawHomeDirectory();
+    const auto host = kit.host.about(rawHome);
     const auto fences = ScanFences::quiet(home, host);
     FastScanner scanner(kit.directories);
-    const auto scanned = scanner.scan({ .rootPath = kit.home.rawHomeDirectory(),
+    const auto scanned = scanner.scan({ .rootPath = rawHome,
         .threads = FastScanner::defaultThreadCount(kit.processors),
         .exclusions = fences.exclusions,
         .allowlist = fences.allowlist,
@@ -128,7 +129,10 @@ std::optional<ReclaimReport> Watcher::State::measure() const
     return StorageCatalogue::evaluate(CatalogueServices::of(kit),
         { .tree = *scanned.tree,
             .root = scanned.root,
-            .places = { .homeDirectory = home, .skipping = fences.skipping, .host = &host.catalogue } });
+            .places = { .homeDirectory = home,
+                .rawHome = rawHome,
+                .skipping = fences.skipping,
+                .host = &host.catalogue } });
 }
 
 void Watcher::State::check(bool force)

@@ -52,12 +52,12 @@ std::optional<QString> parseSteamManifest(QByteArrayView text)
 }
 
 QString ofFlatpak(
-    const FileReading &reading, const HostCatalogue &host, const QString &home, const QString &id)
+    const FileReading &reading, const HostCatalogue &host, const std::string &home, const QString &id)
 {
     for (const auto &folder : host.desktopEntryFolders) {
-        const auto path
-            = (folder.startsWith(u'/') ? folder : home + u'/' + folder) + u'/' + id + u".desktop"_s;
-        if (const auto text = reading.contents(path.toStdString(), maximumFileBytes))
+        const auto path = (folder.startsWith(u'/') ? std::string() : home + '/')
+            + (folder + u'/' + id + u".desktop"_s).toStdString();
+        if (const auto text = reading.contents(path, maximumFileBytes))
             if (auto name = parseDesktopEntry(*text))
                 return *name;
     }

@@ -17,9 +17,10 @@ struct HostCatalogue;
 
 namespace ApplicationNames {
 
-/// By the desktop entry that Flatpak exports for the application `id`, else that id.
+/// By the desktop entry that Flatpak exports for the application `id`, to the home folder (raw bytes) or for
+/// all users, else that id.
 [[nodiscard]] QString ofFlatpak(
-    const FileReading &reading, const HostCatalogue &host, const QString &home, const QString &id);
+    const FileReading &reading, const HostCatalogue &host, const std::string &home, const QString &id);
 /// By the manifest that Steam keeps in `folder` (raw bytes) for the game of that number; absent without one.
 [[nodiscard]] std::optional<QString> ofSteamGame(
     const FileReading &reading, const std::string &folder, const QString &number);

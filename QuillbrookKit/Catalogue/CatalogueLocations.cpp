@@ -4,6 +4,7 @@
 #include "Platform/FileFacts.h"
 #include "Platform/RunningApps.h"
 #include "Platform/Volumes.h"
+#include "RawText.h"
 #include "Scan/WholeDays.h"
 
 #include <QHash>
@@ -50,6 +51,7 @@ class Walk
 public:
     explicit Walk(const StorageCatalogue::Places &places)
         : m_home(places.homeDirectory)
+        , m_rawHome(places.home())
         , m_skipping(places.skipping)
         , m_host(places.host)
     {
@@ -87,8 +89,10 @@ private:
 
     void visit(CatalogueLocation location)
     {
-        if (!m_skipping.covers(location.path))
-            m_locations.push_back(std::move(location));
+        if (m_skipping.covers(location.path))
+            return;
+        location.rawPath = rawPathBelow(m_rawHome, location.path);
+        m_locations.push_back(std::move(location));
     }
 
     void visitHostLocations(const ReclaimRule &rule)
@@ -102,6 +106,7 @@ private:
     }
 
     QString m_home;
+    std::string m_rawHome;
     SkipSet m_skipping;
     const HostCatalogue *m_host;
     std::vector<CatalogueLocation> m_locations;
@@ -161,12 +166,13 @@ const Finding &FindingList::add(const CatalogueLocation &location, qint64 bytes,
     Finding finding{ .id = Finding::idFor(rule.id, location.path),
         .rule = rule,
         .path = location.path,
+        .rawPath = location.rawPath,
         .bytes = bytes,
         .redirectedOffVolume = isLink,
         .applicationId = location.applicationId };
     if (rule.safety == Safety::safe && !isUnused(location, m_runningApps))
         finding.rule.safety = Safety::careful;
-    if (const auto dates = m_files.dates(location.path.toStdString())) {
+    if (const auto dates = m_files.dates(location.rawPath)) {
         finding.created = dates->created;
         finding.lastModified = dates->lastModified;
     }
@@ -187,7 +193,7 @@ void FindingList::settleLabels()
             finding.locationLabel = label.value_or(lastComponent(finding.path));
 }
 
-ReclaimReport FindingList::report(const Volumes &volumes, const QString &homeDirectory) &&
+ReclaimReport FindingList::report(const Volumes &volumes, const std::string &home) &&
 {
     settleLabels();
     ReclaimReport report;
@@ -195,7 +201,7 @@ ReclaimReport FindingList::report(const Volumes &volumes, const QString &homeDir
         report.findings.append(std::move(entry.finding));
     std::ranges::stable_sort(
         report.findings, [](const Finding &a, const Finding &b) { return a.bytes > b.bytes; });
-    if (const auto capacity = volumes.capacity(homeDirectory)) {
+    if (const auto capacity = volumes.capacity(home)) {
         report.volumeFreeBytes = capacity->available.value_or(0);
         report.volumeTotalBytes = capacity->total.value_or(0);
     }

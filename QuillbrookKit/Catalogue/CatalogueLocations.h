@@ -16,6 +16,8 @@ struct CatalogueLocation
     const ReclaimRule *rule = nullptr;
     /// Absolute.
     QString path{};
+    /// The path in raw bytes, for system calls.
+    std::string rawPath{};
     /// Only where the host names it.
     std::optional<QString> label{};
     QString applicationId{};
@@ -35,8 +37,8 @@ public:
     /// Makes the finding of a location that holds `bytes`, reads its dates and keeps it. What is safe is
     /// careful where its application runs, or where that can't be told.
     const Finding &add(const CatalogueLocation &location, qint64 bytes, bool isLink);
-    /// All findings, largest first, with the figures of the volume that holds the home folder.
-    [[nodiscard]] ReclaimReport report(const Volumes &volumes, const QString &homeDirectory) &&;
+    /// All findings, largest first, with the figures of the volume that holds `home` (raw bytes).
+    [[nodiscard]] ReclaimReport report(const Volumes &volumes, const std::string &home) &&;
 
 private:
     struct Entry

@@ -7,6 +7,8 @@
 
 #include <QDateTime>
 
+#include <string>
+
 namespace Quillbrook {
 
 struct Finding
@@ -16,6 +18,8 @@ struct Finding
     ReclaimRule rule{};
     /// Absolute.
     QString path{};
+    /// The path in raw bytes, for system calls.
+    std::string rawPath{};
     /// Always at least 1.
     qint64 bytes = 0;
     std::optional<QDateTime> created{};

@@ -106,7 +106,7 @@ void describe(const HostItemisation &row, const FileReading &reading, const Stor
         item.name = QString(childName).replace(u"-VAGRANTSLASH-"_s, u"/"_s);
         break;
     case HostItemNaming::flatpakApplication:
-        item.name = ApplicationNames::ofFlatpak(reading, *places.host, places.homeDirectory, childName);
+        item.name = ApplicationNames::ofFlatpak(reading, *places.host, places.home(), childName);
         break;
     }
 }

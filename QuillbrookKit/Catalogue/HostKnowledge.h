@@ -9,6 +9,8 @@
 #include <QSet>
 #include <QString>
 
+#include <string>
+
 namespace Quillbrook {
 
 struct HostFacts
@@ -24,9 +26,9 @@ class HostKnowledge
 {
 public:
     virtual ~HostKnowledge() = default;
-    /// What holds for a home folder, an absolute path. May read small files and list
-    /// folders there, so that it blocks on the disk. From any thread.
-    [[nodiscard]] virtual HostFacts about(const QString &home) const = 0;
+    /// What holds for a home folder, an absolute path in raw bytes. May read small files and list folders
+    /// there, so that it blocks on the disk. From any thread.
+    [[nodiscard]] virtual HostFacts about(const std::string &home) const = 0;
 };
 
 } // namespace Quillbrook

@@ -16,6 +16,7 @@
 #include <functional>
 #include <span>
 #include <stop_token>
+#include <string>
 
 namespace Quillbrook {
 
@@ -34,10 +35,15 @@ struct Places
 {
     /// Absolute; what a relative location hangs under.
     QString homeDirectory{};
+    /// The same in raw bytes; empty where the text is all that they say.
+    std::string rawHome{};
     /// Absolute paths; a location that equals one or lies below one, by its text, is passed over.
     QSet<QString> skipping{};
     /// Null: the built-in tables alone. Outlives the call.
     const HostCatalogue *host = nullptr;
+
+    /// The home folder for system calls.
+    [[nodiscard]] std::string home() const { return rawHome.empty() ? homeDirectory.toStdString() : rawHome; }
 };
 
 struct QuickScanRequest

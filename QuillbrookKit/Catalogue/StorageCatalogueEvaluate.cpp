@@ -18,11 +18,14 @@ ReclaimReport evaluate(const CatalogueServices &services, const EvaluateRequest 
         const auto bytes = request.tree.size(nodes[index]);
         if (bytes < 1)
             continue;
+        // As the disk spells it, which the tables do not know.
+        auto location = locations[index];
+        location.rawPath = request.tree.rawPath(nodes[index]);
         // Where nothing is there any more, the tree's word stands.
-        const auto kind = services.files.kind(paths[index].toStdString());
-        findings.add(locations[index], bytes, kind == FileKind::symlink);
+        const auto kind = services.files.kind(location.rawPath);
+        findings.add(location, bytes, kind == FileKind::symlink);
     }
-    return std::move(findings).report(services.volumes, request.places.homeDirectory);
+    return std::move(findings).report(services.volumes, request.places.home());
 }
 
 } // namespace Quillbrook::StorageCatalogue

@@ -2,9 +2,9 @@
 #include "Platform/FileFacts.h"
 #include "Scan/FastScanner.h"
 
-#include <QHash>
-
 #include <algorithm>
+#include <string>
+#include <unordered_map>
 
 namespace Quillbrook::StorageCatalogue {
 
@@ -15,45 +15,43 @@ namespace {
 class LinkedParents
 {
 public:
-    LinkedParents(const FileFacts &files, const QString &home)
+    LinkedParents(const FileFacts &files, const std::string &home)
         : m_files(files)
-        , m_prefix(home + u'/')
+        , m_prefix(home + '/')
     {
     }
 
-    [[nodiscard]] bool anyAbove(const QString &path)
+    [[nodiscard]] bool anyAbove(const std::string &path)
     {
-        if (!path.startsWith(m_prefix))
+        if (!path.starts_with(m_prefix))
             return false;
-        for (auto slash = path.indexOf(u'/', m_prefix.size()); slash >= 0;
-             slash = path.indexOf(u'/', slash + 1))
-            if (isLink(path.first(slash)))
+        for (auto slash = path.find('/', m_prefix.size()); slash != std::string::npos;
+             slash = path.find('/', slash + 1))
+            if (isLink(path.substr(0, slash)))
                 return true;
         return false;
     }
 
 private:
-    bool isLink(const QString &folder)
+    bool isLink(const std::string &folder)
     {
-        const auto known = m_known.constFind(folder);
-        if (known != m_known.cend())
-            return *known;
-        const bool answer = m_files.kind(folder.toStdString()) == FileKind::symlink;
-        m_known.insert(folder, answer);
-        return answer;
+        const auto [place, isNew] = m_known.try_emplace(folder);
+        if (isNew)
+            place->second = m_files.kind(folder) == FileKind::symlink;
+        return place->second;
     }
 
     const FileFacts &m_files;
-    QString m_prefix;
-    QHash<QString, bool> m_known;
+    std::string m_prefix;
+    std::unordered_map<std::string, bool> m_known;
 };
 
 // The bytes below one location; absent when the scan was stopped.
 std::optional<qint64> measured(
-    const CatalogueServices &services, const QString &path, int threads, const std::stop_token &stop)
+    const CatalogueServices &services, const std::string &path, int threads, const std::stop_token &stop)
 {
     FastScanner scanner(services.directories);
-    const auto result = scanner.scan({ .rootPath = path.toStdString(), .threads = threads, .stop = stop });
+    const auto result = scanner.scan({ .rootPath = path, .threads = threads, .stop = stop });
     if (stop.stop_requested())
         return std::nullopt;
     return result.tree ? result.tree->size(result.root) : 0;
@@ -63,17 +61,17 @@ std::optional<qint64> measured(
 
 ReclaimReport quickScan(const CatalogueServices &services, const QuickScanRequest &request)
 {
-    const auto &home = request.places.homeDirectory;
+    const auto home = request.places.home();
     const auto threads = FastScanner::defaultThreadCount(services.processors);
     LinkedParents linkedParents(services.files, home);
     FindingList findings(services);
     for (const auto &location : catalogueLocations(request.places)) {
         if (request.stop.stop_requested())
             break;
-        const auto kind = services.files.kind(location.path.toStdString());
-        if (!kind || kind == FileKind::symlink || linkedParents.anyAbove(location.path))
+        const auto kind = services.files.kind(location.rawPath);
+        if (!kind || kind == FileKind::symlink || linkedParents.anyAbove(location.rawPath))
             continue;
-        const auto bytes = measured(services, location.path, threads, request.stop);
+        const auto bytes = measured(services, location.rawPath, threads, request.stop);
         if (!bytes || *bytes <= 0)
             continue;
         const auto &finding = findings.add(location, *bytes, false);
@@ -87,7 +85,7 @@ qsizetype quickScanStepCount(const CatalogueServices &services, const Places &pl
 {
     // A link is counted too, though quick scan passes it over: progress takes fewer steps than announced.
     return std::ranges::count_if(catalogueLocations(places), [&services](const CatalogueLocation &location) {
-        return services.files.kind(location.path.toStdString()).has_value();
+        return services.files.kind(location.rawPath).has_value();
     });
 }
 

@@ -77,7 +77,7 @@ std::vector<MovedThing> Offload::movedThings(
             break;
         if (!suitability(location.rule->id, places.host).isCold())
             continue;
-        const auto place = location.path.toStdString();
+        const auto &place = location.rawPath;
         const auto link = services.disk.linkAt(place);
         if (!link || !isElsewhere(services, place, *link))
             continue;

@@ -2,9 +2,10 @@
 
 // Capacity of the volume that holds a path.
 
-#include <QString>
+#include <QtGlobal>
 
 #include <optional>
+#include <string>
 
 namespace Quillbrook {
 
@@ -24,8 +25,8 @@ class Volumes
 {
 public:
     virtual ~Volumes() = default;
-    /// Absent when the volume can't be asked. Callable from any thread.
-    [[nodiscard]] virtual std::optional<VolumeCapacity> capacity(const QString &path) const = 0;
+    /// `path` is in raw bytes. Absent when the volume can't be asked. Callable from any thread.
+    [[nodiscard]] virtual std::optional<VolumeCapacity> capacity(const std::string &path) const = 0;
 };
 
 } // namespace Quillbrook

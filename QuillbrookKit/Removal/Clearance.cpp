@@ -5,17 +5,17 @@
 
 namespace Quillbrook {
 
-Clearance::Clearance(const RemovalServices &services, RemovalJournal &journal, QString homeDirectory)
+Clearance::Clearance(const RemovalServices &services, RemovalJournal &journal, std::string home)
     : m_services(services)
     , m_journal(journal)
-    , m_homeDirectory(std::move(homeDirectory))
+    , m_home(std::move(home))
 {
 }
 
 std::vector<Reclaimer::Outcome> Clearance::clear(const Order &order, const Watch &watch)
 {
     const Reclaimer reclaimer{ .services = m_services,
-        .homeDirectory = m_homeDirectory,
+        .home = m_home,
         .journal = order.disposal == Reclaimer::Disposal::toTrash ? &m_journal : nullptr,
         .byRule = order.byRule };
     const auto held = order.disposal == Reclaimer::Disposal::toTrash ? m_services.trash.hold() : nullptr;

@@ -42,8 +42,9 @@ public:
         std::stop_token stop{};
     };
 
-    /// `homeDirectory` is absolute, without a slash at its end. What is referred to outlives this object.
-    Clearance(const RemovalServices &services, RemovalJournal &journal, QString homeDirectory);
+    /// `home` is absolute, in raw bytes, without a slash at its end. What is referred to outlives this
+    /// object.
+    Clearance(const RemovalServices &services, RemovalJournal &journal, std::string home);
 
     /// The outcomes in order. The journal's batch has begun. After a stop the finding that was being cleared
     /// is a failed one, and those that were not begun have none.
@@ -52,7 +53,7 @@ public:
 private:
     RemovalServices m_services;
     RemovalJournal &m_journal;
-    QString m_homeDirectory;
+    std::string m_home;
 };
 
 } // namespace Quillbrook

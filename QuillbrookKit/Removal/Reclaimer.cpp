@@ -4,6 +4,7 @@
 #include "Platform/FolderEntries.h"
 #include "Platform/RunningApps.h"
 #include "Platform/Trash.h"
+#include "RawText.h"
 #include "Removal/BookedMove.h"
 #include "Removal/HostGuards.h"
 #include "Removal/RemovalJournal.h"
@@ -21,7 +22,7 @@ namespace {
 
 QString nameOf(const std::string &path)
 {
-    return QString::fromStdString(path.substr(path.find_last_of('/') + 1));
+    return repairedText(std::string_view(path).substr(path.find_last_of('/') + 1));
 }
 
 // Asked again at the removal: the application may have been started since the finding was made.
@@ -175,28 +176,27 @@ std::optional<QString> Reclaimer::refusal(const Finding &finding, Disposal dispo
 {
     if (finding.rule.safety == Safety::reportOnly)
         return ReclaimError::notActionable(finding.rule.title);
-    if (!isBelowHome(finding.path))
+    if (!isBelowHome(finding.rawPath))
         return ReclaimError::outsideHome(finding.path);
     if (finding.redirectedOffVolume)
         return ReclaimError::redirected();
-    if (disposal == Disposal::toTrash && services.trash.holds(finding.path.toStdString()))
+    if (disposal == Disposal::toTrash && services.trash.holds(finding.rawPath))
         return ReclaimError::alreadyInTrash();
     return reasonToWait(finding, services.runningApps);
 }
 
 // As it is written and as it is read: "/home/me/.." begins like something in the home folder. Without a home
 // folder nothing is below it.
-bool Reclaimer::isBelowHome(const QString &path) const
+bool Reclaimer::isBelowHome(const std::string &path) const
 {
-    const auto start = homeDirectory + u'/';
-    return homeDirectory.startsWith(u'/') && path.startsWith(start)
-        && standardisedPath(path, homeDirectory).startsWith(start);
+    const auto start = home + '/';
+    return home.starts_with('/') && path.starts_with(start)
+        && standardisedPath(path, home).starts_with(start);
 }
 
 // As the links on the way lead by now. Without a word about where links lead every path is what it says.
 bool Reclaimer::isReallyBelowHome(const std::string &path) const
 {
-    const auto home = homeDirectory.toStdString();
     const auto resolve = services.guards != nullptr ? services.guards->withoutLinks : nullptr;
     const auto realHome = resolve ? standardisedPath(resolve(home + "/."), {}) : home;
     return path.starts_with(home + '/') || (realHome.size() > 1 && path.starts_with(realHome + '/'));
@@ -212,7 +212,7 @@ std::vector<std::string> Reclaimer::keptTargets() const
 // which it may have become since it was found.
 std::expected<Reclaimer::Targets, QString> Reclaimer::targets(const Finding &finding) const
 {
-    const auto path = finding.path.toStdString();
+    const auto &path = finding.rawPath;
     Targets targets;
     targets.kept = keptTargets();
     if (!finding.rule.emptyContentsOnly) {
@@ -272,7 +272,7 @@ std::expected<TrashedItem, QString> Reclaimer::moveItem(const StorageItem &item,
 {
     if (const auto sentence = refusal(finding, Disposal::toTrash))
         return std::unexpected(*sentence);
-    const auto path = finding.path.toStdString();
+    const auto &path = finding.rawPath;
     const auto folder = folderEntries(path);
     const auto place = folder->open(path) ? folder->place() : std::nullopt;
     if (!place || !isReallyBelowHome(*place))

@@ -73,8 +73,8 @@ struct Reclaimer
     };
 
     RemovalServices services;
-    /// Absolute, without a slash at its end.
-    QString homeDirectory{};
+    /// Absolute, in raw bytes, without a slash at its end.
+    std::string home{};
     /// Written before each move to the Trash, where there is one. A finding that it can't take is not begun.
     RemovalJournal *journal = nullptr;
     /// How the journal marks what goes; the rows of an outcome are marked by the caller.
@@ -103,7 +103,7 @@ struct Reclaimer
 
 private:
     [[nodiscard]] std::optional<QString> refusal(const Finding &finding, Disposal disposal) const;
-    [[nodiscard]] bool isBelowHome(const QString &path) const;
+    [[nodiscard]] bool isBelowHome(const std::string &path) const;
     struct Targets;
 
     [[nodiscard]] std::expected<Targets, QString> targets(const Finding &finding) const;

@@ -20,8 +20,8 @@ class Home:
         self._passwd = self.folder / "passwd"
         self._group = self.folder / "group"
         self._passwd.write_text(
-            f"{user}:x:{os.getuid()}:{os.getgid()}:A made-up user:{self.path}:/bin/sh\n", encoding="utf-8")
-        self._group.write_text(f"{user}:x:{os.getgid()}:\n", encoding="utf-8")
+            f"{user}:x:{os.getuid()}:{os.getgid()}:A made-up user:{self.path}:/bin/sh\n", encoding="utf-8", errors="surrogateescape")
+        self._group.write_text(f"{user}:x:{os.getgid()}:\n", encoding="utf-8", errors="surrogateescape")
 
     def environment(self, preload=()):
         """Where it stands, the account database says this home is that of whoever asks."""

@@ -143,6 +143,19 @@ class Surroundings(case.Case):
         self.becomes(lambda: self.map(quillbrook), ["go, 200 KB", "module.zip, 200 KB"])
         quillbrook.says(str(home.path))
 
+    def testAHomeWhoseNameIsNotTextIsMeasuredAndCleared(self):
+        home = self.home = homes.Home(self.folder / "raw", "jos\udce9")
+        package = home.file(".npm/_cacache/package", 200 * KB)
+        quillbrook = self.start()
+        self.assertEqual(quillbrook.scanned()[0], 1)
+        quillbrook.says("free")
+        quillbrook.says("200 KB selected")
+        quillbrook.press("Move to Trash")
+        quillbrook.press("Move 1 items to Trash")
+        self.becomes(package.exists, False)
+        self.assertTrue(package.parent.exists())
+        quillbrook.says("0 B selected")
+
     def testWithoutASessionBusTheProgramScans(self):
         made_home.fill(self.home)
         quillbrook = self.start(DBUS_SESSION_BUS_ADDRESS=f"unix:path={self.folder}/no-bus")

@@ -9,7 +9,7 @@ namespace Quillbrook {
 class FakeHostKnowledge final : public HostKnowledge
 {
 public:
-    [[nodiscard]] HostFacts about(const QString & /*home*/) const override { return facts; }
+    [[nodiscard]] HostFacts about(const std::string & /*home*/) const override { return facts; }
 
     HostFacts facts{};
 };

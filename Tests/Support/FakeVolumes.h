@@ -4,7 +4,7 @@
 
 #include "Platform/Volumes.h"
 
-#include <QStringList>
+#include <QList>
 
 #include <mutex>
 
@@ -13,7 +13,7 @@ namespace Quillbrook {
 class FakeVolumes final : public Volumes
 {
 public:
-    std::optional<VolumeCapacity> capacity(const QString &path) const override
+    std::optional<VolumeCapacity> capacity(const std::string &path) const override
     {
         const std::lock_guard guard(m_lock);
         askedPaths.append(path);
@@ -21,7 +21,7 @@ public:
     }
 
     std::optional<VolumeCapacity> answer{};
-    mutable QStringList askedPaths;
+    mutable QList<std::string> askedPaths;
 
 private:
     mutable std::mutex m_lock;

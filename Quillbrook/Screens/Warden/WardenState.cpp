@@ -126,7 +126,7 @@ void WardenState::reveal(int row)
         return;
     for (const auto &finding : m_model.scans().report()->findings)
         if (finding.id == line->id)
-            return m_model.services().revealer.reveal(m_model.navigation().rawPath(finding));
+            return m_model.services().revealer.reveal(finding.rawPath);
 }
 
 void WardenState::act(int row, int button)

@@ -52,12 +52,11 @@ bool keepsMoreThanCopies(const QString &id)
 }
 
 // The folders right in `folder` whose whole name fits, in order.
-QStringList foldersIn(const QString &folder, const QRegularExpression &name)
+QStringList foldersIn(const std::string &folder, const QRegularExpression &name)
 {
     QStringList names;
-    const auto path = folder.toStdString();
-    const auto entries = folderEntries(path);
-    if (!entries->open(path))
+    const auto entries = folderEntries(folder);
+    if (!entries->open(folder))
         return names;
     while (const auto entry = entries->next()) {
         const auto text = repairedText(entry->name);
@@ -90,11 +89,11 @@ void tellApart(QList<HostLocation> &locations)
 } // namespace
 
 QList<HostLocation> flatpakCaches(
-    const HostCatalogue &catalogue, const FileReading &reading, const QString &home)
+    const HostCatalogue &catalogue, const FileReading &reading, const std::string &home)
 {
     static const QRegularExpression id(u"\\A[A-Za-z0-9_-]+(\\.[A-Za-z0-9_-]+)+\\z"_s);
     QList<HostLocation> locations;
-    for (const auto &name : foldersIn(home + u"/.var/app"_s, id)) {
+    for (const auto &name : foldersIn(home + "/.var/app", id)) {
         const auto path = u".var/app/"_s + name + u"/cache"_s;
         if (keepsMoreThanCopies(name) || hasPlaceIn(catalogue, path))
             continue;
@@ -104,7 +103,7 @@ QList<HostLocation> flatpakCaches(
     return locations;
 }
 
-QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const QString &home)
+QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const std::string &home)
 {
     static const QRegularExpression profile(u"\\AProfile [0-9]+\\z"_s);
     QList<HostLocation> locations;
@@ -116,7 +115,7 @@ QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const QStrin
         if (!path.endsWith(firstProfile))
             continue;
         const auto browser = path.chopped(firstProfile.size());
-        for (const auto &name : foldersIn(home + u'/' + browser, profile))
+        for (const auto &name : foldersIn(home + '/' + browser.toStdString(), profile))
             locations.append({ browser + u'/' + name + firstProfile.sliced(u"/Default"_s.size()),
                 label + u", "_s + name });
     }

@@ -5,21 +5,23 @@
 
 #include "Catalogue/HostCatalogue.h"
 
+#include <string>
+
 namespace Quillbrook {
 
 class FileReading;
 
 namespace LinuxFoundPlaces {
 
-/// The caches of the Flatpak applications that have folders below `home`, as places of "flatpak.caches", each
-/// with its application's ID. Left out are applications with a place of their own in `catalogue`, and those
-/// known to keep more than copies in such a folder.
+/// The caches of the Flatpak applications that have folders below `home` (raw bytes), as places of
+/// "flatpak.caches", each with its application's ID. Left out are applications with a place of their own in
+/// `catalogue`, and those known to keep more than copies in such a folder.
 [[nodiscard]] QList<HostLocation> flatpakCaches(
-    const HostCatalogue &catalogue, const FileReading &reading, const QString &home);
+    const HostCatalogue &catalogue, const FileReading &reading, const std::string &home);
 
 /// What websites keep for browsers' further profiles, as places of "browser.offline", beside those of the
 /// first profile that `catalogue` names.
-[[nodiscard]] QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const QString &home);
+[[nodiscard]] QList<HostLocation> furtherProfiles(const HostCatalogue &catalogue, const std::string &home);
 
 } // namespace LinuxFoundPlaces
 

@@ -4,6 +4,7 @@
 #include "Catalogue/Linux/LinuxFoundPlaces.h"
 #include "Catalogue/Linux/LinuxQuietScope.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
+#include "RawText.h"
 
 #include <QProcessEnvironment>
 
@@ -17,10 +18,11 @@ LinuxHostKnowledge::LinuxHostKnowledge(const FileReading &reading, const QProces
 {
 }
 
-HostFacts LinuxHostKnowledge::about(const QString &home) const
+HostFacts LinuxHostKnowledge::about(const std::string &rawHome) const
 {
-    const auto settings = m_bases.config.value_or(home + u"/.config"_s);
-    const auto folders = LinuxUserFolders::read(m_reading, settings.toStdString(), home);
+    const auto home = repairedText(rawHome);
+    const auto settings = rawPathBelow(rawHome, m_bases.config.value_or(home + u"/.config"_s));
+    const auto folders = LinuxUserFolders::read(m_reading, settings, home);
     HostFacts facts{ .catalogue = LinuxCatalogue::catalogue(folders, home, m_bases),
         .quietAllowlist = LinuxQuietScope::allowlist(home, LinuxCatalogue::movedPaths(m_bases, home).moved()),
         .protectedPaths = LinuxQuietScope::protectedPaths(home, folders, m_bases) };
@@ -28,8 +30,8 @@ HostFacts LinuxHostKnowledge::about(const QString &home) const
         if (!locations.isEmpty())
             facts.catalogue.locations.append({ ruleId, locations });
     };
-    add(u"flatpak.caches"_s, LinuxFoundPlaces::flatpakCaches(facts.catalogue, m_reading, home));
-    add(u"browser.offline"_s, LinuxFoundPlaces::furtherProfiles(facts.catalogue, home));
+    add(u"flatpak.caches"_s, LinuxFoundPlaces::flatpakCaches(facts.catalogue, m_reading, rawHome));
+    add(u"browser.offline"_s, LinuxFoundPlaces::furtherProfiles(facts.catalogue, rawHome));
     return facts;
 }
 

@@ -16,7 +16,7 @@ public:
     /// `reading` outlives this. `environment` is that of this process, read once by whoever makes this.
     LinuxHostKnowledge(const FileReading &reading, const QProcessEnvironment &environment);
 
-    [[nodiscard]] HostFacts about(const QString &home) const override;
+    [[nodiscard]] HostFacts about(const std::string &home) const override;
 
 private:
     const FileReading &m_reading;

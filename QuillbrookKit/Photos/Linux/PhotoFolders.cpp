@@ -4,6 +4,7 @@
 #include "Platform/HomeFolder.h"
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
+#include "RawText.h"
 #include "StandardisedPath.h"
 
 #include <fcntl.h>
@@ -23,13 +24,6 @@ bool isNamed(const QByteArray &settings, QByteArrayView key)
         if (line.trimmed().startsWith(key))
             return true;
     return false;
-}
-
-/// The settings are text, in which bytes of the home folder's own path may have been repaired.
-std::string rawPath(const QString &path, const QString &home, const std::string &rawHome)
-{
-    return path.startsWith(home + u'/') ? rawHome + path.sliced(home.size()).toStdString()
-                                        : path.toStdString();
 }
 
 bool isAllowed(const std::string &folder, int rights)
@@ -63,8 +57,7 @@ PhotoFolders PhotoFolders::ofUser(
     const auto told = LinuxUserFolders::parse(text, home.realHomeDirectory());
     const auto homePlace = placeOf(rawHome);
     const auto place = [&](const std::optional<QString> &folder, QByteArrayView key, const char *usual) {
-        auto path
-            = folder ? std::optional(rawPath(*folder, home.realHomeDirectory(), rawHome)) : std::nullopt;
+        auto path = folder ? std::optional(rawPathBelow(rawHome, *folder)) : std::nullopt;
         if (!folder && !isNamed(text, key))
             path = rawHome + '/' + usual;
         return path && isWithin(homePlace, placeOf(*path)) ? std::nullopt : path;

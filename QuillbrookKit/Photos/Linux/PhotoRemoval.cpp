@@ -3,6 +3,7 @@
 #include "Photos/Linux/PhotoStatus.h"
 #include "Platform/FileFacts.h"
 #include "Platform/Trash.h"
+#include "RawText.h"
 #include "Removal/BookedMove.h"
 #include "Removal/PathRemoval.h"
 
@@ -98,7 +99,7 @@ std::expected<TrashedItem, QString> PhotoRemoval::move(const LinuxPhotoAssets &a
     if (const auto sentence = PathRemoval::refusal(path, m_services.home, m_services.guards))
         return std::unexpected(*sentence);
     return BookedMove::entry(m_services.removal, &m_list,
-        { .label = QString::fromStdString(file.name), .originalPath = path, .bytes = file.bytes },
+        { .label = repairedText(file.name), .originalPath = path, .bytes = file.bytes },
         [&](const TakenThing &thing) { return objection(thing, file, path); });
 }
 

@@ -5,6 +5,7 @@
 #include "Platform/Linux/Folders/LinuxUserFolders.h"
 #include "Platform/Linux/Folders/ResolvedPath.h"
 #include "Platform/Linux/Folders/WatchedMounts.h"
+#include "RawText.h"
 #include "Removal/Linux/KeptElsewhere.h"
 #include "Removal/PathGuards.h"
 #include "StandardisedPath.h"
@@ -251,17 +252,14 @@ bool isMountPoint(const std::vector<Mount> &mounts, const std::string &path)
 }
 
 // The desktop names them as text, in which bytes of the home folder's own path may have been repaired.
-std::vector<std::string> userFolders(
-    const FileReading &reading, const std::string &home, const QString &homeText)
+std::vector<std::string> userFolders(const FileReading &reading, const std::string &home)
 {
+    const auto text = repairedText(home);
     const auto config = LinuxBaseFolders::of(QProcessEnvironment::systemEnvironment()).config;
-    const auto settings = config ? config->toStdString() : home + "/.config";
+    const auto settings = rawPathBelow(home, config.value_or(text + u"/.config"_s));
     std::vector<std::string> folders;
-    for (const auto &folder : LinuxUserFolders::read(reading, settings, homeText).all()) {
-        const bool isInHome = folder.startsWith(homeText + u'/');
-        folders.push_back(
-            isInHome ? home + folder.sliced(homeText.size()).toStdString() : folder.toStdString());
-    }
+    for (const auto &folder : LinuxUserFolders::read(reading, settings, text).all())
+        folders.push_back(rawPathBelow(home, folder));
     return folders;
 }
 
@@ -284,7 +282,7 @@ Places places(const HomeFolder &home, const FileReading &reading)
                 const auto mounts = watched->now();
                 return *mounts ? otherMountsOf(home, **mounts) : std::vector<std::string>();
             } };
-    for (const auto &folder : userFolders(reading, homePath, home.realHomeDirectory()))
+    for (const auto &folder : userFolders(reading, homePath))
         host.userFolders.push_back(GuardedPath::composed(folder));
     host.programFiles.push_back(QCoreApplication::applicationFilePath().toStdString());
     if (const auto image = qEnvironmentVariable("APPIMAGE"); image.startsWith(u'/'))

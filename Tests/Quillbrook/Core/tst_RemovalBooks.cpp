@@ -35,7 +35,7 @@ struct Fixture : HomeOnDisk
         const RemovalServices removal{
             .trash = disk.trash, .removal = disk.removal, .files = disk.files, .clock = clock
         };
-        Clearance clearance(removal, journal, home.home);
+        Clearance clearance(removal, journal, home.home.toStdString());
         journal.startBatch(0);
         QCOMPARE(clearance.clear({ .findings = { finding } }, {}).size(), size_t(1));
     }

@@ -111,6 +111,27 @@ private Q_SLOTS:
         QCOMPARE(reports.count(), 2);
     }
 
+    void homeWhoseNameIsNotTextHasAQuickReportToo()
+    {
+        FakeServices machine;
+        machine.home.home = machine.home.realHome = u"/home/jos\ufffd"_s;
+        machine.home.raw = "/home/jos\xE9";
+        machine.directories.folder("/home/jos\xE9", { FakeDirectories::aFolder(".npm") });
+        machine.directories.folder("/home/jos\xE9/.npm", { FakeDirectories::aFolder("_cacache") });
+        machine.directories.folder("/home/jos\xE9/.npm/_cacache", { FakeDirectories::aFile("f", 8192) });
+        machine.files.entries["/home/jos\xE9/.npm/_cacache"] = {};
+        AppModel model(machine.services);
+        FolderHold hold(machine.directories, "/home/jos\xE9");
+        model.scans().scan({});
+        QTRY_VERIFY(hold.isHolding());
+        QCOMPARE(titles(model.scans().report()->findings), QStringList{ packagesTitle });
+        const auto quick = *model.scans().report();
+        QCOMPARE(quick.findings.first().rawPath, std::string("/home/jos\xE9/.npm/_cacache"));
+        hold.release();
+        QTRY_COMPARE(model.scans().phase().kind, Kind::ready);
+        QCOMPARE(*model.scans().report(), quick);
+    }
+
     void fullReportReplacesTheQuickOneWhole()
     {
         ScannedHome home;

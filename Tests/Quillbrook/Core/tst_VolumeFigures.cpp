@@ -37,7 +37,10 @@ private Q_SLOTS:
         fake.home.home = u"/home/someone/.var/app/sandbox"_s;
         AppModel model(fake.services);
         model.volume().refreshVolume();
-        QCOMPARE(fake.volumes.askedPaths, QStringList{ u"/home/someone/.var/app/sandbox"_s });
+        fake.home.raw = "/home/jos\xE9";
+        model.volume().refreshVolume();
+        QCOMPARE(fake.volumes.askedPaths,
+            (QList<std::string>{ "/home/someone/.var/app/sandbox", "/home/jos\xE9" }));
     }
 
     void figureThatIsNotToldCountsAsNone()

@@ -112,7 +112,7 @@ private Q_SLOTS:
         QVERIFY(observation->shouldNotify);
         QCOMPARE(observation->headline, u"1.0 KB free · 6.0 MB can be reclaimed"_s);
         QVERIFY(watcher.lastNotifiedAt() == home.kit.clock.moment);
-        QCOMPARE(home.kit.volumes.askedPaths, QStringList{ home.tree.text("home") });
+        QCOMPARE(home.kit.volumes.askedPaths, QList<std::string>{ home.tree.path("home") });
     }
 
     void checksTheHomeOfTheProcess()

@@ -1,4 +1,5 @@
 #include "Catalogue/StorageCatalogue.h"
+#include "RawText.h"
 #include "Support/MadeUpHome.h"
 #include "Support/Suite.h"
 
@@ -41,6 +42,40 @@ private Q_SLOTS:
             = StorageCatalogue::quickScan(home.services(), { .places = { .homeDirectory = home.path() } });
         QCOMPARE(quick.findings.size(), 5);
         QCOMPARE(evaluate(home), quick);
+    }
+
+    void homeWhoseNameIsNotTextGivesTheSameToo()
+    {
+        MadeUpHome home;
+        const auto raw = home.tree.path("jos\xE9");
+        home.fill("jos\xE9/.android/avd", 4096);
+        home.touch("jos\xE9/.android/avd", home.clock.moment.addDays(-61));
+        const StorageCatalogue::Places places{ .homeDirectory = repairedText(raw), .rawHome = raw };
+        const auto quick = StorageCatalogue::quickScan(home.services(), { .places = places });
+        QCOMPARE(quick.findings.size(), 1);
+        LinuxDirectoryReading directories;
+        const auto scanned = FastScanner(directories).scan({ .rootPath = raw });
+        QCOMPARE(StorageCatalogue::evaluate(
+                     home.services(), { .tree = *scanned.tree, .root = scanned.root, .places = places }),
+            quick);
+    }
+
+    void rawPathIsSpeltAsOnTheDisk()
+    {
+        MadeUpHome home;
+        const std::string decomposed = "Bu\xCC\x88"
+                                       "cher";
+        home.fill(decomposed, 4096);
+        const HostCatalogue host{ .rules = { { .rule = { .id = u"host.books"_s, .title = u"Books"_s },
+                                      .locations = { { u"B\u00fccher"_s, u"Books"_s } } } } };
+        const auto scanned = home.scan();
+        const auto report = StorageCatalogue::evaluate(home.services(),
+            { .tree = *scanned.tree,
+                .root = scanned.root,
+                .places = { .homeDirectory = home.path(), .host = &host } });
+        QCOMPARE(report.findings.size(), 1);
+        QCOMPARE(report.findings.first().rawPath, home.tree.path(decomposed));
+        QVERIFY(report.findings.first().lastModified);
     }
 
     void sizeIsTheTreesEvenWhenTheDiskHasMovedOn()

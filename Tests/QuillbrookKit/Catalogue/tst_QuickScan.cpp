@@ -1,4 +1,5 @@
 #include "Catalogue/StorageCatalogue.h"
+#include "RawText.h"
 #include "Support/FakeDirectories.h"
 #include "Support/FolderHold.h"
 #include "Support/MadeUpHome.h"
@@ -74,6 +75,7 @@ private Q_SLOTS:
         QCOMPARE(finding.id, u"npm.cacache:"_s + path);
         QCOMPARE(finding.rule, StorageCatalogue::rules()[5]);
         QCOMPARE(finding.path, path);
+        QCOMPARE(finding.rawPath, path.toStdString());
         QCOMPARE(finding.bytes, home.tree.allocated(".npm/_cacache/content"));
         QCOMPARE(finding.lastModified, QDateTime(QDate(2024, 6, 1), QTime(8, 30, 15), Qt::UTC));
         QCOMPARE(finding.created, LinuxFileFacts().dates(path.toStdString())->created);
@@ -204,6 +206,25 @@ private Q_SLOTS:
         QCOMPARE(steps(home), 3);
     }
 
+    void homeWhoseNameIsNotTextIsMeasured()
+    {
+        MadeUpHome home;
+        const auto raw = home.tree.path("jos\xE9");
+        home.fill("jos\xE9/.npm/_cacache", 5000);
+        home.touch("jos\xE9/.npm/_cacache", home.clock.moment);
+        home.fill("elsewhere/caches", 10);
+        home.tree.link("jos\xE9/.gradle", home.tree.path("elsewhere"));
+        const StorageCatalogue::Places places{ .homeDirectory = repairedText(raw), .rawHome = raw };
+        const auto report = StorageCatalogue::quickScan(home.services(), { .places = places });
+        QCOMPARE(idsOf(report), QStringList{ u"npm.cacache"_s });
+        const auto &finding = report.findings.first();
+        QCOMPARE(finding.path, home.path() + u"/jos\ufffd/.npm/_cacache"_s);
+        QCOMPARE(finding.rawPath, raw + "/.npm/_cacache");
+        QCOMPARE(finding.lastModified, home.clock.moment);
+        QCOMPARE(StorageCatalogue::quickScanStepCount(home.services(), places), 2);
+        QCOMPARE(home.volumes.askedPaths, QList<std::string>{ raw });
+    }
+
     void emptyLocationGivesNoFindingAndIsCountedAsAStep()
     {
         MadeUpHome home;
@@ -282,7 +303,7 @@ private Q_SLOTS:
         const auto report = scan(home);
         QCOMPARE(report.volumeFreeBytes, 70);
         QCOMPARE(report.volumeTotalBytes, 500);
-        QCOMPARE(home.volumes.askedPaths, QStringList(home.path()));
+        QCOMPARE(home.volumes.askedPaths, QList<std::string>{ home.tree.path() });
     }
 
     void figureThatTheVolumeDoesNotTellIsZero()

@@ -1,6 +1,7 @@
 // What lies behind links on another volume, and the way back from there.
 
 #include "Offload/MovedThings.h"
+#include "RawText.h"
 #include "Support/Suite.h"
 #include "Support/TwoVolumes.h"
 
@@ -62,6 +63,18 @@ class TestMovedThings : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void placesAreFoundInAHomeWhoseNameIsNotText()
+    {
+        MovedFixture f;
+        f.home.folder("jos\xE9/.ollama");
+        f.home.link("jos\xE9/.ollama/models", f.onVolume("models"));
+        const auto raw = f.home.path("jos\xE9");
+        const auto things = Offload::movedThings(
+            f.services(), { .homeDirectory = repairedText(raw), .rawHome = raw, .host = &f.host });
+        QCOMPARE(things.size(), 1U);
+        QCOMPARE(things[0].place, raw + "/.ollama/models");
+    }
+
     void placesAreFoundByTheirLinks()
     {
         MovedFixture f;

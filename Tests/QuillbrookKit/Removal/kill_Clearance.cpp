@@ -135,6 +135,7 @@ public:
                 .rule
                 = { .id = QStringLiteral("a.rule"), .title = QStringLiteral("Rule"), .safety = Safety::safe },
                 .path = QString::fromStdString(folder(i)),
+                .rawPath = folder(i),
                 .bytes = bytesOfAnEntry * m_size.entries });
         return all;
     }
@@ -190,7 +191,7 @@ public:
     void clear()
     {
         Clearance clearance({ .trash = m_trash, .removal = m_removal, .files = m_files, .clock = m_clock },
-            m_journal, QString::fromStdString(m_home.base() + "/home"));
+            m_journal, m_home.base() + "/home");
         m_journal.startBatch(total());
         m_outcomes = clearance.clear({ .findings = m_home.findings() }, {});
     }

@@ -41,12 +41,13 @@ struct Machine
     {
         return { .rule = { .id = u"a.rule"_s, .title = QString::fromStdString(name), .safety = Safety::safe },
             .path = QString::fromStdString(f.home.path("caches/" + name)),
+            .rawPath = f.home.path("caches/" + name),
             .bytes = bytes };
     }
     [[nodiscard]] std::vector<Reclaimer::Outcome> clear(const Clearance::Watch &watch = {})
     {
         Clearance clearance({ .trash = f.trash, .removal = removal, .files = files, .clock = f.clock },
-            *journal, QString::fromStdString(f.home.path("caches")));
+            *journal, f.home.path("caches"));
         journal->startBatch(total);
         return clearance.clear(
             { .findings = { finding("one", 30), finding("two", 20) }, .byRule = byRule }, watch);
@@ -270,7 +271,7 @@ private Q_SLOTS:
                                        .removal = machine.removal,
                                        .files = machine.files,
                                        .clock = machine.f.clock },
-            .homeDirectory = QString::fromStdString(machine.f.home.path("caches")),
+            .home = machine.f.home.path("caches"),
             .journal = machine.journal.get() };
         const auto item = [&](const std::string &path) {
             return StorageItem{ .name = u"It"_s, .bytes = 5, .rawPath = machine.f.home.path(path) };

@@ -29,7 +29,7 @@ struct Machine
     [[nodiscard]] Reclaimer reclaimer()
     {
         return { .services = { .trash = trash, .removal = trash, .files = trash, .clock = clock },
-            .homeDirectory = tree.text("home") };
+            .home = tree.path("home") };
     }
 
     [[nodiscard]] Finding finding(const QString &path, qint64 bytes = 1000) const
@@ -37,6 +37,7 @@ struct Machine
         return { .id = Finding::idFor(u"a.rule"_s, path),
             .rule = { .id = u"a.rule"_s, .title = u"Some Caches"_s, .safety = Safety::safe },
             .path = path,
+            .rawPath = path.toStdString(),
             .bytes = bytes };
     }
     [[nodiscard]] Finding caches(qint64 bytes = 1000) const
@@ -125,7 +126,7 @@ private Q_SLOTS:
         Machine machine;
         machine.file("a");
         auto reclaimer = machine.reclaimer();
-        reclaimer.homeDirectory = home;
+        reclaimer.home = home.toStdString();
         QVERIFY(reclaimer.reclaim(machine.caches(), Disposal::permanent).error);
         QVERIFY(machine.trash.asked.empty());
     }

@@ -6,6 +6,7 @@
 #include "Platform/Linux/Files/LinuxFileWriting.h"
 #include "Platform/Linux/Processes/LinuxRunningApps.h"
 #include "Platform/Linux/Trash/LinuxFileRemoval.h"
+#include "RawText.h"
 #include "Removal/Reclaimer.h"
 #include "Removal/TrashLedger.h"
 #include "Support/RootGivenUp.h"
@@ -55,7 +56,7 @@ struct Machine : TrashFixture
                      .removal = other != nullptr ? *other : removal,
                      .files = facts,
                      .clock = clock },
-            .homeDirectory = home.text() };
+            .home = home.path() };
     }
     [[nodiscard]] TrashLedger ledger()
     {
@@ -68,7 +69,8 @@ struct Machine : TrashFixture
                      .title = u"Caches"_s,
                      .safety = Safety::careful,
                      .emptyContentsOnly = emptyContentsOnly },
-            .path = home.text(name),
+            .path = repairedText(home.path(name)),
+            .rawPath = home.path(name),
             .bytes = 1000 };
     }
     [[nodiscard]] Names names(const std::string &folder) const
@@ -173,6 +175,27 @@ private Q_SLOTS:
         QVERIFY(TrashFixture::isThere(machine.home.path(".cache")));
         QVERIFY(!TrashFixture::isThere(machine.places.homeTrash));
         QCOMPARE(TrashFixture::content(machine.home.path("elsewhere/kept")), "kept");
+    }
+
+    // The bytes say where, in a home folder whose name is not text, and what goes keeps the name it has.
+    void homeWhoseNameIsNotTextIsCleared()
+    {
+        Machine machine;
+        machine.home.file("jos\xE9/cache/a", 10);
+        machine.home.file("jos\xE9/cache/\xEF\xBB\xBF"
+                          "b",
+            10);
+        auto reclaimer = machine.reclaimer();
+        reclaimer.home = machine.home.path("jos\xE9");
+        const auto finding = machine.finding("jos\xE9/cache");
+        const auto outcome = reclaimer.reclaim(finding, Disposal::toTrash);
+        QVERIFY2(!outcome.error, qPrintable(outcome.error.value_or(QString())));
+        QCOMPARE(machine.names("jos\xE9/cache"), Names());
+        QCOMPARE(outcome.trashed.size(), size_t{ 2 });
+        QCOMPARE(outcome.trashed.back().label, u"Caches \u00B7 \uFEFFb"_s);
+        machine.home.file("jos\xE9/cache/c", 10);
+        QVERIFY(!reclaimer.reclaim(finding, Disposal::permanent).error);
+        QCOMPARE(machine.names("jos\xE9/cache"), Names());
     }
 
     void wholeFindingGoesWithItsFolder_data()

@@ -33,7 +33,7 @@ struct Machine
     [[nodiscard]] Reclaimer reclaimer()
     {
         return { .services = { .trash = user.trash, .removal = removal, .files = facts, .clock = user.clock },
-            .homeDirectory = user.home.text() };
+            .home = user.home.path() };
     }
     [[nodiscard]] TrashLedger ledger()
     {
@@ -44,6 +44,7 @@ struct Machine
     {
         return { .rule = { .id = u"a.rule"_s, .title = u"Caches"_s, .safety = Safety::safe },
             .path = user.home.text(".cache"),
+            .rawPath = user.home.path(".cache"),
             .bytes = 500 };
     }
     [[nodiscard]] size_t filesIn(const std::string &folder) const

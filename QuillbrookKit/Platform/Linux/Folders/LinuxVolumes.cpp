@@ -1,8 +1,7 @@
 #include "Platform/Linux/Folders/LinuxVolumes.h"
 
-#include <QFile>
+#include "Platform/Linux/Files/Uninterrupted.h"
 
-#include <cerrno>
 #include <limits>
 #include <sys/statvfs.h>
 
@@ -19,15 +18,10 @@ qint64 bytes(fsblkcnt_t blocks, unsigned long blockSize)
 
 } // namespace
 
-std::optional<VolumeCapacity> LinuxVolumes::capacity(const QString &path) const
+std::optional<VolumeCapacity> LinuxVolumes::capacity(const std::string &path) const
 {
-    const auto rawPath = QFile::encodeName(path);
     struct statvfs figures = {};
-    int result = 0;
-    do {
-        result = ::statvfs(rawPath.constData(), &figures);
-    } while (result != 0 && errno == EINTR);
-    if (result != 0)
+    if (uninterrupted([&] { return ::statvfs(path.c_str(), &figures); }) != 0)
         return std::nullopt;
     // Not f_bfree: that counts what is reserved for the system's administrator.
     const auto available = bytes(figures.f_bavail, figures.f_frsize);

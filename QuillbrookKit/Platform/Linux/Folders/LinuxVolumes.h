@@ -10,7 +10,7 @@ namespace Quillbrook {
 class LinuxVolumes final : public Volumes
 {
 public:
-    [[nodiscard]] std::optional<VolumeCapacity> capacity(const QString &path) const override;
+    [[nodiscard]] std::optional<VolumeCapacity> capacity(const std::string &path) const override;
 };
 
 } // namespace Quillbrook

@@ -47,7 +47,7 @@ public:
             qFatal("the fixture home has no manifest");
         for (const auto &row : QJsonDocument::fromJson(manifest.readAll()).array())
             expected.push_back({ row[u"rule"].toString(), row[u"path"].toString(), row[u"stale"].toBool() });
-        host = LinuxHostKnowledge(LinuxFileReading(), {}).about(home()).catalogue;
+        host = LinuxHostKnowledge(LinuxFileReading(), {}).about(tree.path("home")).catalogue;
     }
 
     [[nodiscard]] QString home() const { return tree.text("home"); }

@@ -1,6 +1,7 @@
 #include "Catalogue/Linux/LinuxCatalogue.h"
 #include "Catalogue/Linux/LinuxHostKnowledge.h"
 #include "Catalogue/Linux/LinuxQuietScope.h"
+#include "RawText.h"
 #include "Support/FakeFileReading.h"
 #include "Support/Suite.h"
 #include "Support/TempTree.h"
@@ -22,7 +23,7 @@ HostFacts factsWith(const Variables &variables, const FileReading &reading = Fak
     QProcessEnvironment environment;
     for (const auto &[name, value] : variables)
         environment.insert(name, value);
-    return LinuxHostKnowledge(reading, environment).about(home);
+    return LinuxHostKnowledge(reading, environment).about(home.toStdString());
 }
 
 // Where a rule's place of that name lies; empty where the rule has none.
@@ -195,7 +196,7 @@ private Q_SLOTS:
             = "[Desktop Entry]\nName=App\n";
         reading.files[exported + "org.two.App.desktop"] = "[Desktop Entry]\nName=App\n";
         reading.files[exported + "org.three.App.desktop"] = "[Desktop Entry]\nName=\n[Other]\nName=Three\n";
-        const auto facts = LinuxHostKnowledge(reading, {}).about(tree.text());
+        const auto facts = LinuxHostKnowledge(reading, {}).about(tree.path());
         QCOMPARE(described(facts.catalogue, u"flatpak.caches"_s),
             QStringList({ u".var/app/org.one.App/cache = org.one.App = org.one.App"_s,
                 u".var/app/org.three.App/cache = org.three.App = org.three.App"_s,
@@ -203,12 +204,29 @@ private Q_SLOTS:
                 u".var/app/org.videolan.VLC/cache = VLC player = org.videolan.VLC"_s }));
     }
 
+    void homeWhoseNameIsNotTextIsReadAsWell()
+    {
+        TempTree tree;
+        const auto raw = tree.path("jos\xE9");
+        tree.folder("jos\xE9/.var/app/org.one.App");
+        tree.folder("jos\xE9/.config/chromium/Profile 1");
+        FakeFileReading reading;
+        reading.files[raw + "/.config/user-dirs.dirs"] = "XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n";
+        reading.files[raw + "/.local/share/flatpak/exports/share/applications/org.one.App.desktop"]
+            = "[Desktop Entry]\nName=One\n";
+        const auto facts = LinuxHostKnowledge(reading, {}).about(raw);
+        QVERIFY(facts.protectedPaths.contains(repairedText(raw) + u"/Dokumente"_s));
+        QCOMPARE(described(facts.catalogue, u"flatpak.caches"_s),
+            QStringList{ u".var/app/org.one.App/cache = One = org.one.App"_s });
+        QCOMPARE(described(facts.catalogue, u"browser.offline"_s).size(), 1);
+    }
+
     void furtherProfilesAreFoundBesideTheFirst()
     {
         TempTree tree;
         for (const auto *name : { "Default", "Profile 2", "Profile 10", "Profile x", "Guest Profile" })
             tree.folder(".config/chromium/" + std::string(name));
-        const auto facts = LinuxHostKnowledge(FakeFileReading(), {}).about(tree.text());
+        const auto facts = LinuxHostKnowledge(FakeFileReading(), {}).about(tree.path());
         QCOMPARE(described(facts.catalogue, u"browser.offline"_s),
             QStringList(
                 { u".config/chromium/Profile 10/Service Worker/CacheStorage = Chromium, Profile 10 = "_s,

@@ -70,11 +70,12 @@ private Q_SLOTS:
         LinuxFileRemoval removal;
         const Reclaimer reclaimer{ .services
             = { .trash = f.trash, .removal = removal, .files = files, .clock = f.clock, .guards = &guards },
-            .homeDirectory = QString::fromStdString(home) };
+            .home = home };
         for (const auto disposal : { Reclaimer::Disposal::toTrash, Reclaimer::Disposal::permanent }) {
             f.home.file("cache/three");
             const auto outcome = reclaimer.reclaim({ .rule = { .title = u"Caches"_s, .safety = Safety::safe },
                                                        .path = QString::fromStdString(f.home.path("cache")),
+                                                       .rawPath = f.home.path("cache"),
                                                        .bytes = 3 },
                 disposal);
             QVERIFY(outcome.error);

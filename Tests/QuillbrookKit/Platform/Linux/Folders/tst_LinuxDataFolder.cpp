@@ -28,11 +28,23 @@ private Q_SLOTS:
     {
         QFETCH(std::optional<QByteArray>, told);
         QFETCH(QByteArray, folder);
+        QCOMPARE(folderFor(FakeHomeFolder(), told), folder);
+    }
+    void theUsualPlaceIsBelowTheBytesOfTheHome()
+    {
+        FakeHomeFolder home;
+        home.raw = "/home/jos\xE9";
+        QCOMPARE(folderFor(home, std::nullopt), QByteArray("/home/jos\xE9/.local/share"));
+    }
+
+private:
+    static QByteArray folderFor(const FakeHomeFolder &home, const std::optional<QByteArray> &told)
+    {
         const auto before = qgetenv("XDG_DATA_HOME");
         told ? qputenv("XDG_DATA_HOME", *told) : qunsetenv("XDG_DATA_HOME");
-        const auto found = linuxDataFolder(FakeHomeFolder());
+        const auto found = linuxDataFolder(home);
         qputenv("XDG_DATA_HOME", before);
-        QCOMPARE(QByteArray::fromStdString(found), folder);
+        return QByteArray::fromStdString(found);
     }
 };
 
