@@ -10,7 +10,7 @@ QString OffloadError::description() const
 {
     switch (kind) {
     case Kind::notEnoughRoom:
-        return u"Needs %1, only %2 available."_s.arg(Format::bytes(needed), Format::bytes(available));
+        return u"Needs %1, only %2 free."_s.arg(Format::bytes(needed), Format::bytes(available));
     case Kind::verificationFailed:
         return u"Copy did not verify (%1). Nothing was removed."_s.arg(text);
     case Kind::stopped:

@@ -180,7 +180,7 @@ class Offload(removing.Removing):
         self.pick(place)
         self.move()
         line = waiting.until("a line of the log", lambda: next(iter(self.log()), None))
-        self.assertRegex(line, rf"^✗ {TITLE}: Needs 101 MB, only [\d.]+ MB available\.$")
+        self.assertRegex(line, rf"^✗ {TITLE}: Needs 101 MB, only [\d.]+ MB free\.$")
         self.assertUntouched(before)
         self.assertEqual(os.listdir(place), [])
 

@@ -134,10 +134,10 @@ private Q_SLOTS:
                 order.allowSlowBus = true;
                 order.profile.freeBytes = 0;
             },
-            u"Needs 24.0 KB, only 0 B available."_s);
+            u"Needs 24.0 KB, only 0 B free."_s);
         row(
             "room for exactly that", [](Order &order) { order.profile.freeBytes = order.bytes; },
-            u"Needs 24.0 KB, only 24.0 KB available."_s);
+            u"Needs 24.0 KB, only 24.0 KB free."_s);
         row(
             "taken, and on the same drive", [](Order &order) { order.into = parentOf(order.into); },
             u"%1 already exists."_s);
