@@ -59,6 +59,8 @@ std::optional<OffloadError> refusal(
 std::expected<CopyResult, OffloadError> verifiedCopy(
     const OffloadServices &services, const Offload::Relocation &relocation, const std::string &target)
 {
+    if (relocation.stop.stop_requested())
+        return std::unexpected(OffloadError{ .kind = Kind::stopped });
     auto copy = services.disk.copy({ .source = relocation.source,
         .target = target,
         .onProgress = relocation.onProgress,

@@ -298,12 +298,23 @@ private Q_SLOTS:
     {
         RelocationFixture f;
         std::stop_source stop;
-        stop.request_stop();
         auto order = f.order();
         order.stop = stop.get_token();
+        bool isMade = false;
+        f.calls.before = [&](std::string_view call, const char *) {
+            isMade = isMade || call == "mkdirat";
+            if (isMade)
+                stop.request_stop();
+            return 0;
+        };
         QCOMPARE(f.failure(order), u"Stopped. Nothing was moved."_s);
+        QVERIFY(isMade);
         QVERIFY(f.isUntouched());
         QVERIFY(!f.isThere(f.onVolume("models")));
+        // And one that came before makes nothing.
+        isMade = false;
+        QCOMPARE(f.failure(order), u"Stopped. Nothing was moved."_s);
+        QVERIFY(!isMade);
     }
 };
 
