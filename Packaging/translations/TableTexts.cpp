@@ -6,6 +6,7 @@
 #include "Catalogue/Safety.h"
 #include "Catalogue/StorageCatalogue.h"
 #include "Offload/Suitability.h"
+#include "Platform/Linux/Files/LinuxErrorText.h"
 #include "Removal/Linux/LinuxGuards.h"
 #include "Removal/PathGuards.h"
 #include "Uninstaller/Linux/LinuxApplications.h"
@@ -84,7 +85,8 @@ int main()
             listing.add(kind.rawValue);
             listing.add(kind.explanation);
         }
-        for (const auto &sentence : Uninstaller::sentences() + LinuxApplications::blockedSentences())
+        for (const auto &sentence :
+            Uninstaller::sentences() + LinuxApplications::blockedSentences() + LinuxErrorText::sentences())
             listing.add(sentence);
     }
     QTextStream(stdout) << "};\n";

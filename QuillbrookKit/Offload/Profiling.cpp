@@ -25,8 +25,9 @@ std::unexpected<OffloadError> unusable(const QString &text)
 
 bool isFolder(const FileFacts &files, const std::string &path)
 {
-    // A link to a folder is one too, as its inside says.
-    return files.kind(path + "/.") == FileKind::directory;
+    // A link to a folder is one too, as its inside says. That of a folder which may not be entered says
+    // nothing.
+    return files.kind(path) == FileKind::directory || files.kind(path + "/.") == FileKind::directory;
 }
 
 } // namespace
@@ -50,8 +51,8 @@ std::expected<DestinationProfile, OffloadError> Offload::profile(
     if (request.stop.stop_requested())
         return std::unexpected(OffloadError{ .kind = OffloadError::Kind::stopped });
     if (!speed)
-        return unusable(
-            QCoreApplication::translate("DestinationProfile", "Cannot write there: %1").arg(speed.error()));
+        return unusable(QCoreApplication::translate("DestinationProfile", "Cannot write there: %1")
+                            .arg(QCoreApplication::translate("Tables", speed.error().toUtf8().constData())));
     const auto facts = services.drives.facts(folder);
     const bool isRemovable = facts.isRemovable.value_or(false);
     return DestinationProfile{ .path = folder,

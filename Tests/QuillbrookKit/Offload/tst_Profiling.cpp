@@ -47,6 +47,15 @@ private Q_SLOTS:
         QCOMPARE(result.error().description(), u"Cannot write there: The disk can only be read."_s);
     }
 
+    void aFolderThatMayNotBeEnteredIsOneToo()
+    {
+        Fixture f;
+        f.files.entries = { { "/media/closed", {} } };
+        f.speeds.answer = std::unexpected(u"You do not have permission."_s);
+        QCOMPARE(f.profile("/media/closed").error().description(),
+            u"Cannot write there: You do not have permission."_s);
+    }
+
     void ratesAreTheSampleByItsSeconds()
     {
         Fixture f;

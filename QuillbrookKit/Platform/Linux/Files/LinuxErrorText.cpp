@@ -46,6 +46,14 @@ QString sentence(int error)
     return QString::fromLocal8Bit(std::strerror(error)) + u'.';
 }
 
+QStringList sentences()
+{
+    QStringList sentences;
+    for (const auto &row : rows)
+        sentences.append(row.sentence.toString());
+    return sentences;
+}
+
 bool isLackOfSpace(int error)
 {
     return error == ENOSPC || error == EDQUOT;
