@@ -10,7 +10,7 @@ from contextlib import contextmanager
 
 from comparison.programs import PROCESS, ProgramFailed, Run, run
 from comparison.ratios import ratio_row
-from comparison.rows import AtMost, Row, milliseconds
+from comparison.rows import AtMost, Between, Row, milliseconds
 
 FILES = 10_000
 BYTES = 2 * 2**30
@@ -69,7 +69,7 @@ def _rate(context, volume):
 
     rounds = context.in_turn({"own": own, "dd": dd})
     return ratio_row("offload_rate_to_dd", "seconds of the measured write ÷ `dd … oflag=direct conv=fsync`", rounds,
-                     ("own", "seconds"), ("dd", "seconds"), bar=AtMost(1.20), note="within 20 % either way")
+                     ("own", "seconds"), ("dd", "seconds"), bar=Between(0.80, 1.20))
 
 
 def _moving(context, place, volume, files, size):

@@ -36,6 +36,18 @@ class Exactly:
         return f"= {form(self.limit)}"
 
 
+@dataclass(frozen=True)
+class Between:
+    least: float
+    most: float
+
+    def met(self, value):
+        return self.least <= value <= self.most
+
+    def text(self, form):
+        return f"{form(self.least)} to {form(self.most)}"
+
+
 def ratio(value):
     return f"{value:.2f}"
 

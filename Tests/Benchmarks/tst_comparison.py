@@ -10,7 +10,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Benchmarks
 from comparison.programs import PROCESS, ProgramFailed, Run, run  # noqa: E402
 from comparison.ratios import ratio_row  # noqa: E402
 from comparison.rounds import CALM, Patience, in_turn  # noqa: E402
-from comparison.rows import AtLeast, AtMost, Exactly, Missing, Row, table  # noqa: E402
+from comparison.rows import AtLeast, AtMost, Between, Exactly, Missing, Row, table  # noqa: E402
 
 BUSY = CALM * 2
 
@@ -87,7 +87,8 @@ class Ratios(unittest.TestCase):
 
 class Bars(unittest.TestCase):
     def testABarIsMetUpToItself(self):
-        for bar, met, missed in ((AtMost(1.1), 1.1, 1.11), (AtLeast(1.8), 1.8, 1.79), (Exactly(0), 0, -512)):
+        for bar, met, missed in ((AtMost(1.1), 1.1, 1.11), (AtLeast(1.8), 1.8, 1.79), (Exactly(0), 0, -512),
+                                 (Between(0.8, 1.2), 0.8, 0.79), (Between(0.8, 1.2), 1.2, 1.21)):
             with self.subTest(bar):
                 self.assertTrue(bar.met(met))
                 self.assertFalse(bar.met(missed))
