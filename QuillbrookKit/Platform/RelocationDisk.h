@@ -75,8 +75,7 @@ public:
     [[nodiscard]] virtual std::optional<QString> objection(const std::string &source) const = 0;
 
     /// Copies with dates, links, hard links, holes, attributes and rights, as far as the target can hold
-    /// them, and waits until its volume has written all. Ends with this process, however that ends. What is
-    /// mounted below the source is left out.
+    /// them, and waits until its volume has written all. Ends with this process, however that ends.
     [[nodiscard]] virtual CopyResult copy(const CopyOrder &order) const = 0;
     /// Deletes what lies at `path` if it is still that; nothing happens otherwise.
     virtual void drop(const std::string &path, const FileIdentity &identity) const = 0;

@@ -173,6 +173,35 @@ class Offload(removing.Removing):
         self.assertTrue(line.startswith(f"✗ {TITLE}: Copy failed: cannot create symbolic link '{stick}/models/inside'"), line)
         self.assertUntouched(before)
 
+    def testWhatCanNotBeReadIsNamed(self):
+        place = self.drive("ext4")
+        closed = self.home.file(f"{MODELS}/deep/it's closed", 10)
+        before = removing.contents(self.home.path)
+        mode = closed.stat().st_mode
+        closed.chmod(0)
+        self.open()
+        self.pick(place)
+        self.move()
+        self.becomes(self.log, [f'✗ {TITLE}: Copy failed: cannot open "{closed}" for reading: Permission denied'], 60)
+        closed.chmod(mode)
+        self.assertUntouched(before)
+        # A copy that failed is left, and not taken for anything else.
+        self.assertEqual(os.listdir(place), ["models"])
+
+    def testAFolderOfThePortalIsNoDrive(self):
+        behind = self.folder / "behind"
+        behind.mkdir()
+        handed = self.plug(drives.Drive(self.folder / "handed", [
+            "bindfs", "-f", "--no-allow-other", "-o", "subtype=portal", behind, self.folder / "handed"]))
+        before = removing.contents(self.home.path)
+        self.open()
+        self.pick(handed.path)
+        self.move()
+        self.becomes(self.log, [f"✗ {TITLE}: {handed.path} was handed over by the desktop's portal. A link to it would lead "
+                                "nowhere for other programs."])
+        self.assertUntouched(before)
+        self.assertEqual(os.listdir(behind), [])
+
     def testADriveThatIsTooSmallTakesNothing(self):
         place = self.drive("small")
         before = removing.contents(self.home.path)
@@ -301,6 +330,22 @@ class Offload(removing.Removing):
         self.assertEqual(facts(self.models), kept)
         self.assertEqual(os.listdir(self.models.parent), ["models"])
         self.assertEqual(os.listdir(place), [])
+
+    def testAVolumeWithinAFolderComesBackWithIt(self):
+        place = self.drive("btrfs")
+        os.rename(self.models, self.folder / "aside")
+        os.system(f"cp -a '{self.folder / 'aside'}' '{place / 'mine'}'")
+        # As an ordinary user may make one. It is a folder with a device of its own, and no mount.
+        self.assertEqual(os.system(f"btrfs -q subvolume create '{place / 'mine' / 'inner'}'"), 0)
+        (place / "mine" / "inner" / "small").write_text("kept")
+        os.symlink(place / "mine", self.models)
+        before = removing.contents(place / "mine")
+        self.open()
+        self.row(group="ON ANOTHER DRIVE").one("push button", "Bring back").act()
+        self.answer("Bring back")
+        line = waiting.until("a line of the log", lambda: next(iter(self.log()), None), 60)
+        self.assertTrue(line.startswith(f"✓ {TITLE} → {self.models}"), line)
+        self.assertEqual(removing.contents(self.models), before)
 
     def testADriveIsFollowedAsItComesAndGoes(self):
         behind = self.folder / "behind"
