@@ -158,7 +158,10 @@ void AppDelegate::quitNow()
     // Not by asking the windows: none of them may keep the program.
     if (!removals.isBusy())
         return QCoreApplication::exit(0);
-    connect(&removals, &RemovalQueue::busyChanged, this, [] { QCoreApplication::exit(0); });
+    const auto exit = [] { QCoreApplication::exit(0); };
+    connect(&removals, &RemovalQueue::busyChanged, this, exit);
+    if (removals.isCopying())
+        QTimer::singleShot(m_services.copyPatience, this, exit);
 }
 
 QQuickWindow *AppDelegate::make(const QUrl &file, const QVariantMap &properties)

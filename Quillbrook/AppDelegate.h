@@ -18,6 +18,7 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -43,6 +44,9 @@ public:
         TrayItem &tray;
         AppInstance &instance;
         QQmlEngine &engine;
+        /// So long a copy that is being ended may take to take away what it made: its drive may not answer
+        /// any more.
+        std::chrono::milliseconds copyPatience = std::chrono::minutes(1);
     };
 
     /// The windows' files, and the properties that each is made with.
@@ -74,7 +78,8 @@ public:
     bool openWindow(const QByteArray &token = {});
     /// Ends the program, or opens the window with the question that has to be answered before.
     void quit();
-    /// Ends the event loop unasked, once what is being removed is done with its present entry.
+    /// Ends the event loop unasked, once what is being removed is done with its present entry, or what was
+    /// copied to another drive is taken away.
     void quitNow();
 
     /// Nothing while it is closed.

@@ -12,10 +12,14 @@
 #include "Screens/Window/MainWindowState.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QIcon>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QtQml/QQmlExtensionPlugin>
+
+#include <chrono>
+#include <cstdlib>
 
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
@@ -30,6 +34,20 @@ AppServices servicesOf(Machine &machine)
     services.version = QStringLiteral(QUILLBROOK_VERSION);
     services.updateFeed = UpdateCheck::feed();
     return services;
+}
+
+// A drive that does not answer holds whoever asks it, and a thread can't be taken from it. The process can.
+void endThoughADriveHoldsIt(AppModel &model, int code)
+{
+    using namespace std::chrono_literals;
+    constexpr auto patience = 2s;
+    if (model.offloads().endsWithin(QDeadlineTimer(patience)))
+        return;
+    // The books of what was removed are closed first. Settings that were changed last are written by an
+    // event.
+    model.removals().wait();
+    QCoreApplication::sendPostedEvents();
+    std::_Exit(code);
 }
 
 AppDelegate::Windows windows(MainWindowState &screens, MenuBarPanelState &panel)
@@ -77,5 +95,7 @@ int main(int argc, char **argv)
     QObject::connect(screens.quit(), &QuitState::quitChosen, &delegate, &AppDelegate::quitNow);
     // A session that ends waits for nobody.
     QObject::connect(&machine->quitRequests(), &QuitRequests::asked, &delegate, &AppDelegate::quitNow);
-    return delegate.start(start) ? QApplication::exec() : 1;
+    const int code = delegate.start(start) ? QApplication::exec() : 1;
+    endThoughADriveHoldsIt(model, code);
+    return code;
 }

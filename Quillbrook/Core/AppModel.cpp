@@ -23,7 +23,7 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
           { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .removals = ruleRemovals() },
           this)
     , m_uninstalls(m_services.kit, m_pathRemovals, this)
-    , m_offloads(m_services.kit, { .scans = m_scans, .navigation = m_navigation }, this)
+    , m_offloads(m_services.kit, { .scans = m_scans, .navigation = m_navigation, .queue = m_removals }, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
     , m_questions(m_scans, this)
@@ -44,8 +44,10 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
     connect(&m_automation, &AutomationDriver::offerFailed, &m_reclaims, &ReclaimDriver::appendLog);
     connect(&m_watch, &WatchDriver::lastWatchChanged, &m_automation,
         [this] { m_automation.takeLook(*m_watch.lastWatch()); });
-    // What is measured while things go would be wrong before it is shown.
-    connect(&m_removals, &RemovalQueue::busyChanged, this, [this] { m_scans.hold(m_removals.isBusy()); });
+    // What is measured while things go would be wrong before it is shown. A copy may take hours, and what
+    // goes at its end is measured again.
+    connect(&m_removals, &RemovalQueue::turnChanged, this,
+        [this] { m_scans.hold(m_removals.isBusy() && !m_removals.isCopying()); });
 }
 
 AppModel::~AppModel()

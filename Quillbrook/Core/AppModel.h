@@ -32,7 +32,8 @@ class AppModel : public QObject
 public:
     /// What the services refer to outlives the model.
     explicit AppModel(const AppServices &services, QObject *parent = nullptr);
-    /// What is being removed ends after its present entry, and is waited for.
+    /// What is being removed ends after its present entry, what is being moved to another drive ends as a
+    /// stop ends it, and both are waited for.
     ~AppModel() override;
 
     [[nodiscard]] ScanDriver &scans() { return m_scans; }

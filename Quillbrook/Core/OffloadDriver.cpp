@@ -2,6 +2,7 @@
 
 #include "Core/Navigation.h"
 #include "Core/ScanDriver.h"
+#include "Core/Translation.h"
 #include "Offload/Profiling.h"
 #include "Offload/Relocation.h"
 #include "Platform/Drives.h"
@@ -10,13 +11,16 @@
 #include "RawText.h"
 
 #include <QCoroFuture>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QtConcurrent>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
+#include <tuple>
 #include <utility>
 
 namespace Quillbrook {
@@ -33,6 +37,12 @@ constexpr auto progressInterval = 250ms;
 QString failureLine(const QString &title, const OffloadError &error)
 {
     return u"✗ %1: %2"_s.arg(title, error.description());
+}
+
+// What came of a move as long as nothing did.
+std::unexpected<OffloadError> notBegun()
+{
+    return std::unexpected(OffloadError{ .kind = OffloadError::Kind::stopped });
 }
 
 bool isOnOtherDrive(const OffloadServices &services, const std::string &folder, const std::string &home)
@@ -55,13 +65,30 @@ void keepSizes(std::vector<MovedThing> &things, const std::vector<MovedThing> &b
 
 } // namespace
 
-// What a task and the main thread share of one thing that is moved.
+// One thing that is moved, or waits for its turn.
 struct OffloadDriver::Job
 {
-    QString id{};
+    Job(QString ownId, QString ownTitle, qint64 bytes)
+        : id(std::move(ownId))
+        , title(std::move(ownTitle))
+    {
+        tell(0, bytes);
+    }
+
+    void tell(qint64 bytes, qint64 of)
+    {
+        total = std::max<qint64>(of, 1);
+        done = std::min<qint64>(bytes, total);
+    }
+
+    const QString id;
+    const QString title;
+    // Shared with the thread that moves it.
     std::stop_source stop{};
     std::atomic<qint64> done{ 0 };
     std::atomic<qint64> total{ 1 };
+    // The main thread's.
+    bool hasBegun = false;
     QElapsedTimer since{};
 };
 
@@ -70,6 +97,7 @@ OffloadDriver::OffloadDriver(const KitServices &kit, const Others &others, QObje
     , m_kit(kit)
     , m_scans(others.scans)
     , m_navigation(others.navigation)
+    , m_queue(others.queue)
 {
     for (auto *pool : { &m_measuringPool, &m_movingPool, &m_lookingPool })
         pool->setMaxThreadCount(1);
@@ -79,12 +107,20 @@ OffloadDriver::OffloadDriver(const KitServices &kit, const Others &others, QObje
 
 OffloadDriver::~OffloadDriver()
 {
-    stop();
+    std::ignore = endsWithin(QDeadlineTimer::Forever);
+}
+
+bool OffloadDriver::endsWithin(const QDeadlineTimer &patience)
+{
+    for (const auto &job : m_jobs)
+        job->stop.request_stop();
     m_looking.request_stop();
     if (m_profiling)
         m_profiling->request_stop();
-    for (auto *pool : { &m_measuringPool, &m_movingPool, &m_lookingPool })
-        pool->waitForDone();
+    return std::ranges::all_of(
+        std::array{ &m_measuringPool, &m_movingPool, &m_lookingPool }, [&patience](QThreadPool *pool) {
+            return pool->waitForDone(static_cast<int>(patience.remainingTime()));
+        });
 }
 
 QList<Finding> OffloadDriver::offloadCandidates() const
@@ -136,59 +172,50 @@ void OffloadDriver::setDestination(std::optional<DestinationProfile> profile, st
 
 void OffloadDriver::offload(const Finding &finding, bool allowSlowBus)
 {
-    if (m_destination)
-        moveAway(startJob(finding.id, finding.bytes), finding, allowSlowBus);
-}
-
-QCoro::Task<> OffloadDriver::moveAway(std::shared_ptr<Job> job, Finding finding, bool allowSlowBus)
-{
-    const QPointer self(this);
-    const Offload::Relocation relocation{ .source = finding.rawPath,
+    if (!m_destination)
+        return;
+    const Offload::Relocation order{ .source = finding.rawPath,
         .into = m_destination->path,
         .bytes = finding.bytes,
         .suitability = Offload::suitability(finding.rule.id, &m_scans.hostCatalogue()),
         .profile = *m_destination,
-        .allowSlowBus = allowSlowBus,
-        .onProgress = [job](qint64 bytes) { job->done = bytes; },
-        .stop = job->stop.get_token() };
-    const auto moving = QtConcurrent::run(&m_movingPool, [services = OffloadServices::of(m_kit), relocation] {
-        return Offload::relocate(services, relocation);
-    });
-    const auto target = co_await moving;
-    if (!self)
-        co_return;
-    endJob(job);
-    const auto &title = finding.rule.title;
-    appendLog(target ? u"✓ %1 → %2"_s.arg(title, repairedText(*target)) : failureLine(title, target.error()));
-    if (target)
-        Q_EMIT diskChanged();
+        .allowSlowBus = allowSlowBus };
+    const auto target = std::make_shared<std::expected<std::string, OffloadError>>(notBegun());
+    const auto work = [target, order, services = OffloadServices::of(m_kit)](const Watch &watch) {
+        auto own = order;
+        own.onProgress = [&](qint64 bytes) { watch.progress(bytes, order.bytes); };
+        own.stop = watch.stop;
+        *target = Offload::relocate(services, own);
+    };
+    const auto end = [this, target, title = finding.rule.title] {
+        appendLog(*target ? u"✓ %1 → %2"_s.arg(title, repairedText(**target))
+                          : failureLine(title, target->error()));
+        if (*target)
+            Q_EMIT diskChanged();
+    };
+    enqueue(std::make_shared<Job>(finding.id, finding.rule.title, finding.bytes),
+        { .verb = RemovalQueue::Verb::moving, .work = work, .end = end });
 }
 
 void OffloadDriver::bringBack(const MovedThing &thing)
 {
-    moveBack(startJob(repairedText(thing.place), thing.bytes.value_or(0)), thing);
+    const auto returned = std::make_shared<std::expected<Offload::Returned, OffloadError>>(notBegun());
+    const auto work = [returned, thing, services = OffloadServices::of(m_kit)](const Watch &watch) {
+        *returned = Offload::bringBack(
+            services, { .thing = thing, .onProgress = watch.progress, .stop = watch.stop });
+    };
+    const auto end = [this, returned, thing] { takeReturned(thing, *returned); };
+    enqueue(std::make_shared<Job>(repairedText(thing.place), thing.title, thing.bytes.value_or(0)),
+        { .verb = RemovalQueue::Verb::bringingBack, .work = work, .end = end });
 }
 
-QCoro::Task<> OffloadDriver::moveBack(std::shared_ptr<Job> job, MovedThing thing)
+void OffloadDriver::takeReturned(
+    const MovedThing &thing, const std::expected<Offload::Returned, OffloadError> &returned)
 {
-    const QPointer self(this);
-    const Offload::Return order{ .thing = thing,
-        .onProgress =
-            [job](qint64 bytes, qint64 total) {
-                job->total = std::max<qint64>(total, 1);
-                job->done = bytes;
-            },
-        .stop = job->stop.get_token() };
-    const auto moving = QtConcurrent::run(&m_movingPool,
-        [services = OffloadServices::of(m_kit), order] { return Offload::bringBack(services, order); });
-    const auto returned = co_await moving;
-    if (!self)
-        co_return;
-    endJob(job);
     if (!returned) {
         appendLog(failureLine(thing.title, returned.error()));
         recheckDrives();
-        co_return;
+        return;
     }
     const auto line = u"✓ %1 → %2"_s.arg(thing.title, repairedText(thing.place));
     appendLog(returned->leftBehind ? u"%1 · %2 is still there: %3"_s.arg(
@@ -197,38 +224,72 @@ QCoro::Task<> OffloadDriver::moveBack(std::shared_ptr<Job> job, MovedThing thing
     Q_EMIT diskChanged();
 }
 
-std::shared_ptr<OffloadDriver::Job> OffloadDriver::startJob(const QString &id, qint64 total)
+// In its turn, since it removes what it has copied.
+void OffloadDriver::enqueue(const std::shared_ptr<Job> &job, const Move &move)
 {
-    auto job = std::make_shared<Job>();
-    job->id = id;
-    job->total = std::max<qint64>(total, 1);
     m_jobs.push_back(job);
-    if (m_jobs.size() == 1) {
-        job->since.start();
-        m_rate.clear();
-        m_progressClock.start();
-        Q_EMIT runningChanged();
-    }
-    return job;
+    const auto work = [job, move, name = translatedTableText(job->title)](const RemovalQueue::Watch &watch) {
+        // It was given up while it waited.
+        if (job->stop.stop_requested())
+            return;
+        const std::stop_callback follow(watch.stop, [&job] { job->stop.request_stop(); });
+        const auto tell = [&](qint64 bytes, qint64 total) {
+            job->tell(bytes, total);
+            watch.progress({ .number = 1,
+                .count = 1,
+                .name = name,
+                .bytes = job->done,
+                .inside = static_cast<double>(job->done) / static_cast<double>(job->total) });
+        };
+        tell(0, job->total);
+        move.work({ .progress = tell, .stop = job->stop.get_token() });
+    };
+    m_queue.enqueue({ .verb = move.verb,
+        .copying = &m_movingPool,
+        .begin = [this, job] { beginJob(job); },
+        .work = work,
+        .end =
+            [this, job, end = move.end] {
+                if (endJob(job))
+                    end();
+            } });
+    Q_EMIT runningChanged();
 }
 
-void OffloadDriver::endJob(const std::shared_ptr<Job> &job)
+void OffloadDriver::beginJob(const std::shared_ptr<Job> &job)
 {
-    std::erase(m_jobs, job);
+    if (std::ranges::find(m_jobs, job) == m_jobs.end())
+        return;
+    job->hasBegun = true;
+    job->since.start();
     m_rate.clear();
-    if (m_jobs.empty())
-        m_progressClock.stop();
-    else
-        m_jobs.front()->since.start();
+    m_progressClock.start();
     Q_EMIT runningChanged();
+}
+
+// Whether it was still wanted.
+bool OffloadDriver::endJob(const std::shared_ptr<Job> &job)
+{
+    if (job->hasBegun)
+        m_progressClock.stop();
+    const bool isWanted = std::erase(m_jobs, job) > 0;
+    if (isWanted)
+        Q_EMIT runningChanged();
+    return isWanted;
 }
 
 void OffloadDriver::stop()
 {
-    for (const auto &job : m_jobs)
+    const auto jobs = m_jobs;
+    for (const auto &job : jobs) {
         job->stop.request_stop();
-    if (!m_jobs.empty())
-        Q_EMIT progressed();
+        if (job->hasBegun) {
+            m_queue.stop();
+            Q_EMIT progressed();
+        } else if (endJob(job)) {
+            appendLog(failureLine(job->title, { .kind = OffloadError::Kind::stopped }));
+        }
+    }
 }
 
 std::optional<OffloadDriver::Running> OffloadDriver::running() const
@@ -236,18 +297,16 @@ std::optional<OffloadDriver::Running> OffloadDriver::running() const
     if (m_jobs.empty())
         return std::nullopt;
     const auto &job = *m_jobs.front();
-    const qint64 total = job.total;
     return Running{ .id = job.id,
-        .done = std::min<qint64>(job.done, total),
-        .total = total,
+        .done = job.done,
+        .total = job.total,
         .bytesPerSecond = m_rate.bytesPerSecond(),
+        .hasBegun = job.hasBegun,
         .canStop = !job.stop.stop_requested() };
 }
 
 void OffloadDriver::followProgress()
 {
-    if (m_jobs.empty())
-        return;
     m_rate.add(m_jobs.front()->since.elapsed(), m_jobs.front()->done);
     Q_EMIT progressed();
 }

@@ -1,10 +1,12 @@
 #pragma once
 
-// Measures a drive, moves cold findings there and brings them back: one at a time, off the main thread. A
-// line of a log says what came of each. Main thread only; what it is made with outlives it.
+// Measures a drive, moves cold findings there and brings them back: one at a time, off the main thread, in
+// the turns that all removals take. A line of a log says what came of each. Main thread only; what it is made
+// with outlives it.
 
 #include "Catalogue/Finding.h"
 #include "Core/CopyRate.h"
+#include "Core/RemovalQueue.h"
 #include "Offload/DestinationProfile.h"
 #include "Offload/MovedThings.h"
 
@@ -16,10 +18,14 @@
 #include <QTimer>
 
 #include <deque>
+#include <expected>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
+
+class QDeadlineTimer;
 
 namespace Quillbrook {
 
@@ -36,9 +42,10 @@ public:
     {
         const ScanDriver &scans;
         const Navigation &navigation;
+        RemovalQueue &queue;
     };
 
-    /// What is being moved right now.
+    /// What is being moved right now, or is the next to be.
     struct Running
     {
         /// The finding's id, or the place of what is brought back.
@@ -48,23 +55,29 @@ public:
         qint64 total = 1;
         /// Absent until it is known.
         std::optional<qint64> bytesPerSecond{};
+        /// It does not wait for a removal any more.
+        bool hasBegun = false;
         /// It can be ended, and has not been yet.
         bool canStop = true;
     };
 
     OffloadDriver(const KitServices &kit, const Others &others, QObject *parent = nullptr);
-    /// Ends what runs as `stop` does, and waits for it.
+    /// Ends what runs as `stop` does, and waits for it, however long a drive takes to answer.
     ~OffloadDriver() override;
 
     /// The findings that may be offered, in the report's order.
     [[nodiscard]] QList<Finding> offloadCandidates() const;
     /// Measures a folder (absolute, raw bytes) anew; an earlier measurement that runs is given up.
     void profileDestination(const std::string &path);
-    /// Moves a finding to the destination as it is now; nothing without one. Waits for what runs already.
+    /// Moves a finding to the destination as it is now; nothing without one. Waits for its turn.
     void offload(const Finding &finding, bool allowSlowBus);
+    /// Waits for its turn too.
     void bringBack(const MovedThing &thing);
-    /// Ends what runs, and forgets what waits.
+    /// Ends what runs, and at once what waits.
     void stop();
+    /// For the end of the program: ends all that runs, and tells whether it has ended in time. A drive that
+    /// does not answer holds a thread for as long as the system lets it.
+    [[nodiscard]] bool endsWithin(const QDeadlineTimer &patience);
     /// Looks for what lies on other drives, and whether the destination is still there.
     void recheckDrives();
     void setOffloadFocus(const std::optional<QString> &ruleId);
@@ -94,14 +107,28 @@ Q_SIGNALS:
 
 private:
     struct Job;
+    /// What the work of a move is given.
+    struct Watch
+    {
+        std::function<void(qint64 bytes, qint64 total)> progress{};
+        std::stop_token stop{};
+    };
+    /// One move: what is done off the main thread, and what on it once that has ended.
+    struct Move
+    {
+        RemovalQueue::Verb verb = RemovalQueue::Verb::moving;
+        std::function<void(const Watch &watch)> work{};
+        std::function<void()> end{};
+    };
 
     QCoro::Task<> profileAt(std::string path);
-    QCoro::Task<> moveAway(std::shared_ptr<Job> job, Finding finding, bool allowSlowBus);
-    QCoro::Task<> moveBack(std::shared_ptr<Job> job, MovedThing thing);
     QCoro::Task<> lookForMovedThings();
     QCoro::Task<> lookForDestination();
-    [[nodiscard]] std::shared_ptr<Job> startJob(const QString &id, qint64 total);
-    void endJob(const std::shared_ptr<Job> &job);
+    void enqueue(const std::shared_ptr<Job> &job, const Move &move);
+    void beginJob(const std::shared_ptr<Job> &job);
+    bool endJob(const std::shared_ptr<Job> &job);
+    void takeReturned(
+        const MovedThing &thing, const std::expected<Offload::Returned, OffloadError> &returned);
     void setDestination(std::optional<DestinationProfile> profile, std::optional<QString> error);
     void setMovedThings(std::vector<MovedThing> things);
     void appendLog(const QString &line);
@@ -110,6 +137,7 @@ private:
     const KitServices &m_kit;
     const ScanDriver &m_scans;
     const Navigation &m_navigation;
+    RemovalQueue &m_queue;
     std::optional<DestinationProfile> m_destination;
     std::optional<QString> m_destinationError;
     /// When it was measured, the destination lay on another file system than the home folder.

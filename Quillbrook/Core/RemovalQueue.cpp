@@ -48,6 +48,7 @@ void RemovalQueue::startNext()
         m_running.reset();
         m_clock.stop();
         Q_EMIT progressChanged();
+        Q_EMIT turnChanged();
         Q_EMIT busyChanged();
         return;
     }
@@ -57,8 +58,9 @@ void RemovalQueue::startNext()
     if (m_running->removal.begin)
         m_running->removal.begin();
     m_clock.start();
+    auto *thread = m_running->removal.copying != nullptr ? m_running->removal.copying : &m_thread;
     // Not waited for: it tells by itself when it is done.
-    static_cast<void>(QtConcurrent::run(&m_thread, [this, running = m_running] {
+    static_cast<void>(QtConcurrent::run(thread, [this, running = m_running] {
         const Watch watch{ .progress =
                                [&running](const Progress &progress) {
                                    const std::scoped_lock lock(running->mutex);
@@ -66,9 +68,10 @@ void RemovalQueue::startNext()
                                },
             .stop = running->stop.get_token() };
         running->removal.work(watch);
-        // Outlived by the queue, which waits for this thread.
+        // Outlived by the queue, which waits for its thread, and goes after the owner of any other.
         QMetaObject::invokeMethod(this, &RemovalQueue::finish, Qt::QueuedConnection);
     }));
+    Q_EMIT turnChanged();
     if (!wasBusy)
         Q_EMIT busyChanged();
     Q_EMIT progressChanged();
@@ -94,6 +97,11 @@ void RemovalQueue::close()
     m_isClosed = true;
     m_waiting.clear();
     stop();
+}
+
+bool RemovalQueue::isCopying() const
+{
+    return m_running && m_running->removal.copying != nullptr;
 }
 
 bool RemovalQueue::isStopping() const

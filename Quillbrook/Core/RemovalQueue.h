@@ -2,7 +2,8 @@
 
 // One removal at a time, off the main thread, in the order in which they were asked for. Whatever takes
 // something away goes through here, and so does what reads the books of that: the work of a removal may use
-// the ledger, the journal and the Trash as nobody else does meanwhile.
+// the ledger, the journal and the Trash as nobody else does meanwhile. A move to another drive, or back from
+// one, takes its turn here too, since it removes what it has copied.
 //
 // Used on the main thread only; what the work uses outlives the queue.
 
@@ -27,7 +28,7 @@ class RemovalQueue : public QObject
     Q_OBJECT
 
 public:
-    enum class Verb : std::uint8_t { moving, deleting, puttingBack };
+    enum class Verb : std::uint8_t { moving, deleting, puttingBack, bringingBack };
 
     /// What a removal has come to: the thing that goes now, from 1, of how many, and the bytes that went
     /// before it.
@@ -60,16 +61,20 @@ public:
     struct Removal
     {
         Verb verb = Verb::moving;
+        /// Where the work of a copy is done, which may take hours: scans and whoever asks the queue go on
+        /// meanwhile. It uses neither the ledger nor the journal. Its owner waits for it and goes before the
+        /// queue. Absent for all other work.
+        QThreadPool *copying = nullptr;
         /// On the main thread, when its turn has come.
         std::function<void()> begin{};
-        /// On the queue's thread.
+        /// On the queue's thread, or on that of the copies.
         std::function<void(const Watch &)> work{};
         /// On the main thread, once the work is done.
         std::function<void()> end{};
     };
 
     explicit RemovalQueue(QObject *parent = nullptr);
-    /// Stops what runs after its present entry, waits for it, and forgets what waits.
+    /// Stops what runs after its present entry, waits for it unless it is a copy, and forgets what waits.
     ~RemovalQueue() override;
 
     void enqueue(Removal removal);
@@ -84,11 +89,13 @@ public:
     void stop();
     /// The same, forgets what waits and takes nothing more: the program is about to end.
     void close();
-    /// Blocks until nothing runs any more; what has ended tells nobody then.
+    /// Blocks until nothing but a copy runs any more; what has ended tells nobody then.
     void wait() { m_thread.waitForDone(); }
 
     /// Whether something is being removed, or waits for it.
     [[nodiscard]] bool isBusy() const { return m_running != nullptr; }
+    /// Whether it is a copy that runs.
+    [[nodiscard]] bool isCopying() const;
     /// Whether what runs has been told to stop.
     [[nodiscard]] bool isStopping() const;
     [[nodiscard]] Verb verb() const;
@@ -97,6 +104,8 @@ public:
 
 Q_SIGNALS:
     void busyChanged();
+    /// Another removal has begun, or none is left.
+    void turnChanged();
     /// Also when another removal has begun, or the one that runs is stopping.
     void progressChanged();
 

@@ -37,6 +37,8 @@ QString RemovalState::title() const
         return tr("Deleting %1 of %2").arg(number, count);
     case RemovalQueue::Verb::puttingBack:
         return tr("Putting back %1 of %2").arg(number, count);
+    case RemovalQueue::Verb::bringingBack:
+        return tr("Bringing back %1 of %2").arg(number, count);
     }
     return {};
 }

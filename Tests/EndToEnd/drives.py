@@ -3,6 +3,7 @@ own, which ends with the drive. Needs the drives that `volumes.sh` makes; withou
 
 import os
 import pathlib
+import signal
 import subprocess
 import unittest
 
@@ -40,6 +41,13 @@ class Drive:
         self._process.kill()
         self._process.wait(10)
         subprocess.run(["fusermount3", "-u", "-z", self.path], check=False)
+
+    def hang(self):
+        """As a server that is gone: whoever asks it waits, and so would a test."""
+        self._process.send_signal(signal.SIGSTOP)
+
+    def go_on(self):
+        self._process.send_signal(signal.SIGCONT)
 
     def end(self):
         if os.path.ismount(self.path):

@@ -11,6 +11,7 @@ import desktop
 import drives
 import homes
 import processes
+import program
 import removing
 import tray_host
 import waiting
@@ -264,6 +265,25 @@ class Offload(removing.Removing):
         # The destination is away, and says so.
         self.quillbrook.says(f"{self.slow.path} is not connected.")
 
+    def testWhatIsCopiedIsShownWhereThingsAreClearedAndStoppedThere(self):
+        before = removing.contents(self.home.path)
+        behind = self.copying()
+        quillbrook = self.quillbrook
+        quillbrook.open_pane("1", "Free up space")
+        quillbrook.says("Moving 1 of 1")
+        quillbrook.says(re.compile(rf"^{TITLE} · [\d.]+ [KM]B so far$"))
+        # A scan does not wait for it.
+        words = quillbrook.says(program.SCANNED)
+        another = self.home.file("another", 10)
+        quillbrook.press("Rescan")
+        quillbrook.scanned(unlike=words)
+        another.unlink()
+        quillbrook.press("Stop")
+        self.pane()
+        self.becomes(self.log, [STOPPED], 30)
+        self.assertUntouched(before)
+        self.assertEqual(os.listdir(behind), [])
+
     def testQuittingAsksFirstAndEndsACopyAsStopDoes(self):
         tray = tray_host.TrayHost(self.folder)
         self.addCleanup(tray.stop)
@@ -346,6 +366,23 @@ class Offload(removing.Removing):
         line = waiting.until("a line of the log", lambda: next(iter(self.log()), None), 60)
         self.assertTrue(line.startswith(f"✓ {TITLE} → {self.models}"), line)
         self.assertEqual(removing.contents(self.models), before)
+
+    def testADriveThatDoesNotAnswerKeepsNobodyFromQuitting(self):
+        behind = self.folder / "behind"
+        drive = self.plug(drives.slow(self.folder / "stick", behind, 500))
+        os.rename(self.models, behind / "models")
+        os.symlink(drive.path / "models", self.models)
+        quillbrook = self.open()
+        there = self.row(group="ON ANOTHER DRIVE")
+        waiting.until("its size", lambda: there.description.endswith(", 101 MB"))
+        drive.hang()
+        self.addCleanup(drive.go_on)
+        # Looks again, and gets no answer.
+        quillbrook.open_pane("1", "Free up space")
+        self.pane()
+        time.sleep(0.5)
+        self.assertTrue(quillbrook.quit(15))
+        self.assertEqual(quillbrook.process.returncode, 0)
 
     def testADriveIsFollowedAsItComesAndGoes(self):
         behind = self.folder / "behind"

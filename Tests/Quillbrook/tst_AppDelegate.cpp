@@ -16,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <memory>
@@ -30,6 +31,7 @@ class TestAppDelegate : public QObject
 private Q_SLOTS:
     void init()
     {
+        m_copyPatience = std::chrono::minutes(1);
         m_folder = std::make_unique<QTemporaryDir>();
         m_machine = std::make_unique<FakeServices>();
         m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
@@ -390,6 +392,23 @@ private Q_SLOTS:
         QVERIFY(!m_model->removals().isBusy());
     }
 
+    void endingDoesNotWaitForEverForACopy()
+    {
+        m_copyPatience = std::chrono::milliseconds(50);
+        make(m_windows);
+        QVERIFY(m_delegate->start(inBackground));
+        QThreadPool copies;
+        QSemaphore go;
+        m_model->removals().enqueue(
+            { .copying = &copies, .work = [&](const auto & /*watch*/) { go.acquire(); } });
+        QTimer::singleShot(0, m_delegate.get(), &AppDelegate::quitNow);
+        QTimer::singleShot(20'000, this, [] { QCoreApplication::exit(7); });
+        QCOMPARE(QCoreApplication::exec(), 0);
+        QVERIFY(m_model->removals().isBusy());
+        go.release();
+        QTRY_VERIFY(!m_model->removals().isBusy());
+    }
+
     void quitAsksInTheWindowWhereThereIsSomethingToAsk()
     {
         m_windows.asksBeforeQuitting = [] { return true; };
@@ -483,13 +502,15 @@ private:
                                                        .background = *m_background,
                                                        .tray = *m_tray,
                                                        .instance = *m_instance,
-                                                       .engine = *m_engine },
+                                                       .engine = *m_engine,
+                                                       .copyPatience = m_copyPatience },
             windows);
     }
 
     void press(const std::optional<QPoint> &place = {}) { Q_EMIT m_tray->activated(place); }
     [[nodiscard]] qsizetype windowCount() const { return QGuiApplication::allWindows().size(); }
 
+    std::chrono::milliseconds m_copyPatience = std::chrono::minutes(1);
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<FakeServices> m_machine;
     std::unique_ptr<AppModel> m_model;

@@ -35,6 +35,7 @@ OffloadState::OffloadState(AppModel &model, QObject *parent)
     connect(&driver, &OffloadDriver::movedThingsChanged, this, &OffloadState::refresh);
     connect(&driver, &OffloadDriver::runningChanged, this, &OffloadState::refresh);
     connect(&driver, &OffloadDriver::progressed, this, &OffloadState::refresh);
+    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &OffloadState::refresh);
     connect(&driver, &OffloadDriver::offloadLogChanged, this, &OffloadState::activityChanged);
     connect(&m_model.services().driveChanges, &DriveChanges::changed, this, &OffloadState::recheck);
     connect(&m_model.scans(), &ScanDriver::finished, this, &OffloadState::recheck);
@@ -90,7 +91,7 @@ OffloadRow OffloadState::movedRow(const MovedThing &thing) const
     OffloadRow row{ .id = repairedText(thing.place),
         .title = translatedTableText(thing.title),
         .warns = !thing.isThere(),
-        .actionEnabled = thing.isThere() && !m_model.offloads().running() };
+        .actionEnabled = thing.isThere() && !m_model.removals().isBusy() };
     const auto drive = singleLine(thing.drive);
     if (!thing.isThere())
         row.detail = tr("%1 · not connected").arg(drive);
@@ -113,7 +114,9 @@ void OffloadState::addProgress(OffloadRow &row) const
     row.progress = static_cast<double>(running->done) / static_cast<double>(running->total);
     const auto done = Format::bytes(running->done);
     const auto total = Format::bytes(running->total);
-    if (!running->canStop)
+    if (!running->hasBegun)
+        row.progressText = tr("Waiting until nothing else is being removed…");
+    else if (!running->canStop)
         row.progressText = tr("Stopping…");
     else if (running->bytesPerSecond)
         row.progressText = tr("%1 of %2 · %3/s").arg(done, total, Format::bytes(*running->bytesPerSecond));
@@ -124,7 +127,7 @@ void OffloadState::addProgress(OffloadRow &row) const
 bool OffloadState::canMove() const
 {
     const auto &destination = m_model.offloads().destination();
-    return !m_model.offloads().running() && (!destination || !destination->isSlowBus() || m_acceptSlowBus);
+    return !m_model.removals().isBusy() && (!destination || !destination->isSlowBus() || m_acceptSlowBus);
 }
 
 QString OffloadState::total() const

@@ -10,23 +10,17 @@ QuitState::QuitState(AppModel &model, QObject *parent)
     : QObject(parent)
     , m_model(model)
 {
-    connect(&m_model.offloads(), &OffloadDriver::runningChanged, this, &QuitState::follow);
-    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &QuitState::follow);
+    connect(&m_model.removals(), &RemovalQueue::turnChanged, this, &QuitState::follow);
 }
 
 bool QuitState::isAboutDrives() const
 {
-    return m_model.offloads().running().has_value();
-}
-
-bool QuitState::isBusy() const
-{
-    return isAboutDrives() || m_model.removals().isBusy();
+    return m_model.removals().isCopying();
 }
 
 void QuitState::follow()
 {
-    if (!isBusy())
+    if (!m_model.removals().isBusy())
         stay();
     else if (m_asked)
         Q_EMIT changed();
@@ -34,7 +28,7 @@ void QuitState::follow()
 
 bool QuitState::ask()
 {
-    if (!isBusy())
+    if (!m_model.removals().isBusy())
         return false;
     setAsked(true);
     return true;

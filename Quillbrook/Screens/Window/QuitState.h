@@ -40,7 +40,6 @@ Q_SIGNALS:
     void quitChosen();
 
 private:
-    [[nodiscard]] bool isBusy() const;
     void follow();
     void setAsked(bool asked);
 

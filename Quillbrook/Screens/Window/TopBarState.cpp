@@ -12,7 +12,7 @@ TopBarState::TopBarState(AppModel &model, QObject *parent)
     , m_model(model)
 {
     connect(&m_model.scans(), &ScanDriver::phaseChanged, this, &TopBarState::actionTextChanged);
-    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &TopBarState::actionTextChanged);
+    connect(&m_model.removals(), &RemovalQueue::turnChanged, this, &TopBarState::actionTextChanged);
     connect(&m_model.scans(), &ScanDriver::lastScanDurationChanged, this, &TopBarState::summaryChanged);
     connect(&m_model.scans(), &ScanDriver::scannedFileCountChanged, this, &TopBarState::summaryChanged);
     connect(&m_model.scans(), &ScanDriver::shortfallChanged, this, &TopBarState::shortfallChanged);
@@ -64,7 +64,8 @@ QString TopBarState::actionText() const
 
 bool TopBarState::canAct() const
 {
-    return isScanning() || !m_model.removals().isBusy();
+    const auto &removals = m_model.removals();
+    return isScanning() || !removals.isBusy() || removals.isCopying();
 }
 
 bool TopBarState::isScanning() const

@@ -3,6 +3,7 @@
 #include "Support/ScannedHome.h"
 #include "Support/Suite.h"
 
+#include <QDeadlineTimer>
 #include <QSemaphore>
 #include <QSignalSpy>
 
@@ -172,14 +173,115 @@ private Q_SLOTS:
         QVERIFY(!reached.tryAcquire(1, 50));
         f.driver().stop();
         QVERIFY(!f.driver().running().value().canStop);
-        held.release(2);
+        QVERIFY(f.model.removals().isStopping());
+        // What waited has ended already.
+        QCOMPARE(
+            f.driver().offloadLog(), QStringList{ u"✗ Test Android phones: Stopped. Nothing was moved."_s });
+        held.release();
         f.idle();
+        QTRY_VERIFY(!f.model.removals().isBusy());
         QCOMPARE(f.driver().offloadLog(),
-            QStringList({ u"✗ Downloaded AI models: Stopped. Nothing was moved."_s,
-                u"✗ Test Android phones: Stopped. Nothing was moved."_s }));
-        const std::vector<std::string> dropped{ "/media/disk/models", "/media/disk/avd" };
-        QCOMPARE(f.relocation.dropped, dropped);
+            QStringList({ u"✗ Test Android phones: Stopped. Nothing was moved."_s,
+                u"✗ Downloaded AI models: Stopped. Nothing was moved."_s }));
+        QCOMPARE(f.relocation.dropped, std::vector<std::string>{ "/media/disk/models" });
+        QCOMPARE(f.relocation.orders.size(), 1U);
         QCOMPARE(f.trash.asked.size(), 0U);
+    }
+
+    void aMoveWaitsForARemovalAndARemovalForAMove()
+    {
+        Fixture f;
+        f.profile();
+        QSemaphore removal;
+        QSemaphore copy;
+        QSemaphore reached;
+        f.relocation.onCopy = [&](const CopyOrder &) {
+            reached.release();
+            copy.acquire();
+            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
+        };
+        f.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { removal.acquire(); } });
+        f.driver().offload(f.candidate(), false);
+        QVERIFY(!f.driver().running().value().hasBegun);
+        QVERIFY(!reached.tryAcquire(1, 50));
+        removal.release();
+        QTRY_VERIFY(f.driver().running().value().hasBegun);
+        QVERIFY(reached.tryAcquire(1, 5000));
+        QSemaphore removed;
+        f.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { removed.release(); } });
+        // A scan does not wait for what may take hours.
+        f.scan();
+        QVERIFY(!removed.tryAcquire(1, 50));
+        copy.release();
+        QTRY_VERIFY(!f.model.removals().isBusy());
+        QVERIFY(removed.tryAcquire(1));
+        QVERIFY(f.driver().offloadLog().constFirst().startsWith(u"✓"_s));
+        f.settled();
+    }
+
+    void aMoveThatWaitsIsStoppedAloneAndAtOnce()
+    {
+        Fixture f;
+        f.profile();
+        QSemaphore removal;
+        bool isRemovalStopped = true;
+        f.model.removals().enqueue({ .work = [&](const RemovalQueue::Watch &watch) {
+            removal.acquire();
+            isRemovalStopped = watch.stop.stop_requested();
+        } });
+        f.driver().offload(f.candidate(), false);
+        f.driver().stop();
+        QVERIFY(!f.driver().running());
+        const QStringList log{ u"✗ Downloaded AI models: Stopped. Nothing was moved."_s };
+        QCOMPARE(f.driver().offloadLog(), log);
+        removal.release();
+        QTRY_VERIFY(!f.model.removals().isBusy());
+        QVERIFY(!isRemovalStopped);
+        QVERIFY(f.relocation.orders.empty());
+        QCOMPARE(f.driver().offloadLog(), log);
+    }
+
+    void whoeverStopsTheQueueStopsTheCopyThatItShows()
+    {
+        Fixture f;
+        f.profile();
+        QSemaphore held;
+        QSemaphore reached;
+        f.relocation.onCopy = [&](const CopyOrder &order) {
+            order.onProgress(50 * mebi);
+            reached.release();
+            held.acquire();
+            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
+        };
+        f.driver().offload(f.candidate(), false);
+        QVERIFY(reached.tryAcquire(1, 5000));
+        const auto &queue = f.model.removals();
+        QTRY_COMPARE(queue.progress().value_or(RemovalQueue::Progress()).bytes, 50 * mebi);
+        QCOMPARE(queue.progress()->name, modelsTitle);
+        QCOMPARE(queue.progress()->share(), 0.25);
+        f.model.removals().stop();
+        QVERIFY(!f.driver().running().value().canStop);
+        held.release();
+        f.idle();
+        QCOMPARE(
+            f.driver().offloadLog(), QStringList{ u"✗ Downloaded AI models: Stopped. Nothing was moved."_s });
+    }
+
+    void aDriveThatDoesNotAnswerIsNotWaitedForLongerThanTold()
+    {
+        using namespace std::chrono_literals;
+        Fixture f;
+        QSemaphore held;
+        QSemaphore reached;
+        f.speeds.onMeasure = [&](const SpeedProbe::Sample &) {
+            reached.release();
+            held.acquire();
+        };
+        f.driver().profileDestination("/media/disk");
+        QVERIFY(reached.tryAcquire(1, 5000));
+        QVERIFY(!f.driver().endsWithin(QDeadlineTimer(20ms)));
+        held.release();
+        QVERIFY(f.driver().endsWithin(QDeadlineTimer(5s)));
     }
 
     void theEndOfTheModelEndsWhatRuns()
@@ -196,8 +298,10 @@ private Q_SLOTS:
             return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
         };
         f->driver().offload(f->candidate(), false);
+        f->driver().offload(f->candidate(u"Test Android phones"_s), false);
         QVERIFY(reached.tryAcquire(1, 5000));
         f.reset();
+        QVERIFY(!reached.tryAcquire(1));
         QVERIFY(isStopped);
     }
 

@@ -121,6 +121,28 @@ private Q_SLOTS:
         QVERIFY(isDone);
     }
 
+    void aCopyTakesItsTurnAndKeepsNobodyWaitingWhoAsks()
+    {
+        RemovalQueue queue;
+        QThreadPool copies;
+        QSemaphore go;
+        QStringList ended;
+        QSignalSpy turns(&queue, &RemovalQueue::turnChanged);
+        queue.enqueue({ .copying = &copies,
+            .work = [&](const auto & /*watch*/) { go.acquire(); },
+            .end = [&] { ended.append(u"copy"_s); } });
+        queue.enqueue({ .work = [](const auto & /*watch*/) {}, .end = [&] { ended.append(u"removal"_s); } });
+        QVERIFY(queue.isCopying());
+        const auto answer = queue.ask([] { return 7; });
+        QTRY_VERIFY(answer.isFinished());
+        QVERIFY(ended.isEmpty());
+        go.release();
+        QTRY_VERIFY(!queue.isBusy());
+        QVERIFY(!queue.isCopying());
+        QCOMPARE(ended, QStringList({ u"copy"_s, u"removal"_s }));
+        QCOMPARE(turns.count(), 3);
+    }
+
     void questionsWaitAndKeepNobodyWaiting()
     {
         RemovalQueue queue;

@@ -147,6 +147,29 @@ private Q_SLOTS:
         QCOMPARE(f.relocation.orders.size(), 1U);
     }
 
+    void whileSomethingIsRemovedNothingIsMoved()
+    {
+        Fixture f;
+        f.pick(0.1);
+        f.offload.setShown(true);
+        QTRY_COMPARE(f.offload.moved()->rows().size(), 2);
+        const auto moved = [&f] { return f.offload.moved()->rows().at(1); };
+        f.offload.askToBringBack(1);
+        QSemaphore go;
+        f.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { go.acquire(); } });
+        QVERIFY(!f.candidate().actionEnabled);
+        QVERIFY(!moved().actionEnabled);
+        // What was asked about before waits.
+        f.offload.bringBack();
+        QVERIFY(moved().running);
+        QCOMPARE(moved().progressText, u"Waiting until nothing else is being removed…"_s);
+        f.offload.stop();
+        QVERIFY(!moved().running);
+        go.release();
+        QTRY_VERIFY(f.candidate().actionEnabled);
+        QVERIFY(moved().actionEnabled);
+    }
+
     void whatLiesElsewhereIsFollowedWhileTheScreenIsShown()
     {
         Fixture f;

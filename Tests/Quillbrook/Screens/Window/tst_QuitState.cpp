@@ -35,6 +35,7 @@ private Q_SLOTS:
         QSignalSpy chosen(&quit, &QuitState::quitChosen);
         QVERIFY(quit.ask());
         QVERIFY(quit.asked());
+        QVERIFY(quit.isAboutDrives());
         quit.stay();
         QVERIFY(!quit.asked());
         QVERIFY(quit.ask());

@@ -4,8 +4,10 @@
 #include "Support/FolderHold.h"
 #include "Support/Suite.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -88,6 +90,28 @@ private Q_SLOTS:
         QVERIFY(model.scans().scope() == Scope::complete);
         QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
         QCOMPARE(machine.directories.sessionsMade(), 2);
+    }
+
+    void aRemovalKeepsScansWaitingAndACopyDoesNot()
+    {
+        FakeServices machine;
+        AppModel model(machine.services);
+        TopBarState bar(model);
+        QThreadPool copies;
+        QSemaphore removal;
+        QSemaphore copy;
+        model.removals().enqueue({ .work = [&](const auto & /*watch*/) { removal.acquire(); } });
+        model.removals().enqueue(
+            { .copying = &copies, .work = [&](const auto & /*watch*/) { copy.acquire(); } });
+        QVERIFY(!bar.canAct());
+        bar.act();
+        QVERIFY(model.scans().phase().kind != Phase::Kind::scanning);
+        removal.release();
+        QTRY_VERIFY(model.scans().phase().kind == Phase::Kind::ready);
+        QVERIFY(model.removals().isCopying());
+        QVERIFY(bar.canAct());
+        copy.release();
+        QTRY_VERIFY(!model.removals().isBusy());
     }
 
     void summaryFollowsTheScan()
