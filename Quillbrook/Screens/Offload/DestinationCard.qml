@@ -36,31 +36,32 @@ Card {
                 name: root.offload.destinationFailed ? "exclamationmark.triangle" : "externaldrive.badge.plus"
             }
 
-            ColumnLayout {
-                spacing: 0
+            // Not a layout: one kept the room of the path when that was hidden.
+            Column {
+                Layout.fillWidth: true
 
                 SelectableText {
-                    Layout.fillWidth: true
                     color: Theme.strong
                     font.pointSize: Metrics.bodyFont
                     font.weight: Font.DemiBold
                     fullText: root.offload.destination
                     visible: fullText !== ""
+                    width: parent.width
                 }
 
                 CaptionText {
-                    Layout.fillWidth: true
-                    Layout.minimumHeight: Metrics.captionLine
                     color: root.offload.destinationFailed ? Theme.danger : Theme.label
+                    height: Math.max(implicitHeight, Metrics.captionLine)
                     text: root.offload.destinationText
+                    width: parent.width
                     wrapMode: Text.Wrap
                 }
 
                 CaptionText {
-                    Layout.fillWidth: true
                     color: Theme.careful
                     text: root.offload.lossNote
                     visible: text !== ""
+                    width: parent.width
                     wrapMode: Text.Wrap
                 }
             }
