@@ -154,6 +154,7 @@ QJsonArray repeated(const Work &work)
 QJsonObject sizes(Machine &machine, const LinuxApplications &host, const HostListing &listing)
 {
     QJsonArray ratios;
+    const auto measure = machine.measure();
     for (int index = 0; index < repetitions; ++index) {
         double measuring = 0;
         double walking = 0;
@@ -161,7 +162,7 @@ QJsonObject sizes(Machine &machine, const LinuxApplications &host, const HostLis
             if (app.origin != AppOrigin::flatpakOfUser)
                 continue;
             auto start = Watch::now();
-            if (host.bytes(app, machine.measure()) < 1)
+            if (host.bytes(app, measure) < 1)
                 qFatal("an application without a size");
             measuring += secondsSince(start);
             start = Watch::now();

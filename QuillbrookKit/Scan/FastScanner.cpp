@@ -15,7 +15,6 @@ namespace Quillbrook {
 
 namespace {
 
-constexpr qsizetype expectedNodes = 1048576;
 constexpr int mostThreads = 32;
 
 std::string rootPathOf(const FastScanner::Request &request)
@@ -51,7 +50,7 @@ FastScanner::Result FastScanner::scan(const Request &request)
     const auto session = m_directories.session(rootPath);
     state.admission = FolderAdmission(request.exclusions, request.allowlist);
     state.staysOnOneDevice = !request.crossDevices;
-    state.tree = std::make_shared<FileTree>(expectedNodes);
+    state.tree = std::make_shared<FileTree>(request.expectedNodes);
     state.countedFiles.clear();
     state.filesSeen = 0;
     state.bytesSeen = 0;

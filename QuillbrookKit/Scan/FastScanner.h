@@ -37,6 +37,8 @@ public:
         /// Empty: no restriction. A parent that is not a key is unrestricted.
         Allowlist allowlist{};
         bool crossDevices = false;
+        /// How many entries there is room for from the start.
+        qsizetype expectedNodes = 1'048'576;
         /// What a leading "~" of `rootPath` stands for, in raw bytes.
         std::string home{};
         /// A stop requested here ends the scan like `cancel`, and one requested before the scan began is

@@ -10,13 +10,11 @@ constexpr std::size_t expectedFiles = 16384;
 
 } // namespace
 
-HardLinkSet::HardLinkSet()
-    : m_slots(expectedFiles * 2)
-{
-}
-
 bool HardLinkSet::insert(std::uint64_t device, std::uint64_t fileId)
 {
+    // Most small folders have no such file, and then need no room for any.
+    if (m_slots.empty())
+        m_slots.resize(expectedFiles * 2);
     auto &found = slot(device, fileId);
     if (found.fileId != 0)
         return false;
@@ -28,7 +26,7 @@ bool HardLinkSet::insert(std::uint64_t device, std::uint64_t fileId)
 
 void HardLinkSet::clear()
 {
-    m_slots.assign(expectedFiles * 2, {});
+    m_slots.clear();
     m_count = 0;
 }
 

@@ -12,8 +12,6 @@ namespace Quillbrook {
 class HardLinkSet
 {
 public:
-    HardLinkSet();
-
     /// Whether this is the first call for this file. REQUIRES: `fileId` is not 0.
     [[nodiscard]] bool insert(std::uint64_t device, std::uint64_t fileId);
     void clear();
@@ -29,7 +27,7 @@ private:
     [[nodiscard]] File &slot(std::uint64_t device, std::uint64_t fileId);
     void grow();
 
-    // Open addressing, at most half full; the length is a power of two.
+    // Open addressing, at most half full; the length is a power of two, or 0 as long as there is no file.
     std::vector<File> m_slots;
     std::size_t m_count = 0;
 };

@@ -5,16 +5,25 @@
 
 namespace Quillbrook {
 
+namespace {
+
+// Most of what is measured is small, and hundreds of scans follow one another.
+constexpr qsizetype expectedNodes = 4096;
+
+} // namespace
+
 Measure measureOnDisk(const MeasuringServices &services, const std::stop_token &stop)
 {
-    return [services, stop](const std::string &path) -> qint64 {
+    const int threads = FastScanner::defaultThreadCount(services.processors);
+    return [services, stop, threads](const std::string &path) -> qint64 {
         const auto kind = services.files.kind(path);
         if (kind != FileKind::directory)
             return kind ? services.files.length(path).value_or(0) : 0;
         FastScanner scanner(services.directories);
         const auto result = scanner.scan({ .rootPath = path,
-            .threads = FastScanner::defaultThreadCount(services.processors),
+            .threads = threads,
             .exclusions = FastScanner::defaultExclusions(),
+            .expectedNodes = expectedNodes,
             .stop = stop });
         return result.tree && result.root >= 0 ? result.tree->size(result.root) : 0;
     };
