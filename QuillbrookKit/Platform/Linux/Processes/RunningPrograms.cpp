@@ -1,5 +1,7 @@
 #include "Platform/Linux/Processes/RunningPrograms.h"
 
+#include "StandardisedPath.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QStringList>
@@ -73,6 +75,18 @@ QString unescaped(const QString &text)
     return QString::fromUtf8(bytes);
 }
 
+bool isOwn(const std::string &process)
+{
+    struct stat status = {};
+    if (::stat(process.c_str(), &status) != 0)
+        return false;
+    if (status.st_uid != 0 || ::getuid() == 0)
+        return status.st_uid == ::getuid();
+    // What a program that keeps its memory to itself is told of belongs to root; who runs it stands inside.
+    const auto user = "\nUid:\t" + std::to_string(::getuid()) + '\t';
+    return content(process + "/status").find(user) != std::string::npos;
+}
+
 void addProcess(const std::string &folder, RunningPrograms &found)
 {
     const auto add = [&](const std::string &path) {
@@ -82,8 +96,13 @@ void addProcess(const std::string &folder, RunningPrograms &found)
     // Of one that has ended and is only waited for, nothing of this is told.
     add(linkTarget(folder + "/exe"));
     const auto arguments = pieces(content(folder + "/cmdline"), '\0');
-    for (size_t index = 0; index < arguments.size() && index < 2; ++index)
-        add(arguments[index]);
+    const auto place = linkTarget(folder + "/cwd");
+    for (size_t index = 0; index < arguments.size() && index < 2; ++index) {
+        const auto &argument = arguments[index];
+        // A script started as "./script" is known by that alone.
+        const bool isRelative = !argument.empty() && argument.front() != '/' && argument.front() != '-';
+        add(isRelative && !place.empty() ? standardisedPath(place + '/' + argument, {}) : argument);
+    }
     if (arguments.front().empty())
         return;
     for (const auto &variable : pieces(content(folder + "/environ"), '\0'))
@@ -127,9 +146,8 @@ std::optional<RunningPrograms> RunningPrograms::read(const std::string &processe
         const std::string name = entry->d_name;
         if (name.empty() || name.find_first_not_of("0123456789") != std::string::npos || name == self)
             continue;
-        struct stat status = {};
         const auto process = processes + '/' + name;
-        if (::stat(process.c_str(), &status) == 0 && status.st_uid == ::getuid())
+        if (isOwn(process))
             addProcess(process, found);
     }
     return found;

@@ -1,6 +1,7 @@
 // What runs, by a made-up folder of processes and by a real one.
 
 #include "Platform/Linux/Processes/RunningPrograms.h"
+#include "Support/RootGivenUp.h"
 #include "Support/Suite.h"
 #include "Support/TempTree.h"
 
@@ -40,12 +41,15 @@ private Q_SLOTS:
         tree.fileWith("10/cmdline", std::string("python3\0/home/a/script\0/home/a/data\0", 36));
         tree.fileWith("10/environ", std::string("A=1\0APPIMAGE=/home/a/One.AppImage\0", 34));
         tree.fileWith("10/cgroup", "0::/a/b/app-org.x.Y-12.scope\n");
+        tree.link("13/cwd", "/home/a/project");
+        tree.fileWith("13/cmdline", std::string("-bash\0../run/./it\0x\0", 21));
         tree.folder("11");
         tree.link("12x/exe", "/opt/other");
         const auto running = RunningPrograms::read(tree.path());
         QVERIFY(running);
-        QCOMPARE(
-            running->files, (std::set<std::string>{ "/home/a/One.AppImage", "/home/a/script", "/opt/tool" }));
+        QCOMPARE(running->files,
+            (std::set<std::string>{
+                "/home/a/One.AppImage", "/home/a/run/it", "/home/a/script", "/opt/tool" }));
         QCOMPARE(running->ids, QSet<QString>{ u"org.x.Y"_s });
         QVERIFY(!RunningPrograms::read(tree.path("nothing")));
     }
@@ -63,7 +67,22 @@ private Q_SLOTS:
         process.kill();
         QVERIFY(process.waitForFinished());
     }
+
+    // As password keepers do it; here a file that can be run and not read has that effect.
+    void aProcessThatKeepsItsMemoryToItselfIsSeen()
+    {
+        const TempTree tree;
+        const auto program = tree.path("sleep");
+        QVERIFY(QFile::copy(QStandardPaths::findExecutable(u"sleep"_s), tree.text("sleep")));
+        tree.permissions("sleep", 0111);
+        QProcess process;
+        process.start(tree.text("sleep"), { u"60"_s });
+        QVERIFY(process.waitForStarted());
+        QTRY_VERIFY(RunningPrograms::read()->files.contains(program));
+        process.kill();
+        QVERIFY(process.waitForFinished());
+    }
 };
 
-QUILLBROOK_SUITE(TestRunningPrograms, QCoreApplication)
+QUILLBROOK_SUITE(TestRunningPrograms, QCoreApplication, &giveUpRoot)
 #include "tst_RunningPrograms.moc"
