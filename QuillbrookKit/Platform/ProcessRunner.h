@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <optional>
+#include <stop_token>
 
 namespace Quillbrook {
 
@@ -26,6 +27,9 @@ public:
         qsizetype outputLimit = qsizetype{ 4 } * 1024 * 1024;
         /// What it prints on its standard error is kept too, else dropped.
         bool keepsErrors = false;
+        /// Once a stop is requested, the program may run for `afterStop` more and is then killed likewise.
+        std::stop_token stop{};
+        std::chrono::milliseconds afterStop{};
     };
 
     struct Result

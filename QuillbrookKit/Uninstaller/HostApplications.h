@@ -11,6 +11,7 @@
 #include <QSet>
 
 #include <expected>
+#include <stop_token>
 
 namespace Quillbrook {
 
@@ -65,8 +66,10 @@ public:
 
     /// Why one that doesn't go by path could not be taken away now; absent where nothing stands against it.
     [[nodiscard]] virtual std::optional<QString> obstacle(const InstalledApp &app) const = 0;
-    /// Takes one away that doesn't go by path, for good. May take minutes. The error is for a person.
-    [[nodiscard]] virtual std::expected<void, QString> takeAway(const InstalledApp &app) const = 0;
+    /// Takes one away that doesn't go by path, for good. May take minutes; once a stop is requested, it comes
+    /// to an end soon. The error is for a person.
+    [[nodiscard]] virtual std::expected<void, QString> takeAway(
+        const InstalledApp &app, const std::stop_token &stop) const = 0;
 };
 
 } // namespace Quillbrook

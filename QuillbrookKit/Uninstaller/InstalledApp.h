@@ -58,6 +58,8 @@ struct InstalledApp
     bool isSelf = false;
     /// The size is known without measuring.
     bool isMeasured = false;
+    /// The package is that of others here too, and the size that of the whole package.
+    bool sharesPackage = false;
 
     bool operator==(const InstalledApp &) const = default;
 

@@ -52,11 +52,12 @@ std::vector<Orphan> orphans(const UninstallerServices &services, const OrphanReq
             const auto stem = hasSuffix ? name.substr(0, name.size() - location.suffix.size()) : name;
             const auto identifier = repairedText(stem);
             const auto path = location.directory + '/' + name;
-            if (!isReverseDomain(identifier) || isOwned(identifier, known)
-                || PathRemoval::refusal(path, request.home, services.guards))
+            if (!isReverseDomain(identifier) || isOwned(identifier, known))
                 continue;
             const auto dates = services.files.dates(path);
-            if (!dates || dates->lastModified >= cutoff)
+            // The guards are asked after the date, which is sooner told.
+            if (!dates || dates->lastModified >= cutoff
+                || PathRemoval::refusal(path, request.home, services.guards))
                 continue;
             const auto bytes = request.measure(path);
             if (bytes > orphanThreshold)

@@ -86,7 +86,7 @@ Result uninstall(const HostApplications &host, const UninstallerServices &servic
     if (goesByTool && order.watch.stop.stop_requested()) {
         result.takenAway = std::unexpected(u"%1 was left where it is."_s.arg(app.app.name));
     } else if (goesByTool) {
-        if (const auto taken = host.takeAway(app); taken)
+        if (const auto taken = host.takeAway(app, order.watch.stop); taken)
             result.takenAway = app.app.bytes;
         else
             result.takenAway = std::unexpected(taken.error());

@@ -40,6 +40,7 @@ struct DesktopMachine : BundleTree
             .systemState = path("var/lib"),
             .dpkgQuery = path("tools/dpkg-query"),
             .flatpak = path("tools/flatpak"),
+            .desktops = { QStringLiteral("GNOME") },
             .ownFiles = { path("home/bin/quillbrook") } };
     }
 

@@ -5,6 +5,7 @@
 #include "Uninstaller/HostApplications.h"
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 
@@ -27,6 +28,8 @@ public:
     {
         const auto found = plans.find(request.app.app.bundleID);
         auto plan = found == plans.end() ? Plan() : found->second;
+        if (whilePlanning)
+            whilePlanning(request);
         plan.app = request.app.app;
         return plan;
     }
@@ -48,7 +51,8 @@ public:
     {
         return obstacleText;
     }
-    [[nodiscard]] std::expected<void, QString> takeAway(const InstalledApp &app) const override
+    [[nodiscard]] std::expected<void, QString> takeAway(
+        const InstalledApp &app, const std::stop_token & /*stop*/) const override
     {
         const std::scoped_lock held(lock);
         taken.push_back(app.app.bundleID);
@@ -59,6 +63,8 @@ public:
     std::vector<InstalledApp> apps{};
     /// By identifier; empty plans for others.
     std::map<QString, Plan> plans{};
+    /// Called on the thread that plans.
+    std::function<void(const HostPlanRequest &request)> whilePlanning{};
     std::vector<FoundOrphan> found{};
     std::optional<bool> running = false;
     std::optional<QString> obstacleText{};

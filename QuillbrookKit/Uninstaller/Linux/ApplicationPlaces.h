@@ -3,6 +3,8 @@
 // Where a Linux desktop keeps its applications, and by which programs it is asked about them. Paths are
 // absolute, in raw bytes, without a slash at their end.
 
+#include <QStringList>
+
 #include <string>
 #include <vector>
 
@@ -39,6 +41,8 @@ struct ApplicationPlaces
     std::string flatpak{};
     /// Icon themes beside the one that all programs put theirs into, in order.
     std::vector<std::string> iconThemes{};
+    /// The names by which the session's desktop is known to entries, the one that counts most first.
+    QStringList desktops{};
     /// The file of the running program, and its AppImage where it is one.
     std::vector<std::string> ownFiles{};
 

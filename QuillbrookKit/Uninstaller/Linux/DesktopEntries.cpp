@@ -5,8 +5,11 @@
 #include "Uninstaller/FolderNames.h"
 #include "Uninstaller/Linux/ApplicationPlaces.h"
 
-#include <filesystem>
+#include <algorithm>
+#include <optional>
 #include <set>
+#include <sys/stat.h>
+#include <utility>
 
 namespace Quillbrook {
 
@@ -15,52 +18,69 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::string_view ending = ".desktop";
-constexpr int deepest = 4;
-// Links may lead around in circles.
+constexpr std::size_t deepest = 4;
 constexpr int mostFolders = 500;
 constexpr std::size_t mostEntries = 20'000;
+
+// The folder that a path leads to, whatever the path: links may lead around in circles.
+using Place = std::pair<dev_t, ino_t>;
+
+std::optional<Place> placeOf(const std::string &path)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
+        return std::nullopt;
+    return Place(status.st_dev, status.st_ino);
+}
 
 struct Walk
 {
     const FileReading &reading;
-    std::map<QString, std::vector<FoundEntry>> found{};
-    int folders = 0;
-    std::size_t entries = 0;
+    DesktopEntries entries{};
+    /// The folder that is gone through, and those that led to it.
+    std::vector<Place> trail{};
+    int folderCount = 0;
+    std::size_t entryCount = 0;
 
-    void into(const std::string &folder, const QString &prefix, EntryPlace place, int depth)
+    void into(const std::string &folder, const QString &prefix, EntryPlace place)
     {
-        if (depth > deepest || ++folders > mostFolders)
+        const auto here = placeOf(folder);
+        if (!here || trail.size() > deepest || ++folderCount > mostFolders
+            || std::ranges::find(trail, *here) != trail.end())
             return;
+        trail.push_back(*here);
         for (const auto &name : FolderNames::in(folder)) {
             const auto path = folder + '/' + name;
             if (name.ends_with(ending))
                 add(path, prefix + repairedText(name.substr(0, name.size() - ending.size())), place);
-            else if (std::error_code error; std::filesystem::is_directory(path, error))
-                into(path, prefix + repairedText(name) + u'-', place, depth + 1);
+            else
+                into(path, prefix + repairedText(name) + u'-', place);
         }
+        trail.pop_back();
     }
 
     void add(const std::string &path, const QString &id, EntryPlace place)
     {
-        if (++entries > mostEntries || id.isEmpty())
+        if (++entryCount > mostEntries || id.isEmpty())
             return;
+        entries.ids.insert(id);
         const auto text = reading.contents(path, DesktopEntry::maximumBytes);
         auto entry = text ? DesktopEntry::parse(*text) : std::nullopt;
         if (entry)
-            found[id].push_back({ .id = id, .path = path, .place = place, .entry = std::move(*entry) });
+            entries.found[id].push_back(
+                { .id = id, .path = path, .place = place, .entry = std::move(*entry) });
     }
 };
 
 } // namespace
 
-std::map<QString, std::vector<FoundEntry>> desktopEntries(
-    const FileReading &reading, const ApplicationPlaces &places)
+DesktopEntries DesktopEntries::of(const FileReading &reading, const ApplicationPlaces &places)
 {
     Walk walk{ .reading = reading };
     std::set<std::string> done;
     const auto look = [&](const std::string &data, EntryPlace place) {
         if (done.insert(data).second)
-            walk.into(data + "/applications", {}, place, 0);
+            walk.into(data + "/applications", {}, place);
     };
     // Flatpak's own folders may stand among those of the system, and are Flatpak's nevertheless.
     const auto userExports = places.userFlatpak + "/exports/share";
@@ -76,7 +96,7 @@ std::map<QString, std::vector<FoundEntry>> desktopEntries(
     }
     look(systemExports, EntryPlace::flatpakOfSystem);
     look(places.snapd + "/desktop", EntryPlace::ofSnaps);
-    return std::move(walk.found);
+    return std::move(walk.entries);
 }
 
 } // namespace Quillbrook

@@ -4,6 +4,8 @@
 
 #include "Uninstaller/Linux/DesktopEntry.h"
 
+#include <QSet>
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -25,8 +27,14 @@ struct FoundEntry
     DesktopEntry entry{};
 };
 
-/// What can't be understood is left out, and takes nobody's place.
-[[nodiscard]] std::map<QString, std::vector<FoundEntry>> desktopEntries(
-    const FileReading &reading, const ApplicationPlaces &places);
+struct DesktopEntries
+{
+    /// What can't be understood is left out, and takes nobody's place.
+    std::map<QString, std::vector<FoundEntry>> found{};
+    /// Those of all there are, understood or not.
+    QSet<QString> ids{};
+
+    [[nodiscard]] static DesktopEntries of(const FileReading &reading, const ApplicationPlaces &places);
+};
 
 } // namespace Quillbrook

@@ -39,6 +39,16 @@ bool isTrue(GKeyFile *file, const char *key)
     return g_key_file_get_boolean(file, group, key, nullptr) != FALSE;
 }
 
+QStringList words(GKeyFile *file, const char *key)
+{
+    const std::unique_ptr<char *, Free> values(
+        g_key_file_get_string_list(file, group, key, nullptr, nullptr));
+    QStringList words;
+    for (auto *const *value = values.get(); value != nullptr && *value != nullptr; ++value)
+        words.append(QString::fromUtf8(*value));
+    return words;
+}
+
 // Codes like %f and %U stand for what is opened; %% is the sign itself.
 QStringList commandOf(const QString &line)
 {
@@ -85,6 +95,8 @@ std::optional<DesktopEntry> DesktopEntry::parse(QByteArrayView bytes)
         .isApplication = text(file.get(), "Type") == u"Application",
         .isHidden = isTrue(file.get(), "Hidden"),
         .isDisplayed = !isTrue(file.get(), "NoDisplay"),
+        .onlyShownIn = words(file.get(), "OnlyShowIn"),
+        .notShownIn = words(file.get(), "NotShowIn"),
         .flatpak = text(file.get(), "X-Flatpak"),
         .snap = text(file.get(), "X-SnapInstanceName"),
         .appImageVersion = plainLine(text(file.get(), "X-AppImage-Version")) };
@@ -92,6 +104,17 @@ std::optional<DesktopEntry> DesktopEntry::parse(QByteArrayView bytes)
     if (entry.name.isEmpty() && !entry.isHidden)
         return std::nullopt;
     return entry;
+}
+
+bool DesktopEntry::isShownIn(const QStringList &desktops) const
+{
+    for (const auto &desktop : desktops) {
+        if (onlyShownIn.contains(desktop))
+            return true;
+        if (notShownIn.contains(desktop))
+            return false;
+    }
+    return onlyShownIn.isEmpty();
 }
 
 } // namespace Quillbrook

@@ -23,6 +23,9 @@ struct DesktopEntry
     bool isApplication = false;
     bool isHidden = false;
     bool isDisplayed = true;
+    /// The desktops that alone show it, and those that don't.
+    QStringList onlyShownIn{};
+    QStringList notShownIn{};
     /// The Flatpak application, and the snap, that it belongs to.
     QString flatpak{};
     QString snap{};
@@ -34,6 +37,9 @@ struct DesktopEntry
     static constexpr qsizetype maximumBytes = qsizetype{ 256 } * 1024;
 
     [[nodiscard]] static std::optional<DesktopEntry> parse(QByteArrayView text);
+
+    /// Whether a session of these desktops shows it. The first that it names decides.
+    [[nodiscard]] bool isShownIn(const QStringList &desktops) const;
 };
 
 /// One line of it without characters that are not seen, some of which turn the writing around.

@@ -1,6 +1,7 @@
 #include "Uninstaller/Linux/FlatpakInstallation.h"
 
 #include "Platform/FileReading.h"
+#include "Platform/Linux/Files/FlatpakInfo.h"
 #include "RawText.h"
 #include "Uninstaller/FolderNames.h"
 #include "Uninstaller/Linux/DesktopEntry.h"
@@ -40,13 +41,9 @@ QString version(const FileReading &reading, const std::string &deployment, const
     return {};
 }
 
-// "runtime" of the metadata's first group.
 QString runtimeOf(const QByteArray &metadata)
 {
-    static const QRegularExpression line(u"^\\[Application\\]\\s*$[^\\[]*?^runtime\\s*=\\s*(\\S+)\\s*$"_s,
-        QRegularExpression::MultilineOption);
-    const auto found = line.match(QString::fromUtf8(metadata));
-    const auto ref = found.hasMatch() ? u"runtime/"_s + found.captured(1) : QString();
+    const auto ref = u"runtime/"_s + parseFlatpakInfo(metadata).runtime;
     return isRef(ref) ? ref : QString();
 }
 

@@ -26,6 +26,8 @@ using LinuxLeftovers::Claim;
 namespace {
 
 constexpr std::chrono::minutes longestUninstall{ 10 };
+// It is nearly always done sooner, and what it has begun is best ended by itself.
+constexpr std::chrono::seconds uninstallAfterStop{ 20 };
 constexpr qsizetype longestError = 300;
 
 const auto selfSentence = u"That is Quillbrook itself."_s;
@@ -236,7 +238,8 @@ std::optional<QString> LinuxApplications::obstacle(const InstalledApp &app) cons
     return std::nullopt;
 }
 
-std::expected<void, QString> LinuxApplications::takeAway(const InstalledApp &app) const
+std::expected<void, QString> LinuxApplications::takeAway(
+    const InstalledApp &app, const std::stop_token &stop) const
 {
     if (auto obstacle = this->obstacle(app))
         return std::unexpected(*obstacle);
@@ -245,7 +248,9 @@ std::expected<void, QString> LinuxApplications::takeAway(const InstalledApp &app
             = m_options.processes.run({ .program = QString::fromStdString(m_options.places.flatpak),
                 .arguments = { u"uninstall"_s, u"--user"_s, u"--noninteractive"_s, ref },
                 .timeLimit = longestUninstall,
-                .keepsErrors = true });
+                .keepsErrors = true,
+                .stop = stop,
+                .afterStop = uninstallAfterStop });
         if (result && result->exited && result->exitCode == 0)
             continue;
         const auto told

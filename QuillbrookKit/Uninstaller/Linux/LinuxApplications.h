@@ -35,7 +35,8 @@ public:
     [[nodiscard]] std::optional<bool> isRunning(const InstalledApp &app) const override;
     [[nodiscard]] qint64 runtimeBytes(const InstalledApp &app, const Measure &measure) const override;
     [[nodiscard]] std::optional<QString> obstacle(const InstalledApp &app) const override;
-    [[nodiscard]] std::expected<void, QString> takeAway(const InstalledApp &app) const override;
+    [[nodiscard]] std::expected<void, QString> takeAway(
+        const InstalledApp &app, const std::stop_token &stop) const override;
 
     /// Why one of these must stay, beside what holds for all, in which "{name}" stands for its name; for
     /// those who translate.

@@ -13,18 +13,19 @@ namespace {
 
 constexpr qsizetype piecesForStart = 3;
 
-// Names in the user's folders that no single application owns, in lower case.
-constexpr std::array sharedNames{ u"applications", u"autostart", u"backgrounds", u"bash", u"bash-completion",
-    u"bin", u"cache", u"config", u"containers", u"cups", u"data", u"dbus-1", u"dconf", u"desktop",
-    u"desktop-directories", u"doc", u"environment.d", u"fish", u"flatpak", u"fontconfig", u"fonts", u"gconf",
-    u"gdm", u"git", u"glib-2.0", u"gnome", u"gnome-session", u"gnome-shell", u"goa-1.0", u"gstreamer-1.0",
-    u"gtk-2.0", u"gtk-3.0", u"gtk-4.0", u"gvfs", u"gvfs-metadata", u"icc", u"icons", u"ibus", u"info", u"kde",
-    u"kdedefaults", u"keyrings", u"kglobalaccel", u"kwalletd", u"kwin", u"lib", u"locale", u"local", u"man",
-    u"menus", u"mesa_shader_cache", u"mime", u"mimeapps.list", u"pipewire", u"pixmaps", u"plasma",
-    u"plasmashell", u"pulse", u"qt5ct", u"qt6ct", u"quillbrook", u"recently-used.xbel", u"session", u"share",
-    u"sounds", u"state", u"system", u"systemd", u"themes", u"thumbnails", u"tmp", u"tracker3", u"trash",
-    u"user-dirs.dirs", u"user-dirs.locale", u"user-places.xbel", u"vulkan", u"wallpapers", u"wireplumber",
-    u"xdg-desktop-portal", u"xfce4", u"xorg", u"zsh" };
+// Names that no single application owns in the user's folders, in lower case. Many a program is called "run".
+constexpr std::array sharedNames{ u"app", u"application", u"applications", u"apprun", u"autostart",
+    u"backgrounds", u"bash", u"bash-completion", u"bin", u"cache", u"config", u"containers", u"cups", u"data",
+    u"dbus-1", u"dconf", u"desktop", u"desktop-directories", u"doc", u"environment.d", u"fish", u"flatpak",
+    u"fontconfig", u"fonts", u"gconf", u"gdm", u"git", u"glib-2.0", u"gnome", u"gnome-session",
+    u"gnome-shell", u"goa-1.0", u"gstreamer-1.0", u"gui", u"gtk-2.0", u"gtk-3.0", u"gtk-4.0", u"gvfs",
+    u"gvfs-metadata", u"icc", u"icons", u"ibus", u"info", u"kde", u"kdedefaults", u"keyrings",
+    u"kglobalaccel", u"kwalletd", u"kwin", u"launch", u"launcher", u"lib", u"locale", u"local", u"main",
+    u"man", u"menus", u"mesa_shader_cache", u"mime", u"mimeapps.list", u"pipewire", u"pixmaps", u"plasma",
+    u"plasmashell", u"program", u"pulse", u"qt5ct", u"qt6ct", u"quillbrook", u"recently-used.xbel", u"run",
+    u"session", u"share", u"sounds", u"start", u"state", u"system", u"systemd", u"themes", u"thumbnails",
+    u"tmp", u"tracker3", u"trash", u"user-dirs.dirs", u"user-dirs.locale", u"user-places.xbel", u"vulkan",
+    u"wallpapers", u"wireplumber", u"xdg-desktop-portal", u"xfce4", u"xorg", u"zsh" };
 
 // Programs that start others, or in which others run, in lower case and without a version behind them.
 constexpr std::array launchers{ u"ash", u"appimagelauncher", u"appimagelauncherd", u"bash", u"bottles",

@@ -10,6 +10,7 @@
 #include "Uninstaller/Linux/LinuxLeftovers.h"
 #include "Uninstaller/Linux/OwnProgram.h"
 #include "Uninstaller/Linux/PackageOwners.h"
+#include "Uninstaller/Linux/SnapInstallation.h"
 #include "Uninstaller/UninstallerServices.h"
 
 #include <QRegularExpression>
@@ -20,12 +21,10 @@
 namespace Quillbrook {
 
 using namespace Qt::StringLiterals;
-using Entries = std::map<QString, std::vector<FoundEntry>>;
 
 namespace {
 
 const auto ownId = u"com.tarnwick.Quillbrook"_s;
-constexpr qsizetype longestSnapNote = 65'536;
 
 // As a software centre's link may name it; empty for what has no such form.
 QString component(const QString &id)
@@ -49,7 +48,7 @@ public:
         : m_services(services)
         , m_processes(processes)
         , m_places(places)
-        , m_entries(desktopEntries(services.reading, places))
+        , m_entries(DesktopEntries::of(services.reading, places))
     {
     }
 
@@ -57,7 +56,7 @@ public:
     {
         addFlatpaks(m_places.userFlatpak, AppOrigin::flatpakOfUser, EntryPlace::flatpakOfUser);
         addFlatpaks(m_places.systemFlatpak, AppOrigin::flatpakOfSystem, EntryPlace::flatpakOfSystem);
-        for (auto [id, found] : m_entries) {
+        for (auto [id, found] : m_entries.found) {
             // An installation of Flatpak tells of its own applications; what has the same id beside them is
             // another one.
             std::erase_if(found, [](const FoundEntry &entry) {
@@ -90,8 +89,8 @@ private:
     // The words of the entry that an installation exports, whatever the user has put before it.
     [[nodiscard]] const DesktopEntry *exported(const QString &id, EntryPlace place) const
     {
-        const auto found = m_entries.find(id);
-        if (found == m_entries.end())
+        const auto found = m_entries.found.find(id);
+        if (found == m_entries.found.end())
             return nullptr;
         const auto entry = std::ranges::find(found->second, place, &FoundEntry::place);
         return entry == found->second.end() || entry->entry.name.isEmpty() ? nullptr : &entry->entry;
@@ -126,6 +125,7 @@ private:
     [[nodiscard]] bool isShown(const DesktopEntry &entry) const
     {
         return entry.isApplication && !entry.isHidden && entry.isDisplayed
+            && entry.isShownIn(m_places.desktops)
             && (entry.tryExec.isEmpty() || OwnProgram::isThere(entry.tryExec, m_places));
     }
 
@@ -163,29 +163,16 @@ private:
         const auto raw = name.toStdString();
         if (!FolderNames::isName(raw))
             return;
-        std::string image;
-        for (const auto &file : FolderNames::in(m_places.snapd + "/snaps"))
-            if (file.starts_with(raw + '_') && file.ends_with(".snap") && file > image)
-                image = file;
-        add({ .app = { .path = image.empty() ? found.path : m_places.snapd + "/snaps/" + image,
+        const auto image = SnapInstallation::image(m_places, raw);
+        add({ .app = { .path = image.empty() ? found.path : image,
                   .name = found.entry.name,
                   .bundleID = name,
-                  .version = snapVersion(raw),
+                  .version = SnapInstallation::version(m_services.reading, m_places, raw),
                   .fromAppStore = true },
             .origin = AppOrigin::snap,
             .originName = u"Snap"_s,
             .icon = found.entry.icon,
             .componentId = component(found.id) });
-    }
-
-    [[nodiscard]] std::optional<QString> snapVersion(const std::string &name) const
-    {
-        static const QRegularExpression line(
-            u"^version:\\s*['\"]?([^'\"\\n]+)['\"]?\\s*$"_s, QRegularExpression::MultilineOption);
-        const auto note = m_services.reading.contents(
-            m_places.snaps + '/' + name + "/current/meta/snap.yaml", longestSnapNote);
-        const auto match = line.match(QString::fromUtf8(note.value_or(QByteArray())));
-        return match.hasMatch() ? std::optional(plainLine(match.captured(1))) : std::nullopt;
     }
 
     void addPackages()
@@ -194,6 +181,9 @@ private:
         for (const auto &found : m_ofSystem)
             paths.push_back(found.path);
         const auto owners = PackageOwners::of(m_processes, m_places, paths);
+        std::map<QString, int> entriesOf;
+        for (const auto &[path, package] : owners)
+            ++entriesOf[package.name];
         for (const auto &found : m_ofSystem) {
             const auto owner = owners.find(found.path);
             const bool isOwned = owner != owners.end();
@@ -208,6 +198,7 @@ private:
                     app.app.version = owner->second.version;
                 app.app.bytes = owner->second.bytes;
                 app.isMeasured = true;
+                app.sharesPackage = entriesOf[owner->second.name] > 1;
             }
             add(std::move(app));
         }
@@ -216,6 +207,10 @@ private:
     void addOwn(const FoundEntry &found, const OwnProgram &program)
     {
         const bool isImage = program.isAppImage && program.isInHome;
+        if (isImage && !m_images.insert(program.path).second) {
+            joinImage(program.path, found.path);
+            return;
+        }
         InstalledApp app{ .app
             = { .path = isImage ? program.path : found.path, .name = found.entry.name, .bundleID = found.id },
             .origin = isImage ? AppOrigin::appImage : AppOrigin::ownEntry,
@@ -224,13 +219,20 @@ private:
             .programs = program.marks };
         if (isImage && !found.entry.appImageVersion.isEmpty())
             app.app.version = found.entry.appImageVersion;
-        if (isImage)
-            m_images.insert(program.path);
         app.goes = isImage ? std::vector{ found.path, program.path } : std::vector{ found.path };
         if (!isImage && program.mayGo)
             app.goes.insert(app.goes.begin(), program.path);
         app.programStays = !isImage && !program.mayGo && !program.path.empty();
         add(std::move(app));
+    }
+
+    // Several entries may start one image, which is one application then: none of them is of use without it.
+    void joinImage(const std::string &image, const std::string &entry)
+    {
+        const auto known = std::ranges::find_if(
+            m_listing.apps, [&](const InstalledApp &app) { return app.app.path == image; });
+        if (known != m_listing.apps.end())
+            known->goes.insert(known->goes.begin(), entry);
     }
 
     void addLooseAppImages()
@@ -243,7 +245,7 @@ private:
                       .name = plainLine(file.left(file.size() - qsizetype(sizeof(".AppImage") - 1))),
                       .bundleID = file },
                 .origin = AppOrigin::appImage,
-                .programs = { path },
+                .programs = OwnProgram::marksOf(path),
                 .goes = { path } });
         }
     }
@@ -279,8 +281,7 @@ private:
     void addOwners()
     {
         auto &owners = m_listing.owners;
-        for (const auto &[id, found] : m_entries)
-            owners.insert(id);
+        owners.unite(m_entries.ids);
         for (const auto &folder : { m_places.userFlatpak, m_places.systemFlatpak })
             for (const auto &id : FlatpakInstallation::runtimeIds(folder))
                 owners.insert(id);
@@ -302,14 +303,13 @@ private:
             return std::ranges::find(m_places.ownFiles, path) != m_places.ownFiles.end();
         };
         for (auto &app : m_listing.apps)
-            app.isSelf = app.app.bundleID == ownId || isOwnFile(app.app.path)
-                || std::ranges::any_of(app.programs, isOwnFile);
+            app.isSelf = app.app.bundleID == ownId || std::ranges::any_of(app.programs, isOwnFile);
     }
 
     const UninstallerServices &m_services;
     const ProcessRunner &m_processes;
     const ApplicationPlaces &m_places;
-    Entries m_entries;
+    DesktopEntries m_entries;
     std::vector<FoundEntry> m_ofSystem;
     std::set<QString> m_keys;
     std::set<std::string> m_images;

@@ -41,8 +41,8 @@ bool isOwned(const QString &identifier, const QSet<QString> &owners)
         return true;
     if (owners.contains(lower))
         return true;
-    // A word without a dot begins too much to be an owner of what it begins.
-    for (auto length = lower.indexOf(u'.') + 1; length > 0 && length < lower.size(); ++length)
+    // A word without a dot begins too much: it owns only what has a dot behind it.
+    for (auto length = lower.indexOf(u'.'); length > 0 && length < lower.size(); ++length)
         if (owners.contains(lower.left(length)))
             return true;
     return false;
@@ -61,11 +61,12 @@ std::vector<FoundOrphan> find(const UninstallerServices &services, const Applica
             const auto identifier = repairedText(name);
             const auto path = location.directory + '/' + name;
             if (name.starts_with('.') || !Uninstaller::isReverseDomain(identifier)
-                || isOwned(identifier, lowered) || services.files.kind(path) != FileKind::directory
-                || PathRemoval::refusal(path, places.home, services.guards))
+                || isOwned(identifier, lowered) || services.files.kind(path) != FileKind::directory)
                 continue;
             const auto dates = services.files.dates(path);
-            if (!dates || dates->lastModified >= cutoff)
+            // The guards are asked after the date, which is sooner told.
+            if (!dates || dates->lastModified >= cutoff
+                || PathRemoval::refusal(path, places.home, services.guards))
                 continue;
             const auto bytes = measure(path);
             if (bytes <= Uninstaller::orphanThreshold)

@@ -9,8 +9,10 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 #include <unistd.h>
 
 namespace Quillbrook {
@@ -29,9 +31,31 @@ bool isRegular(const std::string &path)
     return fs::symlink_status(path, error).type() == fs::file_type::regular;
 }
 
+// Through a link too; folders have the same right for another reason.
+bool canBeRun(const std::string &path)
+{
+    std::error_code error;
+    return fs::is_regular_file(path, error) && ::access(path.c_str(), X_OK) == 0;
+}
+
 bool isAppImageName(const std::string &name)
 {
     return QString::fromStdString(name).endsWith(u".appimage"_s, Qt::CaseInsensitive);
+}
+
+// Where it really lies; nothing where that can't be told.
+std::string withoutLinks(const std::string &path)
+{
+    std::error_code error;
+    const auto found = fs::canonical(path, error);
+    return error ? std::string() : found.native();
+}
+
+// Through a link it would lie elsewhere, perhaps in a project.
+bool liesInHomeWithoutLinks(const std::string &path, const std::string &home)
+{
+    const auto realHome = withoutLinks(home);
+    return !realHome.empty() && withoutLinks(path) == realHome + path.substr(home.size());
 }
 
 // The file that a word of a command means: a path, or a name that is looked for in the folders of programs.
@@ -46,7 +70,7 @@ std::string found(const QString &word, const ApplicationPlaces &places)
     if (!FolderNames::isName(raw))
         return {};
     for (const auto &folder : places.programs)
-        if (::access((folder + '/' + raw).c_str(), X_OK) == 0)
+        if (canBeRun(folder + '/' + raw))
             return folder + '/' + raw;
     return {};
 }
@@ -70,23 +94,35 @@ OwnProgram OwnProgram::of(const QStringList &command, const ApplicationPlaces &p
         return program;
     const bool startsOthers = LinuxLeftovers::isLauncher(program.name);
     if (!startsOthers)
-        program.marks.push_back(program.path);
-    for (qsizetype index = first + 1; startsOthers && index < command.size(); ++index)
-        if (command[index].startsWith(u'/') && isRegular(found(command[index], places)))
-            program.marks.push_back(found(command[index], places));
+        program.marks = marksOf(program.path);
+    for (qsizetype index = first + 1; startsOthers && index < command.size(); ++index) {
+        const auto script = command[index].startsWith(u'/') ? found(command[index], places) : std::string();
+        if (isRegular(script))
+            std::ranges::copy(marksOf(script), std::back_inserter(program.marks));
+    }
     program.isInHome = program.path.starts_with(places.home + '/');
     program.isAppImage = isAppImageName(program.path) && isRegular(program.path);
     const bool isInFolder = std::ranges::any_of(programFolders,
         [&](const char *folder) { return program.path.starts_with(places.home + folder + '/'); });
     program.mayGo = program.isInHome && !startsOthers && isRegular(program.path)
-        && (program.isAppImage || (isInFolder && ::access(program.path.c_str(), X_OK) == 0));
+        && (program.isAppImage
+            || (isInFolder && canBeRun(program.path) && liesInHomeWithoutLinks(program.path, places.home)));
     return program;
+}
+
+std::vector<std::string> OwnProgram::marksOf(const std::string &path)
+{
+    std::vector marks{ path };
+    const auto real = withoutLinks(path);
+    const auto name = repairedText(std::string_view(real).substr(real.rfind('/') + 1));
+    if (!real.empty() && real != path && !LinuxLeftovers::isLauncher(name))
+        marks.push_back(real);
+    return marks;
 }
 
 bool OwnProgram::isThere(const QString &program, const ApplicationPlaces &places)
 {
-    const auto path = found(program, places);
-    return !path.empty() && ::access(path.c_str(), X_OK) == 0;
+    return canBeRun(found(program, places));
 }
 
 std::vector<std::string> OwnProgram::appImages(const ApplicationPlaces &places)

@@ -39,7 +39,7 @@ std::map<std::string, QString> debianOwners(const QByteArray &answer)
     std::map<std::string, QString> owners;
     for (const auto &line : answer.split('\n')) {
         const auto separator = line.indexOf(": /");
-        if (separator < 0 || line.startsWith("diversion by "))
+        if (separator < 0 || line.startsWith("diversion by ") || line.startsWith("local diversion "))
             continue;
         const auto package = QString::fromUtf8(line.first(separator)).section(u", "_s, 0, 0);
         owners.emplace(line.sliced(separator + 2).toStdString(), package);
@@ -82,7 +82,8 @@ std::map<std::string, PackageOwners::Package> byDebian(
     return found;
 }
 
-// One line a path, in the order they were asked for; a sentence where nobody owns it.
+// One line a path, in the order they were asked for; a sentence where nobody owns it. A file of several
+// packages has a line of each, and then no line tells any more which file it is about.
 std::map<std::string, PackageOwners::Package> byRpm(const ProcessRunner &processes,
     const std::string &program, const std::vector<std::string> &paths, const QStringList &arguments)
 {
@@ -90,9 +91,11 @@ std::map<std::string, PackageOwners::Package> byRpm(const ProcessRunner &process
         QStringList{
             u"-qf"_s, u"--queryformat"_s, u"%{NAME}\\t%{VERSION}-%{RELEASE}\\t%{SIZE}\\n"_s, u"--"_s }
             + arguments);
-    const auto lines = answer.value_or(QByteArray()).split('\n');
+    const auto lines = answer.value_or(QByteArray()).trimmed().split('\n');
     std::map<std::string, PackageOwners::Package> found;
-    for (std::size_t index = 0; index < paths.size() && qsizetype(index) < lines.size(); ++index) {
+    if (lines.size() != qsizetype(paths.size()))
+        return found;
+    for (std::size_t index = 0; index < paths.size(); ++index) {
         const auto fields = lines[qsizetype(index)].split('\t');
         if (fields.size() == 3)
             found[paths[index]] = { .name = QString::fromUtf8(fields[0]),

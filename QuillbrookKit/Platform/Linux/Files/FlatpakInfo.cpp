@@ -23,6 +23,8 @@ FlatpakInfo parseFlatpakInfo(QByteArrayView text)
         const auto value = line.sliced(separator + 1).trimmed();
         if (group == "[Application]" && key == "name")
             info.application = QString::fromUtf8(value);
+        if (group == "[Application]" && key == "runtime")
+            info.runtime = QString::fromUtf8(value);
         if (group != "[Context]" || key != "filesystems")
             continue;
         for (const auto &entry : value.split(';')) {

@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 
+#include <algorithm>
 #include <csignal>
 #include <unistd.h>
 
@@ -15,6 +16,8 @@ namespace {
 
 // A killed process is gone within moments; the bound is for a machine that is stuck itself.
 constexpr int reapMilliseconds = 5000;
+// How soon a stop is noticed.
+constexpr int sliceMilliseconds = 100;
 
 QProcessEnvironment plainEnvironment()
 {
@@ -41,6 +44,40 @@ bool drain(QProcess &process, ProcessRunner::Result &result, qsizetype limit)
     return within;
 }
 
+// The end of the time that a program has, which a stop brings nearer.
+class Deadline
+{
+public:
+    explicit Deadline(const ProcessRunner::Command &command)
+        : m_command(command)
+        , m_end(command.timeLimit)
+    {
+    }
+
+    [[nodiscard]] bool hasPassed()
+    {
+        if (!m_isStopping && m_command.stop.stop_requested()) {
+            m_isStopping = true;
+            m_end = std::min(m_end, QDeadlineTimer(m_command.afterStop));
+        }
+        return m_end.hasExpired();
+    }
+    /// -1 is for ever.
+    [[nodiscard]] int milliseconds() const { return static_cast<int>(m_end.remainingTime()); }
+    /// The same, but not beyond the moment at which a stop is looked for again.
+    [[nodiscard]] int sliceOfIt() const
+    {
+        const bool mayStop = m_command.stop.stop_possible() && !m_isStopping;
+        const bool isLong = milliseconds() < 0 || milliseconds() > sliceMilliseconds;
+        return mayStop && isLong ? sliceMilliseconds : milliseconds();
+    }
+
+private:
+    const ProcessRunner::Command &m_command;
+    QDeadlineTimer m_end;
+    bool m_isStopping = false;
+};
+
 } // namespace
 
 std::optional<ProcessRunner::Result> LinuxProcessRunner::run(const Command &command) const
@@ -53,16 +90,16 @@ std::optional<ProcessRunner::Result> LinuxProcessRunner::run(const Command &comm
     if (!command.keepsErrors)
         process.setStandardErrorFile(QProcess::nullDevice());
     process.setChildProcessModifier([] { ::setpgid(0, 0); });
-    const QDeadlineTimer deadline(command.timeLimit);
+    Deadline deadline(command);
     process.start(QIODevice::ReadOnly);
-    if (!process.waitForStarted(static_cast<int>(deadline.remainingTime())))
+    if (!process.waitForStarted(deadline.milliseconds()))
         return std::nullopt;
     const auto leader = process.processId();
 
     Result result;
     bool within = true;
-    while (within && process.state() != QProcess::NotRunning && !deadline.hasExpired()) {
-        process.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
+    while (within && process.state() != QProcess::NotRunning && !deadline.hasPassed()) {
+        process.waitForReadyRead(deadline.sliceOfIt());
         within = drain(process, result, command.outputLimit);
     }
     const bool ended = process.state() == QProcess::NotRunning;

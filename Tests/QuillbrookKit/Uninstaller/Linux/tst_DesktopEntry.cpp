@@ -67,6 +67,26 @@ private Q_SLOTS:
         QTEST(entry->command, "words");
     }
 
+    void desktopsDecideWhoIsShown_data()
+    {
+        QTest::addColumn<QByteArray>("lines");
+        QTest::addColumn<bool>("isShown");
+        QTest::newRow("everywhere") << QByteArray() << true;
+        QTest::newRow("here alone") << QByteArray("OnlyShowIn=XFCE;GNOME;") << true;
+        QTest::newRow("elsewhere alone") << QByteArray("OnlyShowIn=XFCE;KDE;") << false;
+        QTest::newRow("not here") << QByteArray("NotShowIn=GNOME;") << false;
+        QTest::newRow("not elsewhere") << QByteArray("NotShowIn=KDE") << true;
+        QTest::newRow("the first name decides") << QByteArray("OnlyShowIn=ubuntu;\nNotShowIn=GNOME;") << true;
+        QTest::newRow("a part of a name") << QByteArray("OnlyShowIn=GNOME-Classic;") << false;
+    }
+    void desktopsDecideWhoIsShown()
+    {
+        QFETCH(QByteArray, lines);
+        const auto entry = DesktopEntry::parse("[Desktop Entry]\nName=A\n" + lines);
+        QTEST(entry->isShownIn({ u"ubuntu"_s, u"GNOME"_s }), "isShown");
+        QCOMPARE(entry->isShownIn({}), !lines.startsWith("Only"));
+    }
+
     void theOtherKeysAreRead()
     {
         const auto entry = DesktopEntry::parse(

@@ -86,6 +86,7 @@ private Q_SLOTS:
         row("two words", u"org.one.App"_s, u"Aurora Studio"_s, u"aurora-studio"_s,
             u"Aurora Studio,aurora-studio"_s);
         row("an interpreter", u"org.one.App"_s, u"Files"_s, u"python3.11"_s, {});
+        row("a word of many programs", u"org.one.App"_s, u"Files"_s, u"run"_s, {});
         row("a launcher", u"org.one.App"_s, u"Files"_s, u"flatpak"_s, {});
         row("a browser", u"org.one.App"_s, u"Google-Chrome"_s, u"google-chrome-stable"_s, {});
         row("shared by many", u"applications"_s, u"Applications"_s, u"systemd"_s, {});

@@ -66,7 +66,9 @@ private Q_SLOTS:
         row("org.gnome.Shell", false);
         row("org.freedesktop.portal", false);
         row("com.tarnwick.Quillbrook", false);
-        row("tool.of.one.word", true);
+        row("tool.of.one.word", false);
+        row("toolbox.of.one.word", true);
+        row("org.damaged.App", false);
         row("two.pieces", false);
         row(".hidden.folder.here", false);
     }
@@ -76,6 +78,7 @@ private Q_SLOTS:
         const Machine machine;
         machine.entry("usr/share", "org.hidden.App", "Name=H\nNoDisplay=true\nExec=tool");
         machine.entry("usr/share", "tool", "Name=T\nExec=tool");
+        machine.entry("usr/share", "org.damaged.App", "nonsense");
         machine.tree.folder("var/lib/flatpak/runtime/org.base/x86_64/23");
         machine.tree.file("usr/share/dbus-1/services/org.bus.Service.service");
         machine.tree.folder("snap/org.snapped.app");

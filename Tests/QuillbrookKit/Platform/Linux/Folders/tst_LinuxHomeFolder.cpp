@@ -142,7 +142,9 @@ private Q_SLOTS:
         const QByteArray text = "[Application]\nname=org.example.App\nruntime=x\n\n[Instance]\nname=other\n"
                                 "filesystems=home\n\n[Context]\nshared=network;\nfilesystems="
             + filesystems + "\n";
-        const FlatpakInfo expected{ .application = u"org.example.App"_s, .seesHome = seesHome };
+        const FlatpakInfo expected{
+            .application = u"org.example.App"_s, .runtime = u"x"_s, .seesHome = seesHome
+        };
         QVERIFY(parseFlatpakInfo(text) == expected);
     }
 

@@ -128,6 +128,45 @@ private Q_SLOTS:
             5000);
     }
 
+    void aStopLeavesTheProgramAWhile_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<bool>("exited");
+        QTest::newRow("it ends in time") << u"sleep 1; echo done"_s << true;
+        QTest::newRow("it goes on") << u"sleep 600"_s << false;
+    }
+    void aStopLeavesTheProgramAWhile()
+    {
+        QFETCH(QString, script);
+        QFETCH(bool, exited);
+        std::stop_source stop;
+        auto command = shell(script);
+        command.timeLimit = std::chrono::minutes(10);
+        command.stop = stop.get_token();
+        command.afterStop = exited ? std::chrono::seconds(30) : std::chrono::seconds(1);
+        QElapsedTimer timer;
+        timer.start();
+        stop.request_stop();
+        const auto result = LinuxProcessRunner().run(command);
+        QCOMPARE(result->exited, exited);
+        QCOMPARE(result->output, exited ? QByteArray("done\n") : QByteArray());
+        QVERIFY(timer.elapsed() >= 900 && timer.elapsed() < 25'000);
+    }
+
+    void aStopIsNoticedWhileTheProgramRuns()
+    {
+        std::stop_source stop;
+        auto command = shell(u"sleep 600"_s);
+        command.timeLimit = std::chrono::minutes(10);
+        command.stop = stop.get_token();
+        auto future = QtConcurrent::run([command] { return LinuxProcessRunner().run(command); });
+        QTest::qWait(300);
+        QVERIFY(!future.isFinished());
+        stop.request_stop();
+        QTRY_VERIFY_WITH_TIMEOUT(future.isFinished(), 20'000);
+        QVERIFY(!future.result()->exited);
+    }
+
     void programThatClosesItsOutputIsStillWaitedFor()
     {
         const auto result = LinuxProcessRunner().run(shell(u"echo out; exec >&-; sleep 1; exit 5"_s));
