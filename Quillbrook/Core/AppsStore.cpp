@@ -5,6 +5,8 @@
 #include "Uninstaller/MeasuredBytes.h"
 #include "Uninstaller/Uninstaller.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <utility>
 
@@ -124,6 +126,7 @@ void AppsStore::load(bool force)
     m_named = false;
     m_measured = 0;
     m_loading = true;
+    m_stopped = false;
     const Work work{ .store = this,
         .load = ++m_load,
         .kit = m_kit,
@@ -133,17 +136,33 @@ void AppsStore::load(bool force)
     Q_EMIT loadingChanged();
 }
 
+void AppsStore::stop()
+{
+    if (!m_loading)
+        return;
+    m_stop.request_stop();
+    // What it still tells is not true any more.
+    ++m_load;
+    m_loading = false;
+    m_stopped = true;
+    sortBySize(m_apps);
+    Q_EMIT appsChanged();
+    Q_EMIT loadingChanged();
+}
+
 void AppsStore::takeNames(int load, QList<InstalledApp> apps)
 {
     if (load != m_load)
         return;
-    for (auto &app : apps) {
+    QHash<QString, qint64> known;
+    for (const auto &app : m_apps)
         if (app.isMeasured)
+            known.insert(app.key(), app.app.bytes);
+    for (auto &app : apps) {
+        const auto bytes = app.isMeasured ? known.cend() : known.constFind(app.key());
+        if (bytes == known.cend())
             continue;
-        const auto known = std::ranges::find(m_apps, app.key(), &InstalledApp::key);
-        if (known == m_apps.end() || !known->isMeasured)
-            continue;
-        app.app.bytes = known->app.bytes;
+        app.app.bytes = *bytes;
         app.isMeasured = true;
     }
     sortBySize(apps);

@@ -28,10 +28,15 @@ public:
     /// begins with the sizes that are known already.
     void load(bool force);
 
+    /// Ends a load that runs; what it has told stands.
+    void stop();
+
     /// Largest first, as far as their sizes are known.
     [[nodiscard]] const QList<InstalledApp> &apps() const { return m_apps; }
     [[nodiscard]] const QList<FoundOrphan> &orphans() const { return m_orphans; }
     [[nodiscard]] bool isLoading() const { return m_loading; }
+    /// The last load was stopped before its end.
+    [[nodiscard]] bool isStopped() const { return m_stopped; }
     /// A load has been started at least once.
     [[nodiscard]] bool isLoaded() const { return m_loaded; }
     /// The names of the present load have come.
@@ -59,6 +64,7 @@ private:
     QList<InstalledApp> m_apps;
     QList<FoundOrphan> m_orphans;
     bool m_loading = false;
+    bool m_stopped = false;
     bool m_loaded = false;
     bool m_named = false;
     qsizetype m_measured = 0;

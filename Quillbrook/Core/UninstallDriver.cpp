@@ -19,9 +19,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-UninstallPlan planOf(const KitServices &kit, InstalledApp app, const QList<InstalledApp> &all)
+UninstallPlan planOf(
+    const KitServices &kit, InstalledApp app, const QList<InstalledApp> &all, const std::stop_token &stop)
 {
-    const auto measure = measureOnDisk(MeasuringServices::of(kit));
+    const auto measure = measureOnDisk(MeasuringServices::of(kit), stop);
     // For a person to read; the log stays English.
     auto guards = kit.guards;
     guards.wording = translatedTableText;
@@ -65,9 +66,22 @@ UninstallDriver::UninstallDriver(const KitServices &kit, PathRemovals &removals,
     m_planning.setMaxThreadCount(1);
 }
 
+UninstallDriver::~UninstallDriver()
+{
+    stopPlanning();
+}
+
 QFuture<UninstallPlan> UninstallDriver::plan(const InstalledApp &app, const QList<InstalledApp> &all)
 {
-    return QtConcurrent::run(&m_planning, [&kit = m_kit, app, all] { return planOf(kit, app, all); });
+    stopPlanning();
+    m_stopPlan = {};
+    return QtConcurrent::run(&m_planning,
+        [&kit = m_kit, app, all, stop = m_stopPlan.get_token()] { return planOf(kit, app, all, stop); });
+}
+
+void UninstallDriver::stopPlanning()
+{
+    m_stopPlan.request_stop();
 }
 
 void UninstallDriver::uninstall(const UninstallPlan &plan, const std::vector<Leftover> &leftovers,

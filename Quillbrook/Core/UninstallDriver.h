@@ -12,6 +12,7 @@
 #include <QThreadPool>
 
 #include <functional>
+#include <stop_token>
 
 namespace Quillbrook {
 
@@ -33,9 +34,13 @@ class UninstallDriver : public QObject
 
 public:
     UninstallDriver(const KitServices &kit, PathRemovals &removals, QObject *parent = nullptr);
+    ~UninstallDriver() override;
 
-    /// Works out the plan of `app`; `all` are those that are listed.
+    /// Works out the plan of `app`; `all` are those that are listed. It takes the place of one that is being
+    /// worked out, whose figures are not true then.
     [[nodiscard]] QFuture<UninstallPlan> plan(const InstalledApp &app, const QList<InstalledApp> &all);
+    /// Nobody waits for the plan any more.
+    void stopPlanning();
 
     /// Takes the application of a plan away, with the leftovers that were chosen, and calls `completion` when
     /// that has been tried, or could not be.
@@ -47,7 +52,9 @@ public:
 private:
     const KitServices &m_kit;
     PathRemovals &m_removals;
-    /// A thread of its own, so that no scan waits for it. Its end is waited for.
+    std::stop_source m_stopPlan;
+    /// A thread of its own, so that no scan waits for it. Its end is waited for; a measuring stops when it is
+    /// asked to.
     QThreadPool m_planning;
 };
 

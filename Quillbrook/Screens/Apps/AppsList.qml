@@ -13,6 +13,42 @@ Card {
     required property string name
     property alias delegate: list.delegate
 
+    // A list in another order, or with one row fewer, has other rows: whoever had the keyboard gets it back.
+    Connections {
+        id: keeper
+
+        property int heldAt: -1
+        property string held: ""
+
+        function giveBack() {
+            const row = root.entries.rowOf(held);
+            list.forceLayout();
+            list.currentIndex = row < 0 ? Math.min(heldAt, list.count - 1) : row;
+            list.positionViewAtIndex(list.currentIndex, ListView.Contain);
+            if (list.currentItem)
+                list.currentItem.forceActiveFocus(Qt.OtherFocusReason);
+        }
+        function onModelAboutToBeReset() {
+            heldAt = list.rowWithKeyboard();
+            held = root.entries.idAt(heldAt);
+        }
+        function onModelReset() {
+            if (heldAt >= 0)
+                afterReset.start();
+        }
+
+        target: root.entries
+    }
+
+    // The list itself hears of the reset after us.
+    Timer {
+        id: afterReset
+
+        interval: 0
+
+        onTriggered: keeper.giveBack()
+    }
+
     height: Math.min(parent ? parent.height : 0, list.contentHeight + 2 * Metrics.hairlineWidth)
     visible: list.count > 0
 
@@ -24,6 +60,14 @@ Card {
             currentIndex = Math.max(0, Math.min(currentIndex + rows, count - 1));
             if (currentItem)
                 currentItem.forceActiveFocus(Qt.TabFocusReason);
+        }
+
+        // -1 where the keyboard is elsewhere.
+        function rowWithKeyboard(): int {
+            let item = Window.activeFocusItem;
+            while (item && item.parent !== contentItem)
+                item = item.parent;
+            return item ? indexAt(item.x, item.y) : -1;
         }
 
         readonly property int page: Math.max(1, Math.floor(height / Metrics.appRowHeight))

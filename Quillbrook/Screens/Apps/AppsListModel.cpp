@@ -29,6 +29,12 @@ QString AppsListModel::idAt(int index) const
     return index >= 0 && index < m_entries.size() ? m_entries.at(index).id : QString();
 }
 
+int AppsListModel::rowOf(const QString &id) const
+{
+    const auto found = std::ranges::find(m_entries, id, &Entry::id);
+    return found == m_entries.end() ? -1 : static_cast<int>(found - m_entries.begin());
+}
+
 int AppsListModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_entries.size());

@@ -36,7 +36,9 @@ public:
     /// Changes the words of one row.
     void setRow(int index, const QVariant &row);
     /// Empty outside the list.
-    [[nodiscard]] QString idAt(int index) const;
+    [[nodiscard]] Q_INVOKABLE QString idAt(int index) const;
+    /// -1 where nothing has that id.
+    [[nodiscard]] Q_INVOKABLE int rowOf(const QString &id) const;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;

@@ -15,7 +15,7 @@ struct AppRow
     QML_VALUE_TYPE(appRow)
 
     Q_PROPERTY(QString name MEMBER name FINAL)
-    Q_PROPERTY(QString version MEMBER version FINAL)
+    Q_PROPERTY(QString detail MEMBER detail FINAL)
     Q_PROPERTY(QString tag MEMBER tag FINAL)
     Q_PROPERTY(QString size MEMBER size FINAL)
     Q_PROPERTY(QString icon MEMBER icon FINAL)
@@ -23,7 +23,8 @@ struct AppRow
 
 public:
     QString name{};
-    QString version{};
+    /// Under the name: the version, and whose size is told where it isn't the application's own.
+    QString detail{};
     /// The store it came from; empty for others.
     QString tag{};
     /// A dash until it is measured.

@@ -5,6 +5,7 @@
 #include "Platform/FileRevealer.h"
 #include "Platform/HomeFolder.h"
 #include "Scan/Format.h"
+#include "Scan/NameQuery.h"
 #include "Screens/Apps/AppsWords.h"
 #include "Screens/SingleLine.h"
 
@@ -65,6 +66,7 @@ void AppsState::disappear()
 {
     setTab(int(Tab::installed));
     setFilter({});
+    m_store.stop();
     m_open.clear();
     clearChosen();
     m_sheet.dismiss();
@@ -89,10 +91,9 @@ void AppsState::setFilter(const QString &filter)
 
 QList<InstalledApp> AppsState::matching() const
 {
-    const auto wanted = m_filter.trimmed().toLower();
+    const NameQuery wanted(m_filter.trimmed());
     auto apps = m_store.apps();
-    if (!wanted.isEmpty())
-        apps.removeIf([&](const InstalledApp &app) { return !app.app.name.toLower().contains(wanted); });
+    apps.removeIf([&](const InstalledApp &app) { return !wanted.isHeldBy(app.app.name.toStdString()); });
     return apps;
 }
 
@@ -108,9 +109,7 @@ void AppsState::refreshRows()
 void AppsState::refreshSize(qsizetype index)
 {
     const auto &app = m_store.apps().at(index);
-    for (int row = 0; row < m_rows.rowCount(); ++row)
-        if (m_rows.idAt(row) == app.key())
-            return m_rows.setRow(row, QVariant::fromValue(AppsWords::row(app)));
+    m_rows.setRow(m_rows.rowOf(app.key()), QVariant::fromValue(AppsWords::row(app)));
 }
 
 void AppsState::refreshOrphans()
@@ -133,18 +132,27 @@ QString AppsState::emptyMessage() const
 {
     if (m_rows.rowCount() > 0)
         return {};
-    return m_store.isLoading() && !m_store.isNamed() ? tr("Looking for applications…")
-                                                     : tr("No applications found.");
+    if (m_store.isNamed() || !m_store.isLoaded())
+        return tr("No applications found.");
+    return m_store.isStopped() ? tr("Stopped before any application was found.")
+                               : tr("Looking for applications…");
 }
 
 QString AppsState::progress() const
 {
+    if (m_store.isStopped())
+        return tr("Stopped before all was measured.");
     if (!m_store.isLoading() || !m_store.isNamed())
         return {};
     if (m_store.measured() < m_store.apps().size())
         return tr("Measuring %1 of %2…")
             .arg(Format::count(m_store.measured() + 1), Format::count(m_store.apps().size()));
     return tr("Looking for what removed apps left behind…");
+}
+
+QString AppsState::loadAction() const
+{
+    return m_store.isLoading() ? tr("Stop") : tr("Go on");
 }
 
 double AppsState::fraction() const
@@ -156,6 +164,8 @@ QString AppsState::orphansMessage() const
 {
     if (hasOrphans())
         return {};
+    if (m_store.isStopped())
+        return tr("Stopped before it was known what removed apps left behind.");
     return m_store.isLoading()
         ? tr("Looking for what removed apps left behind…")
         : tr("Nothing here — every reverse-DNS folder in your Library belongs to an app you still have.");
@@ -211,6 +221,14 @@ const Orphan *AppsState::orphanAt(int row) const
     const auto id = m_orphans.idAt(row);
     const auto found = std::ranges::find(m_store.orphans(), id, idOf);
     return found == m_store.orphans().end() ? nullptr : &found->orphan;
+}
+
+void AppsState::stopOrGoOn()
+{
+    if (m_store.isLoading())
+        m_store.stop();
+    else
+        m_store.load(true);
 }
 
 void AppsState::reveal(int row)

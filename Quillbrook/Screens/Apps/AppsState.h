@@ -29,6 +29,10 @@ class AppsState : public PaneState
     Q_PROPERTY(QString emptyMessage READ emptyMessage NOTIFY rowsChanged FINAL)
     /// What is still being measured; empty when nothing is.
     Q_PROPERTY(QString progress READ progress NOTIFY progressChanged FINAL)
+    /// Something is being looked for or measured, which can be stopped; or was stopped, and can go on.
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY progressChanged FINAL)
+    Q_PROPERTY(bool isStopped READ isStopped NOTIFY progressChanged FINAL)
+    Q_PROPERTY(QString loadAction READ loadAction NOTIFY progressChanged FINAL)
     /// How far that is, from 0 to 1.
     Q_PROPERTY(double fraction READ fraction NOTIFY progressChanged FINAL)
     Q_PROPERTY(Quillbrook::AppsListModel *orphans READ orphans CONSTANT FINAL)
@@ -56,6 +60,9 @@ public:
     [[nodiscard]] AppsListModel *rows() { return &m_rows; }
     [[nodiscard]] QString emptyMessage() const;
     [[nodiscard]] QString progress() const;
+    [[nodiscard]] bool isLoading() const { return m_store.isLoading(); }
+    [[nodiscard]] bool isStopped() const { return m_store.isStopped(); }
+    [[nodiscard]] QString loadAction() const;
     [[nodiscard]] double fraction() const;
     [[nodiscard]] AppsListModel *orphans() { return &m_orphans; }
     [[nodiscard]] QString orphansMessage() const;
@@ -69,6 +76,8 @@ public:
     [[nodiscard]] QString log() const;
     [[nodiscard]] const AppsStore &store() const { return m_store; }
 
+    /// Does what `loadAction` says.
+    Q_INVOKABLE void stopOrGoOn();
     /// Shows an application in the file manager.
     Q_INVOKABLE void reveal(int row);
     /// Opens the sheet of an application.

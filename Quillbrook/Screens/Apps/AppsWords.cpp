@@ -28,8 +28,12 @@ bool goesForGood(const InstalledApp &app)
 
 AppRow AppsWords::row(const InstalledApp &app)
 {
+    QStringList details{ singleLine(app.app.version.value_or(QString())) };
+    if (app.sharesPackage)
+        details.append(tr("size of the whole package %1").arg(singleLine(app.originName)));
+    details.removeAll(QString());
     AppRow row{ .name = singleLine(app.app.name),
-        .version = singleLine(app.app.version.value_or(QString())),
+        .detail = details.join(u" · "_s),
         .size = app.isMeasured ? Format::bytes(app.app.bytes) : u"–"_s };
     if (app.app.fromAppStore)
         row.tag = app.originName.isEmpty() ? app.origin == AppOrigin::bundle ? tr("App Store") : tr("Flatpak")
@@ -37,7 +41,7 @@ AppRow AppsWords::row(const InstalledApp &app)
     const auto icon = QFile::decodeName(QByteArray::fromStdString(app.iconFile));
     if (!icon.isEmpty())
         row.icon = QUrl::fromLocalFile(icon).toString(QUrl::FullyEncoded);
-    QStringList words{ row.name, row.version, row.tag, app.isMeasured ? row.size : QString() };
+    QStringList words{ row.name, row.detail, row.tag, app.isMeasured ? row.size : QString() };
     words.removeAll(QString());
     row.spoken = words.join(u", "_s);
     return row;
@@ -88,10 +92,20 @@ QStringList AppsWords::evidence(const FoundOrphan &found, const QDateTime &now)
 QString AppsWords::evidence(const Leftover &leftover, const InstalledApp &app)
 {
     const auto name = repairedText(std::string_view(leftover.path).substr(leftover.path.rfind('/') + 1));
-    for (const auto &key : { app.app.bundleID, app.app.name, app.programName })
-        if (!key.isEmpty() && name.contains(key, Qt::CaseInsensitive))
-            return tr("It is named after %1, which nothing else here is.").arg(singleLine(key));
-    return tr("It is named after %1, which nothing else here is.").arg(singleLine(app.app.name));
+    // Of keys that hold each other, the longest is the one it was found by.
+    auto key = app.app.name;
+    qsizetype longest = 0;
+    for (const auto &own : { app.app.bundleID, app.app.name, app.programName }) {
+        if (own.size() <= longest || !name.contains(own, Qt::CaseInsensitive))
+            continue;
+        key = own;
+        longest = own.size();
+    }
+    // What others would claim is looked for among the kinds that the host has.
+    return (app.origin == AppOrigin::bundle
+            ? tr("It is named after %1.")
+            : tr("It is named after %1, and nothing else that is listed here could claim it."))
+        .arg(singleLine(key));
 }
 
 QString AppsWords::origin(const InstalledApp &app)

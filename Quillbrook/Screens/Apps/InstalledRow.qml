@@ -69,7 +69,7 @@ AppsLine {
             CaptionText {
                 Accessible.ignored: true
                 Layout.fillWidth: true
-                text: root.row.version
+                text: root.row.detail
                 visible: text !== ""
             }
         }

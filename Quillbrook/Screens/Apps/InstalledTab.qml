@@ -34,7 +34,13 @@ ColumnLayout {
             implicitHeight: Metrics.gaugeBarHeight
             implicitWidth: Metrics.sizeColumnWidth
             value: root.apps.fraction
+            visible: root.apps.isLoading && root.apps.progress !== ""
+        }
+
+        PushButton {
+            text: root.apps.loadAction
             visible: root.apps.progress !== ""
+            onClicked: root.apps.stopOrGoOn()
         }
     }
 

@@ -16,6 +16,8 @@ ColumnLayout {
     signal keyboardAt(Item item)
     signal toggled(int row)
 
+    Accessible.name: heading
+    Accessible.role: Accessible.List
     spacing: Metrics.space12
 
     Hairline {

@@ -30,14 +30,26 @@ ColumnLayout {
         Layout.fillHeight: true
         Layout.fillWidth: true
 
-        BodyText {
+        ColumnLayout {
             anchors.centerIn: parent
-            font.pointSize: Metrics.messageFont
-            horizontalAlignment: Text.AlignHCenter
-            text: root.apps.orphansMessage
-            visible: text !== ""
-            width: Math.min(implicitWidth, parent.width)
-            wrapMode: Text.Wrap
+            spacing: Metrics.space12
+            visible: root.apps.orphansMessage !== ""
+            width: parent.width
+
+            BodyText {
+                Layout.fillWidth: true
+                font.pointSize: Metrics.messageFont
+                horizontalAlignment: Text.AlignHCenter
+                text: root.apps.orphansMessage
+                wrapMode: Text.Wrap
+            }
+
+            PushButton {
+                Layout.alignment: Qt.AlignHCenter
+                text: root.apps.loadAction
+                visible: root.apps.isLoading || root.apps.isStopped
+                onClicked: root.apps.stopOrGoOn()
+            }
         }
 
         AppsList {

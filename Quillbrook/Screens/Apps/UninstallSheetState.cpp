@@ -245,6 +245,7 @@ void UninstallSheetState::dismiss()
         return;
     m_app.reset();
     m_plan.reset();
+    m_model.uninstalls().stopPlanning();
     refresh();
     Q_EMIT openChanged();
 }

@@ -5,6 +5,9 @@
 #include "Support/Suite.h"
 
 #include <QSignalSpy>
+#include <QTest>
+
+#include <algorithm>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -78,6 +81,7 @@ private Q_SLOTS:
         machine.store.load(false);
         QVERIFY(!machine.store.isLoading());
         QCOMPARE(changes.count(), before);
+        QCOMPARE(machine.applications.listings.load(), 1);
     }
 
     void aForcedLoadTakesThePlaceOfAnother()
@@ -91,6 +95,32 @@ private Q_SLOTS:
         machine.store.load(true);
         QTRY_VERIFY(!machine.store.isLoading());
         QCOMPARE(machine.ids(), QStringList{ u"new"_s });
+    }
+
+    void aLoadCanBeStopped()
+    {
+        Machine machine;
+        for (auto &app : machine.applications.apps)
+            app.isMeasured = false;
+        machine.applications.found = { { .orphan = { .path = "/a", .bytes = 5 } } };
+        // In the middle: the first is measured, the others are not.
+        const auto once
+            = connect(&machine.store, &AppsStore::sizeChanged, &machine.store, [&] { machine.store.stop(); });
+        machine.store.load(false);
+        QTRY_VERIFY(machine.store.isStopped());
+        QVERIFY(!machine.store.isLoading());
+        QCOMPARE(machine.store.measured(), 1);
+        QTest::qWait(50);
+        QCOMPARE(machine.store.measured(), 1);
+        QVERIFY(machine.store.orphans().isEmpty());
+        QCOMPARE(std::ranges::count(machine.store.apps(), true, &InstalledApp::isMeasured), 1);
+
+        disconnect(once);
+        machine.store.load(true);
+        QVERIFY(!machine.store.isStopped());
+        QTRY_COMPARE(machine.store.orphans().size(), 1);
+        machine.store.stop();
+        QVERIFY(!machine.store.isStopped());
     }
 
     void aStoreMayGoWhileItLoads()

@@ -3,6 +3,10 @@
 #include "Support/HomeOnDisk.h"
 #include "Support/Suite.h"
 
+#include <QThread>
+
+#include <atomic>
+
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
 
@@ -58,6 +62,24 @@ private Q_SLOTS:
         const Machine machine;
         QCOMPARE(machine.plan(machine.appImage).plan.app.bytes, qint64(4096));
         QCOMPARE(machine.plan(machine.flatpak).runtimeBytes, qint64(4096));
+    }
+
+    void aPlanTakesThePlaceOfAnother()
+    {
+        Machine machine;
+        const auto folder = machine.path(".cache/draw");
+        std::atomic<int> calls = 0;
+        // The first measures on and on, as long as there is a size to be told.
+        machine.applications.whilePlanning = [&](const HostPlanRequest &request) {
+            const bool isFirst = ++calls == 1;
+            while (isFirst && request.measure(folder) == 4096)
+                QThread::msleep(1);
+        };
+        const auto first = machine.model->uninstalls().plan(machine.appImage, {});
+        QTRY_COMPARE(calls.load(), 1);
+        const auto second = machine.model->uninstalls().plan(machine.flatpak, {});
+        QTRY_VERIFY(first.isFinished() && second.isFinished());
+        QCOMPARE(second.result().runtimeBytes, qint64(4096));
     }
 
     void whatWentIsOnTheLedgerAndInTheLog()

@@ -123,12 +123,15 @@ private Q_SLOTS:
         QTest::newRow("nothing") << QString() << 2;
         QTest::newRow("blanks") << u"  \t "_s << 2;
         QTest::newRow("a part in capitals") << u" STUDIO"_s << 1;
+        QTest::newRow("a letter and its accent") << u"Te\u0301"_s << 1;
         QTest::newRow("nobody's") << u"xyz"_s << 0;
     }
     void filterFindsNamesInAnyLetterCase()
     {
         QFETCH(QString, filter);
         Fixture fixture;
+        if (filter.startsWith(u'T'))
+            fixture.applications.apps[1].app.name = u"Lant\u00e9rn"_s;
         fixture.load();
         fixture.state->setFilter(filter);
         QTEST(fixture.state->rows()->rowCount(), "count");
@@ -163,6 +166,9 @@ private Q_SLOTS:
         QTEST(AppsWords::origin(app), "origin");
         app.isMeasured = false;
         QCOMPARE(AppsWords::row(app).size, u"–"_s);
+        app.originName = u"suite"_s;
+        app.sharesPackage = true;
+        QVERIFY(AppsWords::row(app).detail.endsWith(u"size of the whole package suite"_s));
         app.app.name = u"A\u202eB\nC"_s;
         QCOMPARE(AppsWords::row(app).name, u"A B C"_s);
     }
@@ -183,7 +189,8 @@ private Q_SLOTS:
         const auto row = Fixture::leftoverRow(sheet.rows(), 0);
         QVERIFY(row.isTicked && !row.isLocked);
         QCOMPARE(row.title, u"Application support"_s);
-        QCOMPARE(row.evidence, u"It is named after org.aurora, which nothing else here is."_s);
+        QCOMPARE(row.evidence,
+            u"It is named after org.aurora, and nothing else that is listed here could claim it."_s);
         QVERIFY(Fixture::leftoverRow(sheet.lockedRows(), 0).isLocked);
         sheet.toggleEvidence(0, true);
         QVERIFY(Fixture::leftoverRow(sheet.lockedRows(), 0).isOpen);
@@ -194,6 +201,27 @@ private Q_SLOTS:
         QVERIFY(sheet.canUninstall());
         sheet.dismiss();
         QVERIFY(!sheet.isOpen());
+    }
+
+    void leftoversTellWhatTheyAreNamedAfter_data()
+    {
+        QTest::addColumn<std::string>("path");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("the identifier") << std::string("/l/org.aurora") << u"org.aurora"_s;
+        QTest::newRow("the name") << std::string("/c/aurora studio") << u"Aurora Studio"_s;
+        QTest::newRow("the program") << std::string("/c/aurorarc") << u"aurora"_s;
+        QTest::newRow("the longest of them") << std::string("/c/org.aurora.conf") << u"org.aurora"_s;
+    }
+    void leftoversTellWhatTheyAreNamedAfter()
+    {
+        QFETCH(std::string, path);
+        QFETCH(QString, key);
+        auto app = aurora;
+        app.programName = u"aurora"_s;
+        QCOMPARE(AppsWords::evidence({ .path = path }, app),
+            u"It is named after %1, and nothing else that is listed here could claim it."_s.arg(key));
+        app.origin = AppOrigin::bundle;
+        QCOMPARE(AppsWords::evidence({ .path = path }, app), u"It is named after %1."_s.arg(key));
     }
 
     void headingsCountWhatCanGo_data()
@@ -332,6 +360,39 @@ private Q_SLOTS:
         QVERIFY(!fixture.state->hasChosen());
         QTRY_COMPARE(fixture.applications.listings.load(), 2);
         fixture.settled();
+    }
+
+    void measuringCanBeStopped()
+    {
+        Fixture fixture;
+        for (auto &app : fixture.applications.apps)
+            app.isMeasured = false;
+        auto &state = *fixture.state;
+        state.setShown(true);
+        QVERIFY(state.isLoading());
+        QCOMPARE(state.loadAction(), u"Stop"_s);
+        state.stopOrGoOn();
+        QVERIFY(state.isStopped() && !state.isLoading());
+        QCOMPARE(state.emptyMessage(), u"Stopped before any application was found."_s);
+        QCOMPARE(state.loadAction(), u"Go on"_s);
+        QCOMPARE(state.progress(), u"Stopped before all was measured."_s);
+        QCOMPARE(state.orphansMessage(), u"Stopped before it was known what removed apps left behind."_s);
+        state.stopOrGoOn();
+        fixture.settled();
+        QVERIFY(!state.isStopped());
+        QCOMPARE(state.progress(), QString());
+        QCOMPARE(state.orphans()->rowCount(), 2);
+    }
+
+    void leavingTheScreenEndsTheMeasuring()
+    {
+        Fixture fixture;
+        fixture.state->setShown(true);
+        fixture.state->setShown(false);
+        QVERIFY(!fixture.state->isLoading());
+        fixture.load();
+        QCOMPARE(fixture.names().size(), 2);
+        QCOMPARE(fixture.state->orphans()->rowCount(), 2);
     }
 
     void whatWasChosenIsLostWithThePane()
