@@ -15,6 +15,7 @@
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace Quillbrook {

@@ -18,26 +18,20 @@
 #include "Removal/RemovalJournal.h"
 #include "Removal/TrashLedger.h"
 #include "Support/FakeSpaceReserve.h"
+#include "Support/KilledAtCall.h"
 #include "Support/RootGivenUp.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <map>
 #include <random>
-#include <sched.h>
 #include <set>
-#include <sys/prctl.h>
-#include <sys/ptrace.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Quillbrook;
@@ -247,75 +241,14 @@ private:
     std::vector<Reclaimer::Outcome> m_outcomes;
 };
 
-// Runs what a program does up to the entry of its system call `kill`, counted from 1. Whether it was killed.
-class TracedRun
+// A run of the program of its own that does `job`.
+KilledAtCall run(const Home &home, void (Start::*job)() = &Start::clearAndEnter)
 {
-public:
-    explicit TracedRun(const Home &home, void (Start::*job)() = &Start::clearAndEnter)
-        : m_home(home)
-        , m_job(job)
-    {
-    }
-
-    bool killedAt(long kill)
-    {
-        m_child = ::fork();
-        if (m_child < 0)
-            fail("no child");
-        if (m_child == 0) {
-            ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-            std::raise(SIGSTOP);
-            stopAtEveryCall();
-            Start start(m_home);
-            (start.*m_job)();
-            ::_exit(0);
-        }
-        wait();
-        ::ptrace(PTRACE_SETOPTIONS, m_child, nullptr, PTRACE_O_TRACESECCOMP | PTRACE_O_EXITKILL);
-        for (calls = 0; go(); go())
-            if (++calls == kill) {
-                ::kill(m_child, SIGKILL);
-                wait();
-                return true;
-            }
-        return false;
-    }
-
-    long calls = 0;
-
-private:
-    // A filter that hands every call to the tracer at its entry stops half as often as tracing all calls
-    // does, which stops at their exits too.
-    static void stopAtEveryCall()
-    {
-        sock_filter all = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE);
-        const sock_fprog program{ .len = 1, .filter = &all };
-        if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0
-            || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
-            ::_exit(2);
-    }
-    // To the entry of the next call; false at the end.
-    bool go()
-    {
-        if (WIFEXITED(m_status) || WIFSIGNALED(m_status))
-            return false;
-        ::ptrace(PTRACE_CONT, m_child, nullptr, nullptr);
-        wait();
-        if (WIFEXITED(m_status) && WEXITSTATUS(m_status) != 0)
-            fail("the calls can't be traced");
-        return WIFSTOPPED(m_status);
-    }
-    void wait()
-    {
-        if (::waitpid(m_child, &m_status, __WALL) != m_child)
-            fail("the child is gone");
-    }
-
-    const Home &m_home;
-    void (Start::*m_job)();
-    pid_t m_child = -1;
-    int m_status = 0;
-};
+    return KilledAtCall([&home, job] {
+        Start start(home);
+        (start.*job)();
+    });
+}
 
 // Where every entry lies: at home by its path, or in the Trash.
 struct Whereabouts
@@ -401,15 +334,15 @@ void compare(const Home &home, const std::string &when)
 long killEverywhere(const Home &home)
 {
     home.make();
-    TracedRun whole(home);
-    std::ignore = whole.killedAt(0);
+    auto whole = run(home);
+    std::ignore = whole.at(0);
     std::printf("%ld calls\n", whole.calls);
     std::fflush(stdout);
     compare(home, "not killed");
     long kills = 0;
     for (bool isKilled = true; isKilled;) {
         home.make();
-        isKilled = TracedRun(home).killedAt(++kills);
+        isKilled = run(home).at(++kills);
         compare(home, "killed at call " + std::to_string(kills));
     }
     return kills - 1;
@@ -467,7 +400,7 @@ long killEveryCall(const Home &home, void (Start::*before)(), void (Start::*job)
     for (bool isKilled = true; isKilled;) {
         home.make();
         (Start(home).*before)();
-        isKilled = TracedRun(home, job).killedAt(++kills);
+        isKilled = run(home, job).at(++kills);
         comparison(home, "killed at call " + std::to_string(kills));
     }
     return kills - 1;
@@ -476,15 +409,15 @@ long killEveryCall(const Home &home, void (Start::*before)(), void (Start::*job)
 long killAtRandom(const Home &home)
 {
     home.make();
-    TracedRun whole(home);
-    std::ignore = whole.killedAt(0);
+    auto whole = run(home);
+    std::ignore = whole.at(0);
     compare(home, "not killed");
     std::mt19937 random(4711); // NOLINT: the same points in every run
     std::uniform_int_distribution<long> anyCall(1, whole.calls);
     for (int i = 0; i < randomKills; ++i) {
         const auto call = anyCall(random);
         home.make();
-        std::ignore = TracedRun(home).killedAt(call);
+        std::ignore = run(home).at(call);
         compare(home, "larger findings, killed at call " + std::to_string(call));
     }
     return randomKills;
@@ -530,13 +463,7 @@ int main(int arguments, char **texts)
     }
     // To whom nothing is closed, no right is lent.
     giveUpRoot();
-    // Child and tracer never run at once, and wake each other sooner on one processor.
-    cpu_set_t processor;
-    CPU_ZERO(&processor);
-    CPU_SET(::sched_getcpu(), &processor);
-    ::sched_setaffinity(0, sizeof(processor), &processor);
-    // What the first use of a time costs is done once here, and not in every child.
-    std::ignore = QDateTime::currentDateTime().toString();
+    KilledAtCall::prepare();
     // In memory where there is such a place: thousands of homes are made and deleted.
     const auto place
         = QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm") : QDir::tempPath();
