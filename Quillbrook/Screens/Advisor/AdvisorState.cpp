@@ -109,11 +109,10 @@ void AdvisorState::askSuggested(int index)
 
 void AdvisorState::press(int index)
 {
-    if (index < 0 || index >= m_advisor.suggestions().size())
-        return;
-    // By a copy: the list changes with it.
-    const auto suggestion = m_advisor.suggestions().at(index);
-    m_advisor.press(suggestion);
+    // A list of our own, which stays as it is while the press changes that of the conversation.
+    const auto suggestions = m_advisor.suggestions();
+    if (index >= 0 && index < suggestions.size())
+        m_advisor.press(suggestions.at(index));
 }
 
 void AdvisorState::clearHint()
