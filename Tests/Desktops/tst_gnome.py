@@ -92,8 +92,10 @@ class Gnome(session.Session):
         # What the shell itself has to say would come first, and stays until somebody is there.
         _shell("Main.messageTray.getSources().filter(s => !s.notifications.some(n => n.title.includes('reclaimed')))"
                ".forEach(s => s.destroy())")
-        shown = _shell("(b => b && [b.notification.title, b.notification.bannerBodyText,"
-                       " ...b.get_transformed_position(), ...b.get_transformed_size()])(Main.messageTray._banner)")
+        # While it slides in, it is not yet where it will be pressed: 1 is the shell's own word for that.
+        shown = _shell("(b => b && Main.messageTray._notificationState !== 1 && [b.notification.title,"
+                       " b.notification.bannerBodyText, ...b.get_transformed_position(), ...b.get_transformed_size()])"
+                       "(Main.messageTray._banner)")
         if not shown or None in shown or not any(words in text for text in shown[:2]):
             return None
         x, y, width, height = shown[2:]
