@@ -6,7 +6,7 @@ namespace Quillbrook {
 
 std::unique_ptr<DirectorySession> LinuxDirectoryReading::session(const std::string &rootPath)
 {
-    return std::make_unique<LinuxDirectorySession>(rootPath);
+    return std::make_unique<LinuxDirectorySession>(rootPath, *m_mounts.now());
 }
 
 } // namespace Quillbrook

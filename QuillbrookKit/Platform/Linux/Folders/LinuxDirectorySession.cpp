@@ -38,14 +38,14 @@ std::optional<std::string> realPathOf(int folder)
 
 } // namespace
 
-LinuxDirectorySession::LinuxDirectorySession(const std::string &rootPath)
+LinuxDirectorySession::LinuxDirectorySession(
+    const std::string &rootPath, const std::optional<std::vector<Mount>> &mounts)
     : m_rootPath(rootPath)
     , m_root(uninterrupted([&] { return ::open(rootPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }))
 {
     if (!m_root.isOpen())
         return;
     m_rootMount = mountOf(m_root.number());
-    const auto mounts = MountTable::read();
     const auto realRoot = realPathOf(m_root.number());
     if (mounts && realRoot)
         learnMounts(*mounts, *realRoot);

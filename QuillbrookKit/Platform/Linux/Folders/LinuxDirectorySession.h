@@ -7,7 +7,9 @@
 #include "Platform/Linux/Folders/MountTable.h"
 
 #include <map>
+#include <optional>
 #include <unordered_map>
+#include <vector>
 
 namespace Quillbrook {
 
@@ -17,7 +19,8 @@ public:
     /// The mount points directly in one folder: name and mount id.
     using MountsInFolder = std::map<std::string, std::uint64_t, std::less<>>;
 
-    explicit LinuxDirectorySession(const std::string &rootPath);
+    /// `mounts` is absent where the system does not tell them; asked only while this is made.
+    LinuxDirectorySession(const std::string &rootPath, const std::optional<std::vector<Mount>> &mounts);
 
     [[nodiscard]] std::optional<std::uint64_t> rootDevice() const override { return m_rootMount; }
     [[nodiscard]] std::unique_ptr<DirectoryReader> makeReader() override;

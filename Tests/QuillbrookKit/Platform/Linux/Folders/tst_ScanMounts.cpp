@@ -231,6 +231,21 @@ private Q_SLOTS:
         QCOMPARE(result.total(), tree.allocated("root/a/file"));
     }
 
+    // One way of reading serves many scans.
+    void everyScanKnowsTheMountsOfItsTime()
+    {
+        const TempTree tree;
+        tree.folder("a/mount");
+        LinuxDirectoryReading directories;
+        QCOMPARE(scanned(tree, directories).flagsOf("a/mount"), Flags::directory);
+        {
+            const Mounted mount("none", tree.path("a/mount"), "tmpfs");
+            QCOMPARE(mount.failure(), QString());
+            QCOMPARE(scanned(tree, directories).flagsOf("a/mount"), fencedFolder);
+        }
+        QCOMPARE(scanned(tree, directories).flagsOf("a/mount"), Flags::directory);
+    }
+
     void mountThatComesLaterIsNotEntered()
     {
         const TempTree tree;
