@@ -38,6 +38,7 @@ int main(int count, char **texts)
         driver.offload({ .id = u"models"_s,
                            .rule = { .id = u"ollama.models"_s, .title = u"Models"_s },
                            .path = arguments[2],
+                           .rawPath = arguments[2].toStdString(),
                            .bytes = arguments[4].toLongLong() },
             true);
     });

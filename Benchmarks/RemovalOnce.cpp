@@ -112,6 +112,7 @@ QJsonObject clear(const std::string &home, const std::string &data)
     for (const auto &folder : std::filesystem::directory_iterator(home))
         findings.append({ .rule = { .title = QStringLiteral("Cache"), .safety = Safety::safe },
             .path = QString::fromStdString(folder.path().string()),
+            .rawPath = folder.path().string(),
             .bytes = 1'000'000 });
     const auto start = Watch::now();
     Clearance clearance(machine.services(), machine.journal, home);

@@ -33,6 +33,7 @@ int main(int count, char **texts)
     model.reclaims().reclaim({ { .id = u"folder"_s,
                                  .rule = { .id = u"folder"_s, .title = u"Folder"_s, .safety = Safety::safe },
                                  .path = arguments[2],
+                                 .rawPath = arguments[2].toStdString(),
                                  .bytes = 1 } },
         true);
     QObject::connect(&model.removals(), &RemovalQueue::busyChanged, &application, [&] {
