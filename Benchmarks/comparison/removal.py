@@ -10,17 +10,17 @@ from comparison.rows import AtMost, Row, milliseconds
 
 FILES_IN_A_FOLDER = 100
 FINDINGS, ENTRIES_IN_A_FINDING = 60, 167
-MOST_ROUNDS = 5
-STALL_ROUNDS = 3
+MOST_ROUNDS = 3
 
 
 def removal(context):
     with context.scratch("removal") as place:
         trees = Trees(context, place, 10_000 if context.quick else 100_000)
         rounds = min(context.rounds, MOST_ROUNDS)
+        # Before so much is deleted that making the notes of what goes to the Trash takes longer than anything else.
+        yield _clearing(context, place, context.rounds)
         yield _deleting(context, trees, rounds)
-        yield _stall(context, trees)
-        yield _clearing(context, place, rounds)
+        yield _stall(context, trees, rounds)
 
 
 class Trees:
@@ -55,13 +55,13 @@ def _deleting(context, trees, wanted):
                      ("own", PROCESS), ("rm", PROCESS), bar=AtMost(1.20))
 
 
-def _stall(context, trees):
+def _stall(context, trees, wanted):
     """The main thread of the model and of its screen meanwhile."""
     def fresh_run():
         tree = trees.fresh()
         return run([context.program("RemovalStall"), str(tree.parent), str(tree)])
 
-    rounds = context.in_turn({"stall": fresh_run}, STALL_ROUNDS)
+    rounds = context.in_turn({"stall": fresh_run}, wanted)
     files = trees.files
     outputs = [each.output for each in rounds.runs("stall")]
     waits, busy = ([each[key] * 1000 for each in outputs] for key in ("longest_wait", "longest_busy"))
