@@ -34,23 +34,27 @@ std::optional<ThingIdentity> decodeOne(const Json &json)
     return note ? std::optional(ThingIdentity{ .note = *note, .mode = lent }) : std::nullopt;
 }
 
+// Each id is written as it comes: an object in the order of its insertion would compare it with all before
+// it, and takes a hundred times as long for ten times as many.
 QByteArray encode(const std::vector<TrashedItem> &items)
 {
-    auto identities = Json::object();
+    std::string text;
     for (const auto &item : items)
         if (item.identity)
-            identities[item.id.toStdString()] = encodeOne(*item.identity);
-    return QByteArray::fromStdString(identities.dump());
+            text += (text.empty() ? "" : ",") + Json(item.id.toStdString()).dump() + ':'
+                + encodeOne(*item.identity).dump();
+    return QByteArray::fromStdString('{' + text + '}');
 }
 
+// Into an object sorted by its names, for the same reason.
 QHash<QString, ThingIdentity> decode(QByteArrayView json)
 {
     QHash<QString, ThingIdentity> identities;
-    const auto parsed = Json::parse(json.begin(), json.end(), nullptr, false);
+    const auto parsed = nlohmann::json::parse(json.begin(), json.end(), nullptr, false);
     if (!parsed.is_object())
         return identities;
     for (const auto &[id, value] : parsed.items())
-        if (const auto identity = decodeOne(value))
+        if (const auto identity = decodeOne(Json(value)))
             identities.insert(QString::fromStdString(id), *identity);
     return identities;
 }
