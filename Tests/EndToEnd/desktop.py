@@ -172,11 +172,18 @@ def width_of(window):
         return 0
 
 
-def activate(window):
-    """Gives it the keyboard, and waits until keys go there: a window manager names a window as the active one before
-    the display does."""
-    _xdotool("windowactivate", "--sync", window)
-    waiting.until("keys go to the window", lambda: focused() == window)
+def activate(window_of):
+    """Gives the window that this names the keyboard, and waits until keys go there. A window manager names a window as
+    the active one before the display does, and drops a request for one that it still places, or that has just made way
+    for another: so the request is made again until it is followed."""
+    def follows():
+        window = window_of()
+        try:
+            _xdotool("windowactivate", window)
+            return waiting.until("keys go to the window", lambda: focused() == window, 2)
+        except (subprocess.SubprocessError, waiting.Late):
+            return None
+    waiting.until("a window that keys go to", follows, 40)
 
 
 def keyboard_is_placed():

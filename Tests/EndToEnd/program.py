@@ -93,7 +93,7 @@ class Program:
 
     def activate(self):
         """Gives the window the keyboard, and waits until the program knows that it has it."""
-        desktop.activate(self.window_id())
+        desktop.activate(self.window_id)
         waiting.until("the keyboard in the window", lambda: self.window().has(accessibility.ACTIVE))
 
     def words(self):

@@ -326,7 +326,7 @@ class Background(in_tray.InTray):
         quillbrook.scanned()
         panel = self.open_panel(quillbrook, tray)
         waiting.until("the keyboard in the panel", lambda: panel.has(accessibility.ACTIVE))
-        desktop.activate(quillbrook.window_id())
+        desktop.activate(quillbrook.window_id)
         waiting.until("the panel closed", lambda: not quillbrook.open_panels())
 
     def testTheKeyboardReachesEverythingFromTheTop(self):

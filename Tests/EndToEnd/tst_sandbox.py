@@ -162,7 +162,7 @@ class Sandbox(case.Case):
         desktop.keys("space")
         asking = waiting.until("a window that asks", lambda: [other for other in desktop.windows_of(quillbrook.pid)
                                                               if other != window])
-        desktop.activate(asking[0])
+        desktop.activate(lambda: asking[0])
         desktop.keys("Escape")
         self.becomes(lambda: desktop.windows_of(quillbrook.pid), [window])
         self.assertGated(quillbrook)
