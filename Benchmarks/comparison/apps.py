@@ -8,8 +8,8 @@ from comparison.rows import AtMost, Row, milliseconds, ratio
 
 
 def apps(context):
-    with context.scratch("apps") as place:
-        output = run([context.program("AppsOnce"), place]).output
+    place = context.scratch("apps")
+    output = run([context.program("AppsOnce"), place]).output
     yield _median("apps_names_ms", f"names of {output['applications']} applications, warm", output["names_seconds"], 300)
     ratios = output["sizes"]["ratios"]
     yield Row("apps_sizes_to_bare_walks", "sizes of applications ÷ the bare walks of their folders",

@@ -20,18 +20,18 @@ def catalogue(context):
     yield _evaluation(context)
     yield _instructions(context)
     files = 10_000 if context.quick else 200_000
-    with context.scratch("home") as home:
-        run(["/usr/bin/python3", str(FIXTURE), home, "--files", str(files)], timeout=600, parse=False)
-        program = context.program("CatalogueOnce")
-        rounds = context.in_turn({job: lambda job=job: run([program, job, home]) for job in ("bare", "quick")})
-        output = rounds.runs("quick")[0].output
-        if not output["findings"]:
-            raise ProgramFailed("the quick stage found nothing")
-        yield ratio_row("quick_stage_to_bare_walks", "quick stage ÷ the bare walks of its locations", rounds,
-                        ("quick", "seconds"), ("bare", "seconds"), bar=AtMost(1.30),
-                        note=f"{output['findings']} findings in a home of {files:,} files")
-        yield from _on_the_screen(context, home)
-        yield from _answer(context, home)
+    home = context.scratch("home")
+    run(["/usr/bin/python3", str(FIXTURE), home, "--files", str(files)], timeout=600, parse=False)
+    program = context.program("CatalogueOnce")
+    rounds = context.in_turn({job: lambda job=job: run([program, job, home]) for job in ("bare", "quick")})
+    output = rounds.runs("quick")[0].output
+    if not output["findings"]:
+        raise ProgramFailed("the quick stage found nothing")
+    yield ratio_row("quick_stage_to_bare_walks", "quick stage ÷ the bare walks of its locations", rounds,
+                    ("quick", "seconds"), ("bare", "seconds"), bar=AtMost(1.30),
+                    note=f"{output['findings']} findings in a home of {files:,} files")
+    yield from _on_the_screen(context, home)
+    yield from _answer(context, home)
 
 
 def _on_the_screen(context, home):

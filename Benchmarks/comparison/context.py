@@ -22,6 +22,8 @@ class Context:
     patience: float
     # Smaller trees and fewer rounds, for trying the runner out.
     quick: bool
+    # What goes at the end of the run.
+    leftovers: contextlib.ExitStack
 
     def program(self, name):
         return str(self.programs / name)
@@ -34,18 +36,18 @@ class Context:
             command += ["--directory", str(self.directory)]
         return run(command, timeout=1800, parse=False).text.rstrip("\n")
 
-    @contextlib.contextmanager
     def scratch(self, name):
-        """A folder of a measure's own, which goes with everything in it.
+        """A folder of a measure's own, which goes with everything in it when all measures have ended.
 
         For five minutes ext4 is slow to make a file in the place of one that it has deleted: it reads every such inode
-        to learn how long ago that was, and a tree takes ten times as long. What lies right in this folder is spread
-        over the disk instead, as ext4 does for the folders of a disk's top level.
+        to learn how long ago that was, and a tree takes ten times as long. So nothing is deleted between measures, and
+        what lies right in this folder is spread over the disk, as ext4 does for the folders of a disk's top level.
         """
-        with tempfile.TemporaryDirectory(prefix=f"quillbrook-bench-{name}-", dir=self.directory) as place:
-            # Other file systems may refuse.
-            subprocess.run(["/usr/bin/chattr", "+T", place], stderr=subprocess.DEVNULL, timeout=10, check=False)
-            yield Path(place)
+        place = self.leftovers.enter_context(
+            tempfile.TemporaryDirectory(prefix=f"quillbrook-bench-{name}-", dir=self.directory))
+        # Other file systems may refuse.
+        subprocess.run(["/usr/bin/chattr", "+T", place], stderr=subprocess.DEVNULL, timeout=10, check=False)
+        return Path(place)
 
     def in_turn(self, contestants, rounds=None, **options):
         return in_turn(contestants, rounds or self.rounds, patience=Patience(self.patience), **options)

@@ -18,8 +18,8 @@ BYTES = 2 * 2**30
 
 def offload(context):
     files, size = (1000, 200 * 2**20) if context.quick else (FILES, BYTES)
-    with context.scratch("offload") as place, \
-            _volume(place, size * 2) as volume:
+    place = context.scratch("offload")
+    with _volume(place, size * 2) as volume:
         yield _rate(context, volume)
         yield _moving(context, place, volume, files, size)
         yield _stall(context, place, volume, files, size)

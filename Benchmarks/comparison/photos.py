@@ -13,9 +13,9 @@ DRIVER = Path(__file__).resolve().parents[1] / "StatsOnce.py"
 
 
 def photos(context):
-    with context.scratch("photos") as place:
-        yield _querying(context, place / "many", 20_000 if context.quick else 200_000)
-        yield from _moving(context, place, 1_000 if context.quick else 10_000)
+    place = context.scratch("photos")
+    yield _querying(context, place / "many", 20_000 if context.quick else 200_000)
+    yield from _moving(context, place, 1_000 if context.quick else 10_000)
     yield _showing(context, 10 if context.quick else 30)
 
 

@@ -50,16 +50,16 @@ class Patience:
             self._left -= passed
 
 
-def in_turn(contestants, wanted, *, warm_up=True, before_each=None, patience=None):
+def in_turn(contestants, wanted, *, warm_up=True, before_each=None, patience=None, most=None):
     """Runs `contestants` (name to a function that returns a Run) in turn until `wanted` calm rounds are done.
 
-    When the machine does not calm down within three times as many rounds, the calmest count.
+    When the machine does not calm down within `most` rounds (three times as many), the calmest count.
     """
     if warm_up:
         for contest in contestants.values():
             contest()
     rounds = []
-    while len(rounds) < 3 * wanted and sum(noise_of(runs) <= CALM for runs in rounds) < wanted:
+    while len(rounds) < (most or 3 * wanted) and sum(noise_of(runs) <= CALM for runs in rounds) < wanted:
         if patience:
             patience.wait_for_calm()
         runs = {}
