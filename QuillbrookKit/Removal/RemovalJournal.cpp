@@ -62,7 +62,9 @@ void RemovalJournal::fail(const QString &id)
 {
     auto &unit = m_units.back();
     unit.state = JournalUnit::State::failed;
-    std::erase_if(unit.moves, [&](const TrashedItem &item) { return item.id == id; });
+    // Its lines are the last ones; those before them can be a hundred thousand.
+    while (!unit.moves.empty() && unit.moves.back().id == id)
+        unit.moves.pop_back();
     write(JournalFormat::failed(id));
 }
 

@@ -41,7 +41,8 @@ public:
     [[nodiscard]] std::expected<void, QString> begin(JournalUnit unit);
     /// `item` is about to go to its `trashPath`. On an error it may not be moved.
     [[nodiscard]] std::expected<void, QString> plan(const TrashedItem &item);
-    /// The entry with that id did not go; with an empty one, the finding failed otherwise.
+    /// The entry with that id, the last one planned, did not go; with an empty one, the finding failed
+    /// otherwise.
     void fail(const QString &id);
     /// The finding has ended: failed where something did, else whole.
     void settle();
