@@ -82,8 +82,11 @@ Result uninstall(const HostApplications &host, const UninstallerServices &servic
     const bool goesByTool = app.origin == AppOrigin::flatpakOfUser;
     if (auto obstacle = goesByTool ? host.obstacle(app) : std::nullopt)
         return { .refusal = std::move(obstacle) };
-    Result result{ .removals = removeAll(removal, items(order), order.manner, order.watch) };
-    if (goesByTool && order.watch.stop.stop_requested()) {
+    const auto all = items(order);
+    Result result{ .removals = removeAll(removal, all, order.manner, order.watch) };
+    // The application goes last, so that a stop which comes before the end keeps it.
+    const bool isLeft = goesByTool ? order.watch.stop.stop_requested() : result.removals.size() < all.size();
+    if (isLeft) {
         result.takenAway = std::unexpected(u"%1 was left where it is."_s.arg(app.app.name));
     } else if (goesByTool) {
         if (const auto taken = host.takeAway(app, order.watch.stop); taken)

@@ -37,7 +37,8 @@ struct Result
     std::optional<QString> refusal{};
     /// What went to the Trash, and what did not.
     std::vector<PathRemoval::Removal> removals{};
-    /// What became of what doesn't go by path, for the log: how much went, or why it did not.
+    /// What became of the application, for the log, where `removals` does not tell that: how much went of one
+    /// that doesn't go by path, or why it stays.
     std::optional<std::expected<qint64, QString>> takenAway{};
 };
 

@@ -28,11 +28,15 @@ struct Machine : BundleTree
     {
         return { .trash = trash, .removal = removal, .files = facts, .clock = clock };
     }
-    [[nodiscard]] Uninstalling::Result uninstall(
-        const InstalledApp &app, const std::vector<Leftover> &leftovers = {})
+    [[nodiscard]] Uninstalling::Result uninstall(const InstalledApp &app,
+        const std::vector<Leftover> &leftovers = {}, const Uninstalling::Watch &watch = {})
     {
         return Uninstalling::uninstall(host, services(), removalServices(),
-            { .app = app, .leftovers = leftovers, .measure = measure(), .manner = { .home = home() } });
+            { .app = app,
+                .leftovers = leftovers,
+                .measure = measure(),
+                .manner = { .home = home() },
+                .watch = watch });
     }
     [[nodiscard]] Leftover leftover(const std::string &name) const
     {
@@ -217,6 +221,42 @@ private Q_SLOTS:
         QCOMPARE(result.takenAway->error(), *machine.host.failure);
         QVERIFY(result.removals[0].trashed);
         QVERIFY(machine.isTrashed("org.one.App/x"));
+    }
+
+    void aStopLeavesTheApplicationAndSaysSo_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<qsizetype>("stopBefore");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("a bundle") << u"bundle"_s << qsizetype(1) << u"Maker was left where it is."_s;
+        QTest::newRow("an AppImage") << u"image"_s << qsizetype(1) << u"Draw was left where it is."_s;
+        QTest::newRow("a Flatpak") << u"flatpak"_s << qsizetype(1) << u"One was left where it is."_s;
+        // Nothing is left to be stopped.
+        QTest::newRow("while the bundle itself goes") << u"bundle"_s << qsizetype(2) << QString();
+    }
+    void aStopLeavesTheApplicationAndSaysSo()
+    {
+        QFETCH(QString, kind);
+        QFETCH(qsizetype, stopBefore);
+        QFETCH(QString, line);
+        Machine machine;
+        const auto app = kind == u"bundle" ? machine.bundle()
+            : kind == u"image"             ? machine.appImage()
+                                           : machine.flatpak();
+        machine.tree.file("home/.cache/own/x", 10);
+        std::stop_source stop;
+        const Uninstalling::Watch watch{ .before
+            =
+                [&](qsizetype number, qsizetype, const PathRemoval::Item &, qint64) {
+                    if (number == stopBefore)
+                        stop.request_stop();
+                },
+            .stop = stop.get_token() };
+        const auto result = machine.uninstall(app, { machine.leftover("home/.cache/own") }, watch);
+        QVERIFY(machine.isTrashed("own/x"));
+        QCOMPARE(result.takenAway ? result.takenAway->error() : QString(), line);
+        QCOMPARE(TrashFixture::isThere(app.app.path), !line.isEmpty());
+        QVERIFY(machine.host.taken.empty());
     }
 
     void orphansAreNamedByGuessAndKind()
