@@ -133,16 +133,23 @@ QString AppsWords::itself(const UninstallPlan &plan)
     return text;
 }
 
-QString AppsWords::total(const InstalledApp &app, qint64 leftoverBytes)
+QString AppsWords::total(const InstalledApp &app, const std::vector<Leftover> &ticked)
 {
-    if (goesForGood(app))
-        return tr("%1 goes to the Trash, %2 is removed for good")
-            .arg(Format::bytes(leftoverBytes), Format::bytes(app.app.bytes));
-    return tr("%1 goes to the Trash").arg(Format::bytes(app.app.bytes + leftoverBytes));
+    qint64 bytes = 0;
+    for (const auto &leftover : ticked)
+        bytes += leftover.bytes;
+    if (!goesForGood(app))
+        return tr("%1 goes to the Trash").arg(Format::bytes(app.app.bytes + bytes));
+    if (ticked.empty())
+        return tr("%1 is removed for good").arg(Format::bytes(app.app.bytes));
+    return tr("%1 goes to the Trash, %2 is removed for good")
+        .arg(Format::bytes(bytes), Format::bytes(app.app.bytes));
 }
 
-QString AppsWords::confirmMessage(const InstalledApp &app)
+QString AppsWords::confirmMessage(const InstalledApp &app, const std::vector<Leftover> &ticked)
 {
+    if (goesForGood(app) && ticked.empty())
+        return tr("The app itself is removed for good, and can be installed again.");
     if (goesForGood(app))
         return tr("Everything ticked goes to the Trash, so it can be put back. The app itself is removed for "
                   "good, and can be installed again.");

@@ -29,9 +29,9 @@ public:
     /// What stands on the sheet of an application: under its name, and under "The app itself".
     [[nodiscard]] static QString origin(const InstalledApp &app);
     [[nodiscard]] static QString itself(const UninstallPlan &plan);
-    /// In its foot, for the bytes of the ticked leftovers.
-    [[nodiscard]] static QString total(const InstalledApp &app, qint64 leftoverBytes);
-    [[nodiscard]] static QString confirmMessage(const InstalledApp &app);
+    /// In its foot, and in the question before it goes, for the leftovers that are ticked.
+    [[nodiscard]] static QString total(const InstalledApp &app, const std::vector<Leftover> &ticked);
+    [[nodiscard]] static QString confirmMessage(const InstalledApp &app, const std::vector<Leftover> &ticked);
     [[nodiscard]] static QString confirmAction(const InstalledApp &app);
 };
 

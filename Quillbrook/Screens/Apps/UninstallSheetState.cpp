@@ -166,12 +166,7 @@ std::vector<Leftover> UninstallSheetState::chosenLeftovers() const
 
 QString UninstallSheetState::total() const
 {
-    if (!m_plan || isBlocked())
-        return {};
-    qint64 bytes = 0;
-    for (const auto &leftover : chosenLeftovers())
-        bytes += leftover.bytes;
-    return AppsWords::total(m_plan->target, bytes);
+    return m_plan && !isBlocked() ? AppsWords::total(m_plan->target, chosenLeftovers()) : QString();
 }
 
 bool UninstallSheetState::canUninstall() const
@@ -191,7 +186,7 @@ QString UninstallSheetState::confirmTitle() const
 
 QString UninstallSheetState::confirmMessage() const
 {
-    return m_app ? AppsWords::confirmMessage(*m_app) : QString();
+    return m_app ? AppsWords::confirmMessage(*m_app, chosenLeftovers()) : QString();
 }
 
 QString UninstallSheetState::confirmAction() const

@@ -49,7 +49,7 @@ class UninstallSheetState : public QObject
     Q_PROPERTY(QString action READ action NOTIFY changed FINAL)
     /// The question before it goes.
     Q_PROPERTY(QString confirmTitle READ confirmTitle NOTIFY openChanged FINAL)
-    Q_PROPERTY(QString confirmMessage READ confirmMessage NOTIFY openChanged FINAL)
+    Q_PROPERTY(QString confirmMessage READ confirmMessage NOTIFY changed FINAL)
     Q_PROPERTY(QString confirmAction READ confirmAction NOTIFY openChanged FINAL)
 
 public:

@@ -259,12 +259,25 @@ private Q_SLOTS:
     {
         Fixture fixture;
         fixture.applications.apps[1].runtimes = { u"runtime/a/b/c"_s };
+        // An empty file of settings is no bytes, and goes to the Trash all the same.
+        fixture.applications.plans[u"org.lantern"_s]
+            = { .leftovers = { { .path = "/p", .kind = LeftoverKind::preferences } } };
         fixture.load();
         fixture.open(u"Lantern"_s);
-        const auto &sheet = *fixture.state->sheet();
+        auto &sheet = *fixture.state->sheet();
+        const QSignalSpy changes(&sheet, &UninstallSheetState::changed);
         QCOMPARE(sheet.total(), u"0 B goes to the Trash, 8.6 MB is removed for good"_s);
+        QCOMPARE(sheet.confirmMessage(),
+            u"Everything ticked goes to the Trash, so it can be put back. The app itself is removed for "
+            u"good, "
+            "and can be installed again."_s);
         QCOMPARE(sheet.confirmAction(), u"Uninstall"_s);
-        QVERIFY(sheet.confirmMessage().contains(u"removed for good"_s));
+        // Then nothing goes to the Trash.
+        sheet.toggle(0);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(sheet.total(), u"8.6 MB is removed for good"_s);
+        QCOMPARE(
+            sheet.confirmMessage(), u"The app itself is removed for good, and can be installed again."_s);
         QVERIFY(sheet.itself().endsWith(u"Its runtime, 4.0 KB, stays, though nothing else here uses it."_s));
     }
 
