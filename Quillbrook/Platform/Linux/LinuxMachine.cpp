@@ -35,6 +35,8 @@
 #include "Uninstaller/Linux/LinuxApplications.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QIcon>
 #include <QProcessEnvironment>
 
 #include <optional>
@@ -66,6 +68,14 @@ struct Places
     const std::string dataFolder = linuxDataFolder(home);
     const std::string programFolder = dataFolder + "/Quillbrook";
 };
+
+// With what Qt has read of the desktop's own settings.
+ApplicationPlaces applicationPlaces(const HomeFolder &home)
+{
+    auto places = ApplicationPlaces::ofThisUser(home, environment());
+    places.iconTheme = QFile::encodeName(QIcon::themeName()).toStdString();
+    return places;
+}
 
 /// The services, in the order in which they need each other.
 struct Services
@@ -102,7 +112,7 @@ struct Services
                                           .guards = &guards,
                                           .processHome = places.home.rawHomeDirectory() },
         .processes = processes,
-        .places = ApplicationPlaces::ofThisUser(places.home, environment()),
+        .places = applicationPlaces(places.home),
         .isSandboxed = !session.sandbox.isNone() } };
     LinuxNotifier notifier{
         { .processes = processes, .reading = disk.reading, .defaults = defaults, .session = session }

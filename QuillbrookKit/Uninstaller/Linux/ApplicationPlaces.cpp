@@ -72,7 +72,7 @@ ApplicationPlaces ApplicationPlaces::ofThisUser(
         .dpkgQuery = "/usr/bin/dpkg-query",
         .rpm = "/usr/bin/rpm",
         .flatpak = "/usr/bin/flatpak",
-        .iconThemes = { "Adwaita", "breeze" },
+        .lastIconThemes = { "Adwaita", "breeze" },
         .desktops = environment.value(u"XDG_CURRENT_DESKTOP"_s).split(u':', Qt::SkipEmptyParts) };
     places.userFlatpak = either(environment.value(u"FLATPAK_USER_DIR"_s), places.data + "/flatpak");
     if (const auto path = executable(); !path.empty())

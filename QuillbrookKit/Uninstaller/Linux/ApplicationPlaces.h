@@ -39,8 +39,10 @@ struct ApplicationPlaces
     std::string dpkgQuery{};
     std::string rpm{};
     std::string flatpak{};
-    /// Icon themes beside the one that all programs put theirs into, in order.
-    std::vector<std::string> iconThemes{};
+    /// The icon theme of the desktop, by the name of its folder; empty where that isn't known.
+    std::string iconTheme{};
+    /// Those that are looked in last, behind the one that all programs put theirs into, in order.
+    std::vector<std::string> lastIconThemes{};
     /// The names by which the session's desktop is known to entries, the one that counts most first.
     QStringList desktops{};
     /// The file of the running program, and its AppImage where it is one.

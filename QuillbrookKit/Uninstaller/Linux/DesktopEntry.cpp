@@ -1,5 +1,7 @@
 #include "Uninstaller/Linux/DesktopEntry.h"
 
+#include "Uninstaller/Linux/KeyFile.h"
+
 #include <QRegularExpression>
 
 #include <glib.h>
@@ -14,41 +16,6 @@ namespace {
 constexpr qsizetype maximumNameLength = 200;
 constexpr auto group = G_KEY_FILE_DESKTOP_GROUP;
 
-struct Free
-{
-    void operator()(GKeyFile *file) const { g_key_file_unref(file); }
-    void operator()(char *text) const { g_free(text); }
-    void operator()(char **texts) const { g_strfreev(texts); }
-};
-using KeyFile = std::unique_ptr<GKeyFile, Free>;
-
-QString text(GKeyFile *file, const char *key)
-{
-    const std::unique_ptr<char, Free> value(g_key_file_get_string(file, group, key, nullptr));
-    return QString::fromUtf8(value.get());
-}
-
-QString localText(GKeyFile *file, const char *key)
-{
-    const std::unique_ptr<char, Free> value(g_key_file_get_locale_string(file, group, key, nullptr, nullptr));
-    return QString::fromUtf8(value.get());
-}
-
-bool isTrue(GKeyFile *file, const char *key)
-{
-    return g_key_file_get_boolean(file, group, key, nullptr) != FALSE;
-}
-
-QStringList words(GKeyFile *file, const char *key)
-{
-    const std::unique_ptr<char *, Free> values(
-        g_key_file_get_string_list(file, group, key, nullptr, nullptr));
-    QStringList words;
-    for (auto *const *value = values.get(); value != nullptr && *value != nullptr; ++value)
-        words.append(QString::fromUtf8(*value));
-    return words;
-}
-
 // Codes like %f and %U stand for what is opened; %% is the sign itself.
 QStringList commandOf(const QString &line)
 {
@@ -56,7 +23,7 @@ QStringList commandOf(const QString &line)
     int count = 0;
     if (g_shell_parse_argv(line.toUtf8().constData(), &count, &arguments, nullptr) == FALSE)
         return {};
-    const std::unique_ptr<char *, Free> owned(arguments);
+    const std::unique_ptr<char *, decltype(&g_strfreev)> owned(arguments, &g_strfreev);
     static const QRegularExpression code(u"^%[A-Za-z]$"_s);
     QStringList words;
     for (int index = 0; index < count; ++index) {
@@ -81,25 +48,21 @@ QString plainLine(const QString &text)
 
 std::optional<DesktopEntry> DesktopEntry::parse(QByteArrayView bytes)
 {
-    if (bytes.isEmpty() || bytes.size() > maximumBytes || bytes.contains('\0'))
+    const auto file = bytes.size() <= maximumBytes ? KeyFile::parse(bytes) : std::nullopt;
+    if (!file)
         return std::nullopt;
-    const KeyFile file(g_key_file_new());
-    if (g_key_file_load_from_data(
-            file.get(), bytes.data(), static_cast<gsize>(bytes.size()), G_KEY_FILE_NONE, nullptr)
-        == FALSE)
-        return std::nullopt;
-    DesktopEntry entry{ .name = plainLine(localText(file.get(), "Name")),
-        .command = commandOf(text(file.get(), "Exec")),
-        .tryExec = text(file.get(), "TryExec"),
-        .icon = localText(file.get(), "Icon"),
-        .isApplication = text(file.get(), "Type") == u"Application",
-        .isHidden = isTrue(file.get(), "Hidden"),
-        .isDisplayed = !isTrue(file.get(), "NoDisplay"),
-        .onlyShownIn = words(file.get(), "OnlyShowIn"),
-        .notShownIn = words(file.get(), "NotShowIn"),
-        .flatpak = text(file.get(), "X-Flatpak"),
-        .snap = text(file.get(), "X-SnapInstanceName"),
-        .appImageVersion = plainLine(text(file.get(), "X-AppImage-Version")) };
+    DesktopEntry entry{ .name = plainLine(file->localText(group, "Name")),
+        .command = commandOf(file->text(group, "Exec")),
+        .tryExec = file->text(group, "TryExec"),
+        .icon = file->localText(group, "Icon"),
+        .isApplication = file->text(group, "Type") == u"Application",
+        .isHidden = file->isTrue(group, "Hidden"),
+        .isDisplayed = !file->isTrue(group, "NoDisplay"),
+        .onlyShownIn = file->words(group, "OnlyShowIn"),
+        .notShownIn = file->words(group, "NotShowIn"),
+        .flatpak = file->text(group, "X-Flatpak"),
+        .snap = file->text(group, "X-SnapInstanceName"),
+        .appImageVersion = plainLine(file->text(group, "X-AppImage-Version")) };
     // One that only says that it is hidden takes another's place without a name of its own.
     if (entry.name.isEmpty() && !entry.isHidden)
         return std::nullopt;

@@ -1,12 +1,15 @@
 #include "Uninstaller/Linux/IconFiles.h"
 
+#include "Platform/FileReading.h"
 #include "Uninstaller/FolderNames.h"
 #include "Uninstaller/Linux/ApplicationPlaces.h"
+#include "Uninstaller/Linux/IconTheme.h"
 
 #include <QFile>
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 
 namespace Quillbrook {
@@ -17,10 +20,11 @@ namespace {
 
 constexpr std::array endings{ ".svg", ".png", ".xpm", ".jpg", ".ico" };
 constexpr std::uintmax_t largestPicture = 8 * 1024 * 1024;
-// Rows show icons of half this size, on a dense screen of this one.
-constexpr int bestSize = 64;
-constexpr int meritOfOutlines = 10'000;
-constexpr int meritOfLarge = 5000;
+/// That all programs put their icons into, and that stands behind every other.
+constexpr auto commonTheme = "hicolor";
+/// Each name is looked for in every folder of a theme.
+constexpr std::size_t mostThemes = 8;
+constexpr int mostFolders = 6;
 
 bool isPicture(const std::string &path)
 {
@@ -31,31 +35,105 @@ bool isPicture(const std::string &path)
 }
 
 // "64x64" or "scalable"; 0 for what holds no icons of applications.
-int merit(const std::string &folder)
+int meritOfFolder(const std::string &name)
 {
-    if (folder == "scalable")
-        return meritOfOutlines;
-    const int size = std::atoi(folder.c_str());
-    return size >= bestSize ? std::max(meritOfLarge - size, 1) : std::max(size, 0);
+    return name == "scalable" ? meritOfIcons(1, true) : meritOfIcons(std::atoi(name.c_str()), false);
+}
+
+// Where programs put what they bring, the user's first.
+std::vector<std::string> dataFolders(const ApplicationPlaces &places)
+{
+    std::vector<std::string> folders{ places.data, places.userFlatpak + "/exports/share",
+        places.systemFlatpak + "/exports/share", places.snapd + "/desktop" };
+    folders.insert(folders.end(), places.systemData.begin(), places.systemData.end());
+    return folders;
+}
+
+class Themes
+{
+public:
+    Themes(const FileReading &reading, const std::vector<std::string> &roots)
+        : m_reading(reading)
+        , m_roots(roots)
+    {
+    }
+
+    // The folders of these themes and of those behind them, in the order in which they count.
+    [[nodiscard]] std::vector<std::string> folders(std::vector<std::string> names) const
+    {
+        std::vector<std::string> found;
+        for (std::size_t next = 0; next < names.size() && next < mostThemes; ++next) {
+            const auto name = names[next];
+            const auto theme = FolderNames::isName(name) ? index(name) : std::nullopt;
+            if (!theme)
+                continue;
+            addFolders(found, name, *theme);
+            for (const auto &parent : theme->parents)
+                if (parent != commonTheme && std::ranges::find(names, parent) == names.end())
+                    names.push_back(parent);
+        }
+        return found;
+    }
+
+private:
+    // A theme may lie in several places. The first index counts.
+    [[nodiscard]] std::optional<IconTheme> index(const std::string &name) const
+    {
+        for (const auto &root : m_roots)
+            if (const auto text
+                = m_reading.contents(root + '/' + name + "/index.theme", IconTheme::maximumBytes))
+                return IconTheme::parse(*text);
+        return std::nullopt;
+    }
+
+    void addFolders(std::vector<std::string> &found, const std::string &name, const IconTheme &theme) const
+    {
+        for (const auto &root : m_roots) {
+            int count = 0;
+            for (const auto &folder : theme.folders) {
+                std::error_code error;
+                auto path = root + '/' + name + '/' + folder;
+                if (count < mostFolders && fs::is_directory(path, error)) {
+                    found.push_back(std::move(path));
+                    ++count;
+                }
+            }
+        }
+    }
+
+    const FileReading &m_reading;
+    const std::vector<std::string> &m_roots;
+};
+
+std::string inOneOf(const std::vector<std::string> &folders, const std::string &name)
+{
+    for (const auto &folder : folders)
+        for (const auto *ending : { ".svg", ".png" })
+            if (auto path = folder + '/' + name + ending; isPicture(path))
+                return path;
+    return {};
 }
 
 } // namespace
 
-IconFiles::IconFiles(const ApplicationPlaces &places)
+IconFiles::IconFiles(const FileReading &reading, const ApplicationPlaces &places)
 {
-    std::vector<std::string> bases{ places.data, places.userFlatpak + "/exports/share",
-        places.systemFlatpak + "/exports/share", places.snapd + "/desktop" };
-    bases.insert(bases.end(), places.systemData.begin(), places.systemData.end());
-    for (const auto &base : bases) {
-        for (const auto &size : FolderNames::in(base + "/icons/hicolor"))
-            if (const int worth = merit(size); worth > 0)
-                add(base + "/icons/hicolor/" + size + "/apps", worth);
-        add(base + "/pixmaps", 1);
-        for (const auto &theme : places.iconThemes)
-            for (const auto *below :
-                { "/scalable/apps", "/apps/64", "/apps/48", "/64x64/apps", "/48x48/apps" })
-                m_themes.push_back(base + "/icons/" + theme + below);
+    const auto data = dataFolders(places);
+    std::vector<std::string> roots{ places.home + "/.icons" };
+    for (const auto &folder : data)
+        roots.push_back(folder + "/icons");
+    for (const auto &root : roots) {
+        const auto common = root + '/' + commonTheme;
+        for (const auto &size : FolderNames::in(common))
+            if (const int merit = meritOfFolder(size); merit > 0)
+                add(common + '/' + size + "/apps", merit);
     }
+    for (const auto &folder : data)
+        add(folder + "/pixmaps", 1);
+    const Themes themes(reading, roots);
+    if (places.iconTheme != commonTheme)
+        m_own = themes.folders({ places.iconTheme });
+    m_last = themes.folders(places.lastIconThemes);
 }
 
 void IconFiles::add(const std::string &folder, int merit)
@@ -79,14 +157,14 @@ std::string IconFiles::file(const QString &icon) const
         return {};
     // Some name a file.
     const auto dot = raw.rfind('.');
-    for (const auto &name : { raw, dot == std::string::npos ? raw : raw.substr(0, dot) })
+    const std::array names{ raw, dot == std::string::npos ? raw : raw.substr(0, dot) };
+    for (const auto &name : names)
+        if (auto path = inOneOf(m_own, name); !path.empty())
+            return path;
+    for (const auto &name : names)
         if (const auto found = m_found.find(name); found != m_found.end() && isPicture(found->second.path))
             return found->second.path;
-    for (const auto &folder : m_themes)
-        for (const auto *ending : { ".svg", ".png" })
-            if (const auto path = folder + '/' + raw + ending; isPicture(path))
-                return path;
-    return {};
+    return inOneOf(m_last, raw);
 }
 
 } // namespace Quillbrook

@@ -70,7 +70,7 @@ public:
         settleOwn();
         addOwners();
         markSelf();
-        IconFiles icons(m_places);
+        const IconFiles icons(m_services.reading, m_places);
         for (auto &app : m_listing.apps)
             app.iconFile = icons.file(app.icon);
         return std::move(m_listing);

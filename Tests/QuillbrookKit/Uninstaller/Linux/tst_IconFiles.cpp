@@ -57,11 +57,87 @@ private Q_SLOTS:
         machine.tree.pipe("home/pictures/pipe.png");
         machine.tree.file("home/pictures/large.png", 9'000'000);
         auto places = machine.places();
-        places.iconThemes = { "Adwaita" };
-        const auto found
-            = IconFiles(places).file(icon.replace(u"HOME"_s, QString::fromStdString(machine.home())));
+        places.lastIconThemes = { "Adwaita" };
+        theme(machine, "usr/share/icons/Adwaita", "scalable/apps", {});
+        const IconFiles files(machine.reading, places);
+        const auto found = files.file(icon.replace(u"HOME"_s, QString::fromStdString(machine.home())));
         QCOMPARE(
             QString::fromStdString(found), file.isEmpty() ? file : machine.tree.text(file.toStdString()));
+    }
+
+    void theDesktopsOwnThemeComesFirst_data()
+    {
+        QTest::addColumn<QString>("icon");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("its own") << u"one"_s << u"usr/share/icons/Own/64/apps/one.svg"_s;
+        QTest::newRow("that of the theme behind it")
+            << u"two"_s << u"home/.icons/Behind/scalable/apps/two.svg"_s;
+        QTest::newRow("that of the one behind that")
+            << u"three"_s << u"usr/share/icons/Last/48x48/apps/three.png"_s;
+        QTest::newRow("what all themes have")
+            << u"four"_s << u"usr/share/icons/hicolor/64x64/apps/four.png"_s;
+        QTest::newRow("not one of a folder for other things") << u"five"_s << QString();
+        QTest::newRow("not one outside of the theme") << u"six"_s << QString();
+        QTest::newRow("not one of a folder that the index doesn't name") << u"seven"_s << QString();
+        QTest::newRow("named as a file") << u"one.png"_s << u"usr/share/icons/Own/64/apps/one.svg"_s;
+    }
+    void theDesktopsOwnThemeComesFirst()
+    {
+        QFETCH(QString, icon);
+        QFETCH(QString, file);
+        const DesktopMachine machine;
+        theme(
+            machine, "usr/share/icons/Own", "64/apps;64/places;../../outside/apps", "../Bad;Behind;hicolor");
+        // It leads back to the first.
+        theme(machine, "home/.icons/Behind", "16/apps;scalable/apps", "Own;Last;Missing");
+        theme(machine, "usr/share/icons/Last", "48x48/apps", {});
+        for (const auto *name :
+            { "usr/share/icons/Own/64/apps/one.svg", "usr/share/icons/hicolor/scalable/apps/one.svg",
+                "home/.icons/Behind/16/apps/two.png", "home/.icons/Behind/scalable/apps/two.svg",
+                "usr/share/icons/hicolor/scalable/apps/two.svg", "usr/share/icons/Last/48x48/apps/three.png",
+                "usr/share/icons/hicolor/64x64/apps/four.png", "usr/share/icons/Own/64/places/five.png",
+                "usr/share/outside/apps/six.png", "usr/share/icons/Own/128/apps/seven.png" })
+            machine.tree.file(name, 10);
+        auto places = machine.places();
+        places.iconTheme = "Own";
+        const auto found = IconFiles(machine.reading, places).file(icon);
+        QCOMPARE(
+            QString::fromStdString(found), file.isEmpty() ? file : machine.tree.text(file.toStdString()));
+    }
+
+    void whatIsNoThemeIsPassedOver_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("not there") << QByteArray("Missing");
+        QTest::newRow("without an index") << QByteArray("Bare");
+        QTest::newRow("outside") << QByteArray("../Bare");
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("the one that all have") << QByteArray("hicolor");
+    }
+    void whatIsNoThemeIsPassedOver()
+    {
+        QFETCH(QByteArray, name);
+        const DesktopMachine machine;
+        machine.tree.file("usr/share/icons/Bare/64x64/apps/one.png", 10);
+        machine.tree.file("usr/share/icons/hicolor/64x64/apps/one.png", 10);
+        auto places = machine.places();
+        places.iconTheme = name.toStdString();
+        QCOMPARE(IconFiles(machine.reading, places).file(u"one"_s),
+            machine.path("usr/share/icons/hicolor/64x64/apps/one.png"));
+    }
+
+private:
+    static void theme(const DesktopMachine &machine, const std::string &place, const std::string &folders,
+        const std::string &parents)
+    {
+        auto index = "[Icon Theme]\nName=A theme\nInherits=" + parents + "\nDirectories=" + folders + '\n';
+        for (const auto &folder : QString::fromStdString(folders).split(u';')) {
+            const auto size = std::max(folder.section(u'x', 0, 0).section(u'/', 0, 0).toInt(), 1);
+            index += "[" + folder.toStdString() + "]\nSize=" + std::to_string(size)
+                + "\nContext=" + (folder.endsWith(u"apps") ? "Applications" : "Places")
+                + "\nType=" + (folder.startsWith(u"scalable") ? "Scalable" : "Fixed") + '\n';
+        }
+        machine.tree.fileWith(place + "/index.theme", index);
     }
 };
 
