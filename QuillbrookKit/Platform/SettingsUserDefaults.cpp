@@ -18,13 +18,6 @@ constexpr int exactDigits = 17;
 
 } // namespace
 
-SettingsUserDefaults::SettingsUserDefaults(SpaceReserve *reserve)
-    : m_settings(u"Quillbrook"_s, u"Quillbrook"_s)
-    , m_reserve(reserve)
-{
-    m_settings.setFallbacksEnabled(false);
-}
-
 SettingsUserDefaults::SettingsUserDefaults(const QString &path, SpaceReserve *reserve)
     : m_settings(path, QSettings::IniFormat)
     , m_reserve(reserve)

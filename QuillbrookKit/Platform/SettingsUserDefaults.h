@@ -1,7 +1,7 @@
 #pragma once
 
-// The user defaults in the settings file of the program, ~/.config/Quillbrook/Quillbrook.conf. What is set is
-// written soon, from the event loop, or at once by `store`. Main thread only.
+// The user defaults in a settings file of Qt's. What is set is written soon, from the event loop, or at once
+// by `store`. Main thread only.
 
 #include "Platform/UserDefaults.h"
 
@@ -14,10 +14,8 @@ class SpaceReserve;
 class SettingsUserDefaults final : public UserDefaults
 {
 public:
-    /// `reserve` is given up for a second try where the file could not be written, and kept again afterwards;
-    /// it outlives this object. None: a full disk keeps the old file.
-    explicit SettingsUserDefaults(SpaceReserve *reserve = nullptr);
-    /// Keeps them in the file at `path` instead.
+    /// Keeps them in the file at `path`. `reserve` is given up for a second try where that could not be
+    /// written, and kept again afterwards; it outlives this object. None: a full disk keeps the old file.
     explicit SettingsUserDefaults(const QString &path, SpaceReserve *reserve = nullptr);
     ~SettingsUserDefaults() override;
     SettingsUserDefaults(const SettingsUserDefaults &) = delete;

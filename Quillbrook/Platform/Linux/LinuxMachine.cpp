@@ -4,6 +4,7 @@
 #include "Platform/Linux/Backups/LinuxBackupProbe.h"
 #include "Platform/Linux/Folders/LinuxDataFolder.h"
 #include "Platform/Linux/Folders/LinuxHomeFolder.h"
+#include "Platform/Linux/Folders/LinuxSettingsFile.h"
 #include "Platform/Linux/Folders/LinuxVolumes.h"
 #include "Platform/Linux/LinuxDisk.h"
 #include "Platform/Linux/Mounts/LinuxDriveChanges.h"
@@ -90,7 +91,8 @@ struct Services
     Places &places;
     SystemClock clock;
     LinuxDisk disk{ places.programFolder, TrashPlaces::ofThisUser(places.home), clock };
-    SettingsUserDefaults defaults{ &disk.reserve };
+    const LinuxSettingsFile settingsFile{ places.home };
+    SettingsUserDefaults defaults{ settingsFile.path(), &disk.reserve };
     LinuxProcessors processors;
     LinuxHostCounters counters;
     LinuxVolumes volumes;
@@ -102,7 +104,7 @@ struct Services
     const HostGuards guards = LinuxGuards::guards(LinuxGuards::places(places.home, disk.reading));
     LinuxFileRevealer revealer;
     LinuxMotionPreference motion;
-    const DesktopSession session = DesktopSession::of(environment(), places.home.realHomeDirectory());
+    const DesktopSession session = DesktopSession::of(environment(), places.realHome);
     LinuxRunningApps runningApps{ disk.reading,
         session.sandbox.isNone() ? environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() : std::string() };
     LinuxApplications applications{ { .services = { .reading = disk.reading,

@@ -86,19 +86,6 @@ private Q_SLOTS:
         QVERIFY(!defaults.date(key));
     }
 
-    void liesInTheProgramsSettingsFile()
-    {
-        const TempTree folder;
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.text());
-        {
-            SettingsUserDefaults defaults;
-            defaults.setInteger(key, 12);
-        }
-        QFile file(folder.text("Quillbrook/Quillbrook.conf"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("[General]\nQuillbrook.something=12\n"));
-    }
-
     void valuesComeBack()
     {
         using Defaults = SettingsUserDefaults;

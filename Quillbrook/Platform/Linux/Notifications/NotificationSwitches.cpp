@@ -3,8 +3,6 @@
 #include "Platform/FileReading.h"
 #include "Platform/ProcessRunner.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <array>
 
@@ -36,8 +34,7 @@ bool gnomeKeepsBack(const DesktopSession &session, const ProcessRunner &processe
 
 bool plasmaKeepsBack(const DesktopSession &session, const FileReading &reading)
 {
-    const auto path = QFile::encodeName(session.configFolder + u"/plasmanotifyrc"_s).toStdString();
-    const auto text = reading.contents(path, fileLimit);
+    const auto text = reading.contents(session.configFolder + "/plasmanotifyrc", fileLimit);
     return text && NotificationSwitches::plasmaFileSaysOff(*text);
 }
 

@@ -57,8 +57,7 @@ PhotoFolders LinuxPhotoLibrary::folders() const
         const QMutexLocker lock(&m_lock);
         return { .pictures = m_granted };
     }
-    const auto settings = QFile::encodeName(m_services.session.configFolder).toStdString();
-    return PhotoFolders::ofUser(m_services.removal.reading, settings, m_services.home);
+    return PhotoFolders::ofUser(m_services.removal.reading, m_services.session.configFolder, m_services.home);
 }
 
 PhotoAccess LinuxPhotoLibrary::status() const

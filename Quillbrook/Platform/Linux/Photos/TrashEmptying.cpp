@@ -3,8 +3,6 @@
 #include "Platform/FileReading.h"
 #include "Platform/ProcessRunner.h"
 
-#include <QFile>
-
 #include <algorithm>
 
 namespace Quillbrook {
@@ -57,8 +55,7 @@ std::optional<int> TrashEmptying::days(
     const DesktopSession &session, const ProcessRunner &processes, const FileReading &reading)
 {
     if (session.desktops.contains(u"KDE"_s, Qt::CaseInsensitive)) {
-        const auto path = QFile::encodeName(session.configFolder + u"/ktrashrc"_s).toStdString();
-        const auto text = reading.contents(path, fileLimit);
+        const auto text = reading.contents(session.configFolder + "/ktrashrc", fileLimit);
         return text ? daysInPlasma(*text) : std::nullopt;
     }
     // Others of its kind keep the same settings.

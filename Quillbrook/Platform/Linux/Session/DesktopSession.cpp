@@ -1,6 +1,6 @@
 #include "Platform/Linux/Session/DesktopSession.h"
 
-#include <QDir>
+#include <QFile>
 #include <QStandardPaths>
 
 namespace Quillbrook {
@@ -8,6 +8,11 @@ namespace Quillbrook {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+std::string raw(const QString &path)
+{
+    return QFile::encodeName(path).toStdString();
+}
 
 QStringList listOf(const QProcessEnvironment &environment, const QString &name)
 {
@@ -25,16 +30,17 @@ QStringList foldersOf(const QProcessEnvironment &environment, const QString &nam
 } // namespace
 
 DesktopSession DesktopSession::of(
-    const QProcessEnvironment &environment, const QString &home, const QString &root)
+    const QProcessEnvironment &environment, const std::string &home, const QString &root)
 {
-    const auto configFolder = environment.value(u"XDG_CONFIG_HOME"_s);
+    const auto configFolder = raw(environment.value(u"XDG_CONFIG_HOME"_s));
     DesktopSession session{ .sandbox = Sandbox::detect(root, environment),
         .desktops = listOf(environment, u"XDG_CURRENT_DESKTOP"_s),
-        .configFolder = configFolder.startsWith(u'/') ? configFolder : QDir(home).filePath(u".config"_s),
-        .systemConfigFolders = foldersOf(environment, u"XDG_CONFIG_DIRS"_s),
+        .configFolder = configFolder.starts_with('/') ? configFolder : home + "/.config",
         .programFolders = foldersOf(environment, u"PATH"_s) };
-    if (session.systemConfigFolders.isEmpty())
-        session.systemConfigFolders.append(u"/etc/xdg"_s);
+    for (const auto &folder : foldersOf(environment, u"XDG_CONFIG_DIRS"_s))
+        session.systemConfigFolders.push_back(raw(folder));
+    if (session.systemConfigFolders.empty())
+        session.systemConfigFolders.emplace_back("/etc/xdg");
     return session;
 }
 

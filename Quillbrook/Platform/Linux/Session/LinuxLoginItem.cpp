@@ -8,8 +8,6 @@
 #include "WhenAnswered.h"
 
 #include <QCoreApplication>
-#include <QFile>
-#include <QFileInfo>
 #include <QPromise>
 
 #include <cerrno>
@@ -23,14 +21,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const auto rememberedKey = u"Quillbrook.launchesAtLogin"_s;
-const auto entryName = u"/autostart/com.tarnwick.Quillbrook.desktop"_s;
+const std::string entryName = "/autostart/com.tarnwick.Quillbrook.desktop";
 const auto autostartKey = u"autostart"_s;
 constexpr qsizetype entryLimit = qsizetype{ 64 } * 1024;
-
-std::string bytes(const QString &path)
-{
-    return QFile::encodeName(path).toStdString();
-}
 
 } // namespace
 
@@ -46,7 +39,9 @@ bool LinuxLoginItem::isEnabled() const
 {
     if (!m_services.session.sandbox.isNone())
         return m_services.defaults.boolean(rememberedKey).value_or(false);
-    return startsFrom(QStringList(m_services.session.configFolder) + m_services.session.systemConfigFolders);
+    auto folders = m_services.session.systemConfigFolders;
+    folders.insert(folders.begin(), m_services.session.configFolder);
+    return startsFrom(folders);
 }
 
 QFuture<LinuxLoginItem::Outcome> LinuxLoginItem::setEnabled(bool enabled)
@@ -70,13 +65,13 @@ QString LinuxLoginItem::programToStart(const QProcessEnvironment &environment, c
 }
 
 // Of several entries of the name only the first counts, whatever it says.
-bool LinuxLoginItem::startsFrom(const QStringList &configFolders) const
+bool LinuxLoginItem::startsFrom(const std::vector<std::string> &configFolders) const
 {
     for (const auto &folder : configFolders) {
         const auto path = folder + entryName;
-        if (!QFileInfo::exists(path))
+        if (::access(path.c_str(), F_OK) != 0)
             continue;
-        const auto text = m_services.reading.contents(bytes(path), entryLimit);
+        const auto text = m_services.reading.contents(path, entryLimit);
         const auto entry = text ? AutostartEntry::parse(*text) : std::nullopt;
         return entry && entry->isFor(m_services.session.desktops)
             && (entry->tryExec.isEmpty() || !m_services.session.findProgram(entry->tryExec).isEmpty());
@@ -91,13 +86,13 @@ LinuxLoginItem::Outcome LinuxLoginItem::write(bool isHidden) const
         return std::unexpected(
             QCoreApplication::translate("LoginItem", "The program's own path can't be written down."));
     return m_services.writing.replace(
-        bytes(m_services.session.configFolder + entryName), autostartFile(m_services.program, isHidden));
+        m_services.session.configFolder + entryName, autostartFile(m_services.program, isHidden));
 }
 
 LinuxLoginItem::Outcome LinuxLoginItem::remove() const
 {
     // A link goes as a link.
-    if (::unlink(bytes(m_services.session.configFolder + entryName).c_str()) == 0 || errno == ENOENT)
+    if (::unlink((m_services.session.configFolder + entryName).c_str()) == 0 || errno == ENOENT)
         return {};
     return std::unexpected(LinuxErrorText::sentence(errno));
 }

@@ -49,7 +49,7 @@ public:
 private:
     using Outcome = std::expected<void, QString>;
 
-    [[nodiscard]] bool startsFrom(const QStringList &configFolders) const;
+    [[nodiscard]] bool startsFrom(const std::vector<std::string> &configFolders) const;
     [[nodiscard]] Outcome write(bool isHidden) const;
     [[nodiscard]] Outcome remove() const;
     [[nodiscard]] QFuture<Outcome> askPortal(bool enabled);

@@ -122,9 +122,9 @@ private Q_SLOTS:
         m_defaults.values.clear();
         m_processes = {};
         m_files = {};
-        m_session = { .desktops = { u"GNOME"_s },
-            .configFolder = u"/settings"_s,
-            .programFolders = { m_tree.text("bin") } };
+        m_session = {
+            .desktops = { u"GNOME"_s }, .configFolder = "/settings", .programFolders = { m_tree.text("bin") }
+        };
         m_started.clear();
     }
     void cleanup()

@@ -136,7 +136,7 @@ private:
     [[nodiscard]] DesktopSession session(const QString &desktop) const
     {
         return { .desktops = { u"distribution"_s, desktop },
-            .configFolder = u"/settings"_s,
+            .configFolder = "/settings",
             .programFolders = { m_tree.text("bin") } };
     }
 

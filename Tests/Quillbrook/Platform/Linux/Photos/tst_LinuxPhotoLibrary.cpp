@@ -57,7 +57,7 @@ struct Machine
     FakeProcessRunner processes;
     FakeFolderPicker picker;
     FakeFolderGrants grants;
-    const DesktopSession session{ .configFolder = tree.text("config") };
+    const DesktopSession session{ .configFolder = tree.path("config") };
     Person person;
 
     Machine()

@@ -21,10 +21,10 @@ private Q_SLOTS:
         environment.insert(u"XDG_CONFIG_DIRS"_s, u"/etc/xdg/ubuntu::relative:/etc/xdg"_s);
         environment.insert(u"PATH"_s, u"/usr/bin:bin:/bin"_s);
         const DesktopSession expected{ .desktops = { u"ubuntu"_s, u"GNOME"_s },
-            .configFolder = u"/settings"_s,
-            .systemConfigFolders = { u"/etc/xdg/ubuntu"_s, u"/etc/xdg"_s },
+            .configFolder = "/settings",
+            .systemConfigFolders = { "/etc/xdg/ubuntu", "/etc/xdg" },
             .programFolders = { u"/usr/bin"_s, u"/bin"_s } };
-        QVERIFY(DesktopSession::of(environment, u"/home/someone"_s, root.text()) == expected);
+        QVERIFY(DesktopSession::of(environment, "/home/someone", root.text()) == expected);
     }
 
     void whatIsNotToldHasItsPlace_data()
@@ -42,9 +42,9 @@ private Q_SLOTS:
         environment.insert(u"XDG_CONFIG_HOME"_s, configHome);
         const DesktopSession expected{ .sandbox
             = { .kind = Sandbox::Kind::flatpak, .application = u"org.example.App"_s },
-            .configFolder = u"/home/someone/.config"_s,
-            .systemConfigFolders = { u"/etc/xdg"_s } };
-        QVERIFY(DesktopSession::of(environment, u"/home/someone"_s, root.text()) == expected);
+            .configFolder = "/home/jos\xE9/.config",
+            .systemConfigFolders = { "/etc/xdg" } };
+        QVERIFY(DesktopSession::of(environment, "/home/jos\xE9", root.text()) == expected);
     }
 
     void programsAreFound_data()

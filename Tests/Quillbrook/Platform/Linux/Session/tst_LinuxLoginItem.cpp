@@ -15,6 +15,7 @@
 #include <QTest>
 
 #include <memory>
+#include <unistd.h>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -40,6 +41,7 @@ private Q_SLOTS:
         m_tree->fileWith("bin/quillbrook", "#!/bin/sh\n");
         m_tree->permissions("bin/quillbrook", 0755);
         m_defaults.values.clear();
+        m_config = "config";
     }
 
     void switchingOnWritesTheEntry()
@@ -52,6 +54,20 @@ private Q_SLOTS:
         QVERIFY(m_defaults.values.isEmpty());
         // As after a restart.
         QVERIFY(loginItem()->isEnabled());
+    }
+
+    void theEntryLiesInTheFolderOfThoseBytes()
+    {
+        m_config = "jos\xE9/.config";
+        m_tree->folder(m_config);
+        const auto entry = m_tree->path(m_config + "/autostart/com.tarnwick.Quillbrook.desktop");
+        const auto item = loginItem();
+        QVERIFY(switched(*item, true));
+        QVERIFY(item->isEnabled());
+        QCOMPARE(::access(entry.c_str(), F_OK), 0);
+        QVERIFY(switched(*item, false));
+        QVERIFY(!item->isEnabled());
+        QVERIFY(::access(entry.c_str(), F_OK) != 0);
     }
 
     void switchingOnWritesAnewWhatWasChanged_data()
@@ -380,8 +396,8 @@ private:
     [[nodiscard]] DesktopSession session() const
     {
         return { .desktops = { u"ubuntu"_s, u"GNOME"_s },
-            .configFolder = m_tree->text("config"),
-            .systemConfigFolders = { m_tree->text("etc") },
+            .configFolder = m_tree->path(m_config),
+            .systemConfigFolders = { m_tree->path("etc") },
             .programFolders = { m_tree->text("bin") } };
     }
 
@@ -442,6 +458,8 @@ private:
     LinuxFileReading m_reading;
     LinuxFileWriting m_writing;
     FakeUserDefaults m_defaults;
+    /// Where the session keeps settings, below the tree.
+    std::string m_config;
 };
 
 QUILLBROOK_SUITE(TestLinuxLoginItem, QCoreApplication, giveUpRoot)
