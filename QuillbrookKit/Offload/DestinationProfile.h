@@ -19,6 +19,9 @@ struct DestinationProfile
     bool isRemovable = false;
     /// Neither internal nor removable, by what the volume says.
     bool isNetwork = false;
+    /// A drive in this machine or plugged into it, by what it says. Any other may keep whoever asks it
+    /// waiting.
+    bool isLocal = false;
     /// Whether owners, rights and attributes of files survive there.
     bool keepsAttributes = true;
 

@@ -62,6 +62,7 @@ std::expected<DestinationProfile, OffloadError> Offload::profile(
             { facts.availableForImportantUsage.value_or(0), facts.available.value_or(0), qint64{ 0 } }),
         .isRemovable = isRemovable,
         .isNetwork = facts.isInternal == false && !isRemovable,
+        .isLocal = facts.isInternal.value_or(false) || isRemovable,
         .keepsAttributes = speed->keepsAttributes };
 }
 

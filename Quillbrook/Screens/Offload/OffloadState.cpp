@@ -197,16 +197,17 @@ QStringList OffloadState::activity() const
 }
 
 // Later, not within the press: the folder window has an event loop of its own, and whoever pressed by way of
-// the accessibility tree would wait until it is closed.
+// the accessibility tree would wait until it is closed. It opens where the last choice was only on a local
+// drive, since it looks there on this thread, and a server that is gone would hold that.
 void OffloadState::chooseVolume()
 {
     const auto choose = [this] {
         const auto &services = m_model.services();
         const auto &before = m_model.offloads().destination();
-        const auto picked = services.folderPicker.pick(
-            { .directory = before ? repairedText(before->path) : services.kit.home.realHomeDirectory(),
-                .message = tr("Pick a folder on the drive you want to move things to."),
-                .prompt = tr("Use this folder") });
+        const auto picked = services.folderPicker.pick({ .directory
+            = before && before->isLocal ? repairedText(before->path) : services.kit.home.realHomeDirectory(),
+            .message = tr("Pick a folder on the drive you want to move things to."),
+            .prompt = tr("Use this folder") });
         if (picked)
             m_model.offloads().profileDestination(*picked);
     };

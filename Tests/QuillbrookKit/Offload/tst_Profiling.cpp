@@ -85,15 +85,20 @@ private Q_SLOTS:
         QTest::addColumn<DriveFacts>("facts");
         QTest::addColumn<bool>("isRemovable");
         QTest::addColumn<bool>("isNetwork");
-        QTest::newRow("nothing told") << DriveFacts{} << false << false;
-        QTest::newRow("internal") << DriveFacts{ .isRemovable = false, .isInternal = true } << false << false;
-        QTest::newRow("neither") << DriveFacts{ .isRemovable = false, .isInternal = false } << false << true;
-        QTest::newRow("not internal, and no more") << DriveFacts{ .isInternal = false } << false << true;
-        QTest::newRow("removable") << DriveFacts{ .isRemovable = true, .isInternal = false } << true << false;
+        QTest::addColumn<bool>("isLocal");
+        QTest::newRow("nothing told") << DriveFacts{} << false << false << false;
+        QTest::newRow("internal") << DriveFacts{ .isRemovable = false, .isInternal = true } << false << false
+                                  << true;
+        QTest::newRow("neither") << DriveFacts{ .isRemovable = false, .isInternal = false } << false << true
+                                 << false;
+        QTest::newRow("not internal, and no more")
+            << DriveFacts{ .isInternal = false } << false << true << false;
+        QTest::newRow("removable") << DriveFacts{ .isRemovable = true, .isInternal = false } << true << false
+                                   << true;
         QTest::newRow("not removable, and no more")
-            << DriveFacts{ .isRemovable = Told(false) } << false << false;
+            << DriveFacts{ .isRemovable = Told(false) } << false << false << false;
         QTest::newRow("less than nothing free")
-            << DriveFacts{ .available = -4, .availableForImportantUsage = -9 } << false << false;
+            << DriveFacts{ .available = -4, .availableForImportantUsage = -9 } << false << false << false;
     }
 
     void kindAndRoomAreWhatTheVolumeTells()
@@ -105,6 +110,7 @@ private Q_SLOTS:
         QVERIFY(profile);
         QTEST(profile->isRemovable, "isRemovable");
         QTEST(profile->isNetwork, "isNetwork");
+        QTEST(profile->isLocal, "isLocal");
         QCOMPARE(profile->freeBytes, 0);
     }
 

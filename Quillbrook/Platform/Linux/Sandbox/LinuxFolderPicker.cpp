@@ -45,20 +45,22 @@ std::optional<std::string> pickByDialog(const FolderPicker::Request &request)
 {
     if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
         return std::nullopt;
-    QFileDialog dialog;
+    QFileDialog dialog(nullptr, request.message, request.directory);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     // Nothing is made, renamed or deleted there.
     dialog.setOption(QFileDialog::ReadOnly);
     dialog.setFilter(QDir::Dirs | QDir::Drives | QDir::NoDotAndDotDot);
-    dialog.setDirectory(request.directory);
-    dialog.setWindowTitle(request.message);
     dialog.setLabelText(QFileDialog::Accept, request.prompt);
     // Taken at the press itself: afterwards the dialog goes on loading folders, and forgets.
     QString picked;
     QObject::connect(
         &dialog, &QFileDialog::fileSelected, &dialog, [&picked](const QString &path) { picked = path; });
-    if (dialog.exec() != QDialog::Accepted || picked.isEmpty())
+    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    // The next window first looks into the folder that this one is left at, before it is told where to open,
+    // and on this thread. Whether that answers by then is not known of every folder.
+    dialog.setDirectory(request.directory);
+    if (!isAccepted || picked.isEmpty())
         return std::nullopt;
     return QFile::encodeName(picked).toStdString();
 }

@@ -94,6 +94,34 @@ private Q_SLOTS:
         QCOMPARE(f.offload.destinationText(), u"Cannot write there: The disk can only be read."_s);
     }
 
+    void theWindowOpensOnlyAtAVolumeThatAnswers_data()
+    {
+        QTest::addColumn<std::optional<bool>>("isInternal");
+        QTest::addColumn<std::optional<bool>>("isRemovable");
+        QTest::addColumn<QString>("folder");
+        using Told = std::optional<bool>;
+        QTest::newRow("inside") << Told(true) << Told(false) << u"/media/disk"_s;
+        QTest::newRow("plugged in") << Told(false) << Told(true) << u"/media/disk"_s;
+        QTest::newRow("on another machine") << Told(false) << Told(false) << QString();
+        QTest::newRow("nobody knows") << Told() << Told() << QString();
+    }
+
+    void theWindowOpensOnlyAtAVolumeThatAnswers()
+    {
+        QFETCH(std::optional<bool>, isInternal);
+        QFETCH(std::optional<bool>, isRemovable);
+        QFETCH(QString, folder);
+        Fixture f;
+        f.drives.answer.isInternal = isInternal;
+        f.drives.answer.isRemovable = isRemovable;
+        f.pick(0.1);
+        f.offload.chooseVolume();
+        QTRY_COMPARE(f.desktop.folderPicker.requests.size(), 2);
+        const auto home = f.home.realHomeDirectory();
+        QCOMPARE(f.desktop.folderPicker.requests.at(0).directory, home);
+        QCOMPARE(f.desktop.folderPicker.requests.at(1).directory, folder.isEmpty() ? home : folder);
+    }
+
     void aSlowDriveHasToBeAccepted_data()
     {
         QTest::addColumn<double>("seconds");
@@ -233,6 +261,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.offload.activity(), QStringList{ u"✗ Finished app builds: Not  now ✓."_s });
 
         f.files.entries[folder + "/."] = {};
+        f.drives.answer.isInternal = true;
         f.desktop.folderPicker.answer = folder;
         f.offload.chooseVolume();
         QTRY_COMPARE(f.offload.destination(), u"/media/ ksid/A B"_s);

@@ -1,3 +1,4 @@
+#include "Platform/Linux/Files/FileDescriptor.h"
 #include "Platform/Linux/Sandbox/LinuxFolderPicker.h"
 #include "Support/PrivateBus.h"
 #include "Support/Suite.h"
@@ -13,8 +14,10 @@
 #include <QTest>
 #include <QTimer>
 
+#include <array>
 #include <functional>
 #include <memory>
+#include <sys/inotify.h>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -276,6 +279,27 @@ private Q_SLOTS:
         request.directory = m_tree->text("homes");
         QVERIFY(!picker(false).pick(request));
         QCOMPARE(m_dialogs, 1);
+    }
+
+    void nextDialogDoesNotLookWhereTheLastWasLeft()
+    {
+        for (const auto *name : { "homes/someone", "left/other" })
+            m_tree->folder(name);
+        whenDialogStands([this](QFileDialog &dialog) {
+            dialog.setDirectory(m_tree->text("left"));
+            dialog.reject();
+        });
+        auto request = homeRequest;
+        request.directory = m_tree->text("homes");
+        QVERIFY(!picker(false).pick(request));
+
+        const FileDescriptor looks(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+        QVERIFY(::inotify_add_watch(looks.number(), m_tree->path("left").c_str(), IN_OPEN) >= 0);
+        whenDialogStands([](QFileDialog &dialog) { dialog.reject(); });
+        QVERIFY(!picker(false).pick(request));
+        QCOMPARE(m_dialogs, 2);
+        std::array<char, 4096> told{};
+        QCOMPARE(::read(looks.number(), told.data(), told.size()), ssize_t(-1));
     }
 
 private:
