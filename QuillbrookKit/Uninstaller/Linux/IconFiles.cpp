@@ -26,12 +26,16 @@ constexpr auto commonTheme = "hicolor";
 constexpr std::size_t mostThemes = 8;
 constexpr int mostFolders = 6;
 
+bool hasEnding(const std::string &name)
+{
+    return std::ranges::any_of(endings, [&](const char *ending) { return name.ends_with(ending); });
+}
+
 bool isPicture(const std::string &path)
 {
     std::error_code error;
-    const auto isKnown = [&](const char *ending) { return path.ends_with(ending); };
-    return std::ranges::any_of(endings, isKnown) && fs::is_regular_file(path, error)
-        && fs::file_size(path, error) <= largestPicture && !error;
+    return hasEnding(path) && fs::is_regular_file(path, error) && fs::file_size(path, error) <= largestPicture
+        && !error;
 }
 
 // "64x64" or "scalable"; 0 for what holds no icons of applications.
@@ -156,8 +160,9 @@ std::string IconFiles::file(const QString &icon) const
     if (!FolderNames::isName(raw))
         return {};
     // Some name a file.
-    const auto dot = raw.rfind('.');
-    const std::array names{ raw, dot == std::string::npos ? raw : raw.substr(0, dot) };
+    std::vector<std::string> names{ raw };
+    if (hasEnding(raw))
+        names.push_back(raw.substr(0, raw.rfind('.')));
     for (const auto &name : names)
         if (auto path = inOneOf(m_own, name); !path.empty())
             return path;

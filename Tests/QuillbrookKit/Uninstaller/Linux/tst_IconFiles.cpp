@@ -28,6 +28,7 @@ private Q_SLOTS:
             << u"home/.local/share/flatpak/exports/share/icons/hicolor/64x64/apps/org.five.App.png"_s;
         QTest::newRow("a plain picture") << u"six"_s << u"usr/share/pixmaps/six.xpm"_s;
         QTest::newRow("named as a file") << u"six.xpm"_s << u"usr/share/pixmaps/six.xpm"_s;
+        QTest::newRow("not of an id that begins so") << u"six.App"_s << QString();
         QTest::newRow("another theme's")
             << u"seven"_s << u"usr/share/icons/Adwaita/scalable/apps/seven.svg"_s;
         QTest::newRow("an absolute path") << u"HOME/pictures/eight.png"_s << u"home/pictures/eight.png"_s;
