@@ -40,7 +40,7 @@ struct CopyOrder
 
 struct CopyResult
 {
-    /// What was made at the target, whole or in part; absent where nothing was.
+    /// What was made at the target, whole or in part; absent where nothing was, or it is gone again.
     std::optional<FileIdentity> made{};
     /// What was copied.
     FileIdentity source{};

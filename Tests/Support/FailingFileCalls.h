@@ -21,6 +21,8 @@ public:
     /// Told of each call before it is made, by its name and by that of the file; an errno lets it fail.
     std::function<int(std::string_view call, const char *name)> before{};
     mutable int calls = 0;
+    /// Called before a volume is written out, on the thread that waits for that. May be empty.
+    std::function<void()> beforeSync{};
     /// Folders of that name seem to be volumes within their volume.
     std::string volume{};
     /// Nothing tells on which mount it lies, as on kernels that know no ids of mounts.
@@ -91,6 +93,12 @@ public:
     [[nodiscard]] std::optional<std::string> pathOf(int folder) const override
     {
         return fails("readlink", "") ? std::nullopt : FileCalls::pathOf(folder);
+    }
+    [[nodiscard]] int syncVolume(int folder) const override
+    {
+        if (beforeSync)
+            beforeSync();
+        return FileCalls::syncVolume(folder);
     }
     [[nodiscard]] bool keepsInodes(int folder) const override
     {

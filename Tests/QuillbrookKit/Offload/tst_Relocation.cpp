@@ -8,6 +8,7 @@
 #include "Support/TwoVolumes.h"
 
 #include <QTest>
+#include <QThread>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -315,6 +316,27 @@ private Q_SLOTS:
         isMade = false;
         QCOMPARE(f.failure(order), u"Stopped. Nothing was moved."_s);
         QVERIFY(!isMade);
+    }
+
+    void aStopDoesNotWaitForASlowDrive()
+    {
+        RelocationFixture f;
+        std::stop_source stop;
+        auto order = f.order();
+        order.stop = stop.get_token();
+        bool isGoneMeanwhile = false;
+        // The drive writes for as long as there is something to be written.
+        f.calls.beforeSync = [&] {
+            const bool isMade = f.isThere(f.onVolume("models/deep/small"));
+            stop.request_stop();
+            for (int tries = 0; tries < 1000 && f.isThere(f.onVolume("models")); ++tries)
+                QThread::msleep(10);
+            isGoneMeanwhile = isMade && !f.isThere(f.onVolume("models"));
+        };
+        QCOMPARE(f.failure(order), u"Stopped. Nothing was moved."_s);
+        QVERIFY(isGoneMeanwhile);
+        QVERIFY(f.isUntouched());
+        QVERIFY(!f.isThere(f.onVolume("models")));
     }
 };
 

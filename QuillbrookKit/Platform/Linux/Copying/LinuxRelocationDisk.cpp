@@ -10,10 +10,12 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <future>
 #include <memory>
 #include <sys/stat.h>
 #include <tuple>
@@ -132,9 +134,28 @@ CopyResult LinuxRelocationDisk::copy(const CopyOrder &order) const
     result.stopped = run.end == CopyProcess::End::stopped;
     if (run.end != CopyProcess::End::whole)
         result.error = run.error;
-    else if (::syncfs(target.number()) != 0)
-        result.error = LinuxErrorText::sentence(errno);
+    else
+        writeOut(order, target.number(), result);
     return result;
+}
+
+// What waits in memory for a slow drive may take minutes, and nothing can end that call. So that a stop does
+// not wait as long, the copy is deleted meanwhile: what is gone need not be written.
+void LinuxRelocationDisk::writeOut(const CopyOrder &order, int target, CopyResult &result) const
+{
+    constexpr std::chrono::milliseconds interval{ 50 };
+    auto writing
+        = std::async(std::launch::async, [&] { return m_calls.syncVolume(target) == 0 ? 0 : errno; });
+    while (writing.wait_for(interval) != std::future_status::ready && !result.stopped) {
+        if (order.stop.stop_requested()) {
+            drop(order.target, *result.made);
+            result.made.reset();
+            result.stopped = true;
+        }
+    }
+    const int error = writing.get();
+    if (result.stopped || error != 0)
+        result.error = result.stopped ? QString() : LinuxErrorText::sentence(error);
 }
 
 void LinuxRelocationDisk::drop(const std::string &path, const FileIdentity &identity) const

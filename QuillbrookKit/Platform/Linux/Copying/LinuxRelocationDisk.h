@@ -29,6 +29,9 @@ public:
         const FileIdentity &linkIdentity) const override;
 
 private:
+    /// Waits until the volume of the open target has written all, unless a stop comes first.
+    void writeOut(const CopyOrder &order, int target, CopyResult &result) const;
+
     const FileCalls &m_calls;
 };
 
