@@ -33,6 +33,10 @@ using namespace std::chrono_literals;
 
 constexpr int sampleMB = 24;
 constexpr auto progressInterval = 250ms;
+/// A measurement that was given up ends with the block that it writes; one of a drive that does not answer
+/// never does, and keeps its thread.
+constexpr auto measuringPatience = 3s;
+constexpr int mostMeasuring = 8;
 
 QString failureLine(const QString &title, const OffloadError &error)
 {
@@ -99,7 +103,8 @@ OffloadDriver::OffloadDriver(const KitServices &kit, const Others &others, QObje
     , m_navigation(others.navigation)
     , m_queue(others.queue)
 {
-    for (auto *pool : { &m_measuringPool, &m_movingPool, &m_lookingPool })
+    m_measuringPool.setMaxThreadCount(mostMeasuring);
+    for (auto *pool : { &m_movingPool, &m_lookingPool })
         pool->setMaxThreadCount(1);
     m_progressClock.setInterval(progressInterval);
     connect(&m_progressClock, &QTimer::timeout, this, &OffloadDriver::followProgress);
@@ -146,7 +151,9 @@ QCoro::Task<> OffloadDriver::profileAt(std::string path)
     // The futures have names because the compiler destroys what is made in an awaiting expression twice.
     const auto measuring = QtConcurrent::run(&m_measuringPool,
         [services = OffloadServices::of(m_kit), path, home = m_kit.home.rawHomeDirectory(),
-            stop = mine.get_token()] {
+            stop = mine.get_token(), &measuring = m_measuring] {
+            // Two at once would each be told too slow.
+            const std::unique_lock turn(measuring, measuringPatience);
             const bool isElsewhere = isOnOtherDrive(services, path, home);
             return std::pair(
                 Offload::profile(services, { .destination = path, .sampleMB = sampleMB, .stop = stop }),

@@ -21,6 +21,7 @@
 #include <expected>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -153,6 +154,8 @@ private:
     std::stop_source m_looking;
     QTimer m_progressClock{ this };
     CopyRate m_rate;
+    /// Held by the measurement whose turn it is.
+    std::timed_mutex m_measuring;
     // Threads of their own, so that no scan waits for a drive. Their ends are waited for.
     QThreadPool m_measuringPool;
     QThreadPool m_movingPool;

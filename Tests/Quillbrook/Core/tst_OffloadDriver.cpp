@@ -113,6 +113,26 @@ private Q_SLOTS:
         QCOMPARE(f.driver().destinationError(), u"/media/nothing is not a folder."_s);
     }
 
+    void aDriveThatDoesNotAnswerHoldsNoOtherMeasurement()
+    {
+        Fixture f;
+        QSemaphore held;
+        QSemaphore reached;
+        f.files.entries["/media/dead/."] = {};
+        f.speeds.onMeasure = [&](const SpeedProbe::Sample &sample) {
+            if (sample.folder != "/media/dead")
+                return;
+            reached.release();
+            held.acquire();
+        };
+        f.driver().profileDestination("/media/dead");
+        QVERIFY(reached.tryAcquire(1, 5000));
+        f.driver().profileDestination("/media/disk");
+        QTRY_VERIFY_WITH_TIMEOUT(f.driver().destination(), 20'000);
+        QCOMPARE(f.driver().destination()->path, std::string("/media/disk"));
+        held.release();
+    }
+
     void withoutADestinationNothingHappens()
     {
         Fixture f;
