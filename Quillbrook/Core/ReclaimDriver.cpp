@@ -131,14 +131,16 @@ void ReclaimDriver::takeOutcomes(const Clearing &clearing)
 {
     std::vector<QString> ids;
     QList<Finding> cleared;
+    QStringList lines;
     for (const auto &outcome : clearing.outcomes) {
-        appendLog(line(outcome));
+        lines.append(line(outcome));
         if (outcome.error)
             continue;
         cleared.append(outcome.finding);
         for (const auto &item : outcome.trashed)
             ids.push_back(item.id);
     }
+    appendLines(lines);
     const bool isInTrash = clearing.order.disposal == Reclaimer::Disposal::toTrash;
     // A claim and what was free before it belong together: neither is ever held against another's.
     m_pendingClaim = Claim{ .bytes = clearing.bytes,
@@ -199,18 +201,20 @@ void ReclaimDriver::takeMembers(
     const std::vector<std::expected<TrashedItem, QString>> &moved, const QStringList &names)
 {
     std::vector<QString> ids;
+    QStringList lines;
     qint64 total = 0;
     for (size_t index = 0; index < moved.size(); ++index) {
         const auto &name = names.at(static_cast<qsizetype>(index));
         const auto &one = moved[index];
         if (!one) {
-            appendLog(LogLine::failed(u"%1: %2"_s.arg(name, one.error())));
+            lines.append(LogLine::failed(u"%1: %2"_s.arg(name, one.error())));
             continue;
         }
-        appendLog(LogLine::done(u"%1 — %2 to Trash"_s.arg(name, Format::bytes(one->bytes))));
+        lines.append(LogLine::done(u"%1 — %2 to Trash"_s.arg(name, Format::bytes(one->bytes))));
         total += one->bytes;
         ids.push_back(one->id);
     }
+    appendLines(lines);
     if (total <= 0)
         return;
     offerToFree(total, ids);
@@ -274,12 +278,14 @@ void ReclaimDriver::putBack()
 void ReclaimDriver::takeReturns(
     const std::vector<HeldItem> &things, const std::vector<std::expected<void, QString>> &results)
 {
+    QStringList lines;
     for (size_t index = 0; index < results.size(); ++index) {
         const auto &item = things[index].item;
         const auto &result = results[index];
-        appendLog(result ? LogLine::done(u"%1 — %2 put back"_s.arg(item.label, Format::bytes(item.bytes)))
-                         : LogLine::failed(u"%1: %2"_s.arg(item.label, result.error())));
+        lines.append(result ? LogLine::done(u"%1 — %2 put back"_s.arg(item.label, Format::bytes(item.bytes)))
+                            : LogLine::failed(u"%1: %2"_s.arg(item.label, result.error())));
     }
+    appendLines(lines);
     Q_EMIT diskChanged();
 }
 
@@ -359,7 +365,15 @@ qint64 ReclaimDriver::presentFree() const
 
 void ReclaimDriver::appendLog(const QString &line)
 {
-    m_reclaimLog.append(line);
+    appendLines({ line });
+}
+
+// Told once, however many they are: who hears of it looks at the whole log.
+void ReclaimDriver::appendLines(const QStringList &lines)
+{
+    if (lines.isEmpty())
+        return;
+    m_reclaimLog.append(lines);
     Q_EMIT reclaimLogChanged();
 }
 

@@ -124,6 +124,7 @@ private:
         const std::vector<HeldItem> &things, const std::vector<std::expected<void, QString>> &results);
     void purgeBy(
         const std::function<std::vector<TrashedItem>(const Books &books)> &items, const Purged &purged);
+    void appendLines(const QStringList &lines);
     void offerToFree(qint64 bytes, const std::vector<QString> &ids);
     void setStayedReasons(const QStringList &reasons);
     QCoro::Task<> askForSafetyNet();

@@ -62,8 +62,11 @@ private Q_SLOTS:
     void logNamesEachFindingAndItsFate()
     {
         const Fixture fixture;
+        // A screen makes all of its list anew each time that it hears of the log.
+        const QSignalSpy changes(&fixture.model->reclaims(), &ReclaimDriver::reclaimLogChanged);
         fixture.model->reclaims().reclaim({ fixture.finding(packages), fixture.finding(logs) }, false);
         fixture.removed();
+        QCOMPARE(changes.count(), 1);
         QCOMPARE(fixture.model->reclaims().reclaimLog(),
             QStringList({ u"✓ Downloaded code packages — 12.0 KB to Trash"_s,
                 u"✓ Android build logs — 4.0 KB to Trash"_s }));
@@ -225,8 +228,10 @@ private Q_SLOTS:
             { .name = "one", .bytes = 4096, .rawPath = fixture.path(".npm/_cacache/one") },
             { .name = "two", .bytes = 8192, .rawPath = fixture.path(".npm/_cacache/two") }
         };
+        const QSignalSpy changes(&fixture.model->reclaims(), &ReclaimDriver::reclaimLogChanged);
         fixture.model->reclaims().removeItems(items, fixture.finding(packages));
         fixture.removed();
+        QCOMPARE(changes.count(), 1);
         QVERIFY(fixture.isTrashed("one"));
         QVERIFY(fixture.isTrashed("two"));
         QCOMPARE(fixture.model->reclaims().reclaimLog(),
@@ -325,8 +330,10 @@ private Q_SLOTS:
         fixture.tree.file("home/.npm/_cacache/two", 1);
         const auto isFirst = held.front().item.originalPath.ends_with("one");
         const auto &one = held.at(isFirst ? 0 : 1).item;
+        const QSignalSpy changes(&fixture.model->reclaims(), &ReclaimDriver::reclaimLogChanged);
         fixture.model->reclaims().putBack();
         fixture.settled();
+        QCOMPARE(changes.count(), 1);
         QVERIFY(fixture.has(".npm/_cacache/one"));
         QVERIFY(fixture.isTrashed("two"));
         QCOMPARE(std::filesystem::file_size(fixture.path(".npm/_cacache/two")), size_t(1));
