@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -52,7 +53,11 @@ std::optional<qsizetype> homeLength(const QString &path, const QString &home)
     if (path.startsWith(home))
         return endsComponent(home.size()) ? std::optional(home.size()) : std::nullopt;
     const auto composed = home.normalized(QString::NormalizationForm_C);
-    for (qsizetype end = 1; end <= path.size(); ++end) {
+    // A path can be as long as its disk is deep, and its beginnings are composed one by one. What is far
+    // longer than the home folder in any spelling isn't it.
+    constexpr qsizetype mostGrowth = 8;
+    const auto longest = std::min(path.size(), composed.size() * mostGrowth);
+    for (qsizetype end = 1; end <= longest; ++end) {
         if (endsComponent(end) && path.first(end).normalized(QString::NormalizationForm_C) == composed)
             return end;
     }
