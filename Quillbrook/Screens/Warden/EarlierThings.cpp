@@ -7,6 +7,8 @@
 #include "Scan/Format.h"
 #include "Screens/Warden/WardenRows.h"
 
+#include <ranges>
+
 namespace Quillbrook {
 
 EarlierThings::EarlierThings(AppModel &model, QObject *parent)
@@ -20,42 +22,61 @@ EarlierThings::EarlierThings(AppModel &model, QObject *parent)
 
 void EarlierThings::refresh()
 {
-    const auto &books = m_model.books();
-    const auto &kit = m_model.services().kit;
-    std::vector<HeldItem> before;
-    QList<WardenRow> rows;
-    for (const auto &held : books.held()) {
-        if (held.isOnlyInJournal || m_model.reclaims().justMoved().contains(held.item.id))
-            continue;
-        before.push_back(held);
-        // What went last is what a person is most likely to want back.
-        rows.prepend(WardenRows::heldRow(held, kit.home.homeDirectory(), kit.clock.now()));
-        rows.first().ticked = !books.kept().contains(held.item.id);
-    }
-    if (!rows.isEmpty())
-        rows.last().last = true;
-    m_rows.setRows(rows);
-    m_text = sentence(before);
+    if (!m_rowsShown)
+        m_made.clear();
+    m_rows.setRows(m_rowsShown ? presentRows() : QList<WardenRow>());
+    m_text = sentence();
     Q_EMIT changed();
 }
 
-QString EarlierThings::sentence(const std::vector<HeldItem> &before) const
+bool EarlierThings::isEarlier(const HeldItem &held) const
 {
-    if (before.empty())
-        return {};
+    return !held.isOnlyInJournal && !m_model.reclaims().justMoved().contains(held.item.id);
+}
+
+// What went last is what a person is most likely to want back.
+QList<WardenRow> EarlierThings::presentRows()
+{
     const auto &books = m_model.books();
+    const auto &kit = m_model.services().kit;
+    const auto home = kit.home.homeDirectory();
+    const auto now = kit.clock.now();
+    QList<WardenRow> rows;
+    for (const auto &held : books.held() | std::views::reverse) {
+        if (!isEarlier(held))
+            continue;
+        rows.append(m_made.of(held, home, now));
+        rows.last().ticked = !books.kept().contains(held.item.id);
+    }
+    if (!rows.isEmpty())
+        rows.last().last = true;
+    return rows;
+}
+
+QString EarlierThings::sentence() const
+{
+    const auto &books = m_model.books();
+    bool isAnyEarlier = false;
+    bool isAnyOther = false;
     qsizetype count = 0;
     qint64 bytes = 0;
-    for (const auto &held : before) {
-        if (books.kept().contains(held.item.id))
+    for (const auto &held : books.held()) {
+        const bool isOfThese = isEarlier(held);
+        isAnyEarlier |= isOfThese;
+        if (held.isOnlyInJournal || books.kept().contains(held.item.id))
+            continue;
+        isAnyOther |= !isOfThese;
+        if (!isOfThese)
             continue;
         ++count;
         bytes = cappedSum(bytes, held.item.bytes);
     }
+    if (!isAnyEarlier)
+        return {};
     const auto size = Format::bytes(bytes);
     if (count == 0)
         return tr("What Quillbrook moved there before stays.");
-    if (static_cast<qsizetype>(books.deletable().size()) > count)
+    if (isAnyOther)
         return (count == 1 ? tr("%1 item (%2) that Quillbrook moved there before goes too.")
                            : tr("%1 items (%2) that Quillbrook moved there before go too."))
             .arg(Format::count(count), size);
@@ -73,7 +94,7 @@ void EarlierThings::toggle(int row)
 void EarlierThings::toggleRows()
 {
     m_rowsShown = !m_rowsShown;
-    Q_EMIT changed();
+    refresh();
 }
 
 void EarlierThings::hideRows()

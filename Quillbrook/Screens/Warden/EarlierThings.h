@@ -4,13 +4,12 @@
 // for good: how much that is, and a row for each, which can be unticked to keep it there. Main thread only;
 // the model outlives it.
 
+#include "Screens/Warden/HeldRows.h"
 #include "Screens/Warden/WardenListModel.h"
 
 #include <QObject>
 #include <QString>
 #include <QtQmlIntegration>
-
-#include <vector>
 
 namespace Quillbrook {
 
@@ -25,6 +24,7 @@ class EarlierThings : public QObject
 
     /// A sentence about what of it goes; empty where there is nothing.
     Q_PROPERTY(QString text READ text NOTIFY changed FINAL)
+    /// Empty while they are not shown: there may be a hundred thousand.
     Q_PROPERTY(Quillbrook::WardenListModel *rows READ rows CONSTANT FINAL)
     Q_PROPERTY(bool rowsShown READ rowsShown NOTIFY changed FINAL)
 
@@ -46,10 +46,13 @@ Q_SIGNALS:
 
 private:
     void refresh();
-    [[nodiscard]] QString sentence(const std::vector<HeldItem> &before) const;
+    [[nodiscard]] bool isEarlier(const HeldItem &held) const;
+    [[nodiscard]] QList<WardenRow> presentRows();
+    [[nodiscard]] QString sentence() const;
 
     AppModel &m_model;
     WardenListModel m_rows;
+    HeldRows m_made;
     QString m_text;
     bool m_rowsShown = false;
 };

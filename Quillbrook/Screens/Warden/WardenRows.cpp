@@ -124,7 +124,7 @@ QList<WardenRow> trashBanner(const Input &input)
         return rows;
     // What went last is what a person is most likely to want back.
     for (auto held = input.held.rbegin(); held != input.held.rend(); ++held) {
-        rows.append(heldRow(*held, input.home, input.now));
+        rows.append(input.heldRows.of(*held, input.home, input.now));
         rows.last().ticked = !input.heldBack.contains(held->item.id);
         rows.last().waits = input.isBusy;
     }

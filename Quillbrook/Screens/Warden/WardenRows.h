@@ -7,6 +7,7 @@
 #include "Removal/Books.h"
 #include "Removal/SafetyNet.h"
 #include "Removal/TrashLedger.h"
+#include "Screens/Warden/HeldRows.h"
 #include "Screens/Warden/WardenRow.h"
 
 #include <QDateTime>
@@ -38,9 +39,10 @@ struct Input
     const QStringList &stayedReasons;
     /// What a rule is offered for.
     const std::optional<Finding> &automationOffer;
-    /// What Quillbrook moved to the Trash and what still lies there, whether that is listed, and the ids of
-    /// what is not ticked there.
+    /// What Quillbrook moved to the Trash and what still lies there, the rows that its list has had, whether
+    /// it is open, and the ids of what is not ticked there.
     const std::vector<HeldItem> &held;
+    HeldRows &heldRows;
     bool heldShown = false;
     const QSet<QString> &heldBack;
     /// Something is being removed.

@@ -208,6 +208,8 @@ QString WardenState::finishTitle() const
 
 void WardenState::refresh()
 {
+    if (!m_heldShown)
+        m_heldRows.clear();
     m_rows.setRows(WardenRows::rows({ .report = m_model.scans().report(),
         .chosen = m_chosen,
         .pathShown = m_pathShown,
@@ -216,6 +218,7 @@ void WardenState::refresh()
         .stayedReasons = m_model.reclaims().stayedReasons(),
         .automationOffer = m_model.automation().offer(),
         .held = m_model.books().held(),
+        .heldRows = m_heldRows,
         .heldShown = m_heldShown,
         .heldBack = m_model.books().kept(),
         .isBusy = m_model.removals().isBusy(),

@@ -114,6 +114,7 @@ private:
     QList<Finding> m_asked;
     RemovalState m_removal;
     EarlierThings m_earlier;
+    HeldRows m_heldRows;
     bool m_heldShown = false;
     bool m_canReclaim = false;
     QString m_total;

@@ -70,6 +70,9 @@ private Q_SLOTS:
         fixture.settled();
         QCOMPARE(fixture.offer.title(), u"Moved 16.0 KB to the Trash. Free the space now?"_s);
         QCOMPARE(earlier.text(), u"1 item (4.0 KB) that Quillbrook moved there before goes too."_s);
+        // None is made before it is asked for.
+        QCOMPARE(earlier.rows()->rowCount(), 0);
+        earlier.toggleRows();
         QCOMPARE(earlier.rows()->rowCount(), 1);
         earlier.toggle(0);
         QVERIFY(!earlier.rows()->at(0)->ticked);
@@ -90,6 +93,7 @@ private Q_SLOTS:
         fixture.scan();
         fixture.model->reclaims().reclaim({ fixture.finding(".npm/_cacache") }, false);
         fixture.settled();
+        fixture.offer.earlier()->toggleRows();
         QVERIFY(!fixture.offer.earlier()->rows()->at(0)->ticked);
         fixture.offer.free();
         fixture.settled();

@@ -48,6 +48,7 @@ struct Fixture
             .stayedReasons = reasons,
             .automationOffer = offer,
             .held = held,
+            .heldRows = heldRows,
             .heldShown = heldShown,
             .heldBack = heldBack,
             .offersCompleteScan = offers,
@@ -70,6 +71,7 @@ struct Fixture
     std::optional<Verification> verification;
     QStringList reasons;
     std::vector<HeldItem> held;
+    mutable HeldRows heldRows;
     bool heldShown = false;
     QSet<QString> heldBack;
     std::optional<Finding> offer;

@@ -420,10 +420,10 @@ private Q_SLOTS:
         WardenState warden(*home.model);
         auto &earlier = *warden.earlier();
         QCOMPARE(earlier.text(), u"2 items (12.0 KB) that Quillbrook moved there before go."_s);
-        QCOMPARE(earlier.rows()->at(0)->title, u"Android build logs · log"_s);
-        QVERIFY(earlier.rows()->at(1)->last);
         earlier.toggleRows();
         QVERIFY(earlier.rowsShown());
+        QCOMPARE(earlier.rows()->at(0)->title, u"Android build logs · log"_s);
+        QVERIFY(earlier.rows()->at(1)->last);
         earlier.toggle(1);
         QCOMPARE(earlier.text(), u"1 item (4.0 KB) that Quillbrook moved there before goes."_s);
         QCOMPARE(warden.finishTitle(), u"Permanently remove 4.0 KB?"_s);
