@@ -224,12 +224,12 @@ void ReclaimDriver::takeMembers(
 void ReclaimDriver::finishRemoving()
 {
     // What went into the Trash while this waited for its turn was not asked about.
-    std::vector<TrashedItem> asked;
-    for (const auto &held : m_books.deletable())
-        asked.push_back(held.item);
+    const auto asked = std::make_shared<std::vector<TrashedItem>>();
+    for (auto &held : m_books.deletable())
+        asked->push_back(std::move(held.item));
     // Rows whose name in the Trash something else has by now are tried too, which they don't survive.
     const auto items = [asked](const Books &books) {
-        auto all = asked;
+        auto all = std::move(*asked);
         std::ranges::move(books.ledger.exchanged(), std::back_inserter(all));
         return all;
     };
@@ -261,16 +261,17 @@ void ReclaimDriver::purgeBy(
 
 void ReclaimDriver::putBack()
 {
-    const auto things = m_books.ticked();
-    if (things.empty())
+    // Shared, as the results are: on its way from thread to thread an order is copied some times.
+    const auto things = std::make_shared<const std::vector<HeldItem>>(m_books.ticked());
+    if (things->empty())
         return;
     const auto results = std::make_shared<std::vector<std::expected<void, QString>>>();
     const auto work = [things, results](const RemovalQueue::Watch &watch, const Books &books) -> qint64 {
-        *results = books.putBack(things, leaving(watch));
+        *results = books.putBack(*things, leaving(watch));
         return 0;
     };
     m_books.run({ .verb = RemovalQueue::Verb::puttingBack, .work = work, .end = [this, things, results] {
-                     takeReturns(things, *results);
+                     takeReturns(*things, *results);
                  } });
 }
 
