@@ -6,6 +6,7 @@
 #include "Platform/Linux/Folders/OpenFolders.h"
 
 #include <algorithm>
+#include <climits>
 #include <fcntl.h>
 #include <functional>
 #include <utility>
@@ -15,6 +16,9 @@ namespace Quillbrook {
 namespace {
 
 constexpr size_t batchBytes = 262144;
+// What no path reaches can't be asked about again, nor moved: one such picture would keep all others from
+// going.
+constexpr size_t longestPath = PATH_MAX - 1;
 constexpr qint64 millisecondsOfSecond = 1000;
 // Files of one shot are written one after the other.
 constexpr std::uint64_t secondsOfShot = 60;
@@ -81,6 +85,8 @@ void PhotoWalk::readFolder(int folder, const std::string &path, EntryBatch &batc
     while (!m_work.isStopped && batch.read(folder)) {
         while (const auto *entry = batch.next()) {
             const std::string_view name(entry->d_name);
+            if (path.size() + 1 + name.size() > longestPath)
+                continue;
             // Where the kind is not told, both are tried: opening tells a folder, and asking a file.
             if (entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN)
                 if (!PhotoFileName::isLeftOut(name))

@@ -1,10 +1,15 @@
 #include "Photos/Linux/PhotoStatus.h"
 #include "Photos/Linux/PhotoWalk.h"
+#include "Platform/Linux/Files/FileDescriptor.h"
 #include "Support/MadePictures.h"
 #include "Support/Suite.h"
 
 #include <QTest>
 
+#include <climits>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Quillbrook;
@@ -187,6 +192,26 @@ private Q_SLOTS:
         QCOMPARE(library.found().size(), size_t(3));
         // One of each folder that has a picture of the range.
         QCOMPARE(asked.size(), size_t(3));
+    }
+
+    // What the walk keeps of a folder is its path, and what it finds is moved by it.
+    void leavesOutWhatNoPathReaches()
+    {
+        const Library library;
+        const std::string shot = "/IMG_20190601_120000.jpg";
+        constexpr size_t room = 200;
+        std::string folder(room, 'f');
+        while (library.tree.path(folder).size() + room + shot.size() < PATH_MAX)
+            folder += '/' + std::string(room, 'f');
+        std::filesystem::create_directories(library.tree.path(folder));
+        library.tree.file(folder + shot);
+        const std::string deeper(NAME_MAX, 'd');
+        const FileDescriptor last(::open(library.tree.path(folder).c_str(), O_RDONLY | O_DIRECTORY));
+        QCOMPARE(::mkdirat(last.number(), deeper.c_str(), 0700), 0);
+        const FileDescriptor file(
+            ::openat(last.number(), (deeper + shot).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        QVERIFY(file.isOpen());
+        QCOMPARE(library.found(), (std::vector<Names>{ { folder + shot } }));
     }
 
     void folderOfVideosHasNoPictures()
