@@ -4,6 +4,7 @@
 #include "JsonValues.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace Quillbrook::ModelAnswers {
 
@@ -13,10 +14,20 @@ using namespace JsonValues;
 namespace {
 
 constexpr qsizetype longestName = 60;
+/// Of one object; what follows is left out. Each is compared with all before it, and anybody may answer.
+constexpr int mostKeys = 1000;
 
 Json parsed(const QByteArray &body)
 {
-    return Json::parse(body.cbegin(), body.cend(), nullptr, false);
+    std::vector<int> keys;
+    const auto isKept = [&keys](int depth, Json::parse_event_t event, const Json & /*value*/) {
+        const auto level = static_cast<size_t>(depth);
+        keys.resize(std::max(keys.size(), level + 2));
+        if (event == Json::parse_event_t::object_start)
+            keys[level + 1] = 0;
+        return event != Json::parse_event_t::key || ++keys[level] <= mostKeys;
+    };
+    return Json::parse(body.cbegin(), body.cend(), isKept, false);
 }
 
 bool endsWith(const std::string &text, const char *ending)

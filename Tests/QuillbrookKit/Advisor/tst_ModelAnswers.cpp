@@ -104,6 +104,26 @@ private Q_SLOTS:
         QTEST(ModelAnswers::isLoading(body), "isLoading");
     }
 
+    // Another user's program may answer as well, with anything.
+    void objectIsReadUpToItsThousandthKey_data()
+    {
+        QTest::addColumn<int>("keysBefore");
+        QTest::addColumn<bool>("isRead");
+        QTest::newRow("none") << 0 << true;
+        QTest::newRow("the thousandth") << 999 << true;
+        QTest::newRow("one too many") << 1000 << false;
+    }
+    void objectIsReadUpToItsThousandthKey()
+    {
+        QFETCH(int, keysBefore);
+        QByteArray keys;
+        for (int i = 0; i < keysBefore; ++i)
+            keys += "\"" + QByteArray::number(i) + "\":0,";
+        // Another object has a count of its own.
+        const auto body = "{\"other\":[{" + keys + R"("last":{}}],)" + keys.mid(6) + R"("status":"ok"})";
+        QTEST(ModelAnswers::isHealthy(body), "isRead");
+    }
+
     void nameIsShownWithoutItsFolders_data()
     {
         QTest::addColumn<QString>("id");
