@@ -63,10 +63,14 @@ RuleRemovals AppModel::ruleRemovals()
                      const RuleRemovals::Cleared &cleared) { m_reclaims.clearForRules(findings, cleared); },
         .due =
             [this](const QDateTime &now, qint64 freeBytes, const RuleRemovals::Due &due) {
-                const auto read = [&ledger = m_books.ledger(), now, freeBytes] {
-                    return ledger.ruleItemsDue(now, freeBytes);
+                const auto read = [&books = m_books, now, freeBytes] {
+                    return books.ledger().ruleItemsDue(now, freeBytes);
                 };
-                m_removals.ask(read).then(this, due);
+                m_removals.ask(read).then(this, [this, due](std::vector<TrashedItem> items) {
+                    std::erase_if(
+                        items, [this](const TrashedItem &item) { return m_books.kept().contains(item.id); });
+                    due(items);
+                });
             },
         .purge = [this](const std::vector<TrashedItem> &items,
                      const RuleRemovals::Purged &purged) { m_reclaims.purge(items, purged); },

@@ -23,7 +23,8 @@ struct RuleRemovals
 
     /// Moves findings to the Trash, in their order, and answers with an outcome for each that was begun.
     std::function<void(const QList<Finding> &findings, Cleared cleared)> clear{};
-    /// Answers with what rules moved and what may go for good now, of a disk with so many bytes free.
+    /// Answers with what rules moved and what may go for good now, of a disk with so many bytes free. What a
+    /// person keeps in the Trash is not among it.
     std::function<void(const QDateTime &now, qint64 freeBytes, Due due)> due{};
     /// Deletes rows of the ledger for good.
     std::function<void(const std::vector<TrashedItem> &items, Purged purged)> purge{};

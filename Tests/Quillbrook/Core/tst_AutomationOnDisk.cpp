@@ -119,6 +119,24 @@ private Q_SLOTS:
         QVERIFY(fixture.rows().empty());
     }
 
+    void whatIsKeptOutlivesItsDay()
+    {
+        Fixture fixture;
+        fixture.addRule(packages);
+        fixture.scan();
+        fixture.calm();
+        fixture.free(300);
+        const auto kept = fixture.model->books().held().front().item;
+        fixture.model->books().toggleKept(kept.id);
+        fixture.clock.moment = fixture.clock.moment.addDays(1);
+        fixture.tick();
+        QVERIFY(fixture.isTrashed("one") && !fixture.isTrashed("two"));
+        QCOMPARE(fixture.rows(), std::vector{ kept });
+        fixture.model->books().toggleKept(kept.id);
+        fixture.tick();
+        QVERIFY(!fixture.isTrashed("one"));
+    }
+
     void underFiveGigabytesItIsGoneAtOnce()
     {
         Fixture fixture;
