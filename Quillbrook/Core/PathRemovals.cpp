@@ -1,5 +1,6 @@
 #include "Core/PathRemovals.h"
 
+#include "Core/ChangedFolders.h"
 #include "Core/LogLine.h"
 #include "Core/Navigation.h"
 #include "Core/RemovalBooks.h"
@@ -7,10 +8,10 @@
 #include "Core/VolumeFigures.h"
 #include "Platform/FileFacts.h"
 #include "Platform/HomeFolder.h"
+#include "Removal/CappedSum.h"
 #include "Removal/HostGuards.h"
 #include "Removal/RemovalServices.h"
 #include "Scan/Format.h"
-#include "StandardisedPath.h"
 
 #include <memory>
 #include <utility>
@@ -72,7 +73,7 @@ void PathRemovals::removeSelected(bool permanent, std::uint64_t inode)
     };
     m_books.run({ .verb = permanent ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
         .work = work,
-        .volume = parentOf(removing->order.path),
+        .changed = [removing] { return ChangedFolders::of(std::vector{ removing->removal }); },
         .end = [this, removing, permanent] { takeSelected(removing->removal, removing->item, permanent); } });
 }
 
@@ -96,7 +97,7 @@ void PathRemovals::removeBy(const Work &work, const QString &subject, const std:
         std::vector<TrashedItem> rows;
         qint64 bytes = 0;
         for (const auto &removal : *removals) {
-            bytes += removal.bytes;
+            bytes = cappedSum(bytes, removal.bytes);
             if (removal.trashed)
                 rows.push_back(*removal.trashed);
         }
@@ -109,7 +110,8 @@ void PathRemovals::removeBy(const Work &work, const QString &subject, const std:
         if (done)
             done();
     };
-    m_books.run({ .work = onThread, .end = end });
+    m_books.run(
+        { .work = onThread, .changed = [removals] { return ChangedFolders::of(*removals); }, .end = end });
 }
 
 void PathRemovals::takeRemovals(const std::vector<PathRemoval::Removal> &removals, const QString &subject)
@@ -119,7 +121,7 @@ void PathRemovals::takeRemovals(const std::vector<PathRemoval::Removal> &removal
         if (removal.error)
             m_uninstallLog.prepend(LogLine::failed(*removal.error));
         else
-            total += removal.bytes;
+            total = cappedSum(total, removal.bytes);
     }
     if (total > 0)
         m_uninstallLog.prepend(LogLine::done(

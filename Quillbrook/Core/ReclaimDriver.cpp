@@ -1,6 +1,7 @@
 #include "Core/ReclaimDriver.h"
 
 #include "Catalogue/StorageCatalogue.h"
+#include "Core/ChangedFolders.h"
 #include "Core/LogLine.h"
 #include "Core/RemovalBooks.h"
 #include "Core/ScanDriver.h"
@@ -8,6 +9,7 @@
 #include "Core/VolumeFigures.h"
 #include "Platform/HomeFolder.h"
 #include "Platform/SpaceHolders.h"
+#include "Removal/CappedSum.h"
 #include "Removal/Clearance.h"
 #include "Removal/StayedSpace.h"
 #include "Scan/Format.h"
@@ -124,6 +126,7 @@ void ReclaimDriver::clear(const std::shared_ptr<Clearing> &clearing, const Clear
     m_books.run({ .verb = permanently ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
         .begin = begin,
         .work = work,
+        .changed = [clearing] { return ChangedFolders::of(clearing->order.findings); },
         .end = [clearing, cleared] { cleared(clearing->outcomes); } });
 }
 
@@ -181,7 +184,7 @@ void ReclaimDriver::removeItems(const QList<StorageItem> &items, const Finding &
                 .bytes = bytes });
             moving->moved.push_back(reclaimer.moveItem(item, finding));
             if (const auto &moved = moving->moved.back()) {
-                bytes += moved->bytes;
+                bytes = cappedSum(bytes, moved->bytes);
                 rows.push_back(*moved);
             }
         }
@@ -194,7 +197,8 @@ void ReclaimDriver::removeItems(const QList<StorageItem> &items, const Finding &
             names.append(item.name);
         takeMembers(moving->moved, names);
     };
-    m_books.run({ .work = work, .end = end });
+    m_books.run(
+        { .work = work, .changed = [finding] { return std::vector{ finding.rawPath }; }, .end = end });
 }
 
 void ReclaimDriver::takeMembers(
@@ -211,7 +215,7 @@ void ReclaimDriver::takeMembers(
             continue;
         }
         lines.append(LogLine::done(u"%1 — %2 to Trash"_s.arg(name, Format::bytes(one->bytes))));
-        total += one->bytes;
+        total = cappedSum(total, one->bytes);
         ids.push_back(one->id);
     }
     appendLines(lines);
@@ -250,13 +254,21 @@ void ReclaimDriver::purge(const std::vector<TrashedItem> &items, const Purged &p
 void ReclaimDriver::purgeBy(
     const std::function<std::vector<TrashedItem>(const Books &books)> &items, const Purged &purged)
 {
-    const auto result = std::make_shared<TrashLedger::Purged>();
-    const auto work = [result, items](const RemovalQueue::Watch &watch, const Books &books) -> qint64 {
-        *result = books.purge(items(books), leaving(watch));
+    struct Purging
+    {
+        std::vector<TrashedItem> items{};
+        TrashLedger::Purged purged{};
+    };
+    const auto purging = std::make_shared<Purging>();
+    const auto work = [purging, items](const RemovalQueue::Watch &watch, const Books &books) -> qint64 {
+        purging->items = items(books);
+        purging->purged = books.purge(purging->items, leaving(watch));
         return 0;
     };
-    m_books.run(
-        { .verb = RemovalQueue::Verb::deleting, .work = work, .end = [result, purged] { purged(*result); } });
+    m_books.run({ .verb = RemovalQueue::Verb::deleting,
+        .work = work,
+        .changed = [purging] { return ChangedFolders::of(purging->items); },
+        .end = [purging, purged] { purged(purging->purged); } });
 }
 
 void ReclaimDriver::putBack()
@@ -270,9 +282,10 @@ void ReclaimDriver::putBack()
         *results = books.putBack(*things, leaving(watch));
         return 0;
     };
-    m_books.run({ .verb = RemovalQueue::Verb::puttingBack, .work = work, .end = [this, things, results] {
-                     takeReturns(*things, *results);
-                 } });
+    m_books.run({ .verb = RemovalQueue::Verb::puttingBack,
+        .work = work,
+        .changed = [things] { return ChangedFolders::of(*things); },
+        .end = [this, things, results] { takeReturns(*things, *results); } });
 }
 
 // After a stop some things have no result.

@@ -26,21 +26,42 @@ RemovalBooks::RemovalBooks(const KitServices &kit, RemovalQueue &queue, QObject 
     : QObject(parent)
     , m_kit(kit)
     , m_queue(queue)
-    , m_ledger(LedgerServices::of(kit), TrashLedger::standardStore(kit.dataFolder))
-    , m_journal(
-          kit.reading, kit.writing, RemovalJournal::besideLedger(TrashLedger::standardStore(kit.dataFolder)))
     , m_reclaimedSoFar(std::max<qint64>(kit.defaults.integer(reclaimedBytesKey).value_or(0), 0))
 {
     m_flushPool.setMaxThreadCount(1);
-    books().takeUp(m_reclaimedSoFar, [this](qint64 bytes) { count(bytes); });
-    refresh();
+    takeUp();
 }
 
 RemovalBooks::~RemovalBooks() = default;
 
 Books RemovalBooks::books()
 {
-    return { .ledger = m_ledger, .journal = m_journal, .trash = m_kit.trash };
+    return { .ledger = *m_ledger, .journal = *m_journal, .trash = m_kit.trash };
+}
+
+void RemovalBooks::takeUp()
+{
+    // Shared by the threads that it goes through, one after the other.
+    struct Taken
+    {
+        std::optional<qint64> bytes{};
+        std::vector<HeldItem> held{};
+    };
+    const auto taken = std::make_shared<Taken>();
+    const auto work = [this, taken, before = m_reclaimedSoFar](const RemovalQueue::Watch & /*watch*/) {
+        const auto store = TrashLedger::standardStore(m_kit.dataFolder);
+        m_ledger.emplace(LedgerServices::of(m_kit), store);
+        m_journal.emplace(m_kit.reading, m_kit.writing, RemovalJournal::besideLedger(store));
+        taken->bytes = books().recover(before);
+        taken->held = books().held();
+    };
+    const auto end = [this, taken] {
+        if (taken->bytes)
+            close(*taken->bytes, std::move(taken->held));
+        else
+            setHeld(std::move(taken->held));
+    };
+    m_queue.enqueue({ .isPreparation = true, .work = work, .end = end });
 }
 
 void RemovalBooks::run(const Run &run)
@@ -51,6 +72,7 @@ void RemovalBooks::run(const Run &run)
         qint64 reclaimedBefore = 0;
         qint64 bytes = 0;
         std::vector<HeldItem> held{};
+        std::vector<std::string> changed{};
     };
     const auto running = std::make_shared<Running>();
     const auto begin = [this, running, before = run.begin] {
@@ -58,15 +80,18 @@ void RemovalBooks::run(const Run &run)
             before();
         running->reclaimedBefore = m_reclaimedSoFar;
     };
-    const auto work = [this, running, act = run.work](const RemovalQueue::Watch &watch) {
-        const auto trashStaysOpen = m_kit.trash.hold();
-        m_journal.startBatch(running->reclaimedBefore);
-        running->bytes = act(watch, books());
-        running->held = books().held();
-    };
-    const auto end = [this, running, volume = run.volume, after = run.end] {
+    const auto work
+        = [this, running, act = run.work, changed = run.changed](const RemovalQueue::Watch &watch) {
+              const auto trashStaysOpen = m_kit.trash.hold();
+              m_journal->startBatch(running->reclaimedBefore);
+              running->bytes = act(watch, books());
+              running->held = books().held();
+              if (changed)
+                  running->changed = changed();
+          };
+    const auto end = [this, running, after = run.end] {
         close(running->bytes, std::move(running->held));
-        startFlush(volume);
+        startFlush(running->changed);
         if (after)
             after();
     };
@@ -77,7 +102,7 @@ void RemovalBooks::close(qint64 bytes, std::vector<HeldItem> held)
 {
     count(bytes);
     // On the thread on which the journal is read, and before the next removal writes to it.
-    static_cast<void>(m_queue.ask([this] { m_journal.close(m_kit.trash); }));
+    static_cast<void>(m_queue.ask([this] { m_journal->close(m_kit.trash); }));
     setHeld(std::move(held));
 }
 
@@ -146,14 +171,13 @@ void RemovalBooks::count(qint64 bytes)
 }
 
 // The disk may go on writing for a while. What is free is read when it has done so.
-void RemovalBooks::startFlush(const std::string &volume)
+void RemovalBooks::startFlush(const std::vector<std::string> &changed)
 {
-    const auto flush = [&trash = m_kit.trash, home = m_kit.home.rawHomeDirectory(), volume] {
-        trash.flush(home);
-        if (!volume.empty())
-            trash.flush(volume);
-    };
-    m_flushing = QtConcurrent::run(&m_flushPool, flush);
+    auto folders = changed;
+    folders.push_back(m_kit.home.rawHomeDirectory());
+    folders.push_back(m_kit.dataFolder);
+    m_flushing = QtConcurrent::run(
+        &m_flushPool, [&trash = m_kit.trash, folders = std::move(folders)] { trash.flush(folders); });
 }
 
 } // namespace Quillbrook

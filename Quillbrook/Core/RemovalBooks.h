@@ -4,6 +4,9 @@
 // person wants kept there, and how much has been reclaimed. Whatever moves something to the Trash, or takes
 // something out of it, runs through here, one after the other. Main thread only, but for what a run does on
 // the queue's thread; what it is made with outlives it.
+//
+// A kill may have left so much that taking it up lasts seconds. So the files are read on the queue's thread
+// too, before anything else has its turn there; what is held, and the total, are told by the signals.
 
 #include "Core/RemovalQueue.h"
 #include "Removal/Books.h"
@@ -16,6 +19,7 @@
 #include <QThreadPool>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,13 +41,14 @@ public:
         /// On the queue's thread, where `books` is nobody else's meanwhile. Answers with the bytes that a
         /// person has reclaimed by it.
         std::function<qint64(const RemovalQueue::Watch &watch, const Books &books)> work{};
-        /// A folder (raw) of the volume that it changes, beside the home folder's; empty for none.
-        std::string volume{};
+        /// On the queue's thread, after the work: a folder (raw) of each volume that it may have changed,
+        /// beside the home folder's. Absent for none.
+        std::function<std::vector<std::string>()> changed{};
         /// On the main thread, once the books are closed.
         std::function<void()> end{};
     };
 
-    /// Takes up what a kill has left.
+    /// Takes up what a kill has left, as the first thing that the queue does. The queue is a new one.
     RemovalBooks(const KitServices &kit, RemovalQueue &queue, QObject *parent = nullptr);
     ~RemovalBooks() override;
 
@@ -53,8 +58,8 @@ public:
     /// Keeps a thing in the Trash, or no longer: neither putting back nor deleting all takes what is kept.
     void toggleKept(const QString &id);
 
-    /// Not to be read while something is being removed.
-    [[nodiscard]] const TrashLedger &ledger() const { return m_ledger; }
+    /// For what the queue is asked, or while nothing is being removed and what a kill has left is taken up.
+    [[nodiscard]] const TrashLedger &ledger() const { return *m_ledger; }
     /// What Quillbrook moved to the Trash and what still lies there, as far as it is known, in the order in
     /// which it went.
     [[nodiscard]] const std::vector<HeldItem> &held() const { return m_held; }
@@ -78,15 +83,17 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] Books books();
+    void takeUp();
     void close(qint64 bytes, std::vector<HeldItem> held);
     void count(qint64 bytes);
     void setHeld(std::vector<HeldItem> held);
-    void startFlush(const std::string &volume);
+    void startFlush(const std::vector<std::string> &changed);
 
     const KitServices &m_kit;
     RemovalQueue &m_queue;
-    TrashLedger m_ledger;
-    RemovalJournal m_journal;
+    /// There once they have been read. The queue's thread alone changes them.
+    std::optional<TrashLedger> m_ledger;
+    std::optional<RemovalJournal> m_journal;
     std::vector<HeldItem> m_held;
     QSet<QString> m_kept;
     qint64 m_reclaimedSoFar = 0;

@@ -35,29 +35,26 @@ void RemovalQueue::enqueue(Removal removal)
 {
     if (m_isClosed)
         return;
+    const bool wasBusy = isBusy();
     m_waiting.push_back(std::move(removal));
     if (!m_running)
         startNext();
+    else if (!wasBusy)
+        Q_EMIT turnChanged();
+    if (isBusy() != wasBusy)
+        Q_EMIT busyChanged();
 }
 
 void RemovalQueue::startNext()
 {
-    const bool wasBusy = isBusy();
     m_progress.reset();
-    if (m_waiting.empty()) {
-        m_running.reset();
-        m_clock.stop();
-        Q_EMIT progressChanged();
-        Q_EMIT turnChanged();
-        Q_EMIT busyChanged();
-        return;
-    }
+    if (m_waiting.empty())
+        return becomeIdle();
     m_running = std::make_shared<Running>();
     m_running->removal = std::move(m_waiting.front());
     m_waiting.pop_front();
     if (m_running->removal.begin)
         m_running->removal.begin();
-    m_clock.start();
     auto *thread = m_running->removal.copying != nullptr ? m_running->removal.copying : &m_thread;
     // Not waited for: it tells by itself when it is done.
     static_cast<void>(QtConcurrent::run(thread, [this, running = m_running] {
@@ -71,10 +68,23 @@ void RemovalQueue::startNext()
         // Outlived by the queue, which waits for its thread, and goes after the owner of any other.
         QMetaObject::invokeMethod(this, &RemovalQueue::finish, Qt::QueuedConnection);
     }));
+    if (m_running->removal.isPreparation)
+        return;
+    m_clock.start();
     Q_EMIT turnChanged();
-    if (!wasBusy)
-        Q_EMIT busyChanged();
     Q_EMIT progressChanged();
+}
+
+void RemovalQueue::becomeIdle()
+{
+    const bool wasBusy = isBusy();
+    m_running.reset();
+    m_clock.stop();
+    if (!wasBusy)
+        return;
+    Q_EMIT progressChanged();
+    Q_EMIT turnChanged();
+    Q_EMIT busyChanged();
 }
 
 // Busy still, so that what the end of a removal asks for waits for its turn.
@@ -97,6 +107,11 @@ void RemovalQueue::close()
     m_isClosed = true;
     m_waiting.clear();
     stop();
+}
+
+bool RemovalQueue::isBusy() const
+{
+    return (m_running && !m_running->removal.isPreparation) || !m_waiting.empty();
 }
 
 bool RemovalQueue::isCopying() const

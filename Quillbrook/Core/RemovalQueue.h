@@ -65,6 +65,9 @@ public:
         /// meanwhile. It uses neither the ledger nor the journal. Its owner waits for it and goes before the
         /// queue. Absent for all other work.
         QThreadPool *copying = nullptr;
+        /// No removal, but what has to be done before the first one begins. `isBusy` speaks of what waits for
+        /// it, and not of it.
+        bool isPreparation = false;
         /// On the main thread, when its turn has come.
         std::function<void()> begin{};
         /// On the queue's thread, or on that of the copies.
@@ -93,7 +96,7 @@ public:
     void wait() { m_thread.waitForDone(); }
 
     /// Whether something is being removed, or waits for it.
-    [[nodiscard]] bool isBusy() const { return m_running != nullptr; }
+    [[nodiscard]] bool isBusy() const;
     /// Whether it is a copy that runs.
     [[nodiscard]] bool isCopying() const;
     /// Whether what runs has been told to stop.
@@ -104,7 +107,7 @@ public:
 
 Q_SIGNALS:
     void busyChanged();
-    /// Another removal has begun, or none is left.
+    /// Another removal has begun, or waits for a preparation, or none is left.
     void turnChanged();
     /// Also when another removal has begun, or the one that runs is stopping.
     void progressChanged();
@@ -113,6 +116,7 @@ private:
     struct Running;
 
     void startNext();
+    void becomeIdle();
     void finish();
     void showProgress();
 

@@ -112,9 +112,10 @@ public:
     /// where there is nothing, or it can't be told.
     virtual void finishErasing(const std::string &trashPath, const Provenance &from) = 0;
 
-    /// Waits until the volume of the folder at `path` has everything on its disk that was moved or deleted
-    /// there, the notes in its trash among it. Takes as long as the disk does: not for the main thread.
-    virtual void flush(const std::string &path) const = 0;
+    /// Waits until the volume of each of these folders has everything on its disk that was moved or deleted
+    /// there, the notes in its trash among it. A folder that is gone by now is passed over. Takes as long as
+    /// the disks do: not for the main thread.
+    virtual void flush(const std::vector<std::string> &folders) const = 0;
 
     /// Whether `path` is a trash of this user, or lies anywhere in one. Told by where trashes are kept, also
     /// of paths that are not there.

@@ -83,7 +83,7 @@ qint64 Books::record(const std::vector<Reclaimer::Outcome> &outcomes, bool byRul
     qint64 total = 0;
     for (const auto &outcome : outcomes) {
         if (!outcome.error)
-            total += outcome.bytesMoved;
+            total = cappedSum(total, outcome.bytesMoved);
         else if (!byRule)
             continue;
         for (const auto &item : outcome.trashed)
@@ -99,10 +99,10 @@ void Books::enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, 
     journal.close(trash);
 }
 
-void Books::takeUp(qint64 reclaimedSoFar, const Count &count) const
+std::optional<qint64> Books::recover(qint64 reclaimedSoFar) const
 {
     if (journal.units().empty() && journal.leaving().empty())
-        return;
+        return std::nullopt;
     for (const auto &item : journal.leaving())
         std::ignore = tidy(item);
     const TakingUp takingUp(*this);
@@ -115,8 +115,15 @@ void Books::takeUp(qint64 reclaimedSoFar, const Count &count) const
     }
     if (!rows.empty())
         ledger.record(rows);
-    if (total > reclaimedSoFar)
-        count(total - reclaimedSoFar);
+    return total > reclaimedSoFar ? total - reclaimedSoFar : 0;
+}
+
+void Books::takeUp(qint64 reclaimedSoFar, const Count &count) const
+{
+    const auto bytes = recover(reclaimedSoFar);
+    if (!bytes)
+        return;
+    count(*bytes);
     journal.close(trash);
 }
 

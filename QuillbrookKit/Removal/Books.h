@@ -9,6 +9,7 @@
 
 #include <expected>
 #include <functional>
+#include <optional>
 
 namespace Quillbrook {
 
@@ -42,10 +43,13 @@ struct Books
     /// The same, then counts, and closes the journal.
     void enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const;
 
-    /// At the start: what the journal names, and nothing else in the Trash, becomes rows, and what a person's
-    /// removals are missing in `reclaimedSoFar` is counted. Notes that it names and that have no thing are
-    /// dropped, and rights that a move had lent are taken back. Whatever is interrupted is done by the next
-    /// call.
+    /// At the start: what the journal names, and nothing else in the Trash, becomes rows. Notes that it names
+    /// and that have no thing are dropped, and rights that a move had lent are taken back. Answers with the
+    /// bytes to count, which a person's removals are missing in `reclaimedSoFar`, or with nothing where the
+    /// journal names nothing. Else it is to be closed once they are counted; whatever is interrupted before
+    /// is done by the next call.
+    [[nodiscard]] std::optional<qint64> recover(qint64 reclaimedSoFar) const;
+    /// The same, then counts, and closes the journal.
     void takeUp(qint64 reclaimedSoFar, const Count &count) const;
 
     /// What lies in the Trash still, in the order in which it went.

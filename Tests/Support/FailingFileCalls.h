@@ -6,7 +6,9 @@
 
 #include <cerrno>
 #include <functional>
+#include <mutex>
 #include <string_view>
+#include <vector>
 
 namespace Quillbrook {
 
@@ -29,6 +31,9 @@ public:
     bool hidesMounts = false;
     /// Things are known by their notes alone, as on file systems that keep no inodes.
     bool hidesInodes = false;
+
+    /// The names of the folders whose volumes were flushed.
+    mutable std::vector<std::string> flushed{};
 
     /// What failed last, for messages.
     mutable std::string failed{};
@@ -98,6 +103,10 @@ public:
     {
         if (beforeSync)
             beforeSync();
+        {
+            const std::scoped_lock lock(m_flushing);
+            flushed.push_back(nameOf(folder, {}));
+        }
         return FileCalls::syncVolume(folder);
     }
     [[nodiscard]] bool keepsInodes(int folder) const override
@@ -128,6 +137,8 @@ private:
         errno = failure;
         return true;
     }
+
+    mutable std::mutex m_flushing;
 };
 
 } // namespace Quillbrook

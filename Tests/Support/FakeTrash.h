@@ -24,6 +24,8 @@ public:
     std::string folder = "/home/someone/.local/share/Trash";
     /// What was asked, in order: "move PATH", "restore PATH PATH", "erase PATH", "remove PATH".
     std::vector<std::string> asked;
+    /// The folders of the last flush.
+    mutable std::vector<std::string> flushed;
 
     using FileRemoval::remove;
     using Trash::erase;
@@ -78,7 +80,7 @@ public:
         const auto found = origins.find(from);
         return things.contains(from) && (found == origins.end() || found->second == was.originalPath);
     }
-    void flush(const std::string &) const override { }
+    void flush(const std::vector<std::string> &folders) const override { flushed = folders; }
     void takeBackRight(const std::string &, const Provenance &) override { }
     void finishErasing(const std::string &path, const Provenance &) override
     {

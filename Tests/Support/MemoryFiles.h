@@ -1,11 +1,13 @@
 #pragma once
 
-// Files in memory, for what reads and writes whole ones. Writing fails for as long as a test says so.
+// Files in memory, for what reads and writes whole ones, on any thread. Writing fails for as long as a test
+// says so.
 
 #include "Platform/FileReading.h"
 #include "Platform/FileWriting.h"
 
 #include <map>
+#include <mutex>
 
 namespace Quillbrook {
 
@@ -19,6 +21,7 @@ public:
 
     [[nodiscard]] std::optional<QByteArray> contents(const std::string &path, qsizetype limit) const override
     {
+        const std::scoped_lock lock(m_mutex);
         const auto found = files.find(path);
         if (found == files.end() || found->second.size() > limit)
             return std::nullopt;
@@ -27,6 +30,7 @@ public:
 
     std::expected<void, QString> replace(const std::string &path, QByteArrayView content) override
     {
+        const std::scoped_lock lock(m_mutex);
         ++writes;
         if (isFull)
             return std::unexpected(QStringLiteral("No space left on device"));
@@ -36,11 +40,15 @@ public:
 
     std::expected<void, QString> append(const std::string &path, QByteArrayView content) override
     {
+        const std::scoped_lock lock(m_mutex);
         if (isFull)
             return std::unexpected(QStringLiteral("No space left on device"));
         files[path] += content.toByteArray();
         return {};
     }
+
+private:
+    mutable std::mutex m_mutex;
 };
 
 } // namespace Quillbrook

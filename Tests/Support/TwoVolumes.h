@@ -65,7 +65,7 @@ public:
     {
         m_trash.finishErasing(path, origin);
     }
-    void flush(const std::string &path) const override { m_trash.flush(path); }
+    void flush(const std::vector<std::string> &folders) const override { m_trash.flush(folders); }
     [[nodiscard]] bool holds(const std::string &path) const override { return m_trash.holds(path); }
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override
     {

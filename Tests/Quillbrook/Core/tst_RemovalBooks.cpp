@@ -1,17 +1,24 @@
 // The books of all removals, on real files in a temporary home folder.
 
 #include "Removal/Clearance.h"
+#include "Removal/LedgerFormat.h"
+#include "Support/FakeServices.h"
 #include "Support/HomeOnDisk.h"
 #include "Support/Suite.h"
 
+#include <QCoreApplication>
 #include <QSignalSpy>
+#include <QThread>
 
+#include <atomic>
 #include <limits>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using Change = std::function<void(AppModel &model)>;
 
 constexpr auto packages = ".npm/_cacache";
 constexpr auto logs = ".gradle/daemon";
@@ -43,6 +50,29 @@ struct Fixture : HomeOnDisk
     {
         return RemovalJournal::besideLedger(TrashLedger::standardStore(dataFolder));
     }
+};
+
+// Files in memory that nobody can read before `go`.
+struct SlowFiles final : FileReading
+{
+    explicit SlowFiles(const MemoryFiles &all)
+        : files(all)
+    {
+    }
+
+    [[nodiscard]] std::optional<QByteArray> contents(const std::string &path, qsizetype limit) const override
+    {
+        if (path.ends_with("/ledger.json")) {
+            reader = QThread::currentThread();
+            if (reader != QCoreApplication::instance()->thread())
+                go.acquire();
+        }
+        return files.contents(path, limit);
+    }
+
+    const MemoryFiles &files;
+    mutable QSemaphore go{};
+    mutable std::atomic<QThread *> reader = nullptr;
 };
 
 } // namespace
@@ -106,12 +136,90 @@ private Q_SLOTS:
         if (isTakenUp) {
             fixture.clearWithoutBooks(fixture.finding(packages));
             fixture.start();
+            // The journal is closed after that.
+            fixture.known();
         } else {
             fixture.model->reclaims().reclaim({ fixture.finding(packages) }, false);
             fixture.settled();
         }
         QVERIFY(std::filesystem::is_empty(fixture.journalPath()));
         QCOMPARE(fixture.defaults.stored.value(reclaimedKey), QVariant(qint64(12288)));
+    }
+
+    // A journal of a hundred thousand moves takes seconds.
+    void nothingGoesBeforeTheBooksAreRead()
+    {
+        FakeKit fake;
+        FakeDesktop desktop;
+        const TrashedItem row{ .id = u"A"_s, .label = u"a"_s, .originalPath = "/a", .trashPath = "/t/a" };
+        const auto &folder = fake.kitServices.dataFolder;
+        const auto store = TrashLedger::standardStore(folder);
+        fake.stored.files[store] = LedgerFormat::encode({ row });
+        fake.stored.files[RemovalJournal::besideLedger(store)] = JournalFormat::batch(70)
+            + JournalFormat::begin({ .title = u"b"_s, .bytes = 5 }) + JournalFormat::whole();
+        fake.defaults.setInteger(reclaimedKey, 70);
+        SlowFiles slow(fake.stored);
+        AppModel model(desktop.services(
+            fake.with({ .reading = &slow, .http = &desktop.http, .utility = &desktop.utility })));
+        qint64 totalAtItsBegin = 0;
+        size_t rowsAtItsWork = 0;
+        model.books().run({ .begin = [&] { totalAtItsBegin = model.books().reclaimedSoFar(); },
+            .work = [&](const auto & /*watch*/, const Books &books) -> qint64 {
+                rowsAtItsWork = books.ledger.items().size();
+                return 0;
+            } });
+        QTRY_VERIFY(slow.reader);
+        QVERIFY(slow.reader != thread());
+        QTest::qWait(20);
+        QVERIFY(model.removals().isBusy());
+        QCOMPARE(totalAtItsBegin, qint64(0));
+        slow.go.release();
+        QTRY_VERIFY(!model.removals().isBusy());
+        QCOMPARE(totalAtItsBegin, qint64(75));
+        QCOMPARE(rowsAtItsWork, size_t(1));
+    }
+
+    void changedVolumesAreFlushed_data()
+    {
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<QString>("folder");
+        const Finding finding{ .path = u"/drive/cache"_s, .rawPath = "/drive/cache" };
+        QTest::newRow("a finding that is emptied") << Change([finding](AppModel &model) {
+            auto emptied = finding;
+            emptied.rule.emptyContentsOnly = true;
+            model.reclaims().reclaim({ emptied }, true);
+        }) << u"/drive/cache"_s;
+        QTest::newRow("a finding that goes") << Change([finding](AppModel &model) {
+            auto whole = finding;
+            whole.rule.emptyContentsOnly = false;
+            model.reclaims().reclaim({ whole }, true);
+        }) << u"/drive"_s;
+        QTest::newRow("things of a finding") << Change([finding](AppModel &model) {
+            auto safe = finding;
+            safe.rule.safety = Safety::safe;
+            model.reclaims().removeItems({}, safe);
+        }) << u"/drive/cache"_s;
+        QTest::newRow("things of the Trash") << Change([](AppModel &model) {
+            model.reclaims().purge({ { .trashPath = "/drive/.Trash-7/files/a" } }, [](const auto &) {});
+        }) << u"/drive/.Trash-7/files"_s;
+        QTest::newRow("things that were picked") << Change([](AppModel &model) {
+            const auto work = [](const auto & /*watch*/, auto & /*journal*/) {
+                return std::vector{ PathRemoval::Removal{ .path = "/drive/thing" } };
+            };
+            model.pathRemovals().removeBy(work, u"things"_s);
+        }) << u"/drive"_s;
+    }
+    void changedVolumesAreFlushed()
+    {
+        QFETCH(Change, change);
+        QFETCH(QString, folder);
+        FakeServices fake;
+        AppModel model(fake.services);
+        change(model);
+        QTRY_VERIFY(!model.removals().isBusy());
+        QTRY_VERIFY(model.books().flushing().isFinished());
+        QCOMPARE(fake.trash.flushed,
+            (std::vector{ folder.toStdString(), fake.home.rawHomeDirectory(), fake.kitServices.dataFolder }));
     }
 
     void whatIsKeptIsForgottenOnceItHasLeftTheTrash()

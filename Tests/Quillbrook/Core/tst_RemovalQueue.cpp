@@ -75,6 +75,43 @@ private Q_SLOTS:
         QVERIFY(!queue.progress());
     }
 
+    void preparationComesFirstAndIsNoRemoval()
+    {
+        RemovalQueue queue;
+        QSignalSpy busy(&queue, &RemovalQueue::busyChanged);
+        QSignalSpy turns(&queue, &RemovalQueue::turnChanged);
+        QSemaphore go;
+        QStringList steps;
+        queue.enqueue({ .isPreparation = true,
+            .work = [&](const auto & /*watch*/) { go.acquire(); },
+            .end = [&] { steps.append(u"prepared"_s); } });
+        QVERIFY(!queue.isBusy());
+        QCOMPARE(busy.count() + turns.count(), 0);
+        queue.enqueue({ .begin = [&] { steps.append(u"begins"_s); }, .work = [](const auto & /*watch*/) {} });
+        QVERIFY(queue.isBusy());
+        QVERIFY(steps.isEmpty());
+        // Whoever waits for a removal, or shows one, waits for this one already.
+        QCOMPARE(busy.count(), 1);
+        QCOMPARE(turns.count(), 1);
+        go.release();
+        QTRY_VERIFY(!queue.isBusy());
+        QCOMPARE(steps, QStringList({ u"prepared"_s, u"begins"_s }));
+        QCOMPARE(busy.count(), 2);
+        QCOMPARE(turns.count(), 3);
+    }
+
+    void preparationAloneTellsNobody()
+    {
+        RemovalQueue queue;
+        QSignalSpy busy(&queue, &RemovalQueue::busyChanged);
+        QSignalSpy turns(&queue, &RemovalQueue::turnChanged);
+        bool isDone = false;
+        queue.enqueue(
+            { .isPreparation = true, .work = [](const auto & /*watch*/) {}, .end = [&] { isDone = true; } });
+        QTRY_VERIFY(isDone);
+        QCOMPARE(busy.count() + turns.count(), 0);
+    }
+
     void stopReachesWhatRunsAndNotWhatWaits()
     {
         RemovalQueue queue;

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <random>
+#include <set>
 
 namespace Quillbrook {
 
@@ -113,11 +114,16 @@ std::shared_ptr<OpenTrash> LinuxTrash::open() const
     return m_open.lock();
 }
 
-void LinuxTrash::flush(const std::string &path) const
+void LinuxTrash::flush(const std::vector<std::string> &folders) const
 {
-    const FileDescriptor folder(m_calls.openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_DIRECTORY));
-    if (folder.isOpen())
-        std::ignore = m_calls.syncVolume(folder.number());
+    std::set<std::uint64_t> devices;
+    for (const auto &path : folders) {
+        const FileDescriptor folder(m_calls.openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_DIRECTORY));
+        struct statx status = {};
+        if (folder.isOpen() && m_calls.statAt(folder.number(), "", AT_EMPTY_PATH, status) == 0
+            && devices.insert(MountedDevice::of(status).device).second)
+            std::ignore = m_calls.syncVolume(folder.number());
+    }
 }
 
 bool LinuxTrash::holds(const std::string &path) const

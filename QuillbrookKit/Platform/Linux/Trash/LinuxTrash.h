@@ -41,7 +41,7 @@ public:
     void takeBackRight(const std::string &trashPath, const Provenance &from) override;
     void finishErasing(const std::string &trashPath, const Provenance &from) override;
     [[nodiscard]] std::shared_ptr<void> hold() override;
-    void flush(const std::string &path) const override;
+    void flush(const std::vector<std::string> &folders) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override;
 

@@ -121,7 +121,7 @@ private Q_SLOTS:
         m_store = std::make_unique<FakePermissionStore>();
         m_defaults.values.clear();
         m_processes = {};
-        m_files = {};
+        m_files.files.clear();
         m_session = {
             .desktops = { u"GNOME"_s }, .configFolder = "/settings", .programFolders = { m_tree.text("bin") }
         };

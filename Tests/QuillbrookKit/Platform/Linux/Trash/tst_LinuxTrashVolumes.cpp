@@ -67,6 +67,18 @@ private Q_SLOTS:
         QVERIFY(!f.isThere(f.home.path(".local")));
     }
 
+    void flushReachesEachVolumeOnce()
+    {
+        VolumeFixture f;
+        const Mounted mounted("none", f.home.path("volume"), "tmpfs");
+        QCOMPARE(mounted.failure(), QString());
+        f.home.folder("folder");
+        f.home.folder("volume/drawer");
+        f.trash.flush({ f.home.path("folder"), f.on("gone"), f.on("drawer"), f.home.path("volume"),
+            f.home.path("folder/") });
+        QCOMPARE(f.calls.flushed, (std::vector<std::string>{ "folder", "drawer" }));
+    }
+
     void sharedTrashComesFirst()
     {
         VolumeFixture f;
