@@ -2,6 +2,7 @@
 
 #include "Core/Translation.h"
 #include "RawText.h"
+#include "Removal/CappedSum.h"
 #include "Scan/Format.h"
 #include "Screens/SingleLine.h"
 #include "Screens/Theme.h"
@@ -89,12 +90,12 @@ QList<WardenRow> trashBanner(const Input &input)
         isAnyTicked |= isTicked;
         if (held.isOnlyInJournal) {
             isAnyFailed = true;
-            failedBytes += held.item.bytes;
+            failedBytes = cappedSum(failedBytes, held.item.bytes);
             continue;
         }
         isAnyDeletable |= isTicked;
         ++pending.count;
-        pending.bytes += held.item.bytes;
+        pending.bytes = cappedSum(pending.bytes, held.item.bytes);
     }
     if (pending.bytes <= 0 && !isAnyFailed)
         return {};

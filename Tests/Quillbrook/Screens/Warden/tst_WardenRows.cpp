@@ -1,8 +1,11 @@
+#include "Scan/Format.h"
 #include "Screens/Theme.h"
 #include "Screens/Warden/WardenRows.h"
 #include "Support/Suite.h"
 
 #include <QTest>
+
+#include <limits>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
@@ -226,6 +229,23 @@ private Q_SLOTS:
         QVERIFY(fixture.rows().isEmpty());
         fixture.held.push_back(inTrash("a", 512));
         QCOMPARE(fixture.rows().value(0).title, u"512 B is in the Trash, still taking up space"_s);
+    }
+
+    void sizesThatCannotBeTrueAddUpToTheMost_data()
+    {
+        QTest::addColumn<bool>("isOnlyInJournal");
+        QTest::newRow("rows of the ledger") << false;
+        QTest::newRow("what removals that failed moved") << true;
+    }
+    void sizesThatCannotBeTrueAddUpToTheMost()
+    {
+        QFETCH(bool, isOnlyInJournal);
+        constexpr auto most = std::numeric_limits<qint64>::max();
+        Fixture fixture;
+        fixture.held = { inTrash("a", most), inTrash("b", 1) };
+        for (auto &each : fixture.held)
+            each.isOnlyInJournal = isOnlyInJournal;
+        QVERIFY(fixture.rows().value(0).title.startsWith(Format::bytes(most)));
     }
 
     void whySpaceStayedIsOneLineMore()
