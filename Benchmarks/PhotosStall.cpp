@@ -53,17 +53,8 @@ struct Start
         , data(path.toStdString() + "/.local/share")
         , disk(data + "/Quillbrook", { .homeTrash = data + "/Trash", .user = ::getuid() }, clock)
         , guards(LinuxGuards::guards(LinuxGuards::places(home, disk.reading)))
-        , session({ .configFolder = path + u"/.config"_s })
-        , library({ .removal = { .removal = { .trash = disk.trash,
-                                     .removal = disk.removal,
-                                     .files = disk.files,
-                                     .clock = clock,
-                                     .guards = &guards },
-                        .reading = disk.reading,
-                        .writing = disk.writing,
-                        .guards = &guards,
-                        .home = path.toStdString(),
-                        .list = PhotoRemoval::standardList(data) },
+        , session({ .configFolder = path.toStdString() + "/.config" })
+        , library({ .removal = LinuxPhotoLibrary::removalOn(disk, clock, guards, path.toStdString(), data),
               .defaults = allowed(defaults),
               .home = home,
               .processes = processes,

@@ -129,16 +129,8 @@ struct Services
     LinuxFolderGrants folderGrants{ { .realHome = places.realHome,
         .runtimeFolder = environment().value(u"XDG_RUNTIME_DIR"_s).toStdString() } };
     LinuxDriveChanges driveChanges;
-    LinuxPhotoLibrary photos{ { .removal = { .removal = { .trash = disk.trash,
-                                                 .removal = disk.removal,
-                                                 .files = disk.files,
-                                                 .clock = clock,
-                                                 .guards = &guards },
-                                    .reading = disk.reading,
-                                    .writing = disk.writing,
-                                    .guards = &guards,
-                                    .home = places.realHome,
-                                    .list = PhotoRemoval::standardList(places.dataFolder) },
+    LinuxPhotoLibrary photos{ { .removal
+        = LinuxPhotoLibrary::removalOn(disk, clock, guards, places.realHome, places.dataFolder),
         .defaults = defaults,
         .home = places.home,
         .processes = processes,

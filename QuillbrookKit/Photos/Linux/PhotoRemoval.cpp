@@ -96,7 +96,7 @@ PhotoDeletion PhotoRemoval::moveAll(const LinuxPhotoAssets &assets, PhotoWork &w
 std::expected<TrashedItem, QString> PhotoRemoval::move(const LinuxPhotoAssets &assets, const PhotoFile &file)
 {
     const auto path = assets.path(file);
-    if (const auto sentence = PathRemoval::refusal(path, m_services.home, m_services.guards))
+    if (const auto sentence = PathRemoval::refusal(path, m_services.home, m_services.removal.guards))
         return std::unexpected(*sentence);
     return BookedMove::entry(m_services.removal, &m_list,
         { .label = repairedText(file.name), .originalPath = path, .bytes = file.bytes },
@@ -112,7 +112,7 @@ std::optional<QString> PhotoRemoval::objection(
         return QCoreApplication::translate("PhotoRemoval", "It is not the file that was counted.");
     if (thing.path == judged)
         return std::nullopt;
-    return PathRemoval::refusal(thing.path, m_services.home, m_services.guards);
+    return PathRemoval::refusal(thing.path, m_services.home, m_services.removal.guards);
 }
 
 // The last first, so that names in the Trash that were given one after the other end so.

@@ -21,7 +21,6 @@ public:
         RemovalServices removal;
         const FileReading &reading;
         FileWriting &writing;
-        const HostGuards *guards = nullptr;
         /// Absolute.
         std::string home{};
         /// The list's file, absolute.

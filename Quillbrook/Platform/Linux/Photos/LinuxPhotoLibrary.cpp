@@ -3,6 +3,7 @@
 #include "Platform/FolderGrants.h"
 #include "Platform/FolderPicker.h"
 #include "Platform/HomeFolder.h"
+#include "Platform/Linux/LinuxDisk.h"
 #include "Platform/Linux/Photos/TrashEmptying.h"
 #include "Platform/UserDefaults.h"
 #include "Removal/PathRemoval.h"
@@ -20,6 +21,20 @@ const auto consentKey = u"Quillbrook.photosAllowed"_s;
 const auto bookmarkKey = u"Quillbrook.photosBookmark"_s;
 
 } // namespace
+
+PhotoRemoval::Services LinuxPhotoLibrary::removalOn(LinuxDisk &disk, const Clock &clock,
+    const HostGuards &guards, const std::string &home, const std::string &dataFolder)
+{
+    return { .removal = { .trash = disk.trash,
+                 .removal = disk.removal,
+                 .files = disk.files,
+                 .clock = clock,
+                 .guards = &guards },
+        .reading = disk.reading,
+        .writing = disk.writing,
+        .home = home,
+        .list = PhotoRemoval::standardList(dataFolder) };
+}
 
 LinuxPhotoLibrary::LinuxPhotoLibrary(const Services &services)
     : m_services(services)
@@ -122,7 +137,7 @@ std::shared_ptr<const PhotoAssets> LinuxPhotoLibrary::query(const PhotoQuery &qu
 {
     const auto &removal = m_services.removal;
     const auto keeps = [&](const std::string &path) {
-        return PathRemoval::refusal(path, removal.home, removal.guards).has_value();
+        return PathRemoval::refusal(path, removal.home, removal.removal.guards).has_value();
     };
     PhotoWalk walk(query, keeps, work);
     for (const auto &root : folders().roots())

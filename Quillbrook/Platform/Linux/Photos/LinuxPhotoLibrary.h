@@ -18,6 +18,7 @@ class FolderGrants;
 class FolderPicker;
 class ProcessRunner;
 class UserDefaults;
+struct LinuxDisk;
 
 class LinuxPhotoLibrary final : public PhotoLibrary
 {
@@ -34,6 +35,11 @@ public:
         FolderGrants &grants;
         const DesktopSession &session;
     };
+
+    /// What moves pictures of the home folder at `home` to the Trash, its list being among the user's data at
+    /// `dataFolder` (both absolute, raw bytes). What it refers to outlives whoever gets it.
+    [[nodiscard]] static PhotoRemoval::Services removalOn(LinuxDisk &disk, const Clock &clock,
+        const HostGuards &guards, const std::string &home, const std::string &dataFolder);
 
     /// What the services refer to outlives this object. Main thread.
     explicit LinuxPhotoLibrary(const Services &services);

@@ -42,13 +42,12 @@ struct Library : TrashFixture
     }
     [[nodiscard]] PhotoRemoval photoRemoval()
     {
-        return PhotoRemoval(
-            { .removal = { .trash = trash, .removal = removal, .files = facts, .clock = clock },
-                .reading = reading,
-                .writing = writing,
-                .guards = &guards,
-                .home = home.path(),
-                .list = list });
+        return PhotoRemoval({ .removal
+            = { .trash = trash, .removal = removal, .files = facts, .clock = clock, .guards = &guards },
+            .reading = reading,
+            .writing = writing,
+            .home = home.path(),
+            .list = list });
     }
     [[nodiscard]] std::shared_ptr<const LinuxPhotoAssets> assets() const
     {

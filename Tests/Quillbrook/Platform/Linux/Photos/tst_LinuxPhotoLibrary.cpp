@@ -67,14 +67,8 @@ struct Machine
     }
     [[nodiscard]] std::unique_ptr<LinuxPhotoLibrary> library()
     {
-        return std::make_unique<LinuxPhotoLibrary>(LinuxPhotoLibrary::Services{
-            .removal = { .removal
-                = { .trash = disk.trash, .removal = disk.removal, .files = disk.files, .clock = clock },
-                .reading = disk.reading,
-                .writing = disk.writing,
-                .guards = &guards,
-                .home = tree.path("home"),
-                .list = PhotoRemoval::standardList(tree.path("data")) },
+        return std::make_unique<LinuxPhotoLibrary>(LinuxPhotoLibrary::Services{ .removal
+            = LinuxPhotoLibrary::removalOn(disk, clock, guards, tree.path("home"), tree.path("data")),
             .defaults = defaults,
             .home = home,
             .processes = processes,
