@@ -47,6 +47,23 @@ struct Fixture : ScannedHome
     void settled() { QTRY_COMPARE(model.scans().phase().kind, Phase::Kind::ready); }
 };
 
+// Copies of a fixture that get as far as a quarter and go on when they are told to.
+struct HeldCopy
+{
+    QSemaphore reached;
+    QSemaphore goOn;
+
+    explicit HeldCopy(Fixture &f)
+    {
+        f.relocation.onCopy = [this](const CopyOrder &order) {
+            order.onProgress(50 * mebi);
+            reached.release();
+            goOn.acquire();
+            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
+        };
+    }
+};
+
 } // namespace
 
 class TestOffloadDriver : public QObject
@@ -174,30 +191,23 @@ private Q_SLOTS:
     {
         Fixture f;
         f.profile();
-        QSemaphore held;
-        QSemaphore reached;
-        f.relocation.onCopy = [&](const CopyOrder &order) {
-            order.onProgress(50 * mebi);
-            reached.release();
-            held.acquire();
-            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
-        };
+        HeldCopy copy(f);
         f.driver().offload(f.candidate(), false);
         f.driver().offload(f.candidate(u"Test Android phones"_s), false);
-        QVERIFY(reached.tryAcquire(1, 5000));
+        QVERIFY(copy.reached.tryAcquire(1, 5000));
         const auto running = f.driver().running().value();
         QCOMPARE(running.id, f.candidate().id);
         QCOMPARE(running.done, 50 * mebi);
         QCOMPARE(running.total, 200 * mebi);
         QVERIFY(running.canStop);
-        QVERIFY(!reached.tryAcquire(1, 50));
+        QVERIFY(!copy.reached.tryAcquire(1, 50));
         f.driver().stop();
         QVERIFY(!f.driver().running().value().canStop);
         QVERIFY(f.model.removals().isStopping());
         // What waited has ended already.
         QCOMPARE(
             f.driver().offloadLog(), QStringList{ u"✗ Test Android phones: Stopped. Nothing was moved."_s });
-        held.release();
+        copy.goOn.release();
         f.idle();
         QTRY_VERIFY(!f.model.removals().isBusy());
         QCOMPARE(f.driver().offloadLog(),
@@ -213,26 +223,20 @@ private Q_SLOTS:
         Fixture f;
         f.profile();
         QSemaphore removal;
-        QSemaphore copy;
-        QSemaphore reached;
-        f.relocation.onCopy = [&](const CopyOrder &) {
-            reached.release();
-            copy.acquire();
-            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
-        };
+        HeldCopy copy(f);
         f.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { removal.acquire(); } });
         f.driver().offload(f.candidate(), false);
         QVERIFY(!f.driver().running().value().hasBegun);
-        QVERIFY(!reached.tryAcquire(1, 50));
+        QVERIFY(!copy.reached.tryAcquire(1, 50));
         removal.release();
         QTRY_VERIFY(f.driver().running().value().hasBegun);
-        QVERIFY(reached.tryAcquire(1, 5000));
+        QVERIFY(copy.reached.tryAcquire(1, 5000));
         QSemaphore removed;
         f.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { removed.release(); } });
         // A scan does not wait for what may take hours.
         f.scan();
         QVERIFY(!removed.tryAcquire(1, 50));
-        copy.release();
+        copy.goOn.release();
         QTRY_VERIFY(!f.model.removals().isBusy());
         QVERIFY(removed.tryAcquire(1));
         QVERIFY(f.driver().offloadLog().constFirst().startsWith(u"✓"_s));
@@ -265,23 +269,16 @@ private Q_SLOTS:
     {
         Fixture f;
         f.profile();
-        QSemaphore held;
-        QSemaphore reached;
-        f.relocation.onCopy = [&](const CopyOrder &order) {
-            order.onProgress(50 * mebi);
-            reached.release();
-            held.acquire();
-            return CopyResult{ .made = FileIdentity{ .device = 1, .inode = 2 } };
-        };
+        HeldCopy copy(f);
         f.driver().offload(f.candidate(), false);
-        QVERIFY(reached.tryAcquire(1, 5000));
+        QVERIFY(copy.reached.tryAcquire(1, 5000));
         const auto &queue = f.model.removals();
         QTRY_COMPARE(queue.progress().value_or(RemovalQueue::Progress()).bytes, 50 * mebi);
         QCOMPARE(queue.progress()->name, modelsTitle);
         QCOMPARE(queue.progress()->share(), 0.25);
         f.model.removals().stop();
         QVERIFY(!f.driver().running().value().canStop);
-        held.release();
+        copy.goOn.release();
         f.idle();
         QCOMPARE(
             f.driver().offloadLog(), QStringList{ u"✗ Downloaded AI models: Stopped. Nothing was moved."_s });
