@@ -1,6 +1,7 @@
-#include "Core/AppModel.h"
-#include "Support/FakeServices.h"
+// How a scan begins and ends, and what is kept of it.
+
 #include "Support/FolderHold.h"
+#include "Support/SmallHome.h"
 #include "Support/Suite.h"
 
 #include <QElapsedTimer>
@@ -9,85 +10,17 @@
 #include <QTest>
 #include <QThreadPool>
 
-#include <algorithm>
 #include <limits>
-#include <memory>
-#include <thread>
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
 
 namespace {
 
+using Fixture = SmallHome;
 using Kind = Phase::Kind;
 
 const auto lastFileCountKey = u"Quillbrook.lastFileCount"_s;
-
-// A home folder with one project, one file beside it and a folder that a quiet scan does not open.
-struct Fixture : FakeServices
-{
-    Fixture()
-    {
-        directories.folder("/home/someone",
-            { FakeDirectories::aFolder("project"), FakeDirectories::aFile("b.txt", 8192),
-                FakeDirectories::aFolder("Documents") });
-        directories.folder("/home/someone/project", { FakeDirectories::aFile("a.txt", 4096) });
-        directories.folder("/home/someone/Documents", { FakeDirectories::aFile("c.txt", 16384) });
-    }
-
-    [[nodiscard]] bool wasOpened(const std::string &path) const
-    {
-        const auto opened = directories.opened();
-        return std::ranges::find(opened, path) != opened.end();
-    }
-};
-
-// A home folder of `count` files whose scan is held before it opens the one folder in it. One of the
-// catalogue's places is there, so that the quick stage takes the bar to where the tree stage begins.
-struct HeldFixture : FakeServices
-{
-    explicit HeldFixture(size_t count)
-    {
-        files.entries["/home/someone/.gradle/daemon"] = {};
-        directories.folder("/home/someone/.gradle/daemon", { FakeDirectories::aFile("log", 4096) });
-        std::vector<DirectoryRecord> records(count, FakeDirectories::aFile("file", 4096));
-        records.push_back(FakeDirectories::aFolder("project"));
-        directories.folder("/home/someone", std::move(records));
-        directories.folder("/home/someone/project", {});
-    }
-
-    // Starts a scan and meets it where it is held.
-    void scanUntilHeld(AppModel &model)
-    {
-        model.scans().scan({ .scope = Scope::complete });
-        QTRY_VERIFY(hold.isHolding());
-    }
-
-    FolderHold hold{ directories, "/home/someone/project" };
-};
-
-bool isAt(const AppModel &model, Kind kind)
-{
-    return model.scans().phase().kind == kind;
-}
-
-// One step of the ticker, without waiting for its second.
-void tick(AppModel &model)
-{
-    auto *ticker = model.findChild<QTimer *>(u"ticker"_s);
-    QVERIFY(ticker != nullptr);
-    QMetaObject::invokeMethod(ticker, "timeout");
-}
-
-// Lets everything that runs on the pool, and what follows from it, come to its end.
-void settle()
-{
-    for (int round = 0; round < 3; ++round) {
-        QCoreApplication::processEvents();
-        QVERIFY(QThreadPool::globalInstance()->waitForDone(10'000));
-    }
-    QCoreApplication::processEvents();
-}
 
 QStringList namesAtTop(const AppModel &model)
 {
@@ -451,223 +384,6 @@ private Q_SLOTS:
         QVERIFY(
             contains(model.scans().tree()->nodeFlags(model.scans().rootNode()), FileTree::Flags::unreadable));
         QCOMPARE(model.scans().scannedFileCount(), qsizetype(0));
-    }
-
-    void cancelBeforeTheFirstTreeIsIdle()
-    {
-        Fixture fixture;
-        FolderHold hold(fixture.directories, "/home/someone");
-        AppModel model(fixture.services);
-        model.scans().scan({});
-        QTRY_VERIFY(hold.isHolding());
-        const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
-        // Whoever hears of any part of it meets the scan at its end.
-        auto heardAt = Kind::scanning;
-        model.scans().scanProgress().setDetail(u"caches"_s);
-        connect(&model.scans().scanProgress(), &ScanProgress::detailChanged, this,
-            [&] { heardAt = model.scans().phase().kind; });
-        model.scans().cancelScan();
-        QCOMPARE(heardAt, Kind::idle);
-        QVERIFY(isAt(model, Kind::idle));
-        QCOMPARE(phases.count(), 1);
-        QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
-        QCOMPARE(model.scans().scanProgress().detail(), QString());
-        hold.release();
-    }
-
-    void cancelDropsALateResult()
-    {
-        Fixture fixture;
-        FolderHold hold(fixture.directories, "/home/someone");
-        AppModel model(fixture.services);
-        const QSignalSpy trees(&model.scans(), &ScanDriver::treeChanged);
-        model.scans().scan({});
-        QTRY_VERIFY(hold.isHolding());
-        model.scans().cancelScan();
-        hold.release();
-        // A second scan comes to its end only after the first task has ended.
-        model.scans().scan({});
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        QCOMPARE(trees.count(), 1);
-        QCOMPARE(fixture.directories.sessionsMade(), 2);
-    }
-
-    void cancelDuringARescanKeepsTheOldTree()
-    {
-        Fixture fixture;
-        AppModel model(fixture.services);
-        model.scans().scan({});
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        const auto oldTree = model.scans().tree();
-        FolderHold hold(fixture.directories, "/home/someone");
-        model.scans().scan({});
-        QTRY_VERIFY(hold.isHolding());
-        model.scans().cancelScan();
-        QVERIFY(isAt(model, Kind::ready));
-        QCOMPARE(model.scans().tree(), oldTree);
-        QCOMPARE(model.navigation().focus(), -1);
-        QVERIFY(model.navigation().breadcrumb().isEmpty());
-        hold.release();
-        settle();
-        QCOMPARE(model.scans().tree(), oldTree);
-        QCOMPARE(model.navigation().focus(), -1);
-    }
-
-    void cancelWithoutAScanChangesNothing()
-    {
-        Fixture fixture;
-        AppModel model(fixture.services);
-        const QSignalSpy phases(&model.scans(), &ScanDriver::phaseChanged);
-        model.scans().cancelScan();
-        QVERIFY(isAt(model, Kind::idle));
-        model.scans().scan({});
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        model.scans().cancelScan();
-        QVERIFY(isAt(model, Kind::ready));
-        QCOMPARE(model.navigation().focus(), model.scans().rootNode());
-        QCOMPARE(phases.count(), 2);
-    }
-
-    void scanAfterACancelWaitsForTheOldOne()
-    {
-        Fixture fixture;
-        FolderHold hold(fixture.directories, "/home/someone");
-        AppModel model(fixture.services);
-        model.scans().scan({});
-        QTRY_VERIFY(hold.isHolding());
-        model.scans().cancelScan();
-        model.scans().scan({});
-        // Long enough for the second scan to read the disk, if it did not wait.
-        QTest::qWait(300);
-        QCOMPARE(fixture.directories.sessionsMade(), 1);
-        QVERIFY(isAt(model, Kind::scanning));
-        QCOMPARE(model.scans().scanProgress().detail(), QString());
-        hold.release();
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        QCOMPARE(fixture.directories.sessionsMade(), 2);
-    }
-
-    void manyQuickScansEndWithTheLast()
-    {
-        Fixture fixture;
-        AppModel model(fixture.services);
-        const QSignalSpy trees(&model.scans(), &ScanDriver::treeChanged);
-        for (int i = 0; i < 200; ++i) {
-            model.scans().scan({});
-            for (int turn = 0; turn < i % 4; ++turn)
-                QCoreApplication::processEvents();
-            model.scans().cancelScan();
-        }
-        const auto finishedOnTheWay = trees.count();
-        model.scans().scan({ .scope = Scope::complete });
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        QCOMPARE(trees.count(), finishedOnTheWay + 1);
-        QCOMPARE(model.scans().scannedFileCount(), qsizetype(3));
-    }
-
-    void tickerTellsTheCounts()
-    {
-        HeldFixture fixture(1234);
-        AppModel model(fixture.services);
-        fixture.scanUntilHeld(model);
-        tick(model);
-        QCOMPARE(model.scans().scanProgress().counts(), u"1,234 files · 4.8 MB"_s);
-        QCOMPARE(model.scans().scanProgress().detail(), u"measuring the rest of the disk"_s);
-        fixture.hold.release();
-        QTRY_VERIFY(isAt(model, Kind::ready));
-    }
-
-    void tickerDoesNothingWithoutAScan()
-    {
-        Fixture fixture;
-        AppModel model(fixture.services);
-        tick(model);
-        QCOMPARE(model.scans().scanProgress().counts(), QString());
-        QCOMPARE(model.scans().scanProgress().fraction(), 0.0);
-    }
-
-    void tickerRunsOnlyDuringAScan()
-    {
-        Fixture fixture;
-        AppModel model(fixture.services);
-        const auto *ticker = model.findChild<QTimer *>(u"ticker"_s);
-        QCOMPARE(ticker->interval(), 1000);
-        model.scans().scan({});
-        QVERIFY(ticker->isActive());
-        QTRY_VERIFY(isAt(model, Kind::ready));
-        QVERIFY(!ticker->isActive());
-        model.scans().scan({});
-        QVERIFY(ticker->isActive());
-        model.scans().cancelScan();
-        QVERIFY(!ticker->isActive());
-    }
-
-    void barStallsWhereTheQuickStageFoundLittle()
-    {
-        HeldFixture fixture(900);
-        fixture.defaults.setInteger(lastFileCountKey, 1001);
-        fixture.files.entries["/home/someone/.gradle/caches"] = {};
-        AppModel model(fixture.services);
-        fixture.scanUntilHeld(model);
-        tick(model);
-        QCOMPARE(model.scans().scanProgress().fraction(), 0.2);
-        fixture.hold.release();
-        QTRY_VERIFY(isAt(model, Kind::ready));
-    }
-
-    void barNeverMovesBackwards()
-    {
-        HeldFixture fixture(900);
-        fixture.defaults.setInteger(lastFileCountKey, 1001);
-        AppModel model(fixture.services);
-        fixture.scanUntilHeld(model);
-        tick(model);
-        const auto reached = 900.0 / 1001 * 0.59 + 0.4;
-        QCOMPARE(model.scans().scanProgress().fraction(), reached);
-        fixture.defaults.setInteger(lastFileCountKey, 1'000'000);
-        tick(model);
-        QCOMPARE(model.scans().scanProgress().fraction(), reached);
-        fixture.hold.release();
-        QTRY_VERIFY(isAt(model, Kind::ready));
-    }
-
-    void damagedFileCountIsNone()
-    {
-        HeldFixture fixture(900);
-        fixture.defaults.setTexts(lastFileCountKey, { u"many"_s });
-        AppModel model(fixture.services);
-        fixture.scanUntilHeld(model);
-        tick(model);
-        QVERIFY(model.scans().scanProgress().fraction() >= 0.4);
-        QVERIFY(model.scans().scanProgress().fraction() < 0.7);
-        fixture.hold.release();
-        QTRY_VERIFY(isAt(model, Kind::ready));
-    }
-
-    void destroyedModelEndsItsScan()
-    {
-        Fixture fixture;
-        FolderHold hold(fixture.directories, "/home/someone");
-        auto model = std::make_unique<AppModel>(fixture.services);
-        model->scans().scan({});
-        QTRY_VERIFY(hold.isHolding());
-        // The walk ends only when its reader is let go, and the services it uses may go right after the
-        // model.
-        const std::jthread releasing([&] { hold.release(); });
-        model.reset();
-        QCOMPARE(fixture.directories.readersEnded(), fixture.directories.readersMade());
-        settle();
-    }
-
-    void modelDestroyedBeforeTheWalkReadsNothing()
-    {
-        Fixture fixture;
-        {
-            AppModel model(fixture.services);
-            model.scans().scan({});
-        }
-        settle();
-        QCOMPARE(fixture.directories.sessionsMade(), 0);
     }
 };
 

@@ -1,76 +1,26 @@
-// The main window as a person meets it, on a made-up machine: what can be read, pressed and reached.
+// The main window: its screens, their keys, and how it comes and goes.
 
-#include "Core/AppModel.h"
-#include "Core/Background.h"
-#include "Screens/Window/MainWindowState.h"
-#include "Support/FakeMotionPreference.h"
-#include "Support/FakeServices.h"
-#include "Support/FolderHold.h"
-#include "Support/QuickItems.h"
+#include "Support/MainWindowSuite.h"
 #include "Support/Suite.h"
 
 #include <QFileInfo>
-#include <QQmlApplicationEngine>
 #include <QQmlComponent>
-#include <QQuickWindow>
-#include <QTest>
 #include <QTimer>
 #include <QTranslator>
 #include <QtQml/QQmlExtensionPlugin>
-
-#include <memory>
 
 Q_IMPORT_QML_PLUGIN(QuillbrookPlugin)
 
 using namespace Quillbrook;
 using namespace Qt::StringLiterals;
-using Role = QAccessible::Role;
 
-namespace {
-
-QStringList *warnings = nullptr;
-
-void keepWarnings(QtMsgType type, const QMessageLogContext &, const QString &message)
-{
-    if (type == QtWarningMsg && warnings)
-        warnings->append(message);
-}
-
-struct Machine : FakeServices
-{
-    Machine() { directories.folder("/home/someone", { FakeDirectories::aFile("a", 4096) }); }
-
-    FakeMotionPreference motion;
-    FolderHold hold{ directories, "/home/someone" };
-};
-
-} // namespace
-
-class TestMainWindow : public QObject
+class TestMainWindow : public MainWindowSuite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_warnings.clear();
-        warnings = &m_warnings;
-        qInstallMessageHandler(keepWarnings);
-        QAccessible::setActive(true);
-
-        m_machine = std::make_unique<Machine>();
-        m_machine->volumes.answer = VolumeCapacity{ .available = 250, .total = 1000 };
-        open();
-    }
-
-    void cleanup()
-    {
-        close();
-        m_machine.reset();
-        qInstallMessageHandler(nullptr);
-        warnings = nullptr;
-        QVERIFY2(m_warnings.isEmpty(), qPrintable(m_warnings.join(u'\n')));
-    }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     void hasItsTitleAndSizes()
     {
@@ -334,23 +284,6 @@ private Q_SLOTS:
         nothingIsCut(m_window->minimumSize());
     }
 
-    void gaugeNamesTheVolume()
-    {
-        QVERIFY(shows(u"250 B"_s));
-        QVERIFY(shows(u"75% of 1000 B used"_s));
-        auto *note = m_window->findChild<QQuickItem *>(u"gapNote"_s);
-        QVERIFY(note);
-        QVERIFY(!note->isVisible());
-
-        const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
-        m_machine->volumes.answer
-            = VolumeCapacity{ .available = gibi, .availableForImportantUsage = 2 * gibi, .total = 4 * gibi };
-        m_model->volume().refreshVolume();
-        QVERIFY(note->isVisible());
-        QVERIFY(
-            shows(u"Finder says 2.0 GB — it counts 1.0 GB of purgeable cache that a build cannot use."_s));
-    }
-
     void startChecksRunAgainWhenTheWindowComesBack()
     {
         const auto &questions = m_machine->desktop.notifier.questions;
@@ -373,127 +306,6 @@ private Q_SLOTS:
         QCOMPARE(m_machine->desktop.http.requests.size(), 1);
     }
 
-    void gateAsksForTheHomeFolder()
-    {
-        openInSandbox();
-        const auto scans = m_machine->directories.sessionsMade();
-        QVERIFY(shows(u"Quillbrook needs to see your files to measure them"_s));
-        QVERIFY(shows(u"It reads names, sizes and dates — never the contents of a file. Choose your home "
-                      "folder and it will not ask again."_s));
-        QVERIFY(!item(Role::Button, u"Rescan"_s)->isEnabled());
-        QVERIFY(!showsTheScan());
-        for (const auto &row : paneTable) {
-            m_screens->content()->setPane(row.pane);
-            QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
-        }
-        m_screens->content()->setPane(Pane::warden);
-        auto *choose = item(Role::Button, u"Choose my home folder…"_s);
-        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*choose));
-        QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
-        QVERIFY(item(Role::Button, u"Choose my home folder…"_s));
-        QCOMPARE(m_machine->directories.sessionsMade(), scans);
-
-        m_machine->desktop.folderPicker.answer = "/home/someone";
-        pressAccessibly(choose);
-        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-        QTRY_VERIFY(!item(Role::Button, u"Choose my home folder…"_s));
-        QVERIFY(item(Role::Button, u"Rescan"_s)->isEnabled());
-        QCOMPARE(m_machine->desktop.folderPicker.requests.size(), 2);
-        QCOMPARE(m_machine->directories.sessionsMade(), scans + 1);
-    }
-
-    void gateCanBeReachedAndPressedByKeys()
-    {
-        openInSandbox();
-        auto *choose = item(Role::Button, u"Choose my home folder…"_s);
-        QVERIFY(choose);
-        for (int i = 0; i < 10 && !choose->hasActiveFocus(); ++i)
-            QTest::keyClick(m_window, Qt::Key_Tab);
-        QVERIFY(choose->hasActiveFocus());
-        QTest::keyClick(m_window, Qt::Key_Return);
-        QTRY_COMPARE(m_machine->desktop.folderPicker.requests.size(), 1);
-    }
-
-    void grantedFolderIsToldOnlyInASandbox()
-    {
-        QVERIFY(!item(Role::Button, u"Change"_s));
-        openInSandbox("/home/someone");
-        QVERIFY(item(Role::Button, u"Change"_s));
-        QVERIFY(shows(u"/home/someone"_s));
-        QVERIFY(!shows(u"That is not this Mac's startup disk"_s));
-        QVERIFY(!item(Role::Button, u"Choose my home folder…"_s));
-    }
-
-    void grantedFolderCanBeChanged()
-    {
-        openInSandbox("/home/someone");
-        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-        m_machine->desktop.folderPicker.answer = "/media/backup";
-        auto *change = item(Role::Button, u"Change"_s);
-        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*change));
-        QTRY_VERIFY(shows(u"/media/backup"_s));
-        QVERIFY(shows(u"That is not this Mac's startup disk"_s));
-        QVERIFY(shows(u"Freeing space there will not help a full internal disk."_s));
-        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-        QCOMPARE(m_model->scans().scanRoot(), u"/media/backup"_s);
-
-        m_machine->desktop.folderPicker.answer.reset();
-        pressAccessibly(change);
-        QTRY_VERIFY(item(Role::Button, u"Choose my home folder…"_s));
-        QVERIFY(shows(u"not chosen"_s));
-    }
-
-    void newerVersionIsTold()
-    {
-        const auto line = u"Quillbrook 2.0 is out"_s;
-        QTRY_COMPARE(m_machine->desktop.http.requests.size(), 1);
-        QVERIFY(!item(Role::Button, line));
-        m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
-        m_machine->desktop.http.answer = HttpAnswer{ .status = 200,
-            .body = R"({"version": "2.0", "url": "https:\/\/updates.test/2.0"})" };
-        QTRY_VERIFY(m_model->scans().phase().kind != Phase::Kind::idle);
-        m_model->updates().checkForUpdate();
-        QTRY_VERIFY(item(Role::Button, line));
-        QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(*item(Role::Button, line)));
-        const QUrl page(u"https://updates.test/2.0"_s);
-        QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>{ page });
-        pressAccessibly(item(Role::Button, line));
-        QCOMPARE(m_machine->desktop.links.opened, QList<QUrl>({ page, page }));
-        // A pane that is chosen by its key leaves the keyboard there, too.
-        item(Role::Button, line)->forceActiveFocus();
-        QTest::keyClick(m_window, Qt::Key_2, Qt::ControlModifier);
-        QCOMPARE(pane(), Pane::map);
-        QVERIFY(item(Role::Button, line)->hasActiveFocus());
-    }
-
-    void fullSidebarIsNotCut_data()
-    {
-        QTest::addColumn<bool>("isGated");
-        QTest::newRow("granted") << false;
-        QTest::newRow("gate") << true;
-    }
-
-    // Everything that the foot of the sidebar can hold at once.
-    void fullSidebarIsNotCut()
-    {
-        QFETCH(bool, isGated);
-        const qint64 gibi = qint64{ 1024 } * 1024 * 1024;
-        m_machine->volumes.answer = VolumeCapacity{
-            .available = 5 * gibi, .availableForImportantUsage = 19 * gibi, .total = 233 * gibi
-        };
-        m_machine->desktop.http.answer = HttpAnswer{ .status = 200,
-            .body = R"({"version": "2.0", "url": "https:\/\/updates.test/2.0"})" };
-        m_machine->defaults.values.remove(u"Quillbrook.updateCheckedAt"_s);
-        openInSandbox(isGated ? QByteArray() : QByteArray("/mnt/a"));
-        QTRY_VERIFY(item(Role::Button, u"Quillbrook 2.0 is out"_s));
-        if (!isGated)
-            QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-        nothingIsCut(m_window->minimumSize());
-        const auto *rows = item(Role::ListItem, u"Past answers"_s);
-        const auto *gauge = m_window->findChild<QQuickItem *>(u"usedBar"_s);
-        QVERIFY(rows->mapToScene({ 0, rows->height() }).y() < gauge->mapToScene({}).y());
-    }
-
     void nothingMovesWhereTheDesktopAsksForThat()
     {
         QQmlComponent reader(m_engine.get());
@@ -513,59 +325,6 @@ private Q_SLOTS:
     }
 
 private:
-    [[nodiscard]] QQuickItem *item(Role role, const QString &name) const
-    {
-        return findAccessible(*m_window->contentItem(), role, name);
-    }
-    [[nodiscard]] bool shows(const QString &text) const { return item(Role::StaticText, text) != nullptr; }
-    [[nodiscard]] bool showsTheScan() const
-    {
-        const auto title = m_screens->scanning()->title();
-        return shows(title) && item(Role::ProgressBar, title);
-    }
-    [[nodiscard]] Pane pane() const { return m_screens->content()->pane(); }
-
-    void open()
-    {
-        m_model = std::make_unique<AppModel>(m_machine->services);
-        m_background = std::make_unique<Background>(m_machine->services);
-        m_screens = std::make_unique<MainWindowState>(*m_model, *m_background, m_machine->motion);
-        m_engine = std::make_unique<QQmlApplicationEngine>();
-        m_engine->addImportPath(u"qrc:/qt/qml"_s);
-        m_engine->setInitialProperties({ { u"screens"_s, QVariant::fromValue(m_screens.get()) } });
-        m_engine->load(QUrl(u"qrc:/qt/qml/Quillbrook/Screens/Window/Main.qml"_s));
-        m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0));
-        QVERIFY(m_window);
-        m_window->requestActivate();
-        QVERIFY(QTest::qWaitForWindowActive(m_window));
-    }
-
-    void close()
-    {
-        m_machine->hold.release();
-        m_engine.reset();
-        m_screens.reset();
-        m_model.reset();
-        m_background.reset();
-    }
-
-    // As a start in a sandbox, where `granted` was handed over before.
-    void openInSandbox(const QByteArray &granted = {})
-    {
-        close();
-        m_machine->home.home = u"/home/someone/.var/app/com.tarnwick.Quillbrook"_s;
-        m_machine->desktop.folderGrants.startupDiskPrefix = "/home/";
-        if (!granted.isEmpty())
-            m_machine->defaults.values.insert(u"Quillbrook.homeBookmark"_s, granted);
-        open();
-    }
-
-    void finishScan()
-    {
-        m_machine->hold.release();
-        QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
-    }
-
     // One of 4 KB that is safe to remove.
     void scanAFinding()
     {
@@ -580,28 +339,6 @@ private:
         QTRY_VERIFY(m_model->scans().phase().kind == Phase::Kind::ready);
         QTRY_VERIFY(shows(u"4.0 KB selected"_s));
     }
-
-    void nothingIsCut(const QSize &size) const
-    {
-        m_window->resize(size);
-        QTRY_COMPARE(m_window->contentItem()->width(), qreal(size.width()));
-        const QRectF whole(QPointF(), size);
-        for (auto *part : visibleItemsBelow(*m_window->contentItem())) {
-            if (accessibleName(part).isEmpty())
-                continue;
-            const auto place = part->mapRectToScene(part->boundingRect());
-            QVERIFY2(whole.contains(place), qPrintable(accessibleName(part)));
-            QVERIFY2(!part->property("truncated").toBool(), qPrintable(accessibleName(part)));
-        }
-    }
-
-    QStringList m_warnings;
-    std::unique_ptr<Machine> m_machine;
-    std::unique_ptr<AppModel> m_model;
-    std::unique_ptr<Background> m_background;
-    std::unique_ptr<MainWindowState> m_screens;
-    std::unique_ptr<QQmlApplicationEngine> m_engine;
-    QQuickWindow *m_window = nullptr;
 };
 
 QUILLBROOK_SUITE(TestMainWindow, QGuiApplication)
