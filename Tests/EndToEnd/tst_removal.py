@@ -12,6 +12,7 @@ import desktop
 import homes
 import removing
 import waiting
+from opened_files import OpenedFiles
 from removing import contents, under, without
 
 TOOLS, TOOLS_TITLE = ".cache/pip", "Programming tool downloads"
@@ -197,6 +198,22 @@ class Removal(removing.Removing):
         self.assertEqual(contents(self.data / "Trash"), trash)
         self.assertEqual(self.ledger(), {})
         self.assertEqual((self.pending(), self.dialogs()), ([], []))
+
+    def testNoFileOfThePersonIsEverOpened(self):
+        """Neither by the scan nor by what goes, one way or the other."""
+        with OpenedFiles(self.home.path, self.data / "Trash" / "files") as opened:
+            self.openOnTools()
+            self.trashTools(keep=False)
+            self.becomes(self.ledger, {})
+            self.quillbrook.says("0 of 1 reclaimable items")
+            self.list().one("list item", lambda name: name.startswith(PACKAGES_TITLE)).one("check box").act()
+            self.ask(self.size(PACKAGES), 1)
+            self.answer("Delete permanently")
+            self.quillbrook.says("0 of 0 reclaimable items")
+            self.assertEqual(opened.names(), set())
+            # It would have been told.
+            (self.home.path / "report.pdf").read_bytes()
+            self.assertEqual(opened.names(), {b"report.pdf"})
 
     def testAFolderThatBecameALinkSinceTheScanLeavesWhatLiesBehindIt(self):
         self.home.file("Documents/thesis.odt", 50_000)
