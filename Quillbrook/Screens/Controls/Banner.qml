@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
-// A card that tells one thing: symbol, title, text, a quieter note where there is one, and after them what can be
-// done about it. With `tinted` the card takes `tone` for its border and a breath of it for its ground.
+// A card that tells one thing: symbol, title, text, a note where there is one, and after them what can be done
+// about it. With `tinted` the card takes `tone` for its border and a breath of it for its ground.
 Card {
     id: root
 
@@ -70,7 +70,6 @@ Card {
 
             CaptionText {
                 Layout.fillWidth: true
-                color: Theme.faded(Theme.label, Metrics.faintOpacity)
                 objectName: "note"
                 text: root.note
                 visible: text !== ""

@@ -31,7 +31,10 @@ T.AbstractButton {
     opacity: down ? Metrics.faintOpacity : 1
 
     background: Item {
+        // Lines of text stand close above and below, so the ring goes no further than the button there.
         FocusRing {
+            anchors.bottomMargin: 0
+            anchors.topMargin: 0
             shown: root.visualFocus
         }
     }

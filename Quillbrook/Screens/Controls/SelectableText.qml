@@ -9,8 +9,10 @@ TextInput {
     id: root
 
     required property string fullText
+    property color inkColor: Theme.label
     // What the whole text takes up.
-    readonly property real naturalWidth: Math.ceil(whole.implicitWidth) + 1
+    readonly property real naturalWidth: Math.ceil(shortened.implicitWidth) + 1
+    readonly property bool isWhole: activeFocus || width >= naturalWidth
 
     Accessible.name: fullText
     Accessible.readOnly: true
@@ -19,7 +21,7 @@ TextInput {
     activeFocusOnTab: true
     autoScroll: activeFocus
     clip: true
-    color: Theme.label
+    color: isWhole ? inkColor : "transparent"
     font.pointSize: Metrics.captionFont
     horizontalAlignment: TextInput.AlignLeft
     readOnly: true
@@ -27,29 +29,23 @@ TextInput {
     selectByMouse: true
     selectedTextColor: Theme.surface
     selectionColor: Theme.accent
-    text: activeFocus || width >= naturalWidth ? fullText : elided.elidedText
+    text: fullText
     verticalAlignment: TextInput.AlignVCenter
 
     onActiveFocusChanged: activeFocus ? selectAll() : deselect()
 
-    // Not a TextMetrics: with hinted fonts that adds up widths of letters other than those that are drawn.
-    Text {
-        id: whole
+    // Not a TextMetrics: with hinted fonts that adds up widths of letters other than those that are drawn, and
+    // takes away more of the text than it has to.
+    BodyText {
+        id: shortened
 
         Accessible.ignored: true
-        font: root.font
-        renderType: Text.NativeRendering
-        text: root.fullText
-        textFormat: Text.PlainText
-        visible: false
-    }
-
-    TextMetrics {
-        id: elided
-
+        anchors.fill: parent
+        color: root.inkColor
         elide: Text.ElideMiddle
-        elideWidth: root.width
         font: root.font
+        objectName: "shortened"
         text: root.fullText
+        visible: !root.isWhole
     }
 }

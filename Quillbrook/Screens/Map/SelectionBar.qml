@@ -48,10 +48,10 @@ Card {
 
                     activeFocusOnTab: false
                     anchors.verticalCenter: parent.verticalCenter
-                    color: Theme.strong
                     font.pointSize: Metrics.bodyFont
                     font.weight: Font.DemiBold
                     fullText: root.selection.name
+                    inkColor: Theme.strong
                     width: Math.min(naturalWidth, nameLine.width - Metrics.space12 - size.width)
                 }
 

@@ -41,10 +41,10 @@ Card {
                 Layout.fillWidth: true
 
                 SelectableText {
-                    color: Theme.strong
                     font.pointSize: Metrics.bodyFont
                     font.weight: Font.DemiBold
                     fullText: root.offload.destination
+                    inkColor: Theme.strong
                     visible: fullText !== ""
                     width: parent.width
                 }

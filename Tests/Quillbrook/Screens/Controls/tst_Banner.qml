@@ -42,6 +42,15 @@ TestCase {
         tryVerify(() => banner.implicitHeight > before + 30);
     }
 
+    function test_noteIsAsReadableAsTheText() {
+        const banner = createTemporaryObject(maker, root, {
+            note: "What comes of it.",
+            width: 600
+        });
+        // Compared as text: what draws it keeps fewer digits of a colour.
+        compare(String(findChild(banner, "note").color), String(Theme.label));
+    }
+
     function test_tintedBannerTakesItsTone() {
         const banner = createTemporaryObject(maker, root, {
             tinted: true,
