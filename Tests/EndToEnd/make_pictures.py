@@ -21,8 +21,14 @@ SETTLING = 1.5
 # The live figures are shown with some of their course.
 COURSE = 100
 
+# A folder's tile on the map, and where the pointer tells nothing of what is under it.
+FOLDER = (300, 250)
+ASIDE = (120, 500)
+
 # Each picture: the state that the program is told, the screen's key and name, and what is pressed there.
 PICTURES = {
+    "free-up-space": ("rules", "1", "Free up space", ()),
+    "whats-using-space": ("ready", "2", "What's using space", ()),
     "biggest-files": ("ready", "3", "Biggest files", ()),
     "photos-by-date": ("ready", "5", "Photos by date", ("See what is in this range",)),
     "automatic-rules": ("rules", "6", "Automatic rules", ()),
@@ -41,6 +47,7 @@ def make(offline, folder, name):
     quillbrook = None
     try:
         desk.start()
+        desktop.point(*ASIDE)
         environment = show_headless.environment() | {"LC_ALL": "en_US.UTF-8", "TZ": "UTC"}
         quillbrook = program.Program(offline, environment, work / "log", arguments=(state,))
         quillbrook.scanned()
@@ -49,6 +56,9 @@ def make(offline, folder, name):
         quillbrook.selected(pane)
         for button in presses:
             quillbrook.press(button)
+        if name == "whats-using-space":
+            desktop.click(*FOLDER)
+            desktop.point(*ASIDE)
         time.sleep(COURSE if name == "this-mac" else SETTLING)
         screenshot.write_png(desk.picture(), folder / f"{name}.png")
     finally:
