@@ -9,6 +9,7 @@
 #include <QtConcurrentRun>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -110,8 +111,10 @@ void RemovalBooks::refresh()
 {
     // Outlived by this, since the model waits for the queue.
     static_cast<void>(m_queue.ask([this] {
+        // Shared, since the call is copied on its way.
+        const auto held = std::make_shared<std::vector<HeldItem>>(books().held());
         QMetaObject::invokeMethod(
-            this, [this, held = books().held()] { setHeld(held); }, Qt::QueuedConnection);
+            this, [this, held] { setHeld(std::move(*held)); }, Qt::QueuedConnection);
     }));
 }
 
@@ -120,10 +123,11 @@ void RemovalBooks::setHeld(std::vector<HeldItem> held)
     if (m_held == held)
         return;
     m_held = std::move(held);
-    QSet<QString> ids;
+    QSet<QString> stillKept;
     for (const auto &each : m_held)
-        ids.insert(each.item.id);
-    m_kept.intersect(ids);
+        if (m_kept.contains(each.item.id))
+            stillKept.insert(each.item.id);
+    m_kept = std::move(stillKept);
     Q_EMIT changed();
 }
 
@@ -141,22 +145,39 @@ std::vector<HeldItem> RemovalBooks::ticked() const
     return things;
 }
 
+bool RemovalBooks::isDeletable(const HeldItem &held) const
+{
+    return !held.isOnlyInJournal && !m_kept.contains(held.item.id);
+}
+
 std::vector<HeldItem> RemovalBooks::deletable() const
 {
-    auto things = ticked();
-    std::erase_if(things, [](const HeldItem &held) { return held.isOnlyInJournal; });
+    std::vector<HeldItem> things;
+    std::ranges::copy_if(
+        m_held, std::back_inserter(things), [this](const HeldItem &held) { return isDeletable(held); });
     return things;
+}
+
+template <typename Choice>
+TrashLedger::Pending RemovalBooks::sum(const Choice &isMeant) const
+{
+    TrashLedger::Pending total;
+    for (const auto &held : m_held)
+        if (isMeant(held)) {
+            ++total.count;
+            total.bytes = cappedSum(total.bytes, held.item.bytes);
+        }
+    return total;
+}
+
+TrashLedger::Pending RemovalBooks::deletableSum() const
+{
+    return sum([this](const HeldItem &held) { return isDeletable(held); });
 }
 
 TrashLedger::Pending RemovalBooks::pending() const
 {
-    TrashLedger::Pending pending;
-    for (const auto &held : m_held)
-        if (!held.isOnlyInJournal) {
-            ++pending.count;
-            pending.bytes = cappedSum(pending.bytes, held.item.bytes);
-        }
-    return pending;
+    return sum([](const HeldItem &held) { return !held.isOnlyInJournal; });
 }
 
 // Stored at once: the journal, which a kill would be made good by, forgets what has been counted.

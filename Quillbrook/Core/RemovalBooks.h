@@ -67,8 +67,11 @@ public:
     [[nodiscard]] const QSet<QString> &kept() const { return m_kept; }
     /// What of it is not, and could be put back.
     [[nodiscard]] std::vector<HeldItem> ticked() const;
-    /// What of that could be deleted for good.
+    /// Whether that one of `held()` could be deleted for good, and is not kept.
+    [[nodiscard]] bool isDeletable(const HeldItem &held) const;
+    /// All of those, and how much they are.
     [[nodiscard]] std::vector<HeldItem> deletable() const;
+    [[nodiscard]] TrashLedger::Pending deletableSum() const;
     /// All that could be deleted for good, what is kept among it.
     [[nodiscard]] TrashLedger::Pending pending() const;
     /// Bytes that the person has cleared, over all runs.
@@ -87,6 +90,8 @@ private:
     void close(qint64 bytes, std::vector<HeldItem> held);
     void count(qint64 bytes);
     void setHeld(std::vector<HeldItem> held);
+    template <typename Choice>
+    [[nodiscard]] TrashLedger::Pending sum(const Choice &isMeant) const;
     void startFlush(const std::vector<std::string> &changed);
 
     const KitServices &m_kit;

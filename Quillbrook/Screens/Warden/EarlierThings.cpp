@@ -63,7 +63,7 @@ QString EarlierThings::sentence() const
     for (const auto &held : books.held()) {
         const bool isOfThese = isEarlier(held);
         isAnyEarlier |= isOfThese;
-        if (held.isOnlyInJournal || books.kept().contains(held.item.id))
+        if (!books.isDeletable(held))
             continue;
         isAnyOther |= !isOfThese;
         if (!isOfThese)

@@ -4,7 +4,6 @@
 #include "Platform/Clock.h"
 #include "Platform/FileRevealer.h"
 #include "Platform/HomeFolder.h"
-#include "Removal/CappedSum.h"
 #include "Scan/Format.h"
 #include "Screens/Warden/WardenRows.h"
 
@@ -175,7 +174,7 @@ void WardenState::finishRemoving()
 
 bool WardenState::canFinish() const
 {
-    return !m_model.books().deletable().empty();
+    return m_model.books().deletableSum().count > 0;
 }
 
 QString WardenState::confirmTitle() const
@@ -200,10 +199,7 @@ QString WardenState::confirmAction() const
 
 QString WardenState::finishTitle() const
 {
-    qint64 bytes = 0;
-    for (const auto &held : m_model.books().deletable())
-        bytes = cappedSum(bytes, held.item.bytes);
-    return tr("Permanently remove %1?").arg(Format::bytes(bytes));
+    return tr("Permanently remove %1?").arg(Format::bytes(m_model.books().deletableSum().bytes));
 }
 
 void WardenState::refresh()
