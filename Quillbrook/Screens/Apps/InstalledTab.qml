@@ -20,6 +20,8 @@ ColumnLayout {
             Layout.fillWidth: true
             color: Theme.label
             font.pointSize: Metrics.smallFont
+            lineHeight: Metrics.textLine
+            lineHeightMode: Text.FixedHeight
             text: qsTr("Removing an app here takes its settings, caches and containers with it. Dragging it to the Trash leaves all of that behind.")
             wrapMode: Text.Wrap
         }

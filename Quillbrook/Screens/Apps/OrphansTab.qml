@@ -21,6 +21,8 @@ ColumnLayout {
         Layout.fillWidth: true
         color: Theme.label
         font.pointSize: Metrics.smallFont
+        lineHeight: Metrics.textLine
+        lineHeightMode: Text.FixedHeight
         text: qsTr("Each of these is named after an app that is not installed anywhere Quillbrook can see, and has not been touched in six months. That is strong evidence, not proof — an app kept somewhere unusual would look the same. Read each one before you tick it.")
         visible: root.apps.hasOrphans
         wrapMode: Text.Wrap

@@ -57,6 +57,8 @@ Card {
             BodyText {
                 Layout.fillWidth: true
                 color: Theme.strong
+                lineHeight: Metrics.textLine
+                lineHeightMode: Text.FixedHeight
                 semibold: true
                 text: root.title
                 wrapMode: Text.Wrap
@@ -64,12 +66,16 @@ Card {
 
             CaptionText {
                 Layout.fillWidth: true
+                lineHeight: Metrics.captionLine
+                lineHeightMode: Text.FixedHeight
                 text: root.text
                 wrapMode: Text.Wrap
             }
 
             CaptionText {
                 Layout.fillWidth: true
+                lineHeight: Metrics.captionLine
+                lineHeightMode: Text.FixedHeight
                 objectName: "note"
                 text: root.note
                 visible: text !== ""

@@ -60,6 +60,7 @@ Item {
                 BodyText {
                     Accessible.ignored: true
                     Layout.fillWidth: true
+                    Layout.minimumHeight: Metrics.textLine
                     color: Theme.strong
                     semibold: true
                     text: root.title

@@ -56,6 +56,7 @@ Item {
 
             Accessible.ignored: true
             Layout.fillWidth: true
+            Layout.minimumHeight: Metrics.textLine
             color: Theme.strong
             font.pointSize: Metrics.messageFont
             semibold: true
@@ -64,9 +65,10 @@ Item {
 
         BodyText {
             Layout.fillWidth: true
-            Layout.minimumHeight: Metrics.textLine
             color: Theme.label
             font.pointSize: Metrics.smallFont
+            lineHeight: Metrics.textLine
+            lineHeightMode: Text.FixedHeight
             text: root.text
             visible: text !== ""
             wrapMode: Text.Wrap
@@ -74,7 +76,8 @@ Item {
 
         CaptionText {
             Layout.fillWidth: true
-            Layout.minimumHeight: Metrics.captionLine
+            lineHeight: Metrics.captionLine
+            lineHeightMode: Text.FixedHeight
             text: root.caption
             visible: text !== ""
             wrapMode: Text.Wrap
@@ -82,8 +85,9 @@ Item {
 
         CaptionText {
             Layout.fillWidth: true
-            Layout.minimumHeight: Metrics.captionLine
             color: root.noteTone
+            lineHeight: Metrics.captionLine
+            lineHeightMode: Text.FixedHeight
             text: root.note
             visible: text !== ""
             wrapMode: Text.Wrap

@@ -44,6 +44,7 @@ Card {
                     font.pointSize: Metrics.bodyFont
                     font.weight: Font.DemiBold
                     fullText: root.offload.destination
+                    height: Math.max(implicitHeight, Metrics.textLine)
                     inkColor: Theme.strong
                     visible: fullText !== ""
                     width: parent.width
@@ -51,7 +52,8 @@ Card {
 
                 CaptionText {
                     color: root.offload.destinationFailed ? Theme.danger : Theme.label
-                    height: Math.max(implicitHeight, Metrics.captionLine)
+                    lineHeight: Metrics.captionLine
+                    lineHeightMode: Text.FixedHeight
                     text: root.offload.destinationText
                     width: parent.width
                     wrapMode: Text.Wrap
@@ -59,6 +61,8 @@ Card {
 
                 CaptionText {
                     color: Theme.careful
+                    lineHeight: Metrics.captionLine
+                    lineHeightMode: Text.FixedHeight
                     text: root.offload.lossNote
                     visible: text !== ""
                     width: parent.width

@@ -81,6 +81,8 @@ ColumnLayout {
                 CaptionText {
                     Layout.bottomMargin: Metrics.space8
                     Layout.fillWidth: true
+                    lineHeight: Metrics.captionLine
+                    lineHeightMode: Text.FixedHeight
                     text: qsTr("Things your Mac reads constantly are deliberately left out. Moving those to a slower drive would make everything feel sluggish, however much room it has.")
                     wrapMode: Text.Wrap
                 }

@@ -43,6 +43,8 @@ Rectangle {
             BodyText {
                 Layout.fillWidth: true
                 color: Theme.strong
+                lineHeight: Metrics.textLine
+                lineHeightMode: Text.FixedHeight
                 semibold: true
                 text: root.offload.slowWarning
                 wrapMode: Text.Wrap
@@ -50,6 +52,8 @@ Rectangle {
 
             CaptionText {
                 Layout.fillWidth: true
+                lineHeight: Metrics.captionLine
+                lineHeightMode: Text.FixedHeight
                 text: qsTr("Measured by writing and reading a real file, not from what the bus claims. Anything relocated here is read at this speed from now on.")
                 wrapMode: Text.Wrap
             }

@@ -92,6 +92,8 @@ Item {
                     Layout.fillWidth: true
                     color: Theme.label
                     font.pointSize: Metrics.smallFont
+                    lineHeight: Metrics.textLine
+                    lineHeightMode: Text.FixedHeight
                     text: qsTr("Photos live in a database rather than a folder, so Quillbrook asks the Photos app to do this rather than touching files itself.")
                     wrapMode: Text.Wrap
                 }

@@ -18,12 +18,14 @@ Item {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Metrics.space8
         anchors.left: parent.left
-        anchors.leftMargin: Metrics.space4 / 2
+        anchors.leftMargin: dot.visible ? Metrics.space4 / 2 : 0
         anchors.right: parent.right
         anchors.rightMargin: Metrics.space4 / 2
         spacing: Metrics.space8
 
         Rectangle {
+            id: dot
+
             color: root.row.tone
             implicitHeight: Metrics.dotSize
             implicitWidth: Metrics.dotSize

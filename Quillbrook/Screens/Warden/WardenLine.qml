@@ -87,6 +87,7 @@ Item {
         id: line
 
         SelectableLines {
+            bottomPadding: Metrics.space4
             text: root.row.title
         }
     }

@@ -42,6 +42,15 @@ TestCase {
         tryVerify(() => banner.implicitHeight > before + 30);
     }
 
+    function test_linesStandAsFarApartAsDrawn() {
+        const banner = createTemporaryObject(maker, root, {
+            width: 600
+        });
+        compare(banner.implicitHeight, 60);
+        banner.text = "Why,\nin a few words.";
+        tryCompare(banner, "implicitHeight", 76);
+    }
+
     function test_noteIsAsReadableAsTheText() {
         const banner = createTemporaryObject(maker, root, {
             note: "What comes of it.",
