@@ -1,15 +1,18 @@
 #!/usr/bin/python3
-"""Makes the pictures of the documents: each screen of the main window over a made-up machine, as `quillbrook-offline`
-shows it on a display in memory."""
+"""Makes the pictures of the documents on a display in memory: each screen of the main window over a made-up machine, as
+`quillbrook-offline` shows it, and what can go as `quillbrook` itself finds it in a made-up home folder."""
 
 import argparse
+import os
 import pathlib
 import shutil
+import subprocess
 import sys
 import tempfile
 import time
 
 import desktop
+import homes
 import processes
 import program
 import screenshot
@@ -25,22 +28,54 @@ COURSE = 100
 FOLDER = (300, 250)
 ASIDE = (120, 500)
 
-# Each picture: the state that the program is told, the screen's key and name, and what is pressed there.
+# The picture of a real run; the home folder for it, and what each of its megabytes takes here.
+REAL = "free-up-space"
+FIXTURE = pathlib.Path(__file__).parents[1] / "Support" / "fixture_home.py"
+MEGABYTE = 65_536
+
+# Each picture of the made-up machine: the state that the program is told, the screen's name, and what is pressed there.
 PICTURES = {
-    "free-up-space": ("rules", "1", "Free up space", ()),
-    "whats-using-space": ("ready", "2", "What's using space", ()),
-    "biggest-files": ("ready", "3", "Biggest files", ()),
-    "photos-by-date": ("ready", "5", "Photos by date", ("See what is in this range",)),
-    "automatic-rules": ("rules", "6", "Automatic rules", ()),
-    "move-to-another-drive": ("rules", "7", "Move to another drive", ()),
-    "apps": ("ready", "8", "Apps", ()),
-    "this-mac": ("ready", "9", "This Mac", ()),
-    "past-answers": ("conversation", "0", "Past answers", ()),
+    "whats-using-space": ("ready", "What's using space", ()),
+    "biggest-files": ("ready", "Biggest files", ()),
+    "photos-by-date": ("ready", "Photos by date", ("See what is in this range",)),
+    "automatic-rules": ("rules", "Automatic rules", ()),
+    "move-to-another-drive": ("rules", "Move to another drive", ()),
+    "apps": ("ready", "Apps", ()),
+    "this-mac": ("ready", "This Mac", ()),
+    "past-answers": ("conversation", "Past answers", ()),
 }
 
 
-def make(offline, folder, name):
-    state, key, pane, presses = PICTURES[name]
+def real(program_path, work):
+    """The program itself, once it has seen all of a made-up home folder."""
+    home = homes.Home(work)
+    subprocess.run([sys.executable, "-B", FIXTURE, home.path, "--unit", str(MEGABYTE)], check=True)
+    font = {"FONTCONFIG_FILE": os.environ["FONTCONFIG_FILE"]} if "FONTCONFIG_FILE" in os.environ else {}
+    quillbrook = program.Program(program_path, home.environment() | font | {"LC_ALL": "en_US.UTF-8"}, work / "log")
+    before = quillbrook.says(program.SCANNED)
+    quillbrook.press("Include them")
+    quillbrook.scanned(unlike=before)
+    return quillbrook
+
+
+def made_up(offline, work, name):
+    """The program over a made-up machine, on the screen that the picture is of."""
+    state, pane, presses = PICTURES[name]
+    environment = show_headless.environment() | {"LC_ALL": "en_US.UTF-8", "TZ": "UTC"}
+    quillbrook = program.Program(offline, environment, work / "log", arguments=(state,))
+    quillbrook.scanned()
+    time.sleep(SETTLING)
+    quillbrook.window().one("list", "Screens").one("list item", pane).act("Press")
+    quillbrook.selected(pane)
+    for button in presses:
+        quillbrook.press(button)
+    if name == "whats-using-space":
+        desktop.click(*FOLDER)
+        desktop.point(*ASIDE)
+    return quillbrook
+
+
+def make(arguments, name):
     work = pathlib.Path(tempfile.mkdtemp(prefix="quillbrook-pictures-"))
     # Without a window manager there is no frame, and the window takes the whole display.
     desk = desktop.Desktop(str(work), size=SIZE, window_manager=False)
@@ -48,19 +83,12 @@ def make(offline, folder, name):
     try:
         desk.start()
         desktop.point(*ASIDE)
-        environment = show_headless.environment() | {"LC_ALL": "en_US.UTF-8", "TZ": "UTC"}
-        quillbrook = program.Program(offline, environment, work / "log", arguments=(state,))
-        quillbrook.scanned()
-        time.sleep(SETTLING)
-        quillbrook.window().one("list", "Screens").one("list item", pane).act("Press")
-        quillbrook.selected(pane)
-        for button in presses:
-            quillbrook.press(button)
-        if name == "whats-using-space":
-            desktop.click(*FOLDER)
-            desktop.point(*ASIDE)
+        if name == REAL:
+            quillbrook = real(arguments.program.resolve(), work)
+        else:
+            quillbrook = made_up(arguments.offline.resolve(), work, name)
         time.sleep(COURSE if name == "this-mac" else SETTLING)
-        screenshot.write_png(desk.picture(), folder / f"{name}.png")
+        screenshot.write_png(desk.picture(), arguments.folder / f"{name}.png")
     finally:
         if quillbrook and quillbrook.running:
             quillbrook.quit()
@@ -69,15 +97,17 @@ def make(offline, folder, name):
 
 
 def main():
+    names = [REAL, *PICTURES]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--offline", required=True, type=pathlib.Path, help="the program quillbrook-offline")
+    parser.add_argument("--program", required=True, type=pathlib.Path, help="the program quillbrook")
     parser.add_argument("--folder", required=True, type=pathlib.Path, help="where the pictures go")
-    parser.add_argument("names", nargs="*", metavar="NAME", help=f"which of {', '.join(PICTURES)}; all without")
+    parser.add_argument("names", nargs="*", metavar="NAME", help=f"which of {', '.join(names)}; all without")
     arguments = parser.parse_args()
     processes.adopt_orphans()
     try:
-        for name in arguments.names or PICTURES:
-            make(arguments.offline.resolve(), arguments.folder, name)
+        for name in arguments.names or names:
+            make(arguments, name)
             print(name, flush=True)
         return 0
     finally:
