@@ -51,6 +51,8 @@ Sheet {
             Layout.leftMargin: Metrics.space20
             Layout.rightMargin: Metrics.space20
             Layout.topMargin: Metrics.space8
+            lineHeight: Metrics.textLine
+            lineHeightMode: Text.FixedHeight
             text: root.message
             wrapMode: Text.Wrap
         }

@@ -19,13 +19,14 @@ Rectangle {
         width: parent.width
     }
 
+    // In line with the card's other rows, within whose edge it lies.
     RowLayout {
         id: row
 
         anchors.left: parent.left
-        anchors.leftMargin: Metrics.space16
+        anchors.leftMargin: Metrics.space16 - Metrics.hairlineWidth
         anchors.right: parent.right
-        anchors.rightMargin: Metrics.space16
+        anchors.rightMargin: Metrics.space16 - Metrics.hairlineWidth
         anchors.verticalCenter: parent.verticalCenter
         spacing: Metrics.space12
 
