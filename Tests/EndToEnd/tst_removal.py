@@ -132,6 +132,8 @@ class Removal(removing.Removing):
         quillbrook = self.openOnTools()
         before = self.inHome()
         self.trashTools()
+        # Without it there is room in the window for all of the log.
+        quillbrook.press("Dismiss")
         quillbrook.press("Show what is in the Trash")
         names = lambda: sorted(name for name in self.list().names("list item") if name.startswith(TOOLS_TITLE))
         self.becomes(lambda: len(names()), 2)
