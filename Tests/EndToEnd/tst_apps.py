@@ -123,8 +123,10 @@ class Uninstalling(Apps):
         self.openSheet("Draw")
         self.sheetSays("Keep the installer if you might want it back.", "The app itself", "AND 2 OTHER PLACES IT WROTE TO",
                        "520 KB goes to the Trash")
-        # By the keyboard: the second of both is unticked.
-        box = self.dialogs()[0].one("check box", "Application support")
+        # By the keyboard, which the sheet takes once it stands: the second of both is unticked.
+        sheet = self.dialogs()[0]
+        self.becomes(lambda: sheet.one("push button", "Cancel").has(accessibility.FOCUSED), True)
+        box = sheet.one("check box", "Application support")
         self.quillbrook.tab_to(lambda: box.has(accessibility.FOCUSED))
         desktop.keys("space")
         self.sheetSays("480 KB goes to the Trash")

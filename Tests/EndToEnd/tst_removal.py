@@ -333,7 +333,10 @@ class Removal(removing.Removing):
             self.open()
             self.assertBooksKnowTheTrash()
             self.quillbrook.press("Move to Trash")
-            button = self.quillbrook.window().one("dialog").one("push button", "Move 2 items to Trash")
+            dialog = self.quillbrook.window().one("dialog")
+            # A question takes the keyboard once it stands.
+            self.becomes(lambda: dialog.one("push button", "Cancel").has(accessibility.FOCUSED), True)
+            button = dialog.one("push button", "Move 2 items to Trash")
             self.quillbrook.tab_to(lambda: button.has(accessibility.FOCUSED))
             there = len(os.listdir(trash / "files"))
             desktop.keys("Return")
