@@ -67,6 +67,8 @@ def main():
     desk = desktop.Desktop(str(folder / "desktop"), size=DISPLAY)
     try:
         desk.start()
+        # Off what is looked at: a pointer has shades of its own.
+        desktop.point(0, 0)
         tray = tray_host.TrayHost(folder)
         home = make_home(folder, arguments.files)
         figures = {"starts": starts(arguments, folder, home), "memory": memory(arguments, folder, home)}
