@@ -37,6 +37,18 @@ struct Fixture : HomeOnDisk
         return -1;
     }
 
+    /// Clears after a person has ticked one thing more; another has come meanwhile.
+    void reclaimWithOwnTicks()
+    {
+        tree.file("home/Library/Caches/pip/wheel", 4096);
+        for (int row = 0; row < warden.rows()->rowCount(); ++row)
+            if (warden.rows()->rows().at(row).path == "~/.pub-cache")
+                warden.toggle(row);
+        warden.askToReclaim();
+        warden.reclaim(false);
+        settled();
+    }
+
     mutable WardenState warden{ *model };
 };
 
@@ -145,14 +157,8 @@ private Q_SLOTS:
     void touchedTicksStayEmptyAfterARemoval()
     {
         Fixture fixture;
-        fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
-        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
-            if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
-                fixture.warden.toggle(row);
+        fixture.reclaimWithOwnTicks();
         QVERIFY(fixture.warden.touched());
-        fixture.warden.askToReclaim();
-        fixture.warden.reclaim(false);
-        fixture.settled();
         QCOMPARE(fixture.warden.counts(), u"0 of 1 reclaimable items"_s);
     }
 
@@ -284,14 +290,8 @@ private Q_SLOTS:
     void pendingTrashIsLookedAtAfterEveryScan()
     {
         Fixture fixture;
-        fixture.tree.file("home/Library/Caches/pip/wheel", 4096);
-        for (int row = 0; row < fixture.warden.rows()->rowCount(); ++row)
-            if (fixture.warden.rows()->rows().at(row).path == "~/.pub-cache")
-                fixture.warden.toggle(row);
+        fixture.reclaimWithOwnTicks();
         QVERIFY(fixture.warden.touched());
-        fixture.warden.askToReclaim();
-        fixture.warden.reclaim(false);
-        fixture.settled();
         QVERIFY(fixture.banner(WardenRows::pendingTrashBanner) >= 0);
         std::filesystem::remove_all(fixture.trashFolder);
         fixture.model->scans().scan({});
