@@ -186,11 +186,6 @@ def activate(window_of):
     waiting.until("a window that keys go to", follows, 40)
 
 
-def keyboard_is_placed():
-    """Whether keys go to a window: after one that had them closed, the window manager sees to that in its own time."""
-    return focused() not in ("", "0", "1")
-
-
 def focused():
     """The window's id; the numbers below 2 stand for none."""
     answer = subprocess.run(["xdotool", "getwindowfocus"], capture_output=True, text=True, timeout=20, check=False)

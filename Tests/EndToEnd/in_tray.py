@@ -45,11 +45,8 @@ class InTray(case.Case):
             GLib.Variant("(s)", ("com.tarnwick.Quillbrook",)), None, Gio.DBusCallFlags.NONE, 5000, None).unpack()[0])
 
     def open_panel(self, quillbrook, tray, place=PLACE):
-        """Presses the item, and answers with the panel. Where the window manager still had to place the keyboard after
-        the last window, it would take it from the panel, which then goes."""
-        waiting.until("keys go to a window", desktop.keyboard_is_placed)
-        tray.item().activate(*place)
-        return quillbrook.panel()
+        """Presses the item, and answers with the panel."""
+        return quillbrook.open_panel(lambda: tray.item().activate(*place))
 
     def switch(self, quillbrook, name):
         return quillbrook.panel().one("check box", name)

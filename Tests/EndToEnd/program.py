@@ -46,6 +46,23 @@ class Program:
         """The small window that drops from the tray, once it is open."""
         return waiting.until("the panel", lambda: next(iter(self.open_panels()), None), seconds)
 
+    def open_panel(self, press):
+        """Opens the panel with that press on the item, and answers with it once it has the keyboard. A window manager
+        that was still placing the keyboard after the last window takes it away again; the panel goes with it, and the
+        press is made once more."""
+        def opened():
+            if not self.open_panels():
+                press()
+            try:
+                return waiting.until("the keyboard in the panel", self._panel_with_keyboard, 3)
+            except waiting.Late:
+                return None
+        return waiting.until("the panel with the keyboard", opened, 40)
+
+    def _panel_with_keyboard(self):
+        panel = next((panel for panel in self.open_panels() if panel.has(accessibility.ACTIVE)), None)
+        return panel if panel and desktop.focused() in desktop.windows_of(self.pid) else None
+
     def open_panels(self):
         try:
             return [panel for panel in self._windows(True) if panel.has(accessibility.SHOWING)]

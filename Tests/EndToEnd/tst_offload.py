@@ -294,8 +294,7 @@ class Offload(removing.Removing):
         quillbrook.close_window()
         for answer in (self.answer, "Keep going"), (self.press, "Quit"):
             self.assertEqual(os.listdir(behind), ["models"])
-            tray.item().activate(1180, 10)
-            quillbrook.panel().one("push button", "Quit").act()
+            quillbrook.open_panel(lambda: tray.item().activate(1180, 10)).one("push button", "Quit").act()
             self.asks("Quit and stop moving?", QUITTING, "Keep going", "Quit")
             answer[0](answer[1])
         self.assertEqual(quillbrook.exited(30), 0)
