@@ -171,7 +171,7 @@ private Q_SLOTS:
         if (fileManager)
             offerFileManager(*fileManager);
         offerPortal(Answer::good);
-        const auto revealing = revealer(fileManager == Answer::none ? 20ms : 10s);
+        const auto revealing = revealer(fileManager == Answer::none ? 500ms : 10s);
         revealing->reveal(m_tree->path("folder/file"));
         QTRY_COMPARE(m_portal->inodes, QList<quint64>{ inode(m_tree->path("folder/file")) });
         QCOMPARE(m_fileManager->uris.size(), fileManager ? 1 : 0);
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QFETCH(std::optional<Answer>, portal);
         if (portal)
             offerPortal(*portal);
-        const auto revealing = revealer(portal == Answer::none ? 20ms : 10s);
+        const auto revealing = revealer(portal == Answer::none ? 500ms : 10s);
         revealing->reveal(m_tree->path("folder/file"));
         QTRY_COMPARE(m_browser->urls, QList<QByteArray>{ fileUri(m_tree->path("folder")).toLatin1() });
         QCOMPARE(m_portal->inodes.size(), portal ? 1 : 0);
