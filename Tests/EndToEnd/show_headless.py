@@ -23,6 +23,20 @@ def environment():
                          "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
 
 
+def settled(desk):
+    """A picture of the display once nothing moves on it any more, or after a while as it is."""
+    shown = [desk.picture()]
+
+    def is_still():
+        shown.append(desk.picture())
+        return shown[-1] == shown[-2]
+    try:
+        waiting.until("a picture that stays", is_still, 5, pause=0.3)
+    except waiting.Late:
+        pass  # Something always moves.
+    return shown[-1]
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--program", required=True, type=pathlib.Path)
@@ -43,7 +57,7 @@ def main():
         try:
             quillbrook.scanned(arguments.seconds)
         finally:
-            screenshot.write_png(desk.picture(), arguments.picture)
+            screenshot.write_png(settled(desk), arguments.picture)
             print(f"A picture of the window is in {arguments.picture}; what it wrote to its log, in {log}.")
         print("The window says:")
         for text in quillbrook.words():
