@@ -8,15 +8,20 @@ import waiting
 
 class Home:
     """`path` is the home; what the program itself stores goes beside it, so that the home stays as it was made. Only
-    caches are where they usually are: of a base outside the home folder nothing can be cleared."""
+    caches are where they usually are: of a base outside the home folder nothing can be cleared. What the program hands
+    to the desktop to open is written to `opened`: the machine's own programs would put windows of theirs in the way."""
 
     def __init__(self, folder, user="ann"):
         self.folder = pathlib.Path(folder)
         self.path = self.folder / "home" / user
         self.path.mkdir(parents=True)
         self.settings = self.folder / "config" / "Quillbrook" / "Quillbrook.conf"
-        for name in ("config", "data", "state"):
+        for name in ("config", "data", "state", "bin"):
             (self.folder / name).mkdir()
+        self.opened = self.folder / "opened"
+        opener = self.folder / "bin" / "xdg-open"
+        opener.write_text('#!/bin/sh\nprintf "%s\\n" "$1" >> "${0%/*}/../opened"\n', encoding="utf-8")
+        opener.chmod(0o755)
         self._passwd = self.folder / "passwd"
         self._group = self.folder / "group"
         self._passwd.write_text(
@@ -29,6 +34,7 @@ class Home:
                 if name in ("PATH", "DISPLAY", "XDG_RUNTIME_DIR", "DBUS_SESSION_BUS_ADDRESS", "TMPDIR")}
         return kept | {
             "HOME": str(self.path),
+            "PATH": f"{self.folder / 'bin'}:{os.environ['PATH']}",
             "LANG": "C.UTF-8",
             "TZ": "UTC",
             "XDG_CONFIG_HOME": str(self.folder / "config"),

@@ -9,6 +9,7 @@ import desktop
 import file_manager
 import homes
 import screenshot
+import waiting
 
 # The colour of rings, as red, green and blue.
 ACCENT = bytes((42, 79, 191))
@@ -188,10 +189,12 @@ class Biggest(Lists):
             self.quillbrook.press("Show in Finder")
             self.assertEqual(manager.shown(position + 1)[position], ("ShowItems", [self.uri(name)]))
 
-    def testWithoutAFileManagerNothingBreaks(self):
+    def testWithoutAFileManagerTheFolderIsOpened(self):
         self.home.file("go/a.bin", 400 * KB)
         self.biggest()
         self.row("go/a.bin").one("push button", "Show").act("Press")
+        waiting.until("something opened", self.home.opened.exists)
+        self.becomes(self.home.opened.read_text, self.uri("go") + "\n")
         self.row("go/a.bin").act("Press")
         self.becomes(lambda: self.bar()[:1], ["a.bin"])
 

@@ -166,13 +166,11 @@ class Alerts(in_tray.InTray):
         self.assertNotIn("Open Settings", quillbrook.panel().names("push button"))
 
     def testOpenSettingsOpensTheDesktopsOwn(self):
-        folder = self.folder / "bin"
-        folder.mkdir()
-        opened = self.folder / "opened"
-        settings = folder / "xfce4-notifyd-config"
+        opened = self.folder / "opened-settings"
+        settings = self.home.folder / "bin" / "xfce4-notifyd-config"
         settings.write_text(f"#!/bin/sh\necho \"$@\" > '{opened}'\n", encoding="utf-8")
         settings.chmod(0o755)
-        quillbrook = self.watching(PATH=f"{folder}:{os.environ['PATH']}", XDG_CURRENT_DESKTOP="XFCE")
+        quillbrook = self.watching(XDG_CURRENT_DESKTOP="XFCE")
         self.press(quillbrook, "Open Settings")
         waiting.until("the desktop's settings", opened.exists)
 
