@@ -218,14 +218,14 @@ private Q_SLOTS:
         RemovalFixture f;
         f.home.fileWith("~/a", "kept");
         f.home.fileWith("a", "kept");
-        const auto here = std::filesystem::current_path();
         std::filesystem::current_path(f.home.path());
         for (const auto *path : { "~/a", "a", "./a" })
             for (const auto &manner : { f.toTrash, f.permanent })
                 QVERIFY2(
                     !PathRemoval::remove(f.services, { .path = path, .label = u"A"_s }, manner).succeeded(),
                     path);
-        std::filesystem::current_path(here);
+        // Not the one before: it may be closed to the user that the suites run as.
+        std::filesystem::current_path("/");
         QCOMPARE(f.content(f.home.path("~/a")), std::string("kept"));
         QCOMPARE(f.content(f.home.path("a")), std::string("kept"));
     }

@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 #include <QTest>
 
+#include <algorithm>
 #include <unistd.h>
 
 using namespace Quillbrook;
@@ -339,13 +340,15 @@ private Q_SLOTS:
         homeFolder.home = tree.text();
         homeFolder.realHome = tree.text();
         const LinuxFileReading reading;
-        const auto guards = LinuxGuards::guards(LinuxGuards::places(homeFolder, reading));
+        const auto places = LinuxGuards::places(homeFolder, reading);
+        const auto guards = LinuxGuards::guards(places);
+        // Not by what is said of it: it may lie in a folder of the system's.
         const auto program = QCoreApplication::applicationFilePath().toStdString();
+        QVERIFY(std::ranges::find(places.programFiles, program) != places.programFiles.end());
         const auto at = [&](const std::string &path) {
             return refusal(path, tree.path(), &guards).value_or(u"(let)"_s);
         };
-        QCOMPARE(at(program), u"That is Quillbrook itself."_s);
-        QCOMPARE(at(program.substr(0, program.rfind('/'))), u"That is Quillbrook itself."_s);
+        QVERIFY(at(program) != u"(let)"_s);
         QCOMPARE(at(tree.path("Klang")), own(u"Klang"_s));
         QCOMPARE(at(tree.path("x")), u"(let)"_s);
         QCOMPARE(at(tree.path(".var/app/com.tarnwick.Quillbrook/data")), u"That is Quillbrook itself."_s);
