@@ -1,5 +1,6 @@
 #include "Media/SystemStats.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Quillbrook {
@@ -44,7 +45,8 @@ void SystemStats::tick()
     Q_EMIT ticked();
 }
 
-// The first sample has nothing to be compared with, and only says from where the next one counts.
+// The first sample has nothing to be compared with, and only says from where the next one counts. The
+// counters of a processor that goes to sleep or comes back may step back a little, each by itself.
 void SystemStats::sampleCPU()
 {
     const auto ticks = m_counters.processorTicks();
@@ -53,9 +55,11 @@ void SystemStats::sampleCPU()
     const auto used = ticks->user + ticks->system + ticks->nice;
     const Ticks now{ .used = used, .total = used + ticks->idle };
     const auto before = std::exchange(m_previousTicks, now);
-    if (before.total != 0 && now.total > before.total)
-        m_cpuBusy = static_cast<double>(now.used - before.used)
-            / static_cast<double>(now.total - before.total) * percent;
+    if (before.total == 0 || now.total <= before.total || now.used < before.used)
+        return;
+    const auto share
+        = static_cast<double>(now.used - before.used) / static_cast<double>(now.total - before.total);
+    m_cpuBusy = std::min(share, 1.0) * percent;
 }
 
 void SystemStats::sampleMemory()

@@ -80,6 +80,26 @@ private Q_SLOTS:
         QCOMPARE(machine.stats.cpuBusy(), 0.0);
     }
 
+    // As those of a processor do that is switched off or on.
+    void countersThatStepBackByThemselvesGiveNoOddShare()
+    {
+        Machine machine;
+        machine.counters.ticks = ProcessorTicks{ .user = 100, .idle = 100 };
+        machine.stats.start();
+        machine.counters.ticks = ProcessorTicks{ .user = 125, .idle = 175 };
+        machine.tick();
+        QCOMPARE(machine.stats.cpuBusy(), 25.0);
+        machine.counters.ticks = ProcessorTicks{ .user = 124, .idle = 276 };
+        machine.tick();
+        QCOMPARE(machine.stats.cpuBusy(), 25.0);
+        machine.counters.ticks = ProcessorTicks{ .user = 174, .idle = 266 };
+        machine.tick();
+        QCOMPARE(machine.stats.cpuBusy(), 100.0);
+        machine.counters.ticks = ProcessorTicks{ .user = 176, .idle = 268 };
+        machine.tick();
+        QCOMPARE(machine.stats.cpuBusy(), 50.0);
+    }
+
     void restartMeasuresFromTheLastSample()
     {
         Machine machine(never);
