@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 using namespace Quillbrook;
 
 namespace {
@@ -72,6 +74,15 @@ private Q_SLOTS:
         const auto summary = PhotoSample::summary(MadeAssets(assets));
         QCOMPARE(
             summary, (PhotoSummary{ .count = count, .bytes = bytes, .localCount = local, .sampled = count }));
+    }
+
+    // A file with a hole may have any length.
+    void sizesThatNoNumberHoldsAreTheLargest()
+    {
+        constexpr auto largest = std::numeric_limits<qint64>::max();
+        const auto summary
+            = PhotoSample::summary(MadeAssets({ { file(largest, true) }, { file(largest, true) } }));
+        QCOMPARE(summary.bytes, largest);
     }
 
     void estimatesTheWholeRange()
