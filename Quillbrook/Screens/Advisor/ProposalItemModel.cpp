@@ -16,7 +16,7 @@ void ProposalItemModel::setItems(const QList<StorageItem> &items, const QDateTim
     m_chosen.reset();
     const auto first = std::ranges::find_if(items, &StorageItem::removable);
     if (first != items.end())
-        m_chosen = first->id;
+        m_chosen = first - items.begin();
     endResetModel();
 }
 
@@ -24,16 +24,14 @@ void ProposalItemModel::choose(int row)
 {
     if (row < 0 || row >= m_items.size() || !m_items.at(row).removable)
         return;
-    m_chosen = m_items.at(row).id;
+    m_chosen = row;
     Q_EMIT dataChanged(
         index(0), index(static_cast<int>(m_items.size()) - 1), { static_cast<int>(Role::chosen) });
 }
 
 std::optional<StorageItem> ProposalItemModel::chosen() const
 {
-    const auto isChosen = [this](const StorageItem &item) { return item.removable && item.id == m_chosen; };
-    const auto found = std::ranges::find_if(m_items, isChosen);
-    return found == m_items.end() ? std::nullopt : std::optional(*found);
+    return m_chosen ? std::optional(m_items.at(*m_chosen)) : std::nullopt;
 }
 
 int ProposalItemModel::rowCount(const QModelIndex &parent) const
@@ -60,7 +58,7 @@ QVariant ProposalItemModel::data(const QModelIndex &index, int role) const
     case Role::removable:
         return item.removable;
     case Role::chosen:
-        return item.removable && item.id == m_chosen;
+        return index.row() == m_chosen;
     }
     return {};
 }

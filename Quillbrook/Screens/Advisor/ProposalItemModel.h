@@ -47,7 +47,8 @@ public:
 private:
     QList<StorageItem> m_items;
     QDateTime m_now;
-    std::optional<QString> m_chosen;
+    /// By its row, since names that are not UTF-8 may give two items one id.
+    std::optional<qsizetype> m_chosen;
 };
 
 } // namespace Quillbrook

@@ -149,7 +149,8 @@ private Q_SLOTS:
         QTest::newRow("all") << 0 << u"npm.cacache"_s
                              << QStringList{ u"Remove Downloaded code packages?"_s,
                                     u"Downloaded code packages · 50.0 MB in total"_s,
-                                    u"Re-downloads on the next npm install."_s, u""_s };
+                                    u"Repopulated on the next install. Needs a network connection."_s,
+                                    u""_s };
     }
 
     void cardSaysWhatItOffers()
@@ -163,7 +164,7 @@ private Q_SLOTS:
         QVERIFY(home.proposal.present() && home.proposal.canMove());
         QCOMPARE(home.proposal.heading(), words.at(0));
         QCOMPARE(home.proposal.summary(), words.at(1));
-        QCOMPARE(home.proposal.consequence().isEmpty(), words.at(2).isEmpty());
+        QCOMPARE(home.proposal.consequence(), words.at(2));
         QCOMPARE(home.proposal.frees(), words.at(3));
     }
 
@@ -190,7 +191,9 @@ private Q_SLOTS:
         home.proposal.askToMove();
         QCOMPARE(asked.count(), 1);
         QCOMPARE(home.proposal.confirmTitle(), u"Move phone1 to the Trash?"_s);
-        QVERIFY(home.proposal.confirmMessage().endsWith(u"\n\nYou can put it back from the Trash."_s));
+        QCOMPARE(home.proposal.confirmMessage(),
+            u"You can make new ones, but anything installed on them is gone.\n\nYou can put it back from the "
+            u"Trash."_s);
         home.proposal.move();
         QVERIFY(!home.proposal.present());
         // Nothing of this home folder is on a disk, and so what was tried says so.
@@ -218,8 +221,9 @@ private Q_SLOTS:
         home.model.reclaims().refreshSafetyNet();
         QTRY_VERIFY(home.model.reclaims().safetyNet());
         QVERIFY(home.model.reclaims().safetyNet()->isUnprotected());
-        QVERIFY(home.proposal.confirmMessage().endsWith(
-            u"\n\nYou can put it back from the Trash. This Mac has no backup, so emptying the Trash is final."_s));
+        QCOMPARE(home.proposal.confirmMessage(),
+            u"Repopulated on the next install. Needs a network connection.\n\nYou can put it back from the "
+            u"Trash. This Mac has no backup, so emptying the Trash is final."_s);
     }
 
     void nothingIsMovedOnceTheCardHasGone()
@@ -253,6 +257,25 @@ private Q_SLOTS:
         QCOMPARE(items.chosen()->id, u"b"_s);
         items.choose(0);
         QCOMPARE(items.chosen()->id, u"b"_s);
+    }
+
+    // Names that are not UTF-8 may read the same, and so do their ids.
+    void itemsThatReadTheSameAreToldApart()
+    {
+        ProposalItemModel items;
+        const auto item = [](qint64 bytes) {
+            return StorageItem{ .id = u"a/\ufffd"_s, .name = u"\ufffd"_s, .bytes = bytes };
+        };
+        items.setItems({ item(5), item(3) }, {});
+        QCOMPARE(items.chosen()->bytes, 5);
+        items.choose(1);
+        QCOMPARE(items.chosen()->bytes, 3);
+        QCOMPARE(items.data(items.index(0), int(Role::chosen)), false);
+        QCOMPARE(items.data(items.index(1), int(Role::chosen)), true);
+        items.setItems({ item(7) }, {});
+        QCOMPARE(items.chosen()->bytes, 7);
+        items.setItems({}, {});
+        QVERIFY(!items.chosen());
     }
 
     void dismissedCardBringsTheSuggestionsBack()
