@@ -259,6 +259,31 @@ private Q_SLOTS:
         QCOMPARE(items.chosen()->id, u"b"_s);
     }
 
+    void cardWithoutAnythingThatMayGoCanOnlyBeTakenAway()
+    {
+        Fixture home;
+        home.addPlace("Library/Developer/CoreSimulator/Devices", 0);
+        home.addFolder("Library/Developer/CoreSimulator/Devices/4B8F-1");
+        home.addFile("Library/Developer/CoreSimulator/Devices/4B8F-1/disk", 90);
+        home.processes.answer = [](const ProcessRunner::Command &) {
+            return ProcessRunner::Result{ .output = "    iPhone (4B8F-1) (Booted) \n", .exited = true };
+        };
+        home.scan();
+        home.offer(u"simulator.devices"_s);
+        QCOMPARE(home.proposal.heading(), u"This one?"_s);
+        QCOMPARE(home.cell(0, Role::blocked), u"Running right now — shut it down first."_s);
+        home.proposal.choose(0);
+        QVERIFY(!home.proposal.canMove());
+        QCOMPARE(home.proposal.frees(), QString());
+        const QSignalSpy asked(&home.proposal, &ProposalState::moveAsked);
+        home.proposal.askToMove();
+        home.proposal.move();
+        QCOMPARE(asked.count(), 0);
+        QVERIFY(home.proposal.present());
+        home.proposal.dismiss();
+        QVERIFY(!home.proposal.present());
+    }
+
     // Names that are not UTF-8 may read the same, and so do their ids.
     void itemsThatReadTheSameAreToldApart()
     {
