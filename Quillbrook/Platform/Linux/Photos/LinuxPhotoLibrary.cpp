@@ -83,12 +83,29 @@ PhotoAccess LinuxPhotoLibrary::status() const
     }();
     switch (consent) {
     case Consent::given:
-        return folders().access();
+        return accessTo(folders());
     case Consent::refused:
         return PhotoAccess::denied;
     default:
         return PhotoAccess::notAsked;
     }
+}
+
+PhotoAccess LinuxPhotoLibrary::accessTo(const PhotoFolders &folders) const
+{
+    const auto access = folders.access();
+    return access == PhotoAccess::granted && isWholeKept(folders) ? PhotoAccess::limited : access;
+}
+
+bool LinuxPhotoLibrary::isWholeKept(const PhotoFolders &folders) const
+{
+    return folders.pictures && isKept(*folders.pictures + "/picture");
+}
+
+bool LinuxPhotoLibrary::isKept(const std::string &path) const
+{
+    const auto &removal = m_services.removal;
+    return PathRemoval::refusal(path, removal.home, removal.removal.guards).has_value();
 }
 
 QFuture<PhotoAccess> LinuxPhotoLibrary::requestAccess(PhotoQuestions &questions)
@@ -135,12 +152,12 @@ void LinuxPhotoLibrary::takeFromPicker()
 
 std::shared_ptr<const PhotoAssets> LinuxPhotoLibrary::query(const PhotoQuery &query, PhotoWork &work) const
 {
-    const auto &removal = m_services.removal;
-    const auto keeps = [&](const std::string &path) {
-        return PathRemoval::refusal(path, removal.home, removal.removal.guards).has_value();
-    };
-    PhotoWalk walk(query, keeps, work);
-    for (const auto &root : folders().roots())
+    const auto library = folders();
+    // Where nothing may go, it can be counted all the same.
+    const bool isAllKept = isWholeKept(library);
+    PhotoWalk walk(
+        query, [&](const std::string &path) { return !isAllKept && isKept(path); }, work);
+    for (const auto &root : library.roots())
         if (!walk.walk(root))
             return nullptr;
     return walk.take();

@@ -62,6 +62,12 @@ private:
     void takeAnswer(bool isAllowed);
     void setConsent(Consent consent, const std::optional<std::string> &granted = {});
     [[nodiscard]] PhotoFolders folders() const;
+    /// `limited` too where nothing may go.
+    [[nodiscard]] PhotoAccess accessTo(const PhotoFolders &folders) const;
+    /// The guards keep whatever lies among the pictures, because of where that is.
+    [[nodiscard]] bool isWholeKept(const PhotoFolders &folders) const;
+    /// By a guard of removals.
+    [[nodiscard]] bool isKept(const std::string &path) const;
     [[nodiscard]] PhotoRemoval &removal() const;
 
     const Services m_services;

@@ -146,6 +146,31 @@ private Q_SLOTS:
         QCOMPARE(machine.library()->status(), PhotoAccess::notAsked);
     }
 
+    // As in the folders of the system, which that of the document portal is below.
+    void whereNothingMayGoItCanBeCounted()
+    {
+        Machine machine;
+        auto library = machine.library();
+        QCOMPARE(machine.asked(*library), PhotoAccess::granted);
+        machine.guards.guards.push_back({ .names =
+                                              [&](const GuardedPath &path) {
+                                                  return path.isWithin(machine.tree.path("home/Pictures"))
+                                                      ? std::optional<std::string>("")
+                                                      : std::nullopt;
+                                              },
+            .sentence = u"Kept."_s });
+        QCOMPARE(library->status(), PhotoAccess::limited);
+        makePicture(machine.tree, "home/Pictures/a.jpg", noon(2019, 6, 1));
+        makePicture(machine.tree, "home/Pictures/trip/b.jpg", noon(2019, 6, 1));
+        PhotoWork search;
+        const auto assets = library->query(query, search);
+        QCOMPARE(assets->count(), qsizetype(2));
+        PhotoWork work;
+        QVERIFY(!library->deleteAssets(*assets, work).succeeded);
+        QVERIFY(std::filesystem::exists(machine.tree.path("home/Pictures/a.jpg")));
+        QVERIFY(std::filesystem::exists(machine.tree.path("home/Pictures/trip/b.jpg")));
+    }
+
     void cancelledPickerIsARefusal()
     {
         Machine machine;
