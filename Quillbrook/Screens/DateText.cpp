@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace Quillbrook {
@@ -134,8 +135,11 @@ QString asTyped(QString format)
     return withUsualBlanks(format);
 }
 
-QDate typedDay(const QString &text)
+QDate typedDay(QString text)
 {
+    // Nothing but a year is 00. Two digits are read as of 1900 at first, which had no 29 February.
+    static const QRegularExpression doubleZero(u"\\b00\\b"_s);
+    text.replace(doubleZero, u"2000"_s);
     const QLocale locale;
     auto format = asTyped(dateFormat());
     if (const auto day = locale.toDate(text, format); day.isValid())

@@ -57,6 +57,9 @@ private Q_SLOTS:
         QTest::newRow("a day alone keeps the time") << "en_US" << u"12/1/1999"_s << at(1999, 12, 1, 9, 30);
         QTest::newRow("two digits, this century") << "en_US" << u"12/1/69"_s << at(2069, 12, 1, 9, 30);
         QTest::newRow("two digits, the last") << "en_US" << u"12/1/70, 1:00 AM"_s << at(1970, 12, 1, 1, 0);
+        QTest::newRow("a leap day, two digits") << "en_US" << u"2/29/04"_s << at(2004, 2, 29, 9, 30);
+        QTest::newRow("the leap day of 2000") << "en_US" << u"2/29/00, 1:00 AM"_s << at(2000, 2, 29, 1, 0);
+        QTest::newRow("no leap day") << "en_US" << u"2/29/01"_s << QDateTime();
         QTest::newRow("year first") << "en_US" << u"2021-02-03"_s << at(2021, 2, 3, 9, 30);
         QTest::newRow("day first") << "de_DE" << u"1.12.2021"_s << at(2021, 12, 1, 9, 30);
         QTest::newRow("no such day") << "en_US" << u"2/30/2021"_s << QDateTime();
