@@ -134,10 +134,12 @@ std::uint64_t LinuxHostCounters::compressedBytes() const
 {
     std::uint64_t sum = 0;
     std::error_code error;
-    for (const auto &entry : std::filesystem::directory_iterator(m_sources.sys + "/block", error)) {
-        if (!entry.path().filename().string().starts_with("zram"))
+    std::filesystem::directory_iterator drive(m_sources.sys + "/block", error);
+    // A step throws where it is not given an error to fill.
+    for (; drive != std::filesystem::directory_iterator(); drive.increment(error)) {
+        if (!drive->path().filename().string().starts_with("zram"))
             continue;
-        const auto numbers = numbersIn(textOf(entry.path().string() + "/mm_stat"));
+        const auto numbers = numbersIn(textOf(drive->path().string() + "/mm_stat"));
         if (numbers.size() > placeOfMemoryTaken)
             sum += numbers[placeOfMemoryTaken];
     }
