@@ -63,6 +63,9 @@ std::optional<DesktopEntry> DesktopEntry::parse(QByteArrayView bytes)
         .flatpak = file->text(group, "X-Flatpak"),
         .snap = file->text(group, "X-SnapInstanceName"),
         .appImageVersion = plainLine(file->text(group, "X-AppImage-Version")) };
+    // A translation without a word is none.
+    if (entry.name.isEmpty())
+        entry.name = plainLine(file->text(group, "Name"));
     // One that only says that it is hidden takes another's place without a name of its own.
     if (entry.name.isEmpty() && !entry.isHidden)
         return std::nullopt;

@@ -10,7 +10,7 @@ namespace {
 
 void speakGerman()
 {
-    qputenv("LANGUAGE", "de");
+    qputenv("LANGUAGE", "de_AT@old");
     qputenv("LC_ALL", "C.UTF-8");
 }
 
@@ -28,6 +28,16 @@ private Q_SLOTS:
         QTest::newRow("plain") << QByteArray("Name=Aurora") << u"Aurora"_s;
         QTest::newRow("in the person's language")
             << QByteArray("Name=Files\nName[fr]=Fichiers\nName[de]=Dateien") << u"Dateien"_s;
+        QTest::newRow("in that of the country")
+            << QByteArray("Name=Files\nName[de]=Dateien\nName[de_AT]=Akten\nName[de_CH]=Ordner")
+            << u"Akten"_s;
+        QTest::newRow("in that of the script")
+            << QByteArray("Name=Files\nName[de_AT@old]=Acten\nName[de]=Dateien") << u"Acten"_s;
+        QTest::newRow("in that of another script")
+            << QByteArray("Name=Files\nName[de@latin]=Dateien") << u"Files"_s;
+        QTest::newRow("an empty name of the language") << QByteArray("Name=Files\nName[de]=") << u"Files"_s;
+        QTest::newRow("an empty group") << QByteArray("Name=One\n[]\nA=b") << QString();
+        QTest::newRow("a group twice") << QByteArray("Name=One\n[Desktop Entry]\nName=Two") << u"Two"_s;
         QTest::newRow("with escapes") << QByteArray("Name=A\\sB\\tC\\\\D") << u"A B C\\D"_s;
         QTest::newRow("characters that are not seen")
             << QByteArray("Name=Bad\u202eEman\u0007\u200b") << u"BadEman"_s;
