@@ -126,11 +126,12 @@ std::vector<App> apps(const FileReading &reading, const std::string &folder)
     return found;
 }
 
-QStringList runtimeIds(const std::string &folder)
+QStringList allIds(const std::string &folder)
 {
     QStringList ids;
-    for (const auto &id : FolderNames::in(folder + "/runtime"))
-        ids.append(repairedText(id));
+    for (const auto *kind : { "/app", "/runtime" })
+        for (const auto &id : FolderNames::in(folder + kind))
+            ids.append(repairedText(id));
     return ids;
 }
 

@@ -33,8 +33,8 @@ struct App
 };
 
 [[nodiscard]] std::vector<App> apps(const FileReading &reading, const std::string &folder);
-/// The ids of runtimes and extensions.
-[[nodiscard]] QStringList runtimeIds(const std::string &folder);
+/// The ids of all applications, runtimes and extensions that have a folder there, also of damaged ones.
+[[nodiscard]] QStringList allIds(const std::string &folder);
 /// Where a ref of it lies.
 [[nodiscard]] std::string folderOf(const std::string &folder, const QString &ref);
 

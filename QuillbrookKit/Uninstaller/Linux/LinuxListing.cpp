@@ -7,6 +7,7 @@
 #include "Uninstaller/Linux/DesktopEntries.h"
 #include "Uninstaller/Linux/FlatpakInstallation.h"
 #include "Uninstaller/Linux/IconFiles.h"
+#include "Uninstaller/Linux/KeyFile.h"
 #include "Uninstaller/Linux/LinuxLeftovers.h"
 #include "Uninstaller/Linux/OwnProgram.h"
 #include "Uninstaller/Linux/PackageOwners.h"
@@ -283,7 +284,7 @@ private:
         auto &owners = m_listing.owners;
         owners.unite(m_entries.ids);
         for (const auto &folder : { m_places.userFlatpak, m_places.systemFlatpak })
-            for (const auto &id : FlatpakInstallation::runtimeIds(folder))
+            for (const auto &id : FlatpakInstallation::allIds(folder))
                 owners.insert(id);
         auto data = m_places.systemData;
         data.push_back(m_places.data);
@@ -291,10 +292,20 @@ private:
             for (const auto *services : { "/dbus-1/services", "/dbus-1/system-services" })
                 for (const auto &name : FolderNames::in(folder + services))
                     if (name.ends_with(".service"))
-                        owners.insert(repairedText(name.substr(0, name.rfind('.'))));
+                        addService(folder + services + '/' + name);
         for (const auto &name : FolderNames::in(m_places.snaps))
             owners.insert(repairedText(name));
         owners.remove(QString());
+    }
+
+    // It is known by the name that it takes on the bus, which its file need not bear.
+    void addService(const std::string &path)
+    {
+        const auto file = lastComponent(path);
+        m_listing.owners.insert(file.left(file.lastIndexOf(u'.')));
+        const auto text = m_services.reading.contents(path, DesktopEntry::maximumBytes);
+        if (const auto note = text ? KeyFile::parse(*text) : std::nullopt)
+            m_listing.owners.insert(note->text("D-BUS Service", "Name"));
     }
 
     void markSelf()

@@ -62,6 +62,8 @@ private Q_SLOTS:
         row("org.base", false);
         row("org.base.Locale", false);
         row("org.bus.Service", false);
+        row("org.bus.Named", false);
+        row("org.broken.App", false);
         row("org.snapped.app", false);
         row("org.gnome.Shell", false);
         row("org.freedesktop.portal", false);
@@ -81,6 +83,9 @@ private Q_SLOTS:
         machine.entry("usr/share", "org.damaged.App", "nonsense");
         machine.tree.folder("var/lib/flatpak/runtime/org.base/x86_64/23");
         machine.tree.file("usr/share/dbus-1/services/org.bus.Service.service");
+        machine.tree.fileWith(
+            "usr/share/dbus-1/services/odd.service", "[D-BUS Service]\nName=org.bus.Named\nExec=x\n");
+        machine.tree.folder("var/lib/flatpak/app/org.broken.App/x86_64/stable");
         machine.tree.folder("snap/org.snapped.app");
         machine.add("home/.config/" + name.toStdString());
         QTEST(!machine.orphans().empty(), "isOrphan");
