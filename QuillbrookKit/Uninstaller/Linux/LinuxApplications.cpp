@@ -183,6 +183,8 @@ Plan LinuxApplications::plan(const HostPlanRequest &request) const
     services.wording = request.wording;
     if (auto blocked = refusal(app, services))
         return { .app = app.app, .blocked = std::move(blocked) };
+    if (app.isUsedWithoutIt)
+        return { .app = app.app };
     const auto table = LinuxLeftovers::locations(m_options.places);
     const Others taken(table, app, request.all);
     std::vector<Leftover> found;

@@ -28,17 +28,20 @@ constexpr std::array sharedNames{ u"app", u"application", u"applications", u"app
     u"wallpapers", u"wireplumber", u"xdg-desktop-portal", u"xfce4", u"xorg", u"zsh" };
 
 // Programs that start others, or in which others run, in lower case and without a version behind them.
-constexpr std::array launchers{ u"ash", u"appimagelauncher", u"appimagelauncherd", u"bash", u"bottles",
-    u"bottles-cli", u"brave", u"brave-browser", u"bwrap", u"cargo", u"chrome", u"chromium",
-    u"chromium-browser", u"dash", u"dbus-launch", u"dotnet", u"electron", u"env", u"epiphany", u"exec",
-    u"falkon", u"firefox", u"firefox-esr", u"fish", u"flatpak", u"flatpak-run", u"gapplication", u"gio",
-    u"gjs", u"gnome-terminal", u"google-chrome", u"google-chrome-beta", u"google-chrome-stable",
-    u"gtk-launch", u"heroic", u"java", u"javaw", u"kde-open", u"kioclient", u"konsole", u"konqueror", u"ksh",
-    u"librewolf", u"lua", u"lutris", u"microsoft-edge", u"microsoft-edge-stable", u"mono", u"msedge", u"nice",
-    u"node", u"nodejs", u"nohup", u"npm", u"npx", u"opera", u"perl", u"php", u"pkexec", u"pwsh", u"python",
-    u"ruby", u"setsid", u"sh", u"snap", u"steam", u"steam-runtime", u"sudo", u"systemd-run", u"tclsh",
-    u"umu-run", u"vivaldi", u"vivaldi-stable", u"waterfox", u"wine", u"wine64", u"wish",
-    u"x-terminal-emulator", u"x-www-browser", u"xdg-open", u"xterm", u"zsh" };
+constexpr std::array launchers{ u"appimagelauncher", u"appimagelauncherd", u"ash", u"bash", u"bottles",
+    u"bottles-cli", u"brave", u"brave-browser", u"bun", u"bwrap", u"cargo", u"chrome", u"chromium",
+    u"chromium-browser", u"dash", u"dbus-launch", u"deno", u"distrobox", u"distrobox-enter", u"docker",
+    u"dotnet", u"electron", u"env", u"epiphany", u"exec", u"falkon", u"firefox", u"firefox-esr", u"firejail",
+    u"fish", u"flatpak", u"flatpak-run", u"gamemoderun", u"gamescope", u"gapplication", u"gio", u"gjs",
+    u"gnome-terminal", u"google-chrome", u"google-chrome-beta", u"google-chrome-stable", u"gtk-launch",
+    u"guile", u"heroic", u"ionice", u"java", u"javaw", u"julia", u"kde-open", u"kioclient", u"konqueror",
+    u"konsole", u"ksh", u"librewolf", u"lua", u"lutris", u"mangohud", u"microsoft-edge",
+    u"microsoft-edge-stable", u"mono", u"msedge", u"nice", u"node", u"nodejs", u"nohup", u"npm", u"npx",
+    u"opera", u"optirun", u"perl", u"php", u"pipx", u"pkexec", u"podman", u"prime-run", u"primusrun",
+    u"proxychains", u"pwsh", u"python", u"rscript", u"ruby", u"setsid", u"sh", u"snap", u"stdbuf", u"steam",
+    u"steam-runtime", u"sudo", u"systemd-run", u"taskset", u"tclsh", u"timeout", u"toolbox", u"torsocks",
+    u"umu-run", u"uv", u"uvx", u"vivaldi", u"vivaldi-stable", u"waterfox", u"waydroid", u"wine", u"wine64",
+    u"wish", u"x-terminal-emulator", u"x-www-browser", u"xdg-open", u"xterm", u"xvfb-run", u"zsh" };
 
 bool isIn(const auto &list, const QString &word)
 {

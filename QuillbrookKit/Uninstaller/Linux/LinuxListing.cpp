@@ -147,7 +147,7 @@ private:
         if (behind != found.end() && !program.isInHome)
             addOf(*behind);
         else if (first.entry.flatpak.isEmpty() && first.entry.snap.isEmpty())
-            addOwn(first, program);
+            addOwn(first, program, behind != found.end());
     }
 
     void addOf(const FoundEntry &found)
@@ -205,7 +205,7 @@ private:
         }
     }
 
-    void addOwn(const FoundEntry &found, const OwnProgram &program)
+    void addOwn(const FoundEntry &found, const OwnProgram &program, bool hidesAnother)
     {
         const bool isImage = program.isAppImage && program.isInHome;
         if (isImage && !m_images.insert(program.path).second) {
@@ -217,6 +217,7 @@ private:
             .origin = isImage ? AppOrigin::appImage : AppOrigin::ownEntry,
             .icon = found.entry.icon,
             .programName = program.name,
+            .isUsedWithoutIt = hidesAnother || (!program.path.empty() && !program.isInHome),
             .programs = program.marks };
         if (isImage && !found.entry.appImageVersion.isEmpty())
             app.app.version = found.entry.appImageVersion;
@@ -259,7 +260,9 @@ private:
         std::map<QString, int> ids;
         for (const auto &app : m_listing.apps) {
             ++ids[app.app.bundleID];
-            for (const auto &path : app.goes)
+            std::set<std::string> used(app.goes.begin(), app.goes.end());
+            used.insert(app.programs.begin(), app.programs.end());
+            for (const auto &path : used)
                 ++uses[path];
         }
         for (auto &app : m_listing.apps) {

@@ -75,17 +75,31 @@ std::string found(const QString &word, const ApplicationPlaces &places)
     return {};
 }
 
+// Which word of a command is the program: "env -u OTHER NAME=value program" starts that.
+qsizetype placeOfProgram(const QStringList &command)
+{
+    static const QRegularExpression setting(u"^[A-Za-z_][A-Za-z0-9_]*="_s);
+    qsizetype place = 0;
+    bool isBehindEnv = false;
+    for (; place < command.size(); ++place) {
+        const auto &word = command[place];
+        const bool isOption = isBehindEnv && word.startsWith(u'-');
+        if (word.section(u'/', -1) == u"env")
+            isBehindEnv = true;
+        else if (!isOption && !setting.match(word).hasMatch())
+            break;
+        // These are followed by what they are about.
+        if (isOption && (word == u"-u" || word == u"-C" || word == u"--unset" || word == u"--chdir"))
+            ++place;
+    }
+    return place;
+}
+
 } // namespace
 
 OwnProgram OwnProgram::of(const QStringList &command, const ApplicationPlaces &places)
 {
-    static const QRegularExpression setting(u"^[A-Za-z_][A-Za-z0-9_]*="_s);
-    qsizetype first = 0;
-    // "env NAME=value program" starts the program.
-    while (first < command.size()
-        && (command[first] == u"env" || command[first] == u"/usr/bin/env"
-            || setting.match(command[first]).hasMatch()))
-        ++first;
+    const auto first = placeOfProgram(command);
     if (first >= command.size())
         return {};
     OwnProgram program{ .path = found(command[first], places) };
@@ -130,7 +144,8 @@ std::vector<std::string> OwnProgram::appImages(const ApplicationPlaces &places)
     std::vector<std::string> images;
     for (const auto *folder : appImageFolders)
         for (const auto &name : FolderNames::in(places.home + folder))
-            if (isAppImageName(name) && isRegular(places.home + folder + '/' + name))
+            if (!name.starts_with('.') && isAppImageName(name)
+                && isRegular(places.home + folder + '/' + name))
                 images.push_back(places.home + folder + '/' + name);
     return images;
 }

@@ -194,6 +194,7 @@ private Q_SLOTS:
         machine.program("home/Apps and more/Draw.AppImage");
         machine.program("home/Downloads/loose.appimage");
         machine.tree.link("home/Downloads/link.AppImage", "loose.appimage");
+        machine.program("home/Downloads/.AppImage");
         machine.ownEntry("draw",
             "Name=Draw\nExec=\"" + machine.inHome("Apps and more/Draw.AppImage")
                 + "\" %U\nX-AppImage-Version=3.1");
@@ -238,11 +239,13 @@ private Q_SLOTS:
         };
         row("a program in a folder for such", "HOME/bin/mine", u"home/bin/mine"_s);
         row("found by its name", "mine", u"home/bin/mine"_s);
+        row("behind settings", "env -i -u ONE -C / TWO=2 HOME/bin/mine", u"home/bin/mine"_s);
         row("deep below such a folder", "HOME/opt/suite/bin/run", u"home/opt/suite/bin/run"_s);
         row("in a project", "HOME/projects/run");
         row("a link to a project", "HOME/.local/bin/link");
         row("below a link to a project", "HOME/opt/linked/run");
         row("a script of an interpreter", "python3 HOME/bin/mine");
+        row("what starts others, in the folder", "HOME/.local/bin/distrobox enter one");
         row("an interpreter in the folder", "HOME/.local/bin/python3 HOME/projects/run");
         row("of the system", "tool HOME/bin/mine");
         row("out of the folder", "HOME/bin/../projects/run");
@@ -258,6 +261,7 @@ private Q_SLOTS:
         machine.program("home/projects/run");
         machine.program("home/opt/suite/bin/run");
         machine.program("home/.local/bin/python3");
+        machine.program("home/.local/bin/distrobox");
         machine.tree.link("home/.local/bin/link", "../../projects/run");
         machine.tree.link("home/opt/linked", "../projects");
         machine.tree.file("home/bin/notes");
@@ -279,6 +283,17 @@ private Q_SLOTS:
         machine.ownEntry("two", "Name=Two\nExec=mine --two");
         QCOMPARE(machine.goes(u"one"_s), QStringList{ u"home/.local/share/applications/one.desktop"_s });
         QVERIFY(DesktopMachine::app(machine.listing(), u"one"_s).programStays);
+    }
+
+    void aScriptThatAnotherStartsStays()
+    {
+        const Machine machine;
+        machine.program("tools/python3");
+        machine.program("home/bin/script");
+        machine.ownEntry("one", "Name=One\nExec=script");
+        QCOMPARE(machine.goes(u"one"_s).size(), 2);
+        machine.ownEntry("two", "Name=Two\nExec=python3 " + machine.inHome("bin/script"));
+        QCOMPARE(machine.goes(u"one"_s), QStringList{ u"home/.local/share/applications/one.desktop"_s });
     }
 
     void entriesOfOneAppImageAreOneApplication()

@@ -143,6 +143,40 @@ private Q_SLOTS:
         QCOMPARE(machine.found(u"org.one.App"_s), QStringList{ u"home/.var/app/org.one.App | Container"_s });
     }
 
+    void aProgramOfTheSystemKeepsWhatItWrote_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("isFound");
+        QTest::newRow("in the home folder") << u"HOME/bin/mirror"_s << true;
+        QTest::newRow("gone") << u"/nowhere/mirror"_s << true;
+        QTest::newRow("of the system") << u"mirror --all"_s << false;
+        QTest::newRow("of another launcher") << u"env A=1 launcher game://mirror"_s << false;
+    }
+    void aProgramOfTheSystemKeepsWhatItWrote()
+    {
+        QFETCH(QString, command);
+        QFETCH(bool, isFound);
+        const Machine machine;
+        for (const auto *program : { "tools/mirror", "tools/launcher", "home/bin/mirror" })
+            machine.program(program);
+        machine.ownEntry("mirror",
+            "Name=Night Mirror\nExec="
+                + command.replace(u"HOME"_s, QString::fromStdString(machine.home())).toStdString());
+        machine.add({ "home/.config/mirror/accounts", "home/.local/share/Night Mirror/x" });
+        QCOMPARE(machine.found(u"mirror"_s).size(), isFound ? 2 : 0);
+    }
+
+    void whatAMenuDoesNotShowKeepsItsOwn()
+    {
+        const Machine machine;
+        machine.program("home/bin/draw");
+        machine.ownEntry("draw", "Name=Draw, newer\nExec=" + machine.path("home/bin/draw"));
+        machine.add({ "home/.config/draw/x", "home/.cache/Draw, newer/x" });
+        QCOMPARE(machine.found(u"draw"_s).size(), 2);
+        machine.entry("usr/share", "draw", "Name=Draw\nExec=tool");
+        QCOMPARE(machine.found(u"draw"_s), QStringList());
+    }
+
     void aFolderThatHoldsAProgramStays()
     {
         const Machine machine;
