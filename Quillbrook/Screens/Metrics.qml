@@ -74,6 +74,7 @@ QtObject {
     readonly property int nodeRowHeight: 48
     readonly property int appRowHeight: 57
     readonly property int appIconSize: 34
+    readonly property int appTagWidth: 160
     readonly property int sheetIconSize: 42
     readonly property int filterWidth: 220
     readonly property int breadcrumbHeight: 46

@@ -47,7 +47,7 @@ AppsLine {
                     border.width: Metrics.hairlineWidth
                     color: "transparent"
                     implicitHeight: tag.implicitHeight + Metrics.hairlineWidth * 2
-                    implicitWidth: tag.implicitWidth + 2 * Metrics.space8
+                    implicitWidth: Math.min(Math.ceil(tag.implicitWidth) + 1 + 2 * Metrics.space8, Metrics.appTagWidth)
                     radius: height / 2
                     visible: root.row.tag !== ""
 
@@ -58,6 +58,7 @@ AppsLine {
                         anchors.centerIn: parent
                         font.pointSize: Metrics.sectionFont
                         text: root.row.tag
+                        width: parent.width - 2 * Metrics.space8
                     }
                 }
 

@@ -65,6 +65,8 @@ RowLayout {
 
             CaptionText {
                 Layout.fillWidth: true
+                // Of a long name the end goes, not the age.
+                Layout.minimumWidth: Math.ceil(implicitWidth) + 1
                 text: root.row.note
             }
         }
