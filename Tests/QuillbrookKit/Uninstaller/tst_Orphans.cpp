@@ -62,6 +62,26 @@ private Q_SLOTS:
         QCOMPARE(machine.measured.size(), found.size());
     }
 
+    void ownersThatAreNoApplicationsKeepTheirs_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const auto *start : { "com.apple.", "group.com.apple.", "com.docker.", "com.vmware.",
+                 "org.python", "org.mozilla.crashreporter", "com.google.keystone", "com.microsoft.autoupdate",
+                 "com.adobe.acc", "com.adobe.ccx", "Homebrew", "homebrew", "node", "npm", "pip", "JetBrains",
+                 "com.jetbrains.toolbox", "CrashReporter", "Knowledge", "Mobile Documents" })
+            QTest::newRow(start) << QString::fromLatin1(start) + u"x.y.z"_s;
+    }
+    void ownersThatAreNoApplicationsKeepTheirs()
+    {
+        QFETCH(QString, name);
+        const Machine machine;
+        machine.add("Caches/" + name.toStdString());
+        machine.add("Caches/x" + name.toStdString());
+        const auto found = machine.orphans();
+        QCOMPARE(found.size(), size_t(1));
+        QCOMPARE(found.at(0).bundleID, u'x' + name);
+    }
+
     void ageAndSizeDecideWhetherItIsShown_data()
     {
         QTest::addColumn<qint64>("bytes");

@@ -45,12 +45,34 @@ private Q_SLOTS:
     void kindsHaveTheirWords()
     {
         using enum LeftoverKind;
-        QCOMPARE(leftoverKinds().size(), size_t(12));
-        for (size_t index = 0; index < leftoverKinds().size(); ++index)
-            QCOMPARE(size_t(leftoverKinds()[index].kind), index);
-        QCOMPARE(rawValue(groupContainer), u"Shared container"_s);
-        QCOMPARE(rawValue(systemWide), u"Installed for all users"_s);
-        QCOMPARE(explanation(savedState), u"Which windows were open, and where."_s);
+        const std::vector<LeftoverKindRow> told{
+            { container, u"Container"_s,
+                u"Everything the app saved for itself — settings, logins, and any documents it kept inside itself rather than in your folders."_s },
+            { groupContainer, u"Shared container"_s,
+                u"Shared with the app's extensions and helpers. Removed only if no other app you have is using it."_s },
+            { supportFiles, u"Application support"_s,
+                u"Databases, downloaded extras and templates the app made as you used it."_s },
+            { cache, u"Cache"_s,
+                u"Temporary files kept to make the app start faster. Nothing here is yours."_s },
+            { preferences, u"Preferences"_s,
+                u"The app's settings. Tiny, but the reason a reinstalled app still remembers everything."_s },
+            { savedState, u"Saved windows"_s, u"Which windows were open, and where."_s },
+            { webStorage, u"Web data"_s, u"Cookies and site data from web pages shown inside the app."_s },
+            { logs, u"Logs"_s, u"Diagnostic text the app wrote while running."_s },
+            { cookies, u"Cookies"_s, u"Sign-in cookies belonging to the app."_s },
+            { launchItem, u"Opens at login"_s,
+                u"An instruction to start this app when you log in. Left behind, it tries to launch something that is no longer there."_s },
+            { scripts, u"Automation scripts"_s, u"Scripts the app was allowed to run on your behalf."_s },
+            { systemWide, u"Installed for all users"_s,
+                u"Installed for every account on this Mac. Quillbrook can show it but cannot remove it — that needs an administrator."_s },
+        };
+        QCOMPARE(leftoverKinds().size(), told.size());
+        for (size_t index = 0; index < told.size(); ++index) {
+            const auto &row = told[index];
+            QCOMPARE(leftoverKinds()[index].kind, row.kind);
+            QCOMPARE(Leftover{ .kind = row.kind }.label(), row.rawValue);
+            QCOMPARE(explanation(row.kind), row.explanation);
+        }
     }
 
     void refusalsAreTestedInOrder_data()
