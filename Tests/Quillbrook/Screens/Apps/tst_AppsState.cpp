@@ -185,6 +185,9 @@ private Q_SLOTS:
         QCOMPARE(sheet.itselfSize(), u"4.8 MB"_s);
         QCOMPARE(sheet.total(), u"7.6 MB goes to the Trash"_s);
         QCOMPARE(sheet.confirmTitle(), u"Uninstall Aurora Studio?"_s);
+        QCOMPARE(sheet.confirmMessage(),
+            u"Everything ticked goes to the Trash, so it can be put back. The space comes back when the "
+            u"Trash is emptied — Quillbrook will offer to do that for just these items."_s);
         QCOMPARE(sheet.confirmAction(), u"Move to Trash"_s);
         const auto row = Fixture::leftoverRow(sheet.rows(), 0);
         QVERIFY(row.isTicked && !row.isLocked);
