@@ -42,9 +42,10 @@ struct InstalledApp
     std::string iconFile{};
     /// What the entry starts: the last component of the program, without folders. Empty where it is unknown.
     QString programName{};
-    /// What it wrote is in use without it: its program stays outside of the home folder, or another
-    /// application of the same identifier is installed, which menus don't show beside this one.
-    bool isUsedWithoutIt = false;
+    /// Its program lies outside of the home folder and stays: what is named after it is in use without it.
+    bool isProgramElsewhere = false;
+    /// Another application of the same identifier is installed, which menus don't show beside this one.
+    bool hidesAnother = false;
     /// Paths (raw bytes) by which a process of it is known.
     std::vector<std::string> programs{};
     /// What goes to the Trash with it, in that order; `app.path` is the last. Empty for what doesn't go so.

@@ -183,13 +183,15 @@ Plan LinuxApplications::plan(const HostPlanRequest &request) const
     services.wording = request.wording;
     if (auto blocked = refusal(app, services))
         return { .app = app.app, .blocked = std::move(blocked) };
-    if (app.isUsedWithoutIt)
+    if (app.hidesAnother)
         return { .app = app.app };
     const auto table = LinuxLeftovers::locations(m_options.places);
     const Others taken(table, app, request.all);
     std::vector<Leftover> found;
     std::set<std::string> seen(app.goes.begin(), app.goes.end());
     for (const auto &claim : LinuxLeftovers::claims(table, app)) {
+        if (app.isProgramElsewhere && !claim.isByLongId)
+            continue;
         for (const auto &path : entriesOf(claim, services.files)) {
             if (!seen.insert(path).second || taken.claim(path))
                 continue;

@@ -172,7 +172,8 @@ std::vector<Claim> claims(const std::vector<Location> &table, const InstalledApp
         const Claim claim{ .directory = location.directory,
             .kind = location.kind,
             .needsAdministrator = location.needsAdministrator,
-            .isPartOfApp = location.isPartOfApp };
+            .isPartOfApp = location.isPartOfApp,
+            .isByLongId = isIdLong && !location.byName };
         const auto add = [&](const std::string &key) {
             auto own = claim;
             own.name = key + location.suffix;

@@ -44,6 +44,8 @@ struct Claim
     LeftoverKind kind = LeftoverKind::supportFiles;
     bool needsAdministrator = false;
     bool isPartOfApp = false;
+    /// By an identifier of three pieces or more, which is nobody else's.
+    bool isByLongId = false;
 
     [[nodiscard]] bool covers(const std::string &inDirectory, const std::string &entry) const;
 };

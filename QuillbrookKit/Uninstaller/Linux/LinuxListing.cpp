@@ -217,7 +217,8 @@ private:
             .origin = isImage ? AppOrigin::appImage : AppOrigin::ownEntry,
             .icon = found.entry.icon,
             .programName = program.name,
-            .isUsedWithoutIt = hidesAnother || (!program.path.empty() && !program.isInHome),
+            .isProgramElsewhere = !program.path.empty() && !program.isInHome,
+            .hidesAnother = hidesAnother,
             .programs = program.marks };
         if (isImage && !found.entry.appImageVersion.isEmpty())
             app.app.version = found.entry.appImageVersion;

@@ -166,6 +166,17 @@ private Q_SLOTS:
         QCOMPARE(machine.found(u"mirror"_s).size(), isFound ? 2 : 0);
     }
 
+    // Such an identifier is the entry's own, whatever starts it.
+    void anIdOfThreePiecesIsTheEntrysOwn()
+    {
+        const Machine machine;
+        machine.program("tools/launcher");
+        machine.ownEntry("org.one.Mirror", "Name=Night Mirror\nExec=launcher --mirror");
+        machine.add({ "home/.config/org.one.Mirror/x", "home/.local/share/Night Mirror/x" });
+        QCOMPARE(machine.found(u"org.one.Mirror"_s),
+            QStringList{ u"home/.config/org.one.Mirror | Preferences"_s });
+    }
+
     void whatAMenuDoesNotShowKeepsItsOwn()
     {
         const Machine machine;
