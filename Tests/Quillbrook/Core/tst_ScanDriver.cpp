@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QPromise>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThreadPool>
@@ -151,11 +152,20 @@ private Q_SLOTS:
         AppModel model(fixture.services);
         model.scans().scan({});
         QTRY_VERIFY(isAt(model, Kind::ready));
-        // The calls at a scan's end still run on the main thread when the pool has let go of the old tree.
         const std::weak_ptr oldTree = model.scans().tree();
+        auto *pool = QThreadPool::globalInstance();
+        QSemaphore go;
+        // Before the end of the scan lets go of the old tree, every thread of the pool has something to do.
+        connect(&model.scans(), &ScanDriver::phaseChanged, this, [&] {
+            for (int i = 0; isAt(model, Kind::ready) && i < pool->maxThreadCount(); ++i)
+                pool->start([&go] { (void)go.tryAcquire(1, 20'000); });
+        });
+        // The calls at a scan's end still run on the main thread when the pool takes the old tree apart.
         bool isGone = false;
         connect(&model.volume(), &VolumeFigures::volumeChanged, this, [&] {
-            QVERIFY(QThreadPool::globalInstance()->waitForDone(10'000));
+            QVERIFY(!oldTree.expired());
+            go.release(pool->maxThreadCount());
+            QVERIFY(pool->waitForDone(10'000));
             isGone = oldTree.expired();
         });
         fixture.volumes.answer = { .available = 2048, .availableForImportantUsage = 2048, .total = 4096 };
