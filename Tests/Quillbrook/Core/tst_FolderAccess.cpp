@@ -148,19 +148,28 @@ private Q_SLOTS:
         QCOMPARE(request.prompt, u"Allow"_s);
     }
 
+    void pickedFolderIsKeptAndOpened_data()
+    {
+        QTest::addColumn<QByteArray>("folder");
+        QTest::newRow("text") << QByteArray("/home/someone");
+        QTest::newRow("not UTF-8") << QByteArray("/home/caf\xE9");
+    }
+
     void pickedFolderIsKeptAndOpened()
     {
+        QFETCH(QByteArray, folder);
+        const auto path = folder.toStdString();
         Sandbox machine;
         FolderAccess access(machine.services);
-        machine.picker.answer = "/home/someone";
+        machine.picker.answer = path;
         access.request();
         QVERIFY(!access.isGated());
-        QVERIFY(access.granted() == "/home/someone");
-        QCOMPARE(machine.kept(), QByteArray("/home/someone"));
-        QVERIFY(machine.grants.started == Paths{ "/home/someone" });
+        QCOMPARE(access.granted(), path);
+        QCOMPARE(machine.kept(), folder);
+        QVERIFY(machine.grants.started == Paths{ path });
 
         FolderAccess next(machine.services);
-        QVERIFY(next.granted() == "/home/someone");
+        QCOMPARE(next.scanRoot(), path);
     }
 
     void cancellingChangesNothing_data()
