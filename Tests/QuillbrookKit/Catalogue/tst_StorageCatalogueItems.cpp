@@ -286,7 +286,14 @@ private Q_SLOTS:
             u"Machine image"_s);
         row("android.sdk:Android/Sdk/system-images", "android-34", u"android-34"_s,
             u"Android system image"_s);
+        row("images.downloads:.cache/gnome-boxes", "debian-12.iso", u"debian-12.iso"_s, u"Machine image"_s);
         row("android.sdk:Android/Sdk/ndk", "26.1", u"26.1"_s, u"Android building block"_s);
+        row("ai.models:.cache/llama.cpp", "ggml-7b.gguf", u"ggml-7b.gguf"_s, u"AI model"_s);
+        row("board.tools:.platformio/packages", "toolchain-xtensa", u"toolchain-xtensa"_s,
+            u"Tool for programming boards"_s);
+        row("games.runners:.local/share/lutris/runners", "wine-8-26", u"wine-8-26"_s,
+            u"Helper for Windows games"_s);
+        row("aur.builds:.cache/yay", "paru-bin", u"paru-bin"_s, u"Package build"_s);
     }
     void hostsNaming()
     {
@@ -302,14 +309,33 @@ private Q_SLOTS:
         QVERIFY(list.first().removable && !list.first().blockedReason);
     }
 
+    void membersOfWhatIsOnlyShownMustStay_data()
+    {
+        QTest::addColumn<QString>("place");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("detail");
+        const auto row
+            = [](const char *place, const QString &detail, const QString &name = u"org.gimp.GIMP"_s) {
+                  QTest::addRow("%s", place) << QString::fromUtf8(place) << name << detail;
+              };
+        row("sandbox.data:.var/app", u"Flatpak app data"_s, u"GIMP"_s);
+        row("sandbox.data:snap", u"Snap app data"_s);
+        row("vm.images:VirtualBox VMs", u"Virtual machine"_s);
+        row("wine.prefixes:.local/share/wineprefixes", u"Windows environment"_s);
+        row("games.installed:Games", u"Game"_s);
+        row("dev.toolchains:.rustup/toolchains", u"Installed version"_s);
+        row("editor.extensions:.vscode/extensions", u"Code editor add-on"_s);
+    }
+
     void membersOfWhatIsOnlyShownMustStay()
     {
+        QFETCH(QString, place);
         MadeUpHome home;
         write(home, ".local/share/flatpak/exports/share/applications/org.gimp.GIMP.desktop",
             "[Desktop Entry]\nName=GIMP\n");
-        const auto item = hostsItems(home, u"sandbox.data:.var/app"_s, "org.gimp.GIMP").value(0);
-        QCOMPARE(item.name, u"GIMP"_s);
-        QCOMPARE(item.detail, u"Flatpak app data"_s);
+        const auto item = hostsItems(home, place, "org.gimp.GIMP").value(0);
+        QTEST(item.name, "name");
+        QTEST(item.detail, "detail");
         QCOMPARE(item.blockedReason, u"Quillbrook only shows this one."_s);
         QVERIFY(!item.removable);
     }
