@@ -2,6 +2,7 @@
 #include "Platform/Linux/Files/LinuxFileFacts.h"
 #include "Platform/Linux/Folders/LinuxDirectoryReading.h"
 #include "Platform/Linux/Processes/LinuxUtilityQueue.h"
+#include "RawText.h"
 #include "Support/FakeDirectories.h"
 #include "Support/FakeKit.h"
 #include "Support/FolderHold.h"
@@ -115,15 +116,24 @@ private Q_SLOTS:
         QCOMPARE(home.kit.volumes.askedPaths, QList<std::string>{ home.tree.path("home") });
     }
 
+    void checksTheHomeOfTheProcess_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("text") << QByteArray("sandbox");
+        QTest::newRow("not UTF-8") << QByteArray("caf\xE9");
+    }
+
     void checksTheHomeOfTheProcess()
     {
+        QFETCH(QByteArray, name);
         Home home;
-        home.tree.file("sandbox/.npm/_cacache/content", mebibyte);
-        home.kit.home.home = home.tree.text("sandbox");
+        const auto content = name.toStdString() + "/.npm/_cacache/content";
+        home.tree.file(content, mebibyte);
+        home.kit.home.raw = home.tree.path(name.toStdString());
+        home.kit.home.home = repairedText(*home.kit.home.raw);
         Watcher watcher(home.kit.kitServices);
         watcher.check(false);
-        QCOMPARE(watcher.lastObservation()->reclaimableBytes,
-            home.tree.allocated("sandbox/.npm/_cacache/content"));
+        QCOMPARE(watcher.lastObservation()->reclaimableBytes, home.tree.allocated(content));
         QVERIFY(!home.hasOpened(".npm"));
     }
 
