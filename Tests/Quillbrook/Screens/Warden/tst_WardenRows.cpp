@@ -331,6 +331,13 @@ private Q_SLOTS:
         fixture.report->findings[0].path = u"/home/someone/\u2067b"_s;
         QCOMPARE(fixture.rows().at(1).title, u"Title of a \u00b7 two lines gpj"_s);
         QCOMPARE(fixture.rows().at(1).path, u"~/ b"_s);
+
+        auto held = inTrash("a", 1);
+        held.item.label = u"two\nlines\u202egpj"_s;
+        held.item.originalPath = "/home/someone/a\nb";
+        const auto row = WardenRows::heldRow(held, u"/home/someone"_s, QDateTime::currentDateTime());
+        QCOMPARE(row.title, u"two lines gpj"_s);
+        QCOMPARE(row.path, u"~/a b"_s);
     }
 
     void unknownDatesAreSaidToBe()
