@@ -5,6 +5,7 @@
 #include "Offload/Suitability.h"
 #include "Platform/Drives.h"
 #include "Platform/FileFacts.h"
+#include "Platform/Trash.h"
 #include "RawText.h"
 #include "Scan/Format.h"
 #include "StandardisedPath.h"
@@ -121,6 +122,8 @@ std::expected<Offload::Returned, OffloadError> Offload::bringBack(
     if (!exchanged)
         return dropped({ .text = u"Could not put it in the place of its link: %1"_s.arg(exchanged.error()) });
 
+    // A loss of power could take back the exchange, and the link would lead to what lies in a Trash by then.
+    services.trash.flush({ parentOf(thing.place) });
     Returned returned;
     const auto aside = moveAside(services, thing.link.target, copy.result.source);
     if (!aside)

@@ -65,7 +65,11 @@ public:
     {
         m_trash.finishErasing(path, origin);
     }
-    void flush(const std::vector<std::string> &folders) const override { m_trash.flush(folders); }
+    void flush(const std::vector<std::string> &folders) const override
+    {
+        flushed.insert(flushed.end(), folders.begin(), folders.end());
+        m_trash.flush(folders);
+    }
     [[nodiscard]] bool holds(const std::string &path) const override { return m_trash.holds(path); }
     [[nodiscard]] std::vector<TrashEntry> items(const std::string &path) const override
     {
@@ -75,6 +79,7 @@ public:
     std::optional<QString> problem{};
     std::function<void(const std::string &path)> beforeMove{};
     std::function<void(const std::string &path)> afterMove{};
+    mutable std::vector<std::string> flushed;
 
 private:
     Trash &m_trash;

@@ -175,6 +175,18 @@ private Q_SLOTS:
         ::umount2(f.onVolume("models/inner").c_str(), MNT_DETACH);
     }
 
+    void whatStandsInItsPlaceIsOnTheDiskBeforeTheDriveIsTouched()
+    {
+        MovedFixture f;
+        bool wasWritten = false;
+        f.hookedTrash.beforeMove = [&](const std::string &) {
+            wasWritten = !std::filesystem::is_symlink(f.home.path(".ollama/models"))
+                && f.hookedTrash.flushed == std::vector{ f.home.path(".ollama") };
+        };
+        QVERIFY(f.bringBack(f.things().at(0)));
+        QVERIFY(wasWritten);
+    }
+
     void aStopLeavesTheLinkAsItWas()
     {
         MovedFixture f;
