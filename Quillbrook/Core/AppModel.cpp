@@ -23,7 +23,7 @@ AppModel::AppModel(const AppServices &services, QObject *parent)
           { .scans = m_scans, .navigation = m_navigation, .volume = m_volume, .removals = ruleRemovals() },
           this)
     , m_uninstalls(m_services.kit, m_pathRemovals, this)
-    , m_offloads(m_services.kit, { .scans = m_scans, .navigation = m_navigation, .queue = m_removals }, this)
+    , m_offloads(m_services.kit, { .scans = m_scans, .queue = m_removals }, this)
     , m_watch(m_services, this)
     , m_updates(m_services, this)
     , m_questions(m_scans, this)

@@ -1,6 +1,6 @@
 #include "Core/OffloadDriver.h"
 
-#include "Core/Navigation.h"
+#include "Core/OffloadJob.h"
 #include "Core/ScanDriver.h"
 #include "Core/Translation.h"
 #include "Offload/Profiling.h"
@@ -12,13 +12,11 @@
 
 #include <QCoroFuture>
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QtConcurrent>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <tuple>
 #include <utility>
@@ -36,11 +34,16 @@ constexpr auto progressInterval = 250ms;
 /// A measurement that was given up ends with the block that it writes; one of a drive that does not answer
 /// never does, and keeps its thread.
 constexpr auto measuringPatience = 3s;
-constexpr int mostMeasuring = 8;
+constexpr int mostAsking = 8;
 
 QString failureLine(const QString &title, const OffloadError &error)
 {
     return u"✗ %1: %2"_s.arg(title, error.description());
+}
+
+QString silence(const std::string &path)
+{
+    return u"%1 does not answer."_s.arg(repairedText(path));
 }
 
 // What came of a move as long as nothing did.
@@ -55,57 +58,20 @@ bool isOnOtherDrive(const OffloadServices &services, const std::string &folder, 
         && services.drives.areOnOneFileSystem(folder, home) == false;
 }
 
-// What was measured of the same thing before stands until it has been measured again.
-void keepSizes(std::vector<MovedThing> &things, const std::vector<MovedThing> &before)
-{
-    for (auto &thing : things) {
-        const auto known = std::ranges::find_if(before, [&thing](const MovedThing &other) {
-            return other.place == thing.place && other.link == thing.link;
-        });
-        if (known != before.end())
-            thing.bytes = known->bytes;
-    }
-}
-
 } // namespace
-
-// One thing that is moved, or waits for its turn.
-struct OffloadDriver::Job
-{
-    Job(QString ownId, QString ownTitle, qint64 bytes)
-        : id(std::move(ownId))
-        , title(std::move(ownTitle))
-    {
-        tell(0, bytes);
-    }
-
-    void tell(qint64 bytes, qint64 of)
-    {
-        total = std::max<qint64>(of, 1);
-        done = std::min<qint64>(bytes, total);
-    }
-
-    const QString id;
-    const QString title;
-    // Shared with the thread that moves it.
-    std::stop_source stop{};
-    std::atomic<qint64> done{ 0 };
-    std::atomic<qint64> total{ 1 };
-    // The main thread's.
-    bool hasBegun = false;
-    QElapsedTimer since{};
-};
 
 OffloadDriver::OffloadDriver(const KitServices &kit, const Others &others, QObject *parent)
     : QObject(parent)
     , m_kit(kit)
     , m_scans(others.scans)
-    , m_navigation(others.navigation)
     , m_queue(others.queue)
+    , m_patience(others.patience)
+    , m_finder(kit)
 {
-    m_measuringPool.setMaxThreadCount(mostMeasuring);
-    for (auto *pool : { &m_movingPool, &m_lookingPool })
-        pool->setMaxThreadCount(1);
+    for (auto *pool : { &m_measuringPool, &m_lookingPool })
+        pool->setMaxThreadCount(mostAsking);
+    m_movingPool.setMaxThreadCount(1);
+    connect(&m_finder, &MovedThingsFinder::thingsChanged, this, &OffloadDriver::movedThingsChanged);
     m_progressClock.setInterval(progressInterval);
     connect(&m_progressClock, &QTimer::timeout, this, &OffloadDriver::followProgress);
 }
@@ -119,13 +85,13 @@ bool OffloadDriver::endsWithin(const QDeadlineTimer &patience)
 {
     for (const auto &job : m_jobs)
         job->stop.request_stop();
-    m_looking.request_stop();
     if (m_profiling)
         m_profiling->request_stop();
-    return std::ranges::all_of(
+    const bool hasEnded = std::ranges::all_of(
         std::array{ &m_measuringPool, &m_movingPool, &m_lookingPool }, [&patience](QThreadPool *pool) {
             return pool->waitForDone(static_cast<int>(patience.remainingTime()));
         });
+    return m_finder.endsWithin(patience) && hasEnded;
 }
 
 QList<Finding> OffloadDriver::offloadCandidates() const
@@ -179,7 +145,7 @@ void OffloadDriver::setDestination(std::optional<DestinationProfile> profile, st
 
 void OffloadDriver::offload(const Finding &finding, bool allowSlowBus)
 {
-    if (!m_destination)
+    if (!m_destination || isHeld(m_destination->path, finding.rule.title))
         return;
     const Offload::Relocation order{ .source = finding.rawPath,
         .into = m_destination->path,
@@ -191,6 +157,7 @@ void OffloadDriver::offload(const Finding &finding, bool allowSlowBus)
     const auto work = [target, order, services = OffloadServices::of(m_kit)](const Watch &watch) {
         auto own = order;
         own.onProgress = [&](qint64 bytes) { watch.progress(bytes, order.bytes); };
+        own.mayFinish = watch.mayFinish;
         own.stop = watch.stop;
         *target = Offload::relocate(services, own);
     };
@@ -200,20 +167,32 @@ void OffloadDriver::offload(const Finding &finding, bool allowSlowBus)
         if (*target)
             Q_EMIT diskChanged();
     };
-    enqueue(std::make_shared<Job>(finding.id, finding.rule.title, finding.bytes),
+    enqueue(std::make_shared<OffloadJob>(finding.id, finding.rule.title, order.into, finding.bytes),
         { .verb = RemovalQueue::Verb::moving, .work = work, .end = end });
 }
 
 void OffloadDriver::bringBack(const MovedThing &thing)
 {
+    if (isHeld(thing.link.target, thing.title))
+        return;
     const auto returned = std::make_shared<std::expected<Offload::Returned, OffloadError>>(notBegun());
     const auto work = [returned, thing, services = OffloadServices::of(m_kit)](const Watch &watch) {
-        *returned = Offload::bringBack(
-            services, { .thing = thing, .onProgress = watch.progress, .stop = watch.stop });
+        *returned = Offload::bringBack(services,
+            { .thing = thing,
+                .onProgress = watch.progress,
+                .mayFinish = watch.mayFinish,
+                .onReturned = watch.onReturned,
+                .stop = watch.stop });
     };
     const auto end = [this, returned, thing] { takeReturned(thing, *returned); };
-    enqueue(std::make_shared<Job>(repairedText(thing.place), thing.title, thing.bytes.value_or(0)),
-        { .verb = RemovalQueue::Verb::bringingBack, .work = work, .end = end });
+    const auto endWithoutDrive
+        = [this, thing] { takeReturned(thing, Offload::Returned{ .leftBehind = u"It does not answer."_s }); };
+    enqueue(std::make_shared<OffloadJob>(
+                repairedText(thing.place), thing.title, thing.link.target, thing.bytes.value_or(0)),
+        { .verb = RemovalQueue::Verb::bringingBack,
+            .work = work,
+            .end = end,
+            .endWithoutDrive = endWithoutDrive });
 }
 
 void OffloadDriver::takeReturned(
@@ -232,7 +211,7 @@ void OffloadDriver::takeReturned(
 }
 
 // In its turn, since it removes what it has copied.
-void OffloadDriver::enqueue(const std::shared_ptr<Job> &job, const Move &move)
+void OffloadDriver::enqueue(const std::shared_ptr<OffloadJob> &job, const Move &move)
 {
     m_jobs.push_back(job);
     const auto work = [job, move, name = translatedTableText(job->title)](const RemovalQueue::Watch &watch) {
@@ -249,8 +228,13 @@ void OffloadDriver::enqueue(const std::shared_ptr<Job> &job, const Move &move)
                 .inside = static_cast<double>(job->done) / static_cast<double>(job->total) });
         };
         tell(0, job->total);
-        move.work({ .progress = tell, .stop = job->stop.get_token() });
+        using Step = OffloadJob::Step;
+        move.work({ .progress = tell,
+            .mayFinish = [&job] { return job->goesFrom(Step::copying, Step::finishing); },
+            .onReturned = [&job] { std::ignore = job->goesFrom(Step::finishing, Step::clearingDrive); },
+            .stop = job->stop.get_token() });
     };
+    job->endWithoutDrive = move.endWithoutDrive;
     m_queue.enqueue({ .verb = move.verb,
         .copying = &m_movingPool,
         .begin = [this, job] { beginJob(job); },
@@ -263,7 +247,7 @@ void OffloadDriver::enqueue(const std::shared_ptr<Job> &job, const Move &move)
     Q_EMIT runningChanged();
 }
 
-void OffloadDriver::beginJob(const std::shared_ptr<Job> &job)
+void OffloadDriver::beginJob(const std::shared_ptr<OffloadJob> &job)
 {
     if (std::ranges::find(m_jobs, job) == m_jobs.end())
         return;
@@ -275,7 +259,7 @@ void OffloadDriver::beginJob(const std::shared_ptr<Job> &job)
 }
 
 // Whether it was still wanted.
-bool OffloadDriver::endJob(const std::shared_ptr<Job> &job)
+bool OffloadDriver::endJob(const std::shared_ptr<OffloadJob> &job)
 {
     if (job->hasBegun)
         m_progressClock.stop();
@@ -283,6 +267,39 @@ bool OffloadDriver::endJob(const std::shared_ptr<Job> &job)
     if (isWanted)
         Q_EMIT runningChanged();
     return isWanted;
+}
+
+// It has been told to stop. If its drive answers again, it takes away the copy that it made, and ends.
+void OffloadDriver::giveUp(const std::shared_ptr<OffloadJob> &job)
+{
+    using Step = OffloadJob::Step;
+    const bool isCopying = job->goesFrom(Step::copying, Step::givenUp);
+    // In between it works on this disk alone.
+    if (!isCopying && !job->goesFrom(Step::clearingDrive, Step::givenUp))
+        return;
+    m_givenUp.push_back(job);
+    // Its thread is not free for the next one.
+    m_movingPool.setMaxThreadCount(m_movingPool.maxThreadCount() + 1);
+    std::ignore = endJob(job);
+    if (isCopying)
+        appendLog(u"%1 · %2"_s.arg(
+            failureLine(job->title, { .kind = OffloadError::Kind::stopped }), silence(job->drive)));
+    else
+        job->endWithoutDrive();
+    m_queue.leaveCopy();
+}
+
+// What was given up takes away its copy by and by: nothing of the same name may come in its place meanwhile.
+bool OffloadDriver::isHeld(const std::string &folder, const QString &title)
+{
+    std::erase_if(m_givenUp, [](const auto &job) { return job.expired(); });
+    const bool isHeld = std::ranges::any_of(m_givenUp, [&folder](const auto &held) {
+        const auto job = held.lock();
+        return job && job->drive == folder;
+    });
+    if (isHeld)
+        appendLog(failureLine(title, { .text = silence(folder) }));
+    return isHeld;
 }
 
 void OffloadDriver::stop()
@@ -314,8 +331,15 @@ std::optional<OffloadDriver::Running> OffloadDriver::running() const
 
 void OffloadDriver::followProgress()
 {
-    m_rate.add(m_jobs.front()->since.elapsed(), m_jobs.front()->done);
+    const auto job = m_jobs.front();
+    m_rate.add(job->since.elapsed(), job->done);
     Q_EMIT progressed();
+    if (!job->stop.stop_requested())
+        return;
+    if (!job->sinceStop.isValid())
+        job->sinceStop.start();
+    else if (job->sinceStop.hasExpired(m_patience.count()))
+        giveUp(job);
 }
 
 void OffloadDriver::appendLog(const QString &line)
@@ -332,67 +356,32 @@ void OffloadDriver::setOffloadFocus(const std::optional<QString> &ruleId)
 
 void OffloadDriver::recheckDrives()
 {
-    m_looking.request_stop();
-    m_looking = {};
-    lookForMovedThings();
+    const auto &root = m_scans.rawScanRoot();
+    m_finder.look(root.empty() ? m_kit.home.rawHomeDirectory() : root, m_scans.hostCatalogue());
     if (m_destination || m_awayDestination)
         lookForDestination();
 }
 
-// First what there is, and then what each of them holds, which may take the drive a while.
-QCoro::Task<> OffloadDriver::lookForMovedThings()
-{
-    const QPointer self(this);
-    const auto mine = m_looking;
-    const auto services = OffloadServices::of(m_kit);
-    const auto finding = QtConcurrent::run(&m_lookingPool,
-        [services,
-            home = m_scans.rawScanRoot().empty() ? m_kit.home.rawHomeDirectory() : m_scans.rawScanRoot(),
-            host = m_scans.hostCatalogue(), stop = mine.get_token()] {
-            return Offload::movedThings(
-                services, { .homeDirectory = repairedText(home), .rawHome = home, .host = &host }, stop);
-        });
-    auto things = co_await finding;
-    if (!self || m_looking != mine)
-        co_return;
-    keepSizes(things, m_movedThings);
-    setMovedThings(things);
-    for (auto &thing : things) {
-        if (!thing.isThere())
-            continue;
-        const auto measuring = QtConcurrent::run(
-            &m_lookingPool, [services, target = thing.link.target, stop = mine.get_token()] {
-                return Offload::measuredSize(services, target, stop);
-            });
-        const auto bytes = co_await measuring;
-        if (!self || m_looking != mine)
-            co_return;
-        thing.bytes = bytes;
-        setMovedThings(things);
-    }
-}
-
-void OffloadDriver::setMovedThings(std::vector<MovedThing> things)
-{
-    if (m_movedThings == things)
-        return;
-    m_movedThings = std::move(things);
-    Q_EMIT movedThingsChanged();
-}
-
-// A drive that was taken out leaves nothing at its place, or an empty folder of the startup disk.
+// A drive that was taken out leaves nothing at its place, or an empty folder of the startup disk. It is asked
+// by one thread at a time, which may be held for as long as it does not answer.
 QCoro::Task<> OffloadDriver::lookForDestination()
 {
     const QPointer self(this);
-    const auto mine = m_looking;
     const auto path = m_destination ? m_destination->path : *m_awayDestination;
-    const auto looking = QtConcurrent::run(
-        &m_lookingPool, [services = OffloadServices::of(m_kit), path, home = m_kit.home.rawHomeDirectory()] {
-            return isOnOtherDrive(services, path, home);
-        });
-    const bool isThere = co_await looking;
-    if (!self || m_looking != mine)
+    m_isLookedForAgain = true;
+    if (std::exchange(m_lookedFor, path) == path)
         co_return;
+    bool isThere = false;
+    while (std::exchange(m_isLookedForAgain, false)) {
+        const auto looking = QtConcurrent::run(&m_lookingPool,
+            [services = OffloadServices::of(m_kit), path, home = m_kit.home.rawHomeDirectory()] {
+                return isOnOtherDrive(services, path, home);
+            });
+        isThere = co_await looking;
+        if (!self || m_lookedFor != path)
+            co_return;
+    }
+    m_lookedFor.reset();
     if (m_destination && m_destination->path == path && m_isElsewhere && !isThere) {
         m_awayDestination = path;
         setDestination(std::nullopt, tr("%1 is not connected.").arg(repairedText(path)));

@@ -6,9 +6,9 @@
 
 #include "Catalogue/Finding.h"
 #include "Core/CopyRate.h"
+#include "Core/MovedThingsFinder.h"
 #include "Core/RemovalQueue.h"
 #include "Offload/DestinationProfile.h"
-#include "Offload/MovedThings.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -17,6 +17,7 @@
 #include <QThreadPool>
 #include <QTimer>
 
+#include <chrono>
 #include <deque>
 #include <expected>
 #include <functional>
@@ -30,9 +31,9 @@ class QDeadlineTimer;
 
 namespace Quillbrook {
 
-class Navigation;
 class ScanDriver;
 struct KitServices;
+struct OffloadJob;
 
 class OffloadDriver : public QObject
 {
@@ -42,8 +43,10 @@ public:
     struct Others
     {
         const ScanDriver &scans;
-        const Navigation &navigation;
         RemovalQueue &queue;
+        /// How long a move that was told to stop is waited for. A drive that does not answer holds it, and
+        /// nothing else can be removed meanwhile.
+        std::chrono::milliseconds patience = std::chrono::minutes(1);
     };
 
     /// What is being moved right now, or is the next to be.
@@ -74,7 +77,8 @@ public:
     void offload(const Finding &finding, bool allowSlowBus);
     /// Waits for its turn too.
     void bringBack(const MovedThing &thing);
-    /// Ends what runs, and at once what waits.
+    /// Ends what runs, and at once what waits. What has not ended after a while because a drive does not
+    /// answer is given up: it touches nothing any more but the copy that it made.
     void stop();
     /// For the end of the program: ends all that runs, and tells whether it has ended in time. A drive that
     /// does not answer holds a thread for as long as the system lets it.
@@ -91,7 +95,7 @@ public:
     /// A line for each thing that was moved or was not, oldest first.
     [[nodiscard]] const QStringList &offloadLog() const { return m_offloadLog; }
     [[nodiscard]] const std::optional<QString> &offloadFocus() const { return m_offloadFocus; }
-    [[nodiscard]] const std::vector<MovedThing> &movedThings() const { return m_movedThings; }
+    [[nodiscard]] const std::vector<MovedThing> &movedThings() const { return m_finder.things(); }
     [[nodiscard]] std::optional<Running> running() const;
 
 Q_SIGNALS:
@@ -107,11 +111,13 @@ Q_SIGNALS:
     void progressed();
 
 private:
-    struct Job;
     /// What the work of a move is given.
     struct Watch
     {
         std::function<void(qint64 bytes, qint64 total)> progress{};
+        /// As `Offload::bringBack` has them.
+        std::function<bool()> mayFinish{};
+        std::function<void()> onReturned{};
         std::stop_token stop{};
     };
     /// One move: what is done off the main thread, and what on it once that has ended.
@@ -120,25 +126,28 @@ private:
         RemovalQueue::Verb verb = RemovalQueue::Verb::moving;
         std::function<void(const Watch &watch)> work{};
         std::function<void()> end{};
+        /// In the place of `end` where only the drive's part was left to do, and the drive does not answer.
+        std::function<void()> endWithoutDrive{};
     };
 
     QCoro::Task<> profileAt(std::string path);
-    QCoro::Task<> lookForMovedThings();
     QCoro::Task<> lookForDestination();
-    void enqueue(const std::shared_ptr<Job> &job, const Move &move);
-    void beginJob(const std::shared_ptr<Job> &job);
-    bool endJob(const std::shared_ptr<Job> &job);
+    void enqueue(const std::shared_ptr<OffloadJob> &job, const Move &move);
+    void beginJob(const std::shared_ptr<OffloadJob> &job);
+    bool endJob(const std::shared_ptr<OffloadJob> &job);
+    void giveUp(const std::shared_ptr<OffloadJob> &job);
+    /// Whether something that was given up is still held there, which is logged then.
+    bool isHeld(const std::string &folder, const QString &title);
     void takeReturned(
         const MovedThing &thing, const std::expected<Offload::Returned, OffloadError> &returned);
     void setDestination(std::optional<DestinationProfile> profile, std::optional<QString> error);
-    void setMovedThings(std::vector<MovedThing> things);
     void appendLog(const QString &line);
     void followProgress();
 
     const KitServices &m_kit;
     const ScanDriver &m_scans;
-    const Navigation &m_navigation;
     RemovalQueue &m_queue;
+    const std::chrono::milliseconds m_patience;
     std::optional<DestinationProfile> m_destination;
     std::optional<QString> m_destinationError;
     /// When it was measured, the destination lay on another file system than the home folder.
@@ -148,10 +157,14 @@ private:
     std::optional<std::stop_source> m_profiling;
     QStringList m_offloadLog;
     std::optional<QString> m_offloadFocus;
-    std::vector<MovedThing> m_movedThings;
+    MovedThingsFinder m_finder;
     /// What runs, and what waits for it.
-    std::deque<std::shared_ptr<Job>> m_jobs;
-    std::stop_source m_looking;
+    std::deque<std::shared_ptr<OffloadJob>> m_jobs;
+    /// What was given up and may still be held by a drive.
+    std::vector<std::weak_ptr<OffloadJob>> m_givenUp;
+    /// The path of the destination that is being looked for, and whether something has changed since.
+    std::optional<std::string> m_lookedFor;
+    bool m_isLookedForAgain = false;
     QTimer m_progressClock{ this };
     CopyRate m_rate;
     /// Held by the measurement whose turn it is.

@@ -66,7 +66,8 @@ void RemovalQueue::startNext()
             .stop = running->stop.get_token() };
         running->removal.work(watch);
         // Outlived by the queue, which waits for its thread, and goes after the owner of any other.
-        QMetaObject::invokeMethod(this, &RemovalQueue::finish, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, running] { finish(running); }, Qt::QueuedConnection);
     }));
     if (m_running->removal.isPreparation)
         return;
@@ -88,11 +89,20 @@ void RemovalQueue::becomeIdle()
 }
 
 // Busy still, so that what the end of a removal asks for waits for its turn.
-void RemovalQueue::finish()
+void RemovalQueue::finish(const std::shared_ptr<Running> &running)
 {
-    if (const auto running = m_running; running->removal.end)
+    // The queue has gone on without it.
+    if (running != m_running)
+        return;
+    if (running->removal.end)
         running->removal.end();
     startNext();
+}
+
+void RemovalQueue::leaveCopy()
+{
+    if (isCopying())
+        startNext();
 }
 
 void RemovalQueue::stop()

@@ -90,7 +90,9 @@ public:
     }
     /// Ends what runs after its present entry. What waits goes on.
     void stop();
-    /// The same, forgets what waits and takes nothing more: the program is about to end.
+    /// Goes on without the copy that runs, which ends later, or never. Its `end` is not called.
+    void leaveCopy();
+    /// As `stop`, forgets what waits and takes nothing more: the program is about to end.
     void close();
     /// Blocks until nothing but a copy runs any more; what has ended tells nobody then.
     void wait() { m_thread.waitForDone(); }
@@ -117,7 +119,7 @@ private:
 
     void startNext();
     void becomeIdle();
-    void finish();
+    void finish(const std::shared_ptr<Running> &running);
     void showProgress();
 
     std::deque<Removal> m_waiting;

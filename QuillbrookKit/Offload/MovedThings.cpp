@@ -69,28 +69,36 @@ std::optional<OffloadError> refusal(
 
 } // namespace
 
-std::vector<MovedThing> Offload::movedThings(
-    const OffloadServices &services, const StorageCatalogue::Places &places, const std::stop_token &stop)
+std::vector<MovedThing> Offload::links(
+    const OffloadServices &services, const StorageCatalogue::Places &places)
 {
     std::vector<MovedThing> things;
     for (const auto &location : catalogueLocations(places)) {
-        if (stop.stop_requested())
-            break;
         if (!suitability(location.rule->id, places.host).isCold())
             continue;
         const auto &place = location.rawPath;
-        const auto link = services.disk.linkAt(place);
-        if (!link || !isElsewhere(services, place, *link))
-            continue;
-        things.push_back({ .ruleId = location.rule->id,
-            .title = location.rule->title,
-            .place = place,
-            .link = *link,
-            .drive = services.drives.name(link->target),
-            .driveFree
-            = link->leadsSomewhere ? services.drives.facts(link->target).available : std::nullopt });
+        if (const auto link = services.disk.unfollowedLinkAt(place))
+            things.push_back({ .ruleId = location.rule->id,
+                .title = location.rule->title,
+                .place = place,
+                .link = *link,
+                .drive = services.drives.likelyName(link->target) });
     }
     return things;
+}
+
+std::optional<MovedThing> Offload::answered(const OffloadServices &services, const MovedThing &link)
+{
+    auto thing = link;
+    const auto facts = services.disk.linkAt(link.place);
+    if (!facts || !isElsewhere(services, link.place, *facts))
+        return std::nullopt;
+    thing.isAnswered = true;
+    thing.link = *facts;
+    thing.drive = services.drives.name(facts->target);
+    if (facts->leadsSomewhere)
+        thing.driveFree = services.drives.facts(facts->target).available;
+    return thing;
 }
 
 std::expected<Offload::Returned, OffloadError> Offload::bringBack(
@@ -117,6 +125,8 @@ std::expected<Offload::Returned, OffloadError> Offload::bringBack(
     if (!isVerified(total, measured))
         return dropped({ .kind = Kind::verificationFailed,
             .text = u"expected %1, got %2"_s.arg(Format::bytes(total), Format::bytes(measured)) });
+    if (order.mayFinish && !order.mayFinish())
+        return dropped({ .kind = Kind::stopped });
     const auto exchanged
         = services.disk.putInPlaceOfLink(copy.path, *copy.result.made, thing.place, thing.link.identity);
     if (!exchanged)
@@ -124,6 +134,8 @@ std::expected<Offload::Returned, OffloadError> Offload::bringBack(
 
     // A loss of power could take back the exchange, and the link would lead to what lies in a Trash by then.
     services.trash.flush({ parentOf(thing.place) });
+    if (order.onReturned)
+        order.onReturned();
     Returned returned;
     const auto aside = moveAside(services, thing.link.target, copy.result.source);
     if (!aside)

@@ -30,6 +30,8 @@ struct MovedThing
     std::optional<qint64> driveFree{};
     /// What it holds there; absent as long as that was not measured.
     std::optional<qint64> bytes{};
+    /// Whether it is known what lies behind the link. Until then all is by the link's own words.
+    bool isAnswered = false;
 
     bool operator==(const MovedThing &) const = default;
 
@@ -38,10 +40,13 @@ struct MovedThing
 
 namespace Offload {
 
-/// In the order of the tables, without what they hold. Links on the way to a place don't count. May be held
-/// by a drive that does not answer.
-[[nodiscard]] std::vector<MovedThing> movedThings(const OffloadServices &services,
-    const StorageCatalogue::Places &places, const std::stop_token &stop = {});
+/// The links at places of cold rules, in the order of the tables, without asking the drives that they lead
+/// to. Links on the way to a place don't count.
+[[nodiscard]] std::vector<MovedThing> links(
+    const OffloadServices &services, const StorageCatalogue::Places &places);
+/// One of those with what its drive tells, but for what it holds; absent where it leads to the file system
+/// that it lies on, or is gone. Held for as long as a drive does not answer.
+[[nodiscard]] std::optional<MovedThing> answered(const OffloadServices &services, const MovedThing &link);
 
 struct Return
 {
@@ -49,6 +54,11 @@ struct Return
     MovedThing thing{};
     /// Told on the calling thread: bytes written, and of how many.
     std::function<void(qint64 bytes, qint64 total)> onProgress{};
+    /// Asked when the copy is whole, and nothing else has been touched; false ends it as a stop does. May be
+    /// empty.
+    std::function<bool()> mayFinish{};
+    /// Told when it stands in its place: all that is left to do is on the drive. May be empty.
+    std::function<void()> onReturned{};
     std::stop_token stop{};
 };
 

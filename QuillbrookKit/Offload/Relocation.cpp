@@ -65,19 +65,21 @@ std::expected<CopyResult, OffloadError> verifiedCopy(
         .target = target,
         .onProgress = relocation.onProgress,
         .stop = relocation.stop });
-    const auto measured = copy.error ? 0 : Offload::measuredSize(services, target, relocation.stop);
-    if (copy.stopped || (!copy.error && relocation.stop.stop_requested())) {
+    const auto dropped = [&](OffloadError error) {
         if (copy.made)
             services.disk.drop(target, *copy.made);
-        return std::unexpected(OffloadError{ .kind = Kind::stopped });
-    }
+        return std::unexpected(std::move(error));
+    };
+    const auto measured = copy.error ? 0 : Offload::measuredSize(services, target, relocation.stop);
+    if (copy.stopped || (!copy.error && relocation.stop.stop_requested()))
+        return dropped({ .kind = Kind::stopped });
     if (copy.error)
         return failed(u"Copy failed: %1"_s.arg(*copy.error));
-    if (!Offload::isVerified(relocation.bytes, measured)) {
-        services.disk.drop(target, *copy.made);
-        return std::unexpected(OffloadError{ .kind = Kind::verificationFailed,
+    if (!Offload::isVerified(relocation.bytes, measured))
+        return dropped({ .kind = Kind::verificationFailed,
             .text = u"expected %1, got %2"_s.arg(Format::bytes(relocation.bytes), Format::bytes(measured)) });
-    }
+    if (relocation.mayFinish && !relocation.mayFinish())
+        return dropped({ .kind = Kind::stopped });
     return copy;
 }
 

@@ -30,6 +30,9 @@ struct Relocation
     bool allowSlowBus = false;
     /// Told on the calling thread how many bytes have been written. May be empty.
     std::function<void(qint64 bytes)> onProgress{};
+    /// Asked when the copy is whole, and nothing else has been touched; false ends it as a stop does. May be
+    /// empty.
+    std::function<bool()> mayFinish{};
     /// Ends it as long as the source has not been touched, and takes away what was made of the copy.
     std::stop_token stop{};
 };

@@ -34,6 +34,8 @@ public:
     /// What a person calls the drive that holds `path`: by where it is mounted, and where it isn't, by where
     /// drives usually are. Never empty.
     [[nodiscard]] virtual QString name(const std::string &path) const = 0;
+    /// What that is likely to be, by the text of `path` alone: no drive is asked. Never empty.
+    [[nodiscard]] virtual QString likelyName(const std::string &path) const = 0;
 };
 
 } // namespace Quillbrook

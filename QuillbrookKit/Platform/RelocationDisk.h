@@ -89,6 +89,8 @@ public:
         const std::string &place, const std::string &target) const = 0;
     /// Absent for what is no link.
     [[nodiscard]] virtual std::optional<LinkFacts> linkAt(const std::string &place) const = 0;
+    /// The same by the link's own words, as if it led nowhere: no drive is asked but that of `place`.
+    [[nodiscard]] virtual std::optional<LinkFacts> unfollowedLinkAt(const std::string &place) const = 0;
     /// Puts the copy, a name beside the link at `place`, in that link's place in one step, and removes the
     /// link. On an error the link is where it was, and the copy too.
     [[nodiscard]] virtual std::expected<void, QString> putInPlaceOfLink(const std::string &copy,

@@ -366,7 +366,9 @@ class Offload(removing.Removing):
         self.assertTrue(line.startswith(f"✓ {TITLE} → {self.models}"), line)
         self.assertEqual(removing.contents(self.models), before)
 
-    def testADriveThatDoesNotAnswerKeepsNobodyFromQuitting(self):
+    def testADriveThatDoesNotAnswerHidesNoOtherAndKeepsNobodyFromQuitting(self):
+        os.makedirs(self.home.path / ".android")
+        os.symlink("/media/ann/Archive/avd", self.home.path / ".android/avd")
         behind = self.folder / "behind"
         drive = self.plug(drives.slow(self.folder / "stick", behind, 500))
         os.rename(self.models, behind / "models")
@@ -376,10 +378,14 @@ class Offload(removing.Removing):
         waiting.until("its size", lambda: there.description.endswith(", 101 MB"))
         drive.hang()
         self.addCleanup(drive.go_on)
-        # Looks again, and gets no answer.
-        quillbrook.open_pane("1", "Free up space")
-        self.pane()
-        time.sleep(0.5)
+
+        def looked_again():
+            quillbrook.open_pane("1", "Free up space")
+            self.pane()
+            return self.row(group="ON ANOTHER DRIVE").description
+
+        waiting.until("it is told as silent", lambda: looked_again() == "stick · not answering, —", 30)
+        self.assertEqual(self.row("Test Android phones", "ON ANOTHER DRIVE").description, "Archive · not connected, —")
         self.assertTrue(quillbrook.quit(15))
         self.assertEqual(quillbrook.process.returncode, 0)
 

@@ -22,6 +22,7 @@ public:
         return areOne;
     }
     [[nodiscard]] QString name(const std::string &) const override { return drive; }
+    [[nodiscard]] QString likelyName(const std::string &) const override { return drive; }
 
     DriveFacts answer{};
     std::optional<bool> areOne = false;
@@ -73,8 +74,19 @@ public:
     }
     [[nodiscard]] std::optional<LinkFacts> linkAt(const std::string &place) const override
     {
+        if (onFollow)
+            onFollow(place);
         const auto found = links.find(place);
         return found == links.end() ? std::nullopt : std::optional(found->second);
+    }
+    [[nodiscard]] std::optional<LinkFacts> unfollowedLinkAt(const std::string &place) const override
+    {
+        const auto found = links.find(place);
+        if (found == links.end())
+            return std::nullopt;
+        auto facts = found->second;
+        facts.leadsSomewhere = false;
+        return facts;
     }
     [[nodiscard]] std::expected<void, QString> putInPlaceOfLink(
         const std::string &, const FileIdentity &, const std::string &, const FileIdentity &) const override
@@ -87,6 +99,8 @@ public:
     /// Every file's, a copy's among them.
     std::optional<qint64> size{};
     std::map<std::string, LinkFacts> links;
+    /// Called on the thread that follows a link. May be empty.
+    std::function<void(const std::string &place)> onFollow{};
     /// Called on the copying thread. May be empty.
     std::function<CopyResult(const CopyOrder &order)> onCopy{};
     mutable std::vector<CopyOrder> orders;

@@ -7,6 +7,7 @@
 #include "Platform/FileRemoval.h"
 #include "Platform/Trash.h"
 
+#include <functional>
 #include <map>
 #include <set>
 
@@ -24,6 +25,8 @@ public:
     std::string folder = "/home/someone/.local/share/Trash";
     /// What was asked, in order: "move PATH", "restore PATH PATH", "erase PATH", "remove PATH".
     std::vector<std::string> asked;
+    /// Called on the thread that moves, before it does. May be empty.
+    std::function<void(const std::string &path)> onMove{};
     /// The folders of the last flush.
     mutable std::vector<std::string> flushed;
 
@@ -35,6 +38,8 @@ public:
     std::expected<TrashedThing, QString> move(const std::string &path, const TrashOrder &order) override
     {
         asked.push_back("move " + path);
+        if (onMove)
+            onMove(path);
         if (const auto problem = judged(path, order.judge))
             return std::unexpected(*problem);
         const auto name = path.substr(path.find_last_of('/') + 1);

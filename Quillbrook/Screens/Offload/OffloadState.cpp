@@ -93,7 +93,9 @@ OffloadRow OffloadState::movedRow(const MovedThing &thing) const
         .warns = !thing.isThere(),
         .actionEnabled = thing.isThere() && !m_model.removals().isBusy() };
     const auto drive = singleLine(thing.drive);
-    if (!thing.isThere())
+    if (!thing.isAnswered)
+        row.detail = tr("%1 · not answering").arg(drive);
+    else if (!thing.isThere())
         row.detail = tr("%1 · not connected").arg(drive);
     else
         row.detail = thing.driveFree ? tr("%1 · %2 free").arg(drive, Format::bytes(*thing.driveFree)) : drive;

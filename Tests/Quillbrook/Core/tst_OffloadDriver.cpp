@@ -12,6 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr qint64 mebi = 1'048'576;
 constexpr auto models = ".ollama/models";
 const auto modelsTitle = u"Downloaded AI models"_s;
@@ -284,9 +286,100 @@ private Q_SLOTS:
             f.driver().offloadLog(), QStringList{ u"✗ Downloaded AI models: Stopped. Nothing was moved."_s });
     }
 
+    void aStoppedCopyThatDoesNotEndIsGivenUp()
+    {
+        Fixture f;
+        OffloadDriver driver(
+            f.kitServices, { .scans = f.model.scans(), .queue = f.model.removals(), .patience = 20ms });
+        driver.profileDestination("/media/disk");
+        QTRY_VERIFY(driver.destination());
+        HeldCopy copy(f);
+        driver.offload(f.candidate(), false);
+        QVERIFY(copy.reached.tryAcquire(1, 5000));
+        QSemaphore removed;
+        f.model.removals().enqueue({ .work = [&](const auto & /*watch*/) { removed.release(); } });
+        f.model.removals().stop();
+        QTRY_VERIFY(!driver.running());
+        QVERIFY(removed.tryAcquire(1, 5000));
+        const auto line
+            = u"✗ Downloaded AI models: Stopped. Nothing was moved. · /media/disk does not answer."_s;
+        QCOMPARE(driver.offloadLog(), QStringList{ line });
+        QTRY_VERIFY(!f.model.removals().isBusy());
+        // Nothing goes where that one may still take its copy away.
+        const auto held = u"✗ Downloaded AI models: /media/disk does not answer."_s;
+        driver.offload(f.candidate(), false);
+        QVERIFY(!driver.running());
+        QCOMPARE(driver.offloadLog(), QStringList({ line, held }));
+        copy.goOn.release();
+        QVERIFY(driver.endsWithin(QDeadlineTimer(5s)));
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(f.relocation.dropped, std::vector<std::string>{ "/media/disk/models" });
+        QVERIFY(f.trash.asked.empty());
+        QVERIFY(f.relocation.made.empty());
+        QCOMPARE(driver.offloadLog().size(), 2);
+        f.relocation.onCopy = {};
+        driver.offload(f.candidate(), false);
+        QTRY_VERIFY(!driver.running());
+        QVERIFY(driver.offloadLog().constLast().startsWith(u"✓"_s));
+    }
+
+    void aMoveThatIsDoneButForItsLastStepsIsNotGivenUp()
+    {
+        Fixture f;
+        OffloadDriver driver(
+            f.kitServices, { .scans = f.model.scans(), .queue = f.model.removals(), .patience = 20ms });
+        driver.profileDestination("/media/disk");
+        QTRY_VERIFY(driver.destination());
+        QSemaphore reached;
+        QSemaphore goOn;
+        f.trash.onMove = [&](const std::string &) {
+            reached.release();
+            goOn.acquire();
+        };
+        driver.offload(f.candidate(), false);
+        QVERIFY(reached.tryAcquire(1, 5000));
+        driver.stop();
+        QSignalSpy progressed(&driver, &OffloadDriver::progressed);
+        QTRY_VERIFY(progressed.count() >= 3);
+        QVERIFY(driver.running());
+        QVERIFY(driver.offloadLog().isEmpty());
+        goOn.release();
+        QTRY_VERIFY(!driver.running());
+        QCOMPARE(driver.offloadLog(), QStringList{ u"✓ Downloaded AI models → /media/disk/models"_s });
+    }
+
+    void whatIsBackIsToldThoughItsDriveDoesNotAnswer()
+    {
+        Fixture f;
+        OffloadDriver driver(
+            f.kitServices, { .scans = f.model.scans(), .queue = f.model.removals(), .patience = 20ms });
+        f.relocation.links[f.path(models)] = { .text = "/media/disk/models",
+            .target = "/media/disk/models",
+            .leadsSomewhere = true,
+            .identity = { .device = 1, .inode = 3 } };
+        f.trash.things.insert("/media/disk/models");
+        driver.recheckDrives();
+        QTRY_VERIFY(!driver.movedThings().empty());
+        QSemaphore reached;
+        QSemaphore goOn;
+        f.trash.onMove = [&](const std::string &) {
+            reached.release();
+            goOn.acquire();
+        };
+        driver.bringBack(driver.movedThings().at(0));
+        QVERIFY(reached.tryAcquire(1, 5000));
+        driver.stop();
+        QTRY_VERIFY(!driver.running());
+        QCOMPARE(driver.offloadLog(),
+            QStringList{
+                u"✓ Downloaded AI models → %1 · /media/disk/models is still there: It does not answer."_s.arg(
+                    QString::fromStdString(f.path(models))) });
+        goOn.release();
+        QVERIFY(driver.endsWithin(QDeadlineTimer(5s)));
+    }
+
     void aDriveThatDoesNotAnswerIsNotWaitedForLongerThanTold()
     {
-        using namespace std::chrono_literals;
         Fixture f;
         QSemaphore held;
         QSemaphore reached;

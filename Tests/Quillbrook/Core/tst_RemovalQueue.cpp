@@ -180,6 +180,33 @@ private Q_SLOTS:
         QCOMPARE(turns.count(), 3);
     }
 
+    void aCopyThatIsLeftKeepsNothingWaiting()
+    {
+        QThreadPool copies;
+        RemovalQueue queue;
+        QSemaphore go;
+        QStringList ended;
+        queue.leaveCopy();
+        queue.enqueue({ .copying = &copies,
+            .work = [&](const auto & /*watch*/) { go.acquire(); },
+            .end = [&] { ended.append(u"copy"_s); } });
+        queue.enqueue({ .work = [](const auto & /*watch*/) {}, .end = [&] { ended.append(u"removal"_s); } });
+        queue.leaveCopy();
+        QTRY_VERIFY(!queue.isBusy());
+        QCOMPARE(ended, QStringList{ u"removal"_s });
+        // And its end is nobody's.
+        QSemaphore next;
+        queue.enqueue({ .work = [&](const auto & /*watch*/) { next.acquire(); },
+            .end = [&] { ended.append(u"next"_s); } });
+        go.release();
+        copies.waitForDone();
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(queue.isBusy());
+        next.release();
+        QTRY_VERIFY(!queue.isBusy());
+        QCOMPARE(ended, QStringList({ u"removal"_s, u"next"_s }));
+    }
+
     void questionsWaitAndKeepNobodyWaiting()
     {
         RemovalQueue queue;

@@ -17,6 +17,15 @@ namespace {
 
 constexpr qint64 block = 4096;
 
+std::vector<MovedThing> answeredBelow(const OffloadServices &services, const StorageCatalogue::Places &places)
+{
+    std::vector<MovedThing> things;
+    for (const auto &link : Offload::links(services, places))
+        if (const auto thing = Offload::answered(services, link))
+            things.push_back(*thing);
+    return things;
+}
+
 // The models of one rule lie on the volume, behind a link.
 struct MovedFixture : TwoVolumes
 {
@@ -30,7 +39,7 @@ struct MovedFixture : TwoVolumes
 
     [[nodiscard]] std::vector<MovedThing> things()
     {
-        return Offload::movedThings(services(), { .homeDirectory = home.text(), .host = &host });
+        return answeredBelow(services(), { .homeDirectory = home.text(), .host = &host });
     }
     [[nodiscard]] std::expected<Offload::Returned, OffloadError> bringBack(
         const MovedThing &thing, const std::stop_token &stop = {})
@@ -69,7 +78,7 @@ private Q_SLOTS:
         f.home.folder("jos\xE9/.ollama");
         f.home.link("jos\xE9/.ollama/models", f.onVolume("models"));
         const auto raw = f.home.path("jos\xE9");
-        const auto things = Offload::movedThings(
+        const auto things = answeredBelow(
             f.services(), { .homeDirectory = repairedText(raw), .rawHome = raw, .host = &f.host });
         QCOMPARE(things.size(), 1U);
         QCOMPARE(things[0].place, raw + "/.ollama/models");
@@ -97,6 +106,25 @@ private Q_SLOTS:
         QVERIFY(!things[1].isThere());
         QCOMPARE(things[1].drive, u"Archive"_s);
         QCOMPARE(things[1].driveFree, std::nullopt);
+    }
+
+    void linksAreToldByTheirOwnWordsBeforeTheirDrivesAnswer()
+    {
+        MovedFixture f;
+        f.home.link("cold", "volume/./models");
+        const auto links = Offload::links(f.services(), { .homeDirectory = f.home.text(), .host = &f.host });
+        QCOMPARE(links.size(), 2U);
+        for (const auto &link : links) {
+            QVERIFY(!link.isAnswered);
+            QVERIFY(!link.isThere());
+            QCOMPARE(link.link.target, f.onVolume("models"));
+            QCOMPARE(link.drive, u"volume"_s);
+            QCOMPARE(link.driveFree, std::nullopt);
+            const auto answered = Offload::answered(f.services(), link);
+            QVERIFY(answered && answered->isAnswered && answered->isThere());
+        }
+        std::filesystem::remove(f.home.path("cold"));
+        QVERIFY(!Offload::answered(f.services(), links.at(1)));
     }
 
     void theWayBackLeavesAWholeFolderInThePlaceOfTheLink()
@@ -175,6 +203,18 @@ private Q_SLOTS:
         ::umount2(f.onVolume("models/inner").c_str(), MNT_DETACH);
     }
 
+    void whoeverGaveItUpHasTheLinkAsItWas()
+    {
+        MovedFixture f;
+        const auto result = Offload::bringBack(f.services(),
+            { .thing = f.things().at(0),
+                .mayFinish = [&f] { return !f.isThere(f.home.path(".ollama/models.incomplete/large")); } });
+        QVERIFY(!result);
+        QCOMPARE(result.error().kind, OffloadError::Kind::stopped);
+        QVERIFY(f.isAsBefore());
+        QVERIFY(f.isThere(f.onVolume("models/large")));
+    }
+
     void whatStandsInItsPlaceIsOnTheDiskBeforeTheDriveIsTouched()
     {
         MovedFixture f;
@@ -214,7 +254,7 @@ private Q_SLOTS:
         f.home.fileWith("outside/models/large", std::string(100 * block, 'l'));
         f.home.folder("volume/.ollama");
         f.home.link("volume/.ollama/models", f.home.path("outside/models"));
-        const auto things = Offload::movedThings(f.services(), { .homeDirectory = f.home.text("volume") });
+        const auto things = answeredBelow(f.services(), { .homeDirectory = f.home.text("volume") });
         QCOMPARE(things.size(), 1U);
         const auto result = Offload::bringBack(f.services(), { .thing = things.at(0) });
         QVERIFY(!result);

@@ -318,6 +318,21 @@ private Q_SLOTS:
         QVERIFY(!isMade);
     }
 
+    void whatWasGivenUpIsNotTouched()
+    {
+        RelocationFixture f;
+        auto order = f.order();
+        bool isWhole = false;
+        order.mayFinish = [&] {
+            isWhole = f.isThere(f.onVolume("models/deep/small"));
+            return false;
+        };
+        QCOMPARE(f.failure(order), u"Stopped. Nothing was moved."_s);
+        QVERIFY(isWhole);
+        QVERIFY(f.isUntouched());
+        QVERIFY(!f.isThere(f.onVolume("models")));
+    }
+
     void aStopDoesNotWaitForASlowDrive()
     {
         RelocationFixture f;

@@ -190,6 +190,18 @@ std::expected<void, QString> LinuxRelocationDisk::link(
 
 std::optional<LinkFacts> LinuxRelocationDisk::linkAt(const std::string &place) const
 {
+    auto facts = unfollowedLinkAt(place);
+    const std::unique_ptr<char, decltype(&std::free)> resolved(
+        facts ? ::realpath(place.c_str(), nullptr) : nullptr, &std::free);
+    if (resolved) {
+        facts->leadsSomewhere = true;
+        facts->target = resolved.get();
+    }
+    return facts;
+}
+
+std::optional<LinkFacts> LinuxRelocationDisk::unfollowedLinkAt(const std::string &place) const
+{
     const OpenPlace at(m_calls, place);
     struct statx status = {};
     if (!at.hasStatus(m_calls, status) || !S_ISLNK(status.stx_mode))
@@ -200,12 +212,8 @@ std::optional<LinkFacts> LinuxRelocationDisk::linkAt(const std::string &place) c
         return std::nullopt;
     LinkFacts facts{ .text = std::string(text.data(), static_cast<size_t>(length)),
         .identity = identityOf(status) };
-    const std::unique_ptr<char, decltype(&std::free)> resolved(
-        ::realpath(place.c_str(), nullptr), &std::free);
-    facts.leadsSomewhere = resolved != nullptr;
-    facts.target = resolved           ? std::string(resolved.get())
-        : facts.text.starts_with('/') ? standardisedPath(facts.text, std::string())
-                                      : standardisedPath(parentOf(place) + '/' + facts.text, std::string());
+    const auto base = facts.text.starts_with('/') ? std::string() : parentOf(place) + '/';
+    facts.target = standardisedPath(base + facts.text, std::string());
     return facts;
 }
 

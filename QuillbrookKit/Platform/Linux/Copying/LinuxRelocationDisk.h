@@ -24,6 +24,7 @@ public:
     [[nodiscard]] std::expected<void, QString> link(
         const std::string &place, const std::string &target) const override;
     [[nodiscard]] std::optional<LinkFacts> linkAt(const std::string &place) const override;
+    [[nodiscard]] std::optional<LinkFacts> unfollowedLinkAt(const std::string &place) const override;
     [[nodiscard]] std::expected<void, QString> putInPlaceOfLink(const std::string &copy,
         const FileIdentity &copyIdentity, const std::string &place,
         const FileIdentity &linkIdentity) const override;

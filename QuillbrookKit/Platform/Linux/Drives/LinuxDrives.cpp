@@ -58,6 +58,13 @@ std::string usualName(const std::string &path)
     return path;
 }
 
+QString nameOf(const std::optional<Mount> &mount, const std::string &path)
+{
+    if (mount && mount->mountPoint != "/")
+        return repairedText(std::string_view(mount->mountPoint).substr(mount->mountPoint.rfind('/') + 1));
+    return repairedText(usualName(path));
+}
+
 } // namespace
 
 std::optional<Mount> LinuxDrives::mountOf(const std::string &path)
@@ -101,10 +108,17 @@ std::optional<bool> LinuxDrives::areOnOneFileSystem(const std::string &one, cons
 
 QString LinuxDrives::name(const std::string &path) const
 {
-    const auto mount = mountOf(path);
-    if (mount && mount->mountPoint != "/")
-        return repairedText(std::string_view(mount->mountPoint).substr(mount->mountPoint.rfind('/') + 1));
-    return repairedText(usualName(path));
+    return nameOf(mountOf(path), path);
+}
+
+QString LinuxDrives::likelyName(const std::string &path) const
+{
+    std::optional<Mount> innermost;
+    for (const auto &mount : MountTable::read().value_or(std::vector<Mount>()))
+        if ((path + '/').starts_with(mount.mountPoint + '/')
+            && (!innermost || mount.mountPoint.size() >= innermost->mountPoint.size()))
+            innermost = mount;
+    return nameOf(innermost, path);
 }
 
 } // namespace Quillbrook

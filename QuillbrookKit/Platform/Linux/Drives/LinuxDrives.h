@@ -20,6 +20,7 @@ public:
     [[nodiscard]] std::optional<bool> areOnOneFileSystem(
         const std::string &one, const std::string &other) const override;
     [[nodiscard]] QString name(const std::string &path) const override;
+    [[nodiscard]] QString likelyName(const std::string &path) const override;
 
     /// The mount that holds `path`; absent where it can't be told.
     [[nodiscard]] static std::optional<Mount> mountOf(const std::string &path);

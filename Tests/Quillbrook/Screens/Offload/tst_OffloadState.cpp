@@ -5,6 +5,7 @@
 #include "Support/Suite.h"
 
 #include <QAbstractItemModelTester>
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QSignalSpy>
 
@@ -130,7 +131,7 @@ private Q_SLOTS:
         QTest::newRow("slow")
             << 0.2 << u"This volume writes at 120 MB/s — roughly 19× slower than this Mac's internal disk."_s;
         QTest::newRow("slower than one")
-            << 60.0
+            << 48.0
             << u"This volume writes at 0 MB/s — roughly 2300× slower than this Mac's internal disk."_s;
     }
 
@@ -220,6 +221,27 @@ private Q_SLOTS:
         QTRY_VERIFY(f.offload.moved()->isEmpty());
         f.offload.setShown(false);
         QVERIFY(!f.desktop.driveChanges.watched);
+    }
+
+    void aDriveThatDoesNotAnswerIsMarkedAndTheOthersAreShown()
+    {
+        QSemaphore answer;
+        Fixture f;
+        const auto release = qScopeGuard([&answer] { answer.release(100); });
+        f.relocation.onFollow = [&answer](const std::string &place) {
+            if (place.ends_with("Archives"))
+                answer.acquire();
+        };
+        f.offload.setShown(true);
+        QTRY_COMPARE(f.offload.moved()->rows().size(), 2);
+        QCOMPARE(f.offload.moved()->rows().at(0).detail, u"Backup · not connected"_s);
+        const auto silent = f.offload.moved()->rows().at(1);
+        QCOMPARE(silent.detail, u"Backup · not answering"_s);
+        QCOMPARE(silent.size, u"—"_s);
+        QVERIFY(silent.warns);
+        QVERIFY(!silent.actionEnabled);
+        answer.release();
+        QTRY_COMPARE(f.offload.moved()->rows().at(1).detail, u"Backup · 400 GB free"_s);
     }
 
     void bringingBackIsAskedAboutWithTheFoldersName()

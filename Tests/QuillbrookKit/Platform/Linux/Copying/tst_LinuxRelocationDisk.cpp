@@ -166,7 +166,10 @@ private Q_SLOTS:
         QCOMPARE(away->text, std::string("volume/../nowhere/./deep"));
         QCOMPARE(away->target, f.home.path("nowhere/deep"));
         QVERIFY(!away->leadsSomewhere);
+        const auto unfollowed = f.disk.unfollowedLinkAt(f.home.path("away"));
+        QVERIFY(unfollowed == away);
         QVERIFY(!f.disk.linkAt(f.volume()));
+        QVERIFY(!f.disk.unfollowedLinkAt(f.volume()));
         QVERIFY(!f.disk.linkAt(f.home.path("nothing")));
     }
 };

@@ -58,7 +58,10 @@ private Q_SLOTS:
         QFETCH(QByteArray, path);
         const TwoVolumes f;
         QTEST(f.drives.name(path.toStdString()), "name");
+        QTEST(f.drives.likelyName(path.toStdString()), "name");
         QCOMPARE(f.drives.name(f.volume()), u"volume"_s);
+        QCOMPARE(f.drives.likelyName(f.onVolume("nothing/at all")), u"volume"_s);
+        QVERIFY(f.drives.likelyName(f.volume() + "s/a") != u"volume"_s);
     }
 };
 
