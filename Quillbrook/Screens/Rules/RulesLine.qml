@@ -23,6 +23,7 @@ Item {
     Accessible.name: row.title
     Accessible.role: Accessible.ListItem
     Keys.onSpacePressed: rules.act(index)
+    activeFocusOnTab: current && acts
     implicitHeight: content.implicitHeight
 
     Loader {

@@ -21,45 +21,18 @@ Item {
         anchors.top: parent.top
     }
 
-    ListView {
+    LineList {
         id: list
 
-        // To the next line the keyboard stops at, up or down; stays where there is none.
-        function step(direction: int) {
-            let row = currentIndex + direction;
-            while (row >= 0 && row < count && !root.rules.rows.takesKeyboard(row))
-                row += direction;
-            if (row < 0 || row >= count)
-                return;
-            currentIndex = row;
-            currentItem.forceActiveFocus(Qt.TabFocusReason);
-        }
-
         Accessible.name: qsTr("Automatic rules")
-        Accessible.role: Accessible.List
-        Keys.onDownPressed: step(1)
-        Keys.onUpPressed: step(-1)
-        activeFocusOnTab: true
         anchors.fill: parent
         anchors.leftMargin: Metrics.paneInset
         anchors.rightMargin: Metrics.paneInset
-        boundsBehavior: Flickable.StopAtBounds
         // Rows differ in height; once those below are made, the bar beside them stays calm.
         cacheBuffer: height
-        clip: true
-        currentIndex: -1
-        highlightFollowsCurrentItem: true
-        highlightMoveDuration: Metrics.quickMotion
-        keyNavigationEnabled: false
-        model: root.rules.rows
+        lines: root.rules.rows
         objectName: "rulesList"
         topMargin: Metrics.space20
-
-        // Not where a press has given the keyboard to a control in a row.
-        onActiveFocusChanged: {
-            if (currentIndex < 0 && Window.activeFocusItem === list)
-                step(1);
-        }
 
         T.ScrollBar.vertical: bar
         delegate: RulesLine {

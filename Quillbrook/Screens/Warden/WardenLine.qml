@@ -18,6 +18,7 @@ Item {
     Accessible.name: row.spoken
     Accessible.role: Accessible.ListItem
     Keys.onSpacePressed: warden.toggle(index)
+    activeFocusOnTab: current && !Accessible.ignored
     implicitHeight: content.implicitHeight + (kind === WardenLines.Banner && !row.opened || kind === WardenLines.Held && row.last ? Metrics.bannerGap : 0)
 
     Loader {

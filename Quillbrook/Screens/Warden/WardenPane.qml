@@ -47,44 +47,18 @@ ColumnLayout {
             objectName: "wardenScrollBar"
         }
 
-        ListView {
+        LineList {
             id: list
 
-            // To the next line the keyboard stops at, up or down; stays where there is none.
-            function step(direction: int) {
-                let row = currentIndex + direction;
-                while (row >= 0 && row < count && !root.warden.rows.takesKeyboard(row))
-                    row += direction;
-                if (row < 0 || row >= count)
-                    return;
-                currentIndex = row;
-                currentItem.forceActiveFocus(Qt.TabFocusReason);
-            }
-
             Accessible.name: qsTr("What can go")
-            Accessible.role: Accessible.List
-            Keys.onDownPressed: step(1)
-            Keys.onUpPressed: step(-1)
-            activeFocusOnTab: true
             anchors.fill: parent
             anchors.leftMargin: Metrics.paneInset
             anchors.rightMargin: Metrics.paneInset
-            boundsBehavior: Flickable.StopAtBounds
             // Rows differ in height; once those below are made, the bar beside them stays calm.
             cacheBuffer: 2 * height
-            clip: true
-            currentIndex: -1
-            highlightFollowsCurrentItem: true
-            highlightMoveDuration: Metrics.quickMotion
-            keyNavigationEnabled: false
-            model: root.warden.rows
+            lines: root.warden.rows
             objectName: "wardenList"
             topMargin: Metrics.space12 + Metrics.hairlineWidth * 2
-
-            onActiveFocusChanged: {
-                if (activeFocus && currentIndex < 0)
-                    step(1);
-            }
 
             T.ScrollBar.vertical: bar
             delegate: WardenLine {

@@ -191,6 +191,45 @@ private Q_SLOTS:
                 u"Ask Quillbrook anything about this Mac"_s, u"Free up space"_s }));
     }
 
+    void everyLapOfTheTabKeyIsTheSame()
+    {
+        scanAFinding();
+        QVERIFY(shows(u"1 of 1 reclaimable items"_s));
+        const QStringList lap{ u"Free up space"_s, u"Rescan"_s, u"Move to Trash"_s,
+            u"Android build logs, 4.0 KB"_s, u"Android build logs"_s, u"Where is it?"_s, u"Show"_s };
+        for (int i = 0; i < 2; ++i) {
+            QStringList reached;
+            while (reached.size() < lap.size()) {
+                QTest::keyClick(m_window, Qt::Key_Tab);
+                reached.append(accessibleName(m_window->activeFocusItem()));
+            }
+            QCOMPARE(reached, lap);
+            for (auto back = lap.size() - 1; back > 0; --back) {
+                QTest::keyClick(m_window, Qt::Key_Backtab);
+                QCOMPARE(accessibleName(m_window->activeFocusItem()), lap.at(back - 1));
+            }
+            // On to the end of the lap, and to the sidebar's list again.
+            auto *field = item(Role::EditableText, u"Ask Quillbrook anything about this Mac"_s);
+            for (int stops = 0; stops < 20 && !field->hasActiveFocus(); ++stops)
+                QTest::keyClick(m_window, Qt::Key_Tab);
+            QVERIFY(field->hasActiveFocus());
+        }
+    }
+
+    void linesAreShownFromTheTopUntilTheKeyboardComes()
+    {
+        m_window->resize(1040, 300);
+        scanAFinding();
+        const auto *list = m_window->findChild<QQuickItem *>(u"wardenList"_s);
+        QTRY_VERIFY(list->property("currentIndex").toInt() > 0);
+        const auto top = list->property("originY").toReal() - list->property("topMargin").toReal();
+        QCOMPARE(list->property("contentY").toReal(), top);
+        for (int stops = 0; stops < 4; ++stops)
+            QTest::keyClick(m_window, Qt::Key_Tab);
+        QCOMPARE(accessibleName(m_window->activeFocusItem()), u"Android build logs, 4.0 KB"_s);
+        QVERIFY(list->property("contentY").toReal() > top);
+    }
+
     void findingsAreListedAndCleared()
     {
         scanAFinding();
