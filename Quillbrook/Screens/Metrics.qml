@@ -136,6 +136,9 @@ QtObject {
     readonly property real pressedOpacity: 0.12
     readonly property real disabledOpacity: 0.45
     readonly property real faintOpacity: 0.6
+    // Of text that steps back, and of a ground that lifts text off the page: both keep it at 4.5 to 1.
+    readonly property real quietOpacity: 0.88
+    readonly property real liftOpacity: 0.2
     readonly property real tintOpacity: 0.05
     readonly property real scrimOpacity: 0.25
 

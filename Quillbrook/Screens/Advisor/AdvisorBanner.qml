@@ -4,14 +4,16 @@ import QtQuick
 import QtQuick.Layouts
 import Quillbrook
 
-// Whether a model answers, which one, and that it does so on this machine.
-Item {
+// Whether a model answers, which one, and that it does so on this machine. Its ground is a little lighter than the
+// page, on which the green would be too faint to read.
+Rectangle {
     id: root
 
     required property AdvisorState advisor
 
     readonly property color tone: advisor.isAvailable ? Theme.safe : Theme.careful
 
+    color: Theme.faded(Theme.surface, Metrics.liftOpacity)
     implicitHeight: row.implicitHeight + 2 * Metrics.space16
 
     RowLayout {

@@ -159,7 +159,7 @@ T.Popup {
                     }
                     contentItem: BodyText {
                         Accessible.ignored: true
-                        color: cell.isValue ? Theme.surface : cell.isOfTheMonth ? Theme.strong : Theme.faded(Theme.label, Metrics.faintOpacity)
+                        color: cell.isValue ? Theme.surface : cell.isOfTheMonth ? Theme.strong : Theme.faded(Theme.label, Metrics.quietOpacity)
                         font.pointSize: Metrics.smallFont
                         horizontalAlignment: Text.AlignHCenter
                         text: cell.text

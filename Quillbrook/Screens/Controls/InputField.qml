@@ -25,7 +25,7 @@ T.TextField {
     implicitWidth: Metrics.dialogWidth / 2
     leftPadding: symbol === "" ? Metrics.space12 : Metrics.space12 + Metrics.symbolSize + Metrics.space8
     opacity: enabled ? 1 : Metrics.disabledOpacity
-    placeholderTextColor: Theme.faded(Theme.label, Metrics.faintOpacity)
+    placeholderTextColor: Theme.faded(Theme.label, Metrics.quietOpacity)
     renderType: Text.NativeRendering
     rightPadding: Metrics.space12
     selectByMouse: true

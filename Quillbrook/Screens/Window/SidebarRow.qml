@@ -66,7 +66,6 @@ ListRow {
 
         CaptionText {
             Accessible.ignored: true
-            color: Theme.faded(Theme.label, Metrics.faintOpacity)
             text: root.hint
         }
     }

@@ -41,6 +41,23 @@ TestCase {
         compare(shownTexts(field), ["Filter"]);
     }
 
+    // Of one colour over another, from 1 to 21.
+    function contrast(front, back) {
+        const linear = part => part <= 0.04045 ? part / 12.92 : Math.pow((part + 0.055) / 1.055, 2.4);
+        const light = part => 0.2126 * linear(part.r) + 0.7152 * linear(part.g) + 0.0722 * linear(part.b) + 0.05;
+        const shown = Qt.tint(back, front);
+        return Math.max(light(shown) / light(back), light(back) / light(shown));
+    }
+
+    function test_quietTextsCanBeRead() {
+        const field = createTemporaryObject(maker, root);
+        verify(contrast(field.placeholderTextColor, field.background.color) >= 4.5);
+        verify(contrast(Theme.label, Theme.page) >= 4.5);
+        const lifted = Qt.tint(Theme.page, Theme.faded(Theme.surface, Metrics.liftOpacity));
+        verify(contrast(Theme.safe, lifted) >= 4.5);
+        verify(contrast(Theme.safe, Theme.page) < 4.5, "the lighter ground is needed");
+    }
+
     function test_ringShowsWhileItIsWrittenInto() {
         const field = createTemporaryObject(maker, root);
         const ring = findChild(field, "focusRing");
