@@ -78,9 +78,11 @@ ColumnLayout {
                     text: qsTr("RARELY USED — SAFE TO MOVE")
                 }
 
+                // Nearer to its heading than a card would be.
                 CaptionText {
                     Layout.bottomMargin: Metrics.space8
                     Layout.fillWidth: true
+                    Layout.topMargin: -Metrics.space4
                     lineHeight: Metrics.captionLine
                     lineHeightMode: Text.FixedHeight
                     text: qsTr("Things your Mac reads constantly are deliberately left out. Moving those to a slower drive would make everything feel sluggish, however much room it has.")
