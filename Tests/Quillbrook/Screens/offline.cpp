@@ -114,27 +114,25 @@ void pretendSandbox(FakeServices &machine)
 /// Something at some of the catalogue's places, one that may lie elsewhere, and rules that have fired.
 void pretendRules(FakeServices &machine)
 {
-    const auto place = [&machine](const std::string &name, double gibibytes) {
-        const auto slash = name.rfind('/');
-        const auto path = "/home/someone/" + name;
-        machine.directories.folder("/home/someone/" + name.substr(0, slash),
-            { FakeDirectories::aFolder("_cacache"), FakeDirectories::aFolder("daemon"),
-                FakeDirectories::aFolder("pip"), FakeDirectories::aFolder("google-chrome"),
-                FakeDirectories::aFolder("models") });
+    const auto place = [&machine](const std::string &parent, const char *name, double gibibytes) {
+        const auto folder = "/home/someone/" + parent;
+        const auto path = folder + '/' + name;
+        machine.directories.folder(folder, { FakeDirectories::aFolder(name) });
         machine.directories.folder(path,
             { FakeDirectories::aFile(
                 "content", static_cast<qint64>(gibibytes * static_cast<double>(gibi))) });
-        machine.files.entries[path] = {};
+        machine.files.entries[path] = { .dates = FileDates{ .lastModified = machine.clock.moment.addDays(-70),
+                                            .created = machine.clock.moment.addDays(-220) } };
     };
     machine.directories.folder("/home/someone",
         { FakeDirectories::aFolder(".npm"), FakeDirectories::aFolder(".gradle"),
             FakeDirectories::aFolder("pages"), FakeDirectories::aFolder("media"),
             FakeDirectories::aFolder(".ollama") });
-    place(".npm/_cacache", 2.9);
-    place(".gradle/daemon", 0.3);
-    place("pages/google-chrome", 1.6);
-    place("media/pip", 1.4);
-    place(".ollama/models", 18.4);
+    place(".npm", "_cacache", 2.9);
+    place(".gradle", "daemon", 0.3);
+    place("pages", "google-chrome", 1.6);
+    place("media", "pip", 1.4);
+    place(".ollama", "models", 18.4);
     machine.host.facts.catalogue.locations
         = { { u"browser.caches"_s, { { u"pages/google-chrome"_s, u"Chrome"_s } } } };
     machine.host.facts.catalogue.rules
