@@ -49,6 +49,13 @@ struct Provenance
     std::optional<ThingIdentity> identity{};
 };
 
+/// A thing that is no longer where it lay in the Trash, and what is known of it.
+struct GoneThing
+{
+    std::string trashPath{};
+    Provenance from{};
+};
+
 class Trash
 {
 public:
@@ -108,9 +115,10 @@ public:
     /// has other rights by now.
     virtual void takeBackRight(const std::string &trashPath, const Provenance &from) = 0;
 
-    /// Deletes what an `erase` of the thing that was cut short has left among the leftovers. Nothing happens
-    /// where there is nothing, or it can't be told.
-    virtual void finishErasing(const std::string &trashPath, const Provenance &from) = 0;
+    /// Deletes what an `erase` of one of these things that was cut short has left among the leftovers.
+    /// Nothing happens where there is nothing, or it can't be told. The leftovers of a trash are looked
+    /// through once, however many the things are.
+    virtual void finishErasing(const std::vector<GoneThing> &things) = 0;
 
     /// Waits until the volume of each of these folders has everything on its disk that was moved or deleted
     /// there, the notes in its trash among it. A folder that is gone by now is passed over. Takes as long as

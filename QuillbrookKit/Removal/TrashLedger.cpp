@@ -89,9 +89,12 @@ TrashLedger::Purged TrashLedger::purge(const std::vector<TrashedItem> &items, co
 
 void TrashLedger::finishPurging()
 {
+    std::vector<GoneThing> gone;
     for (const auto &item : m_items)
         if (isPlace(item.trashPath) && !m_services.trash.isStill(item.trashPath, item.provenance()))
-            m_services.trash.finishErasing(item.trashPath, item.provenance());
+            gone.push_back({ .trashPath = item.trashPath, .from = item.provenance() });
+    if (!gone.empty())
+        m_services.trash.finishErasing(gone);
 }
 
 std::expected<void, QString> TrashLedger::putBack(const TrashedItem &item) const

@@ -87,9 +87,10 @@ public:
     }
     void flush(const std::vector<std::string> &folders) const override { flushed = folders; }
     void takeBackRight(const std::string &, const Provenance &) override { }
-    void finishErasing(const std::string &path, const Provenance &) override
+    void finishErasing(const std::vector<GoneThing> &gone) override
     {
-        asked.push_back("finish " + path);
+        for (const auto &thing : gone)
+            asked.push_back("finish " + thing.trashPath);
     }
     void dropLoneNote(const std::string &path, const std::string &) override
     {

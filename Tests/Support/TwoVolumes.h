@@ -61,10 +61,7 @@ public:
     {
         m_trash.takeBackRight(path, origin);
     }
-    void finishErasing(const std::string &path, const Provenance &origin) override
-    {
-        m_trash.finishErasing(path, origin);
-    }
+    void finishErasing(const std::vector<GoneThing> &things) override { m_trash.finishErasing(things); }
     void flush(const std::vector<std::string> &folders) const override
     {
         flushed.insert(flushed.end(), folders.begin(), folders.end());

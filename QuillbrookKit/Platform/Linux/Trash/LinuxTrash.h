@@ -39,7 +39,7 @@ public:
     [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
     void dropLoneNote(const std::string &trashPath, const std::string &note) override;
     void takeBackRight(const std::string &trashPath, const Provenance &from) override;
-    void finishErasing(const std::string &trashPath, const Provenance &from) override;
+    void finishErasing(const std::vector<GoneThing> &things) override;
     [[nodiscard]] std::shared_ptr<void> hold() override;
     void flush(const std::vector<std::string> &folders) const override;
     [[nodiscard]] bool holds(const std::string &path) const override;
@@ -51,6 +51,13 @@ private:
     /// Its way into the Trash, with what it was asked to ask.
     struct Journey;
     /// A path told of as one in a trash: directly in its `files`, or in its `expunged`.
+    struct Spot
+    {
+        std::string trash{};
+        std::string name{};
+        bool isLeftover = false;
+    };
+    /// The same in the open trash.
     struct Trashed
     {
         TrashFolder trash{};
@@ -66,6 +73,7 @@ private:
     [[nodiscard]] int take(const TrashFolder &trash, Journey &journey, const std::string &name) const;
     [[nodiscard]] int writeNote(const FolderPlace &note, const std::string &text) const;
 
+    [[nodiscard]] std::optional<Spot> spot(const std::string &path) const;
     [[nodiscard]] std::expected<Trashed, QString> trashed(const std::string &path) const;
     [[nodiscard]] int moveBack(const Trashed &thing, const std::string &originalPath) const;
     [[nodiscard]] bool agrees(const Trashed &thing, const Provenance &from) const;
@@ -76,7 +84,8 @@ private:
     [[nodiscard]] std::expected<void, QString> eraseAside(
         const Trashed &thing, const FolderPlace &aside) const;
     [[nodiscard]] std::expected<void, QString> eraseInPlace(const Trashed &thing) const;
-    [[nodiscard]] bool isLeftoverOf(const FolderPlace &aside, const ThingIdentity &identity) const;
+    void finishErasingIn(
+        const std::string &trash, const std::vector<const ThingIdentity *> &identities) const;
     void takeBackRightAt(const FolderPlace &place, const ThingIdentity &identity) const;
     void dropNote(const Trashed &thing) const;
     [[nodiscard]] bool isNoteAlone(const Trashed &thing, const std::string &text) const;

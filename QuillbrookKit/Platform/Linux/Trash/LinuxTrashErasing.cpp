@@ -73,21 +73,29 @@ FolderToFill folderToFill(const FileCalls &calls, const std::string &path)
 
 } // namespace
 
-std::expected<LinuxTrash::Trashed, QString> LinuxTrash::trashed(const std::string &path) const
+std::optional<LinuxTrash::Spot> LinuxTrash::spot(const std::string &path) const
 {
     const auto position = m_places.position(standardisedPath(path, {}));
     const auto slash = position ? position->inner.find('/') : std::string::npos;
     if (slash == std::string::npos || path.find('\0') != std::string::npos)
-        return std::unexpected(u"It is not in the Trash."_s);
+        return std::nullopt;
     const auto folder = position->inner.substr(0, slash);
     const auto name = position->inner.substr(slash + 1);
     const bool isInPlace = folder == filesFolder || folder == leftoversFolder;
     if (!isInPlace || name.contains('/'))
+        return std::nullopt;
+    return Spot{ .trash = position->trash, .name = name, .isLeftover = folder == leftoversFolder };
+}
+
+std::expected<LinuxTrash::Trashed, QString> LinuxTrash::trashed(const std::string &path) const
+{
+    const auto place = spot(path);
+    if (!place)
         return std::unexpected(u"It is not in the Trash."_s);
-    auto trash = m_folders.existing(position->trash);
+    auto trash = m_folders.existing(place->trash);
     if (!trash)
         return std::unexpected(LinuxErrorText::sentence(trash.error()));
-    return Trashed{ .trash = std::move(*trash), .name = name, .isLeftover = folder == leftoversFolder };
+    return Trashed{ .trash = std::move(*trash), .name = place->name, .isLeftover = place->isLeftover };
 }
 
 std::expected<void, QString> LinuxTrash::restore(

@@ -9,9 +9,72 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <map>
+#include <set>
+#include <string_view>
 #include <tuple>
+#include <unordered_set>
+#include <utility>
 
 namespace Quillbrook {
+
+namespace {
+
+// Tells what in an open folder a deletion of one of these things has left: the thing itself, or, where it is
+// known by its note, what has that note beside it. A note that outlived its thing is left too.
+class LeftoverSearch
+{
+public:
+    /// Calls and identities outlive this object.
+    LeftoverSearch(const FileCalls &calls, int folder, const std::vector<const ThingIdentity *> &identities)
+        : m_calls(calls)
+        , m_folder(folder)
+    {
+        const bool keepsInodes = calls.keepsInodes(folder);
+        for (const auto *identity : identities) {
+            const bool isKnownByInode = identity->born != 0 && keepsInodes;
+            if (isKnownByInode)
+                m_inodes.emplace(identity->inode, identity->born);
+            if (identity->note.empty())
+                continue;
+            m_notes.insert(identity->note);
+            if (!isKnownByInode)
+                m_notesBeside.insert(identity->note);
+        }
+    }
+
+    [[nodiscard]] bool isMeant(const std::string &name) const
+    {
+        struct statx status = {};
+        if (name.ends_with(TrashNote::suffix) && hasNoteOf(m_notes, name)) {
+            const auto thing = name.substr(0, name.size() - TrashNote::suffix.size());
+            return m_calls.statAt(m_folder, thing.c_str(), 0, status) != 0 && errno == ENOENT;
+        }
+        if (!m_inodes.empty() && m_calls.statAt(m_folder, name.c_str(), 0, status) == 0
+            && m_inodes.contains({ status.stx_ino, bornAt(status) }))
+            return true;
+        return hasNoteOf(m_notesBeside, TrashNote::nameFor(name));
+    }
+
+private:
+    using Notes = std::unordered_set<std::string_view>;
+
+    [[nodiscard]] bool hasNoteOf(const Notes &notes, const std::string &name) const
+    {
+        if (notes.empty())
+            return false;
+        const auto text = TrashReading::note(m_calls, { .folder = m_folder, .name = name });
+        return text && notes.contains(*text);
+    }
+
+    const FileCalls &m_calls;
+    int m_folder;
+    std::set<std::pair<std::uint64_t, qint64>> m_inodes;
+    Notes m_notes;
+    Notes m_notesBeside;
+};
+
+} // namespace
 
 void LinuxTrash::takeBackRight(const std::string &trashPath, const Provenance &from)
 {
@@ -45,39 +108,32 @@ void LinuxTrash::takeBackRightAt(const FolderPlace &place, const ThingIdentity &
         std::ignore = m_calls.changeMode(folder.number(), *identity.mode);
 }
 
-void LinuxTrash::finishErasing(const std::string &trashPath, const Provenance &from)
+void LinuxTrash::finishErasing(const std::vector<GoneThing> &things)
 {
-    const auto thing = trashed(trashPath);
-    if (!thing || thing->isLeftover || !from.identity)
-        return;
-    const auto leftovers = m_folders.ownFolder(thing->trash.self.number(), "expunged", false);
-    if (!leftovers)
-        return;
-    for (const auto &name : TrashReading::names(m_calls, leftovers->number())) {
-        const FolderPlace aside{ .folder = leftovers->number(), .name = name };
-        if (!isLeftoverOf(aside, *from.identity))
-            continue;
-        if (TreeEraser(m_calls, aside.folder).erase(name.c_str()).isComplete())
-            std::ignore = m_calls.unlinkAt(aside.folder, TrashNote::nameFor(name).c_str(), 0);
+    std::map<std::string, std::vector<const ThingIdentity *>> ofEachTrash;
+    for (const auto &thing : things) {
+        const auto place = spot(thing.trashPath);
+        if (place && !place->isLeftover && thing.from.identity)
+            ofEachTrash[place->trash].push_back(&*thing.from.identity);
     }
+    for (const auto &[trash, identities] : ofEachTrash)
+        finishErasingIn(trash, identities);
 }
 
-// The thing itself, or, told by its note, what has that note beside it. A note that outlived its thing is one
-// too.
-bool LinuxTrash::isLeftoverOf(const FolderPlace &aside, const ThingIdentity &identity) const
+void LinuxTrash::finishErasingIn(
+    const std::string &trash, const std::vector<const ThingIdentity *> &identities) const
 {
-    const auto isItsNote = [&](const std::string &name) {
-        return !identity.note.empty()
-            && TrashReading::note(m_calls, { .folder = aside.folder, .name = name }) == identity.note;
-    };
-    if (aside.name.ends_with(TrashNote::suffix) && isItsNote(aside.name)) {
-        struct statx status = {};
-        const auto thing = aside.name.substr(0, aside.name.size() - TrashNote::suffix.size());
-        return m_calls.statAt(aside.folder, thing.c_str(), 0, status) != 0 && errno == ENOENT;
-    }
-    if (identity.born != 0 && m_calls.keepsInodes(aside.folder))
-        return TrashReading::hasIdentity(m_calls, aside, identity);
-    return isItsNote(TrashNote::nameFor(aside.name));
+    const auto open = m_folders.existing(trash);
+    if (!open)
+        return;
+    const auto leftovers = m_folders.ownFolder(open->self.number(), "expunged", false);
+    if (!leftovers)
+        return;
+    const int folder = leftovers->number();
+    const LeftoverSearch search(m_calls, folder, identities);
+    for (const auto &name : TrashReading::names(m_calls, folder))
+        if (search.isMeant(name) && TreeEraser(m_calls, folder).erase(name.c_str()).isComplete())
+            std::ignore = m_calls.unlinkAt(folder, TrashNote::nameFor(name).c_str(), 0);
 }
 
 void LinuxTrash::dropLoneNote(const std::string &trashPath, const std::string &text)

@@ -231,12 +231,46 @@ private Q_SLOTS:
         auto others = from;
         others.identity->inode += 1;
         others.identity->note += "X=1\n";
-        f.trash.finishErasing(moved->path, others);
+        f.trash.finishErasing({ { .trashPath = moved->path, .from = others } });
         QCOMPARE(TrashFixture::isThere(expunged + "/17/b"), hasThing);
         QVERIFY(TrashFixture::isThere(expunged + "/17.trashinfo"));
-        f.trash.finishErasing(moved->path, from);
+        f.trash.finishErasing(
+            { { .trashPath = moved->path, .from = others }, { .trashPath = moved->path, .from = from } });
         QCOMPARE(TrashFixture::names(expunged), (std::vector<std::string>{ "other", "other.trashinfo" }));
         QVERIFY(TrashFixture::isThere(expunged + "/other/kept"));
+    }
+
+    void leftoversAreLookedThroughOnce_data()
+    {
+        QTest::addColumn<bool>("hidesInodes");
+        QTest::newRow("by inodes") << false;
+        QTest::newRow("by notes") << true;
+    }
+
+    void leftoversAreLookedThroughOnce()
+    {
+        QFETCH(bool, hidesInodes);
+        TrashFixture f;
+        f.calls.hidesInodes = hidesInodes;
+        f.home.folder(".local/share/Trash/files");
+        f.home.folder(".local/share/Trash/info");
+        for (int number = 0; number < 5; ++number)
+            f.home.file(".local/share/Trash/expunged/" + std::to_string(number));
+        std::vector<GoneThing> gone;
+        const auto callsFor = [&](int count) {
+            gone.clear();
+            for (int number = 1; number <= count; ++number)
+                gone.push_back({ .trashPath = f.files(std::to_string(number)),
+                    .from = { .identity
+                        = ThingIdentity{ .inode = 1, .born = number, .note = std::to_string(number) } } });
+            const int before = f.calls.calls;
+            f.trash.finishErasing(gone);
+            return f.calls.calls - before;
+        };
+        const int forOne = callsFor(1);
+        QVERIFY(forOne > 5);
+        QCOMPARE(callsFor(20), forOne);
+        QCOMPARE(TrashFixture::names(f.places.homeTrash + "/expunged").size(), size_t{ 5 });
     }
 
     void eraseTakesOnlyWhatIsInTheTrash_data()
