@@ -31,14 +31,14 @@ std::optional<JournalUnit> unit(const Json &json)
 }
 
 // What the thing is known by stands beside its row.
-void readRow(std::vector<TrashedItem> &items, const Json &row, const Json &beside)
+std::optional<TrashedItem> readRow(const Json &row, const Json &beside)
 {
     auto item = LedgerFormat::decodeRow(row);
     const auto identity = IdentityFormat::decodeOne(beside);
     if (!item || !identity)
-        return;
+        return std::nullopt;
     item->identity = identity;
-    items.push_back(*std::move(item));
+    return item;
 }
 
 QByteArray rowLine(const char *key, const TrashedItem &item)
@@ -48,11 +48,20 @@ QByteArray rowLine(const char *key, const TrashedItem &item)
     return line(json);
 }
 
-void readEntry(JournalUnit &unit, const Json &json)
+// Where the line of its finding can't be understood, what it names is not lost with that.
+void readMove(std::vector<JournalUnit> &units, const Json &row, const Json &beside)
 {
-    if (const auto *row = member(json, "move")) {
-        readRow(unit.moves, *row, json);
-    } else if (text(json, "failed")) {
+    auto item = readRow(row, beside);
+    if (!item)
+        return;
+    if (units.empty() || units.back().state == JournalUnit::State::whole)
+        units.push_back({ .title = item->label });
+    units.back().moves.push_back(*std::move(item));
+}
+
+void readEnd(JournalUnit &unit, const Json &json)
+{
+    if (text(json, "failed")) {
         unit.state = JournalUnit::State::failed;
     } else if (boolean(json, "whole").value_or(false) && unit.state == JournalUnit::State::open) {
         unit.state = JournalUnit::State::whole;
@@ -68,10 +77,13 @@ void readLine(Content &content, const Json &json)
     } else if (const auto *begun = member(json, "begin")) {
         if (auto read = unit(*begun))
             content.units.push_back(*std::move(read));
-    } else if (const auto *row = member(json, "leave")) {
-        readRow(content.leaving, *row, json);
+    } else if (const auto *moved = member(json, "move")) {
+        readMove(content.units, *moved, json);
+    } else if (const auto *left = member(json, "leave")) {
+        if (auto item = readRow(*left, json))
+            content.leaving.push_back(*std::move(item));
     } else if (!content.units.empty()) {
-        readEntry(content.units.back(), json);
+        readEnd(content.units.back(), json);
     }
 }
 

@@ -16,6 +16,7 @@
 //
 // ROW is a row as it stands in the ledger, without its bytes. An empty line means nothing, and neither does a
 // line that can't be understood: a kill leaves at most one, and the next finding begins on a line of its own.
+// An entry whose finding can't be told is one by itself, of no bytes.
 
 #include "Removal/TrashedItem.h"
 

@@ -90,8 +90,20 @@ private Q_SLOTS:
         const auto usual = beginning() + JournalFormat::move(byInode);
         QCOMPARE(JournalFormat::decode(usual + line + '\n' + JournalFormat::move(byNote)),
             JournalFormat::decode(usual + JournalFormat::move(byNote)));
-        // Nor does an entry without its finding.
-        QCOMPARE(JournalFormat::decode(JournalFormat::move(byNote) + JournalFormat::whole()),
+    }
+
+    // What was moved is not forgotten because the line of its finding is damaged.
+    void entryWithoutItsFindingStandsByItself()
+    {
+        const JournalUnit alone{ .title = byNote.label, .state = State::whole, .moves = { byNote } };
+        const JournalUnit before{
+            .title = u"Caches"_s, .bytes = 30, .planned = 3, .state = State::whole, .moves = { byInode }
+        };
+        const auto lost = "{\"begin\":{}}\n" + JournalFormat::move(byNote) + JournalFormat::whole();
+        QCOMPARE(JournalFormat::decode(lost).units, std::vector{ alone });
+        QCOMPARE(JournalFormat::decode(JournalFormat::encode({ before }) + lost).units,
+            (std::vector{ before, alone }));
+        QCOMPARE(JournalFormat::decode(JournalFormat::whole() + JournalFormat::failed({})),
             JournalFormat::Content());
     }
 
