@@ -103,7 +103,7 @@ void RemovalBooks::close(qint64 bytes, std::vector<HeldItem> held)
 {
     count(bytes);
     // On the thread on which the journal is read, and before the next removal writes to it.
-    static_cast<void>(m_queue.ask([this] { m_journal->close(m_kit.trash); }));
+    static_cast<void>(m_queue.ask([this] { books().close(); }));
     setHeld(std::move(held));
 }
 

@@ -96,7 +96,7 @@ qint64 Books::record(const std::vector<Reclaimer::Outcome> &outcomes, bool byRul
 void Books::enter(const std::vector<Reclaimer::Outcome> &outcomes, bool byRule, const Count &count) const
 {
     count(record(outcomes, byRule));
-    journal.close(trash);
+    close();
 }
 
 std::optional<qint64> Books::recover(qint64 reclaimedSoFar) const
@@ -124,7 +124,13 @@ void Books::takeUp(qint64 reclaimedSoFar, const Count &count) const
     if (!bytes)
         return;
     count(*bytes);
-    journal.close(trash);
+    close();
+}
+
+void Books::close() const
+{
+    if (ledger.isSaved())
+        journal.close(trash);
 }
 
 std::vector<HeldItem> Books::held() const

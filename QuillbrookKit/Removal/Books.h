@@ -52,6 +52,10 @@ struct Books
     /// The same, then counts, and closes the journal.
     void takeUp(qint64 reclaimedSoFar, const Count &count) const;
 
+    /// Once all is counted: closes the journal. Where the ledger could not be saved the journal stays as it
+    /// is, since it alone tells the next start of what went.
+    void close() const;
+
     /// What lies in the Trash still, in the order in which it went.
     [[nodiscard]] std::vector<HeldItem> held() const;
     /// Puts things back where they were, in order; nothing is replaced. What came of each that was tried: why

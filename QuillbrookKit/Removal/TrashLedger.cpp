@@ -11,7 +11,6 @@
 #include <QtGlobal>
 
 #include <algorithm>
-#include <tuple>
 
 namespace Quillbrook {
 
@@ -185,20 +184,21 @@ void TrashLedger::loadIdentities()
 }
 
 // Before the ledger: a row that has lost its identity is trusted less, an identity without a row is nothing.
-void TrashLedger::saveIdentities()
+bool TrashLedger::saveIdentities()
 {
     const auto has = [](const TrashedItem &item) { return item.identity.has_value(); };
     if (!m_hasIdentities && std::ranges::none_of(m_items, has))
-        return;
+        return true;
     m_hasIdentities = true;
-    std::ignore = m_services.writing.replace(identitiesBeside(m_storePath), IdentityFormat::encode(m_items));
+    return m_services.writing.replace(identitiesBeside(m_storePath), IdentityFormat::encode(m_items))
+        .has_value();
 }
 
 void TrashLedger::save()
 {
-    saveIdentities();
-    // A failure is nobody's business: the rows here stay right, and the next save writes them again.
-    std::ignore = m_services.writing.replace(m_storePath, LedgerFormat::encode(m_items));
+    // A failure is told to nobody: the rows here stay right, and the next save writes them again.
+    const bool hasIdentities = saveIdentities();
+    m_isSaved = m_services.writing.replace(m_storePath, LedgerFormat::encode(m_items)) && hasIdentities;
 }
 
 std::vector<TrashedItem> TrashLedger::stillInTrash(const std::vector<TrashedItem> &items) const

@@ -91,6 +91,8 @@ public:
     /// Forgets the rows that are no longer in the Trash; saves when there were any.
     void prune();
 
+    /// Whether the file says what the rows say. Not so where the last save had no room.
+    [[nodiscard]] bool isSaved() const { return m_isSaved; }
     /// In order of recording.
     [[nodiscard]] const std::vector<TrashedItem> &items() const { return m_items; }
     /// Asks the disk about each row, every time.
@@ -106,7 +108,7 @@ public:
 
 private:
     void loadIdentities();
-    void saveIdentities();
+    [[nodiscard]] bool saveIdentities();
     void load();
     void save();
     [[nodiscard]] std::vector<TrashedItem> stillInTrash(const std::vector<TrashedItem> &items) const;
@@ -115,6 +117,7 @@ private:
     std::string m_storePath;
     std::vector<TrashedItem> m_items;
     bool m_hasIdentities = false;
+    bool m_isSaved = true;
 };
 
 } // namespace Quillbrook

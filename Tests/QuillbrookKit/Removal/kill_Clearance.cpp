@@ -202,12 +202,12 @@ public:
     void putBack()
     {
         std::ignore = books().putBack(books().held());
-        m_journal.close(m_trash);
+        books().close();
     }
     void purge()
     {
         books().purge(m_ledger.items());
-        m_journal.close(m_trash);
+        books().close();
     }
     void prune() { m_ledger.prune(); }
 

@@ -210,6 +210,26 @@ private Q_SLOTS:
     }
 
     // All that went is known, also of a finding that failed in part, and none of it a person has reclaimed.
+    // As on a full disk, where a long ledger no longer finds room.
+    void journalStaysUntilTheLedgerIsSaved()
+    {
+        Machine machine;
+        const auto store = machine.f.home.path("data/ledger.json");
+        machine.f.home.file("data/ledger.json/in the way");
+        machine.enter(machine.clear());
+        QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
+        QCOMPARE(machine.total, 57);
+        std::filesystem::remove_all(store);
+        machine.start();
+        QVERIFY(machine.ledger->items().empty());
+        machine.takeUp();
+        QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
+        QCOMPARE(machine.total, 57);
+        machine.start();
+        QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
+        QVERIFY(machine.journal->units().empty());
+    }
+
     void whatARuleMovedBeforeAKillIsMarkedAndNotCounted()
     {
         Machine machine;
