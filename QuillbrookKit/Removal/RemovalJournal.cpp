@@ -36,7 +36,8 @@ RemovalJournal::RemovalJournal(const FileReading &reading, FileWriting &writing,
 
 void RemovalJournal::startBatch(qint64 total)
 {
-    m_total = m_total.value_or(total);
+    if (!m_isTotalWritten)
+        m_total = total;
 }
 
 std::expected<void, QString> RemovalJournal::begin(JournalUnit unit)
@@ -113,8 +114,9 @@ void RemovalJournal::forget(const QSet<QString> &ids)
 // A failure costs nothing: what stands there too long is found to be in the ledger already, and counted.
 void RemovalJournal::save()
 {
+    const auto batch = m_isTotalWritten ? JournalFormat::batch(*m_total) : QByteArray();
     if (m_isFileThere)
-        std::ignore = m_writing.replace(m_path, JournalFormat::encode(m_units));
+        std::ignore = m_writing.replace(m_path, batch + JournalFormat::encode(m_units));
 }
 
 } // namespace Quillbrook

@@ -35,7 +35,7 @@ public:
     RemovalJournal &operator=(const RemovalJournal &) = delete;
 
     /// A clearance begins; `total` is what had been reclaimed so far, in bytes. Written with its first
-    /// finding. The total of one that was never closed stays.
+    /// finding. The total of one that was written and never closed stays.
     void startBatch(qint64 total);
     /// A finding begins. On an error, told as a person may read it, nothing of it may be moved.
     [[nodiscard]] std::expected<void, QString> begin(JournalUnit unit);

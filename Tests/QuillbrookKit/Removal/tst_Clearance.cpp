@@ -62,11 +62,17 @@ struct Machine
         books().takeUp(total, [this](qint64 bytes) { total += bytes; });
     }
     // Of a path that lies where `clear` finds it.
-    void makeStuck(const std::string &path)
+    void makeStuck(const std::string &path, int error = EBUSY)
     {
-        f.calls.before = [name = path.substr(path.rfind('/') + 1)](std::string_view call, const char *of) {
-            return call == "renameat2" && of == name ? EBUSY : 0;
-        };
+        f.calls.before = [name = path.substr(path.rfind('/') + 1), error](std::string_view call,
+                             const char *of) { return call == "renameat2" && of == name ? error : 0; };
+    }
+    // As on a full disk, where a long ledger no longer finds room.
+    void makeLedgerUnsavable() { f.home.file("data/ledger.json/in the way"); }
+    void startWithTheLedgerOfBefore()
+    {
+        std::filesystem::remove_all(f.home.path("data/ledger.json"));
+        start();
     }
 
     TrashFixture f;
@@ -134,10 +140,18 @@ private Q_SLOTS:
         QCOMPARE(machine.books().held().size(), size_t{ 4 });
     }
 
+    void whatFailedInPartIsKeptToBePutBackAndNothingElse_data()
+    {
+        QTest::addColumn<int>("error");
+        QTest::newRow("in use") << EBUSY;
+        QTest::newRow("on another volume") << EXDEV;
+        QTest::newRow("not to be changed") << EPERM;
+    }
     void whatFailedInPartIsKeptToBePutBackAndNothingElse()
     {
+        QFETCH(int, error);
         Machine machine;
-        machine.makeStuck("b");
+        machine.makeStuck("b", error);
         machine.enter(machine.clear());
         machine.f.calls.before = nullptr;
         QCOMPARE(machine.ledger->pendingCount(), 2);
@@ -209,18 +223,27 @@ private Q_SLOTS:
         QCOMPARE(machine.ledger->pendingBytes(), added);
     }
 
-    // All that went is known, also of a finding that failed in part, and none of it a person has reclaimed.
-    // As on a full disk, where a long ledger no longer finds room.
+    void namesThatAreNoTextAreToldApart()
+    {
+        Machine machine;
+        machine.f.home.fileWith("caches/one/a\xfe", "another");
+        machine.enter(machine.clear());
+        QVERIFY(TrashFixture::names(machine.f.home.path("caches/one")).empty());
+        machine.start();
+        for (const auto &done : machine.books().putBack(machine.books().held()))
+            QVERIFY(done);
+        QCOMPARE(TrashFixture::content(machine.f.home.path("caches/one/a\xfe")), "another");
+        QCOMPARE(TrashFixture::content(machine.f.home.path("caches/one/a\xff")), "one/a\xff");
+    }
+
     void journalStaysUntilTheLedgerIsSaved()
     {
         Machine machine;
-        const auto store = machine.f.home.path("data/ledger.json");
-        machine.f.home.file("data/ledger.json/in the way");
+        machine.makeLedgerUnsavable();
         machine.enter(machine.clear());
         QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
         QCOMPARE(machine.total, 57);
-        std::filesystem::remove_all(store);
-        machine.start();
+        machine.startWithTheLedgerOfBefore();
         QVERIFY(machine.ledger->items().empty());
         machine.takeUp();
         QCOMPARE(machine.ledger->items().size(), size_t{ 5 });
@@ -230,6 +253,52 @@ private Q_SLOTS:
         QVERIFY(machine.journal->units().empty());
     }
 
+    // The first one has been counted, the second not.
+    void killAfterAnUnsavedClearanceCountsBothOnce()
+    {
+        Machine machine;
+        machine.makeLedgerUnsavable();
+        machine.enter(machine.clear());
+        for (const auto *name : { "caches/one/later", "caches/two/later" })
+            machine.f.home.file(name);
+        std::ignore = machine.clear();
+        machine.startWithTheLedgerOfBefore();
+        machine.takeUp();
+        QCOMPARE(machine.total, 7 + 50 + 50);
+        QCOMPARE(machine.ledger->items().size(), size_t{ 7 });
+    }
+
+    void puttingBackBeforeTheLedgerIsSavedCountsNothingTwice()
+    {
+        Machine machine;
+        machine.makeLedgerUnsavable();
+        machine.makeStuck("b");
+        machine.enter(machine.clear());
+        machine.f.calls.before = nullptr;
+        auto held = machine.books().held();
+        std::erase_if(held, [](const HeldItem &each) { return !each.isOnlyInJournal; });
+        QCOMPARE(held.size(), size_t{ 2 });
+        for (const auto &done : machine.books().putBack(held))
+            QVERIFY(done);
+        machine.startWithTheLedgerOfBefore();
+        machine.takeUp();
+        QCOMPARE(machine.total, 7 + 20);
+        QCOMPARE(machine.ledger->items().size(), size_t{ 2 });
+    }
+
+    // What is deleted for good is counted too, and stands in no journal.
+    void totalOfAnEmptyClearanceIsNotKept()
+    {
+        Machine machine;
+        machine.journal->startBatch(machine.total);
+        machine.total = 1000;
+        std::ignore = machine.clear();
+        machine.start();
+        machine.takeUp();
+        QCOMPARE(machine.total, 1000 + 50);
+    }
+
+    // All that went is known, also of a finding that failed in part, and none of it a person has reclaimed.
     void whatARuleMovedBeforeAKillIsMarkedAndNotCounted()
     {
         Machine machine;
