@@ -52,7 +52,7 @@ void PathRemovals::removeSelected(bool permanent, std::uint64_t inode)
     {
         NodeSnapshot item{};
         PathRemoval::Item order{};
-        PathRemoval::Removal removal{};
+        std::optional<PathRemoval::Removal> removal{};
     };
     const auto removing = std::make_shared<Removing>();
     removing->item = *selected;
@@ -60,21 +60,33 @@ void PathRemovals::removeSelected(bool permanent, std::uint64_t inode)
         .bytes = selected->bytes,
         .label = selected->name,
         .picked = PathRemoval::Picked{ .isDirectory = selected->isDirectory, .inode = inode } };
-    const auto work = [this, removing, permanent](const RemovalQueue::Watch &watch, const Books &books) {
+    const auto work
+        = [this, removing, permanent](const RemovalQueue::Watch &watch, const Books &books) -> qint64 {
+        if (watch.stop.stop_requested())
+            return 0;
         watch.progress({ .number = 1, .count = 1, .name = removing->order.label });
         const PathRemoval::Manner manner{ .permanent = permanent,
             .home = m_kit.home.rawHomeDirectory(),
             .host = &m_kit.guards,
             .journal = &books.journal };
-        removing->removal = PathRemoval::remove(RemovalServices::of(m_kit), removing->order, manner);
-        if (removing->removal.trashed)
-            books.ledger.record({ *removing->removal.trashed });
-        return removing->removal.bytes;
+        const auto removal = PathRemoval::remove(RemovalServices::of(m_kit), removing->order, manner);
+        if (removal.trashed)
+            books.ledger.record({ *removal.trashed });
+        removing->removal = removal;
+        return removal.bytes;
+    };
+    const auto changed = [removing] {
+        return removing->removal ? ChangedFolders::of(std::vector{ *removing->removal })
+                                 : std::vector<std::string>();
+    };
+    const auto end = [this, removing, permanent] {
+        if (removing->removal)
+            takeSelected(*removing->removal, removing->item, permanent);
     };
     m_books.run({ .verb = permanent ? RemovalQueue::Verb::deleting : RemovalQueue::Verb::moving,
         .work = work,
-        .changed = [removing] { return ChangedFolders::of(std::vector{ removing->removal }); },
-        .end = [this, removing, permanent] { takeSelected(removing->removal, removing->item, permanent); } });
+        .changed = changed,
+        .end = end });
 }
 
 void PathRemovals::takeSelected(const PathRemoval::Removal &removal, const NodeSnapshot &item, bool permanent)

@@ -51,7 +51,7 @@ public:
     [[nodiscard]] std::function<std::uint64_t()> inodeOf(const NodeSnapshot &snapshot) const;
 
     /// Removes what is selected, unless a guard refuses it or it is not what `inode` was read of. The tree
-    /// goes on showing it until the next scan.
+    /// goes on showing it until the next scan. What is stopped before it goes stays, and nothing is told.
     void removeSelected(bool permanent, std::uint64_t inode);
     /// Has `work` done in its turn, takes what it did into the ledger and `uninstallLog`, and then calls
     /// `done`.

@@ -3,6 +3,7 @@
 #include "Support/HomeOnDisk.h"
 #include "Support/Suite.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 
 using namespace Quillbrook;
@@ -108,6 +109,31 @@ private Q_SLOTS:
         fixture.removed();
         QVERIFY(!fixture.has("notes.txt"));
         QCOMPARE(fixture.model->navigation().selection(), other);
+    }
+
+    void selectionThatIsStoppedBeforeItGoesStays_data()
+    {
+        QTest::addColumn<bool>("permanent");
+        QTest::newRow("to the Trash") << false;
+        QTest::newRow("for good") << true;
+    }
+    void selectionThatIsStoppedBeforeItGoesStays()
+    {
+        QFETCH(bool, permanent);
+        const Fixture fixture;
+        const auto picked = fixture.node("notes.txt");
+        fixture.model->navigation().setSelection(picked);
+        const auto inode = fixture.model->pathRemovals().inodeOf(*picked)();
+        QSemaphore go;
+        static_cast<void>(fixture.model->removals().ask([&go] { go.acquire(); }));
+        fixture.model->pathRemovals().removeSelected(permanent, inode);
+        fixture.model->removals().stop();
+        go.release();
+        fixture.removed();
+        QVERIFY(fixture.has("notes.txt"));
+        QCOMPARE(fixture.model->navigation().selection(), picked);
+        QVERIFY(fixture.model->reclaims().reclaimLog().isEmpty());
+        QCOMPARE(fixture.model->books().reclaimedSoFar(), qint64(0));
     }
 
     void withoutASelectionNothingIsRemoved()
