@@ -106,6 +106,10 @@ public:
     /// only where its note says the same place and the same moment. What can't be told is something else.
     [[nodiscard]] virtual bool isStill(const std::string &trashPath, const Provenance &from) const = 0;
 
+    /// Whether the trash of `trashPath` is that of a drive that is not connected now, so that nothing can be
+    /// told of what lies in it.
+    [[nodiscard]] virtual bool isAway(const std::string &trashPath) const = 0;
+
     /// Drops the note of a thing that never came to `trashPath`, where it is `note` or the beginning of it,
     /// as a kill leaves it. Nothing happens where a thing lies there, or the note is another.
     virtual void dropLoneNote(const std::string &trashPath, const std::string &note) = 0;

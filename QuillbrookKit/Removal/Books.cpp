@@ -38,8 +38,12 @@ public:
         const auto share = unit.bytes / unit.planned;
         qint64 bytes = 0;
         QSet<QString> counted;
-        for (const auto &move : unit.moves) {
-            const bool isThere = m_books.tidy(move);
+        for (auto place = unit.moves.begin(); place != unit.moves.end(); ++place) {
+            const auto &move = *place;
+            const bool isTriedAgain = place + 1 != unit.moves.end() && (place + 1)->id == move.id;
+            // The drive may bring it back; under the last name that was tried, if at all.
+            const bool isThere
+                = m_books.tidy(move) || (!isTriedAgain && m_books.trash.isAway(move.trashPath));
             if (unit.isOnlyHere() || counted.contains(move.id))
                 continue;
             if (isThere && !m_known.contains(move.id))

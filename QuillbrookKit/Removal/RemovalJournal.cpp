@@ -94,7 +94,8 @@ void RemovalJournal::close(const Trash &trash)
 {
     for (auto &unit : m_units)
         std::erase_if(unit.moves, [&](const TrashedItem &item) {
-            return !unit.isOnlyHere() || !trash.isStill(item.trashPath, item.provenance());
+            return !unit.isOnlyHere()
+                || (!trash.isStill(item.trashPath, item.provenance()) && !trash.isAway(item.trashPath));
         });
     std::erase_if(m_units, [](const JournalUnit &unit) { return unit.moves.empty(); });
     m_leaving.clear();

@@ -56,7 +56,7 @@ public:
     [[nodiscard]] const std::vector<TrashedItem> &leaving() const { return m_leaving; }
 
     /// What the units hold is in the ledger: forgets all but what a person's removal left in `trash` when it
-    /// failed in part.
+    /// failed in part. What a drive holds that is not connected now is not forgotten.
     void close(const Trash &trash);
     /// Forgets entries of what failed.
     void forget(const QSet<QString> &ids);

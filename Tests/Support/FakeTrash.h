@@ -85,6 +85,7 @@ public:
         const auto found = origins.find(from);
         return things.contains(from) && (found == origins.end() || found->second == was.originalPath);
     }
+    [[nodiscard]] bool isAway(const std::string &) const override { return false; }
     void flush(const std::vector<std::string> &folders) const override { flushed = folders; }
     void takeBackRight(const std::string &, const Provenance &) override { }
     void finishErasing(const std::vector<GoneThing> &gone) override

@@ -53,6 +53,7 @@ public:
     {
         return m_trash.isStill(path, origin);
     }
+    [[nodiscard]] bool isAway(const std::string &path) const override { return m_trash.isAway(path); }
     void dropLoneNote(const std::string &path, const std::string &note) override
     {
         m_trash.dropLoneNote(path, note);

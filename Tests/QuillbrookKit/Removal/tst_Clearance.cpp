@@ -223,6 +223,43 @@ private Q_SLOTS:
         QCOMPARE(machine.ledger->pendingBytes(), added);
     }
 
+    void whatADriveHoldsThatIsAwayIsNotForgotten_data()
+    {
+        QTest::addColumn<bool>("hasFailed");
+        QTest::newRow("killed") << false;
+        QTest::newRow("failed in part") << true;
+    }
+    // No volume is where its trash would be.
+    void whatADriveHoldsThatIsAwayIsNotForgotten()
+    {
+        QFETCH(bool, hasFailed);
+        Machine machine;
+        const auto trash = "/nowhere/stick/" + machine.f.places.ownTrashName() + "/files/";
+        const auto item = [&](const QString &id, const std::string &name) {
+            return TrashedItem{
+                .id = id, .label = id, .trashPath = trash + name, .identity = ThingIdentity{ .note = "note" }
+            };
+        };
+        machine.journal->startBatch(machine.total);
+        QVERIFY(machine.journal->begin({ .title = u"Stick"_s, .bytes = 20, .planned = 2 }));
+        // The second name was taken.
+        for (const auto &tried : { item(u"A"_s, "a"), item(u"B"_s, "b"), item(u"B"_s, "b.2") })
+            QVERIFY(machine.journal->plan(tried));
+        if (hasFailed)
+            machine.journal->fail({});
+        for (int starts = 0; starts < 2; ++starts) {
+            machine.start();
+            machine.takeUp();
+        }
+        QVERIFY(machine.books().held().empty());
+        QStringList names;
+        for (const auto &row : machine.ledger->items())
+            names.append(QString::fromStdString(row.trashPath.substr(trash.size())));
+        QCOMPARE(names, hasFailed ? QStringList() : (QStringList{ u"a"_s, u"b.2"_s }));
+        QCOMPARE(machine.total, hasFailed ? 7 : 27);
+        QCOMPARE(machine.journal->units().size(), hasFailed ? size_t{ 1 } : size_t{ 0 });
+    }
+
     void namesThatAreNoTextAreToldApart()
     {
         Machine machine;

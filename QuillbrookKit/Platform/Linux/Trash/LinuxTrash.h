@@ -37,6 +37,7 @@ public:
     [[nodiscard]] std::expected<void, QString> erase(
         const std::string &trashPath, const Provenance *from) override;
     [[nodiscard]] bool isStill(const std::string &trashPath, const Provenance &from) const override;
+    [[nodiscard]] bool isAway(const std::string &trashPath) const override;
     void dropLoneNote(const std::string &trashPath, const std::string &note) override;
     void takeBackRight(const std::string &trashPath, const Provenance &from) override;
     void finishErasing(const std::vector<GoneThing> &things) override;

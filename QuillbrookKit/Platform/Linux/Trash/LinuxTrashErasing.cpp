@@ -225,6 +225,11 @@ bool LinuxTrash::isStill(const std::string &trashPath, const Provenance &from) c
     return thing && !thing->isLeftover && agrees(*thing, from);
 }
 
+bool LinuxTrash::isAway(const std::string &trashPath) const
+{
+    return m_places.isOnAbsentVolume(standardisedPath(trashPath, {}));
+}
+
 bool LinuxTrash::agrees(const Trashed &thing, const Provenance &from) const
 {
     const FolderPlace place{ .folder = thing.trash.files.number(), .name = thing.name };

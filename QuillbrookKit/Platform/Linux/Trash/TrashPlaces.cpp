@@ -60,8 +60,7 @@ std::optional<TrashPlaces::Position> TrashPlaces::position(const std::string &pa
         return found;
     if (auto found = within(path, ResolvedPath::withoutLinks(homeTrash)))
         return Position{ .trash = homeTrash, .inner = found->inner };
-    const std::array names{ '/' + ownTrashName(), "/.Trash/" + userName() };
-    for (const auto &name : names) {
+    for (const auto &name : namesOnVolumes()) {
         for (auto start = path.find(name); start != std::string::npos; start = path.find(name, start + 1)) {
             auto found = within(path, path.substr(0, start + name.size()));
             if (found && isTopOfVolume(start == 0 ? "/" : path.substr(0, start)))
@@ -69,6 +68,18 @@ std::optional<TrashPlaces::Position> TrashPlaces::position(const std::string &pa
         }
     }
     return std::nullopt;
+}
+
+bool TrashPlaces::isOnAbsentVolume(const std::string &path) const
+{
+    return std::ranges::any_of(namesOnVolumes(), [&path](const auto &name) {
+        return path.contains(name + '/');
+    }) && !position(path);
+}
+
+std::array<std::string, 2> TrashPlaces::namesOnVolumes() const
+{
+    return { '/' + ownTrashName(), "/.Trash/" + userName() };
 }
 
 } // namespace Quillbrook

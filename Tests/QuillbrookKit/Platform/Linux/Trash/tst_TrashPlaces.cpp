@@ -87,6 +87,24 @@ private Q_SLOTS:
         QTEST(QByteArray::fromStdString(places.homeTrash), "trash");
         QCOMPARE(places.user, ::getuid());
     }
+
+    void volumeThatIsNotThereIsToldFromOneThatIs_data()
+    {
+        QTest::addColumn<std::string>("path");
+        QTest::addColumn<bool>("isAway");
+        QTest::newRow("of no volume") << std::string("/nowhere/stick/.Trash-7/files/a") << true;
+        QTest::newRow("of no volume, shared") << std::string("/nowhere/stick/.Trash/7/files/a") << true;
+        QTest::newRow("of the root") << std::string("/.Trash-7/files/a") << false;
+        QTest::newRow("of the home folder") << std::string("/home/someone/Trash/files/a") << false;
+        QTest::newRow("another user's") << std::string("/nowhere/stick/.Trash-77/files/a") << false;
+        QTest::newRow("no trash at all") << std::string("/nowhere/stick/files/a") << false;
+    }
+    void volumeThatIsNotThereIsToldFromOneThatIs()
+    {
+        QFETCH(std::string, path);
+        const TrashPlaces places{ .homeTrash = "/home/someone/Trash", .user = 7 };
+        QTEST(places.isOnAbsentVolume(path), "isAway");
+    }
 };
 
 QUILLBROOK_SUITE(TestTrashPlaces, NoApplication)
