@@ -24,7 +24,7 @@ Sheet {
     Component.onCompleted: follow()
     closePolicy: sheet.isWorking ? T.Popup.NoAutoClose : T.Popup.CloseOnEscape
     onClosed: sheet.dismiss()
-    onOpened: cancelButton.forceActiveFocus()
+    onOpened: hold(cancelButton)
 
     Connections {
         function onOpenChanged() {

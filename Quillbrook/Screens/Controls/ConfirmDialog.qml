@@ -28,7 +28,7 @@ Sheet {
     // Wider where the words on the buttons ask for it.
     width: Math.max(Metrics.dialogWidth, buttons.implicitWidth + 2 * Metrics.space20)
 
-    onOpened: cancelButton.forceActiveFocus()
+    onOpened: hold(cancelButton)
 
     ColumnLayout {
         id: column

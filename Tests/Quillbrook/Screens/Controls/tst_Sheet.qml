@@ -138,6 +138,46 @@ TestCase {
         compare(clicks.count, 1);
     }
 
+    function test_theKeyboardGoesBackToWhereItWas_data() {
+        return [
+            {
+                tag: "with its ring",
+                reason: Qt.TabFocusReason,
+                ring: true
+            },
+            {
+                tag: "without one",
+                reason: Qt.MouseFocusReason,
+                ring: false
+            }
+        ];
+    }
+
+    function test_theKeyboardGoesBackToWhereItWas(row) {
+        const behind = createTemporaryObject(behindMaker, root);
+        behind.forceActiveFocus(row.reason);
+        const dialog = opened();
+        const cancel = findChild(dialog.contentItem, "cancelButton");
+        tryCompare(cancel, "activeFocus", true);
+        compare(cancel.visualFocus, row.ring);
+        keyClick(Qt.Key_Escape);
+        tryCompare(behind, "activeFocus", true);
+        compare(behind.visualFocus, row.ring);
+    }
+
+    // As a question that follows from the answer does.
+    function test_whoTookTheKeyboardMeanwhileKeepsIt() {
+        const before = createTemporaryObject(behindMaker, root);
+        const after = createTemporaryObject(behindMaker, root);
+        before.forceActiveFocus(Qt.TabFocusReason);
+        const dialog = opened();
+        dialog.closed.connect(() => verify(after.activeFocus));
+        dialog.close();
+        after.forceActiveFocus(Qt.TabFocusReason);
+        tryCompare(dialog, "visible", false);
+        verify(after.activeFocus);
+    }
+
     function test_escapeAsksForNothing() {
         const dialog = opened();
         const destructive = findChild(dialog.contentItem, "destructive");
