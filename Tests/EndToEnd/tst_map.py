@@ -222,6 +222,9 @@ class Map(case.Case):
         quillbrook.window().one("push button", "Clear selection").focus()
         desktop.keys("Return")
         self.becomes(self.bar, [])
+        # The keyboard is on the map again.
+        desktop.keys("space")
+        self.becomes(lambda: len(self.bar()), 1)
 
     def testThingsAreCountedUpToFiveThousand(self):
         for folder, count in (("development/few", 4999), ("development/many", 5000), ("development/one", 1)):

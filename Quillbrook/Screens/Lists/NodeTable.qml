@@ -103,5 +103,10 @@ ColumnLayout {
     SelectionBar {
         Layout.fillWidth: true
         selection: root.selection
+        // A folder that was opened is on another screen.
+        onKeyboardLeft: reason => {
+            if (root.visible && list.currentItem)
+                list.currentItem.forceActiveFocus(reason);
+        }
     }
 }

@@ -28,6 +28,8 @@ ColumnLayout {
     }
 
     TreemapView {
+        id: view
+
         Layout.fillHeight: true
         Layout.fillWidth: true
         Layout.leftMargin: Metrics.paneInset
@@ -43,5 +45,6 @@ ColumnLayout {
         Layout.rightMargin: Metrics.paneInset
         Layout.topMargin: Metrics.space12
         selection: root.selection
+        onKeyboardLeft: reason => view.enter(reason)
     }
 }

@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
+import QtQuick.Templates as T
 import Quillbrook
 
 // What is selected on the map or in a list, and what can be done with it.
@@ -9,6 +10,17 @@ Card {
     id: root
 
     required property SelectionBarState selection
+
+    // What had the keyboard is about to go with the bar; `reason` is how it had come there.
+    signal keyboardLeft(reason: int)
+
+    function leave(button: T.Control, act: var) {
+        const held = button.activeFocus;
+        const reason = button.focusReason;
+        act();
+        if (held)
+            keyboardLeft(reason);
+    }
 
     Accessible.name: selection.name
     Accessible.role: Accessible.Grouping
@@ -110,7 +122,7 @@ Card {
 
             text: qsTr("Open")
             visible: root.selection.canOpen
-            onClicked: root.selection.open()
+            onClicked: root.leave(opener, () => root.selection.open())
         }
 
         PushButton {
@@ -148,7 +160,7 @@ Card {
         y: (Metrics.selectionBarHeight - height) / 2
         symbol: "xmark"
         text: qsTr("Clear selection")
-        onClicked: root.selection.dismiss()
+        onClicked: root.leave(closer, () => root.selection.dismiss())
     }
 
     // Why it can't be removed, in place of the buttons that would.

@@ -9,7 +9,13 @@ Item {
 
     required property MapState map
 
+    function enter(reason: int) {
+        item.forceActiveFocus(reason);
+    }
+
     TreemapItem {
+        id: item
+
         Accessible.name: qsTr("Map")
         Accessible.role: Accessible.List
         anchors.fill: parent
