@@ -43,7 +43,7 @@ WardenState::WardenState(AppModel &model, QObject *parent)
     connect(&m_model.automation(), &AutomationDriver::offerChanged, this, &WardenState::refresh);
     connect(&m_model.reclaims(), &ReclaimDriver::safetyNetChanged, this, &WardenState::refresh);
     connect(&m_model.books(), &RemovalBooks::changed, this, &WardenState::followHeld);
-    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &WardenState::refresh);
+    connect(&m_model.removals(), &RemovalQueue::busyChanged, this, &WardenState::followRemovals);
     refresh();
 }
 
@@ -156,8 +156,16 @@ void WardenState::reclaim(bool permanently)
     const auto asked = std::exchange(m_asked, {});
     if (asked.isEmpty())
         return;
-    m_chosen.clear();
+    m_isClearing = true;
     m_model.reclaims().reclaim(asked, permanently);
+    followRemovals();
+}
+
+// What goes stays ticked until it has gone.
+void WardenState::followRemovals()
+{
+    if (!m_model.removals().isBusy() && std::exchange(m_isClearing, false))
+        m_chosen.clear();
     refresh();
 }
 

@@ -103,6 +103,7 @@ private:
     void askToFinish();
     void followPhase();
     void followHeld();
+    void followRemovals();
     void refresh();
     void setSums();
     void setEmptyMessage();
@@ -110,6 +111,8 @@ private:
     AppModel &m_model;
     WardenListModel m_rows;
     QSet<QString> m_chosen;
+    /// What is ticked goes, or has just gone.
+    bool m_isClearing = false;
     QSet<QString> m_pathShown;
     QList<Finding> m_asked;
     RemovalState m_removal;

@@ -102,8 +102,12 @@ private Q_SLOTS:
     void answerMovesWhatIsTickedAndUnticksIt()
     {
         Fixture fixture;
+        const auto ticked = fixture.warden.chosen();
         fixture.warden.askToReclaim();
         fixture.warden.reclaim(false);
+        // What goes stays ticked meanwhile.
+        QVERIFY(fixture.model->removals().isBusy());
+        QCOMPARE(fixture.warden.chosen(), ticked);
         fixture.settled();
         QVERIFY(fixture.isTrashed("one"));
         QVERIFY(fixture.isTrashed("log"));
